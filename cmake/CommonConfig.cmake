@@ -1,0 +1,40 @@
+# What every target of this project is compiled with. Third-party headers are included as system headers and stay quiet.
+
+option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
+option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+find_program(QUARRYNET_CCACHE ccache)
+if(QUARRYNET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${QUARRYNET_CCACHE}")
+endif()
+
+add_library(quarrynet_warnings INTERFACE)
+if(MSVC)
+  target_compile_options(quarrynet_warnings INTERFACE /W4 /utf-8 /permissive-)
+  if(QUARRYNET_WARNINGS_AS_ERRORS)
+    target_compile_options(quarrynet_warnings INTERFACE /WX)
+  endif()
+else()
+  target_compile_options(quarrynet_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual)
+  if(QUARRYNET_WARNINGS_AS_ERRORS)
+    target_compile_options(quarrynet_warnings INTERFACE -Werror)
+    target_compile_definitions(quarrynet_warnings INTERFACE _GLIBCXX_ASSERTIONS)
+  endif()
+endif()
+
+if(QUARRYNET_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
