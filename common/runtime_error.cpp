@@ -13,6 +13,8 @@ std::string_view describe(RuntimeError error)
         return "Out of memory";
     case RuntimeError::SubscriptOutOfRange:
         return "Subscript out of range";
+    case RuntimeError::DivisionByZero:
+        return "Division by zero";
     case RuntimeError::TypeMismatch:
         return "Type mismatch";
     }

@@ -16,6 +16,7 @@ enum class RuntimeError : std::uint8_t
     Overflow = 6,
     OutOfMemory = 7,
     SubscriptOutOfRange = 9,
+    DivisionByZero = 11,
     TypeMismatch = 13,
 };
 
