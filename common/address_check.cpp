@@ -1,0 +1,199 @@
+#include "common/address_check.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "common/cutting.h"
+
+namespace quarrynet {
+
+namespace {
+
+// An argument of a program may be 128 KB long on the strictest of the systems.
+constexpr std::size_t kMaxLength = 64 * 1024;
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isAlphanumeric(char c)
+{
+    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z');
+}
+
+bool isHexDigit(char c)
+{
+    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f');
+}
+
+bool isOneOf(char c, std::string_view characters)
+{
+    return characters.find(c) != std::string_view::npos;
+}
+
+bool isControl(char c)
+{
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
+}
+
+bool isNonAscii(char c)
+{
+    return static_cast<unsigned char>(c) >= 0x80;
+}
+
+std::string lowered(std::string_view text)
+{
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lower);
+    return result;
+}
+
+// `text` with every byte encoded that is neither a letter, a digit nor one of `allowed`; what is encoded already stays.
+std::string encoded(std::string_view text, std::string_view allowed)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const bool escape = c == '%' && i + 2 < text.size() && isHexDigit(text[i + 1]) && isHexDigit(text[i + 2]);
+        if (escape || isAlphanumeric(c) || isOneOf(c, allowed)) {
+            result += c;
+        } else {
+            const auto code = static_cast<unsigned char>(c);
+            result += '%';
+            result += kDigits[code >> 4U];
+            result += kDigits[code & 15U];
+        }
+    }
+    return result;
+}
+
+// RFC 3986, section 3.2: user information, host and port. Stricter where a program behind the desktop might stumble: no
+// host that looks like an option, none that is empty.
+bool isAuthority(std::string_view authority)
+{
+    std::string_view user;
+    std::string_view host = authority;
+    if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
+        user = authority.substr(0, at);
+        host = authority.substr(at + 1);
+    }
+    const auto isUserByte = [](char c) {
+        return isAlphanumeric(c) || isNonAscii(c) || isOneOf(c, "-._~%!&*+,;=:$'()");
+    };
+    if (!std::all_of(user.begin(), user.end(), isUserByte))
+        return false;
+    if (authority.empty() || authority.front() == '-' || host.empty() || host.front() == '-')
+        return false;
+
+    std::string_view port;
+    if (host.front() == '[') { // an IPv6 address
+        const std::size_t end = host.find(']');
+        if (end == std::string_view::npos || end < 3)
+            return false;
+        const std::string_view inner = host.substr(1, end - 1);
+        if (!std::all_of(inner.begin(), inner.end(), [](char c) { return isHexDigit(c) || isOneOf(c, ":."); }))
+            return false;
+        port = host.substr(end + 1);
+    } else {
+        const std::size_t colon = std::min(host.find(':'), host.size());
+        port = host.substr(colon);
+        const std::string_view name = host.substr(0, colon);
+        const auto isHostByte = [](char c) { return isAlphanumeric(c) || isNonAscii(c) || isOneOf(c, "-._~%"); };
+        if (name.empty() || !std::all_of(name.begin(), name.end(), isHostByte))
+            return false;
+    }
+    if (port.empty())
+        return true;
+    if (port.front() != ':')
+        return false;
+    port.remove_prefix(1);
+    return port.size() <= 5 && std::all_of(port.begin(), port.end(), isDigit);
+}
+
+// Between a scheme's colon and the end. "!" stays: pages that keep their place behind "#!" would lose it.
+constexpr std::string_view kPathBytes = "-._~!*&+,;=:@/";
+
+std::string encodedPath(std::string_view text)
+{
+    const std::size_t fragment = std::min(text.find('#'), text.size());
+    const std::size_t query = std::min(text.find('?'), fragment);
+    constexpr std::string_view kQueryBytes = "-._~!*&+,;=:@/?";
+    std::string result = encoded(text.substr(0, query), kPathBytes);
+    if (query < fragment)
+        result += '?' + encoded(text.substr(query + 1, fragment - query - 1), kQueryBytes);
+    if (fragment < text.size())
+        result += '#' + encoded(text.substr(fragment + 1), kQueryBytes);
+    return result;
+}
+
+std::optional<std::string> networkAddress(std::string_view scheme, std::string_view rest)
+{
+    if (rest.substr(0, 2) != "//")
+        return std::nullopt;
+    rest.remove_prefix(2);
+    const std::size_t end = std::min(rest.find_first_of("/?#"), rest.size());
+    const std::string_view authority = rest.substr(0, end);
+    if (!isAuthority(authority))
+        return std::nullopt;
+    return std::string(scheme) + "://" + encoded(authority, "-._~!*&+,;=:@[]") + encodedPath(rest.substr(end));
+}
+
+// RFC 6068, section 4: of the fields that an address may set, only those that a letter is made of are safe.
+bool isLetterField(std::string_view field)
+{
+    constexpr std::array<std::string_view, 7> kFields = {"to",   "cc",       "bcc",        "subject",
+                                                         "body", "keywords", "in-reply-to"};
+    const std::string name = lowered(field.substr(0, field.find('=')));
+    return std::find(kFields.begin(), kFields.end(), name) != kFields.end();
+}
+
+std::optional<std::string> mailAddress(std::string_view rest)
+{
+    // A part behind "#" has no meaning here, and mail programs differ in what they make of it.
+    if (rest.empty() || rest.front() == '-' || isOneOf('#', rest))
+        return std::nullopt;
+    if (const std::size_t query = rest.find('?'); query != std::string_view::npos) {
+        std::string_view fields = rest.substr(query + 1);
+        while (!fields.empty()) {
+            const std::size_t end = std::min(fields.find('&'), fields.size());
+            if (!isLetterField(fields.substr(0, end)))
+                return std::nullopt;
+            fields.remove_prefix(std::min(end + 1, fields.size()));
+        }
+    }
+    return "mailto:" + encodedPath(rest);
+}
+
+} // namespace
+
+std::optional<std::string> openableAddress(std::string_view address)
+{
+    address = trimBlanks(address);
+    if (address.size() > kMaxLength || std::any_of(address.begin(), address.end(), isControl))
+        return std::nullopt;
+    const std::size_t colon = address.find(':');
+    if (colon == std::string_view::npos)
+        return std::nullopt;
+    const std::string scheme = lowered(address.substr(0, colon));
+    const std::string_view rest = address.substr(colon + 1);
+
+    std::optional<std::string> result;
+    if (scheme == "http" || scheme == "https" || scheme == "ftp" || scheme == "ftps")
+        result = networkAddress(scheme, rest);
+    else if (scheme == "mailto")
+        result = mailAddress(rest);
+    if (result && result->size() > kMaxLength)
+        return std::nullopt;
+    return result;
+}
+
+} // namespace quarrynet
