@@ -1,0 +1,77 @@
+// FindReplace against one std::string pass that does the same replacement from left to right. Compare the rows of one
+// size: at most 3 times the pass. Compare the rows of one routine: 8 MB may take 8 times as long as 1 MB.
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <benchmark/benchmark.h>
+
+#include "common/text_utilities.h"
+
+using namespace quarrynet;
+
+namespace {
+
+// A match every 20 bytes, so 50,000 in a megabyte.
+std::string textWithMatches(std::size_t megabytes)
+{
+    std::string text;
+    text.reserve(megabytes << 20);
+    while (text.size() < (megabytes << 20))
+        text += "some<b>word of text.";
+    return text;
+}
+
+std::string pass(std::string_view source, std::string_view sought, std::string_view replacement)
+{
+    std::string out;
+    std::size_t from = 0;
+    for (std::size_t at = source.find(sought); at != std::string_view::npos; at = source.find(sought, from)) {
+        out.append(source, from, at - from).append(replacement);
+        from = at + sought.size();
+    }
+    return out.append(source, from);
+}
+
+using Routine = std::string(std::string_view, std::string_view, std::string_view);
+
+void replace(benchmark::State& state, Routine* routine, std::string_view sought, std::string_view replacement)
+{
+    const std::string text = textWithMatches(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(routine(text, sought, replacement));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+// Every removal forms the next match, to the middle of the text and out again.
+void nest(benchmark::State& state)
+{
+    const auto depth = static_cast<std::size_t>(state.range(0)) << 18;
+    std::string text;
+    for (std::size_t i = 0; i < depth; ++i)
+        text += "<b/";
+    text.append(depth, '>');
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FindReplace(text, "<b/>", ""));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+// Never ends when done plainly: runs into the bound.
+void growing(benchmark::State& state)
+{
+    std::string text;
+    while (text.size() < static_cast<std::size_t>(state.range(0)) << 20)
+        text += "aaab";
+    for (auto _ : state)
+        benchmark::DoNotOptimize(FindReplace(text, "ab", "bbaa"));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(replace, remove_by_pass, pass, "<b>", "")->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(replace, remove, FindReplace, "<b>", "")->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(replace, encode_by_pass, pass, "d of", "+")->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(replace, encode, FindReplace, "d of", "+")->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK(nest)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);
+BENCHMARK(growing)->Arg(1)->Arg(8)->Unit(benchmark::kMillisecond);

@@ -1,0 +1,236 @@
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "common/text_utilities.h"
+
+using namespace quarrynet;
+
+namespace {
+
+enum class Plain
+{
+    Ended,
+    GaveUp,
+};
+
+// The procedure as it is defined: replace the first, start again, until nothing changes.
+Plain plainFindReplace(std::string& text, const std::string& sought, const std::string& replacement)
+{
+    for (int round = 0; round < 3000 && text.size() < 20000; ++round) {
+        const std::size_t at = text.find(sought);
+        std::string next = text;
+        if (at != std::string::npos)
+            next = text.substr(0, at) + replacement + text.substr(at + sought.size());
+        if (next == text)
+            return Plain::Ended;
+        text = next;
+    }
+    return Plain::GaveUp;
+}
+
+std::string onePass(const std::string& source, const std::string& sought, const std::string& replacement)
+{
+    std::string out;
+    std::size_t from = 0;
+    for (std::size_t at = source.find(sought); at != std::string::npos; at = source.find(sought, from)) {
+        out += source.substr(from, at - from) + replacement;
+        from = at + sought.size();
+    }
+    return out + source.substr(from);
+}
+
+std::string randomText(std::mt19937& random, std::size_t longest, int letters)
+{
+    std::string text(random() % (longest + 1), 'a');
+    for (char& c : text)
+        c = static_cast<char>('a' + static_cast<int>(random() % static_cast<unsigned>(letters)));
+    return text;
+}
+
+std::string repeated(const std::string& text, std::size_t times)
+{
+    std::string out;
+    for (std::size_t i = 0; i < times; ++i)
+        out += text;
+    return out;
+}
+
+} // namespace
+
+TEST(ReplaceFirstInstance, ReplacesTheFirstOnly)
+{
+    EXPECT_EQ(ReplaceFirstInstance("abcabc", "bc", "X"), "aXabc");
+    EXPECT_EQ(ReplaceFirstInstance("abc", "c", ""), "ab");
+}
+
+TEST(ReplaceFirstInstance, NoMatchLeavesTheTextAlone)
+{
+    EXPECT_EQ(ReplaceFirstInstance("abc", "z", "X"), "abc");
+    EXPECT_EQ(ReplaceFirstInstance("abc", "B", "X"), "abc");
+    EXPECT_EQ(ReplaceFirstInstance("", "a", "X"), "");
+}
+
+TEST(ReplaceFirstInstance, EmptySearchTextIsFoundAtTheStart)
+{
+    EXPECT_EQ(ReplaceFirstInstance("abc", "", "X"), "Xabc");
+    EXPECT_EQ(ReplaceFirstInstance("", "", "X"), "X");
+}
+
+TEST(FindReplace, ReplacesEveryMatch)
+{
+    EXPECT_EQ(FindReplace("a b", " ", "+"), "a+b");
+    EXPECT_EQ(FindReplace("http%3A%2F%2Fx", "%2F", "/"), "http%3A//x");
+    EXPECT_EQ(FindReplace("1,234,567", ",", ""), "1234567");
+}
+
+TEST(FindReplace, LooksAgainAtWhatAReplacementFormed)
+{
+    EXPECT_EQ(FindReplace("a    b", "  ", " "), "a b");
+    EXPECT_EQ(FindReplace("aaaa", "aa", "a"), "a");
+    EXPECT_EQ(FindReplace("<<b>b>x", "<b>", ""), "x");
+    EXPECT_EQ(FindReplace("a<b<b>>c", "<b>", ""), "ac");
+    EXPECT_EQ(FindReplace("aab", "ab", "b"), "b");
+    EXPECT_EQ(FindReplace("aabb", "ab", "ba"), "bbaa");
+}
+
+TEST(FindReplace, ComparesCase)
+{
+    EXPECT_EQ(FindReplace("Abc", "a", "x"), "Abc");
+}
+
+TEST(FindReplace, EmptySearchTextGivesTheEmptyText)
+{
+    EXPECT_EQ(FindReplace("abc", "", "x"), "");
+    EXPECT_EQ(FindReplace("", "", ""), "");
+}
+
+TEST(FindReplace, EmptySourceStaysEmpty)
+{
+    EXPECT_EQ(FindReplace("", "a", "x"), "");
+}
+
+TEST(FindReplace, NoMatchGivesTheSource)
+{
+    EXPECT_EQ(FindReplace("abc", "z", "x"), "abc");
+    EXPECT_EQ(FindReplace("abc", "abcd", "x"), "abc");
+}
+
+TEST(FindReplace, ReplacementEqualToTheSearchTextEnds)
+{
+    EXPECT_EQ(FindReplace("aXa", "a", "a"), "aXa");
+}
+
+TEST(FindReplace, NulAndHighBytesAreBytesLikeOthers)
+{
+    const std::string nul(1, '\0');
+    EXPECT_EQ(FindReplace("a" + nul + nul + "b", nul + nul, nul), "a" + nul + "b");
+    EXPECT_EQ(FindReplace("\xff\xfe\xff", "\xff", "\xc3\xa9"), "\xc3\xa9\xfe\xc3\xa9");
+}
+
+TEST(FindReplace, ReplacementHoldingTheSearchTextGivesOnePass)
+{
+    EXPECT_EQ(FindReplace("a-a", "a", "aa"), "aa-aa");
+    EXPECT_EQ(FindReplace("xabx", "ab", "cabd"), "xcabdx");
+    const std::string sought = repeated("xy", 40);
+    EXPECT_EQ(FindReplace("1" + sought + "2" + sought, sought, "<" + sought + ">"),
+              "1<" + sought + ">2<" + sought + ">");
+}
+
+TEST(FindReplace, ReplacementThatGrowsForEverGivesOnePass)
+{
+    // Each round makes another match out of the replacement and the byte before it.
+    EXPECT_EQ(FindReplace("aab", "ab", "bbaa"), onePass("aab", "ab", "bbaa"));
+    EXPECT_EQ(FindReplace(repeated("aaab", 1000), "ab", "bbaa"), onePass(repeated("aaab", 1000), "ab", "bbaa"));
+    // Ends, but not before it has grown to 2^400 bytes.
+    EXPECT_EQ(FindReplace(std::string(400, 'a') + "b", "ab", "bba"), std::string(399, 'a') + "bba");
+}
+
+TEST(FindReplace, LongSearchTextsBehaveAlike)
+{
+    const std::string sought = std::string(50, 'a') + "b";
+    EXPECT_EQ(FindReplace(std::string(70, 'a') + "bc", sought, "x"), std::string(20, 'a') + "xc");
+    EXPECT_EQ(FindReplace(sought.substr(0, 20) + sought + sought.substr(20), sought, ""), "");
+    EXPECT_EQ(FindReplace(std::string(100000, 'a'), std::string(60, 'a'), std::string(59, 'a')), std::string(59, 'a'));
+}
+
+TEST(FindReplace, HugeNestCollapses)
+{
+    const std::size_t depth = 500000;
+    EXPECT_EQ(FindReplace(repeated("<b", depth) + repeated(">", depth), "<b>", ""), "");
+    EXPECT_EQ(FindReplace(std::string(4 * depth, ' '), "  ", " "), " ");
+}
+
+TEST(FindReplace, IsThePlainProcedureOnRandomTexts)
+{
+    std::mt19937 random(20240611);
+    int ended = 0;
+    int joined = 0;
+    for (int i = 0; i < 60000; ++i) {
+        const int letters = 1 + static_cast<int>(random() % 3);
+        const std::string source = randomText(random, 24, letters);
+        const std::string sought = randomText(random, 5, letters);
+        const std::string replacement = randomText(random, 5, letters);
+        if (sought.empty())
+            continue;
+        std::string plain = source;
+        if (replacement != sought && replacement.find(sought) != std::string::npos) {
+            ASSERT_EQ(FindReplace(source, sought, replacement), onePass(source, sought, replacement))
+                << source << ", " << sought << ", " << replacement;
+            continue;
+        }
+        if (i % 20 != 0 && replacement.size() > sought.size())
+            continue; // most of these run into the bound, at a cost
+        if (plainFindReplace(plain, sought, replacement) == Plain::GaveUp)
+            continue;
+        ++ended;
+        joined += plain != onePass(source, sought, replacement) ? 1 : 0;
+        ASSERT_EQ(FindReplace(source, sought, replacement), plain) << source << ", " << sought << ", " << replacement;
+    }
+    EXPECT_GT(ended, 20000);
+    EXPECT_GT(joined, 1000);
+}
+
+TEST(FindReplace, IsThePlainProcedureOnRandomLongSearchTexts)
+{
+    std::mt19937 random(7);
+    for (int i = 0; i < 3000; ++i) {
+        const std::string sought = repeated(randomText(random, 3, 2) + "a", 12) + randomText(random, 30, 2);
+        std::string source = randomText(random, 30, 2);
+        for (int part = 0; part < 6; ++part)
+            source += sought.substr(0, random() % (sought.size() + 1)) + sought.substr(random() % sought.size());
+        const std::string replacement = sought.substr(random() % sought.size()).substr(0, random() % 8);
+        std::string plain = source;
+        if (replacement == sought || plainFindReplace(plain, sought, replacement) == Plain::GaveUp)
+            continue;
+        ASSERT_EQ(FindReplace(source, sought, replacement), plain) << source << ", " << sought;
+    }
+}
+
+TEST(ContainsText, FindsAtEveryPlace)
+{
+    EXPECT_TRUE(containsText("pineapple", "apple"));
+    EXPECT_TRUE(containsText("pineapple", "pine"));
+    EXPECT_FALSE(containsText("pineapple", "Apple"));
+    EXPECT_FALSE(containsText("app", "apple"));
+}
+
+TEST(ContainsText, EmptyTextIsEverywhere)
+{
+    EXPECT_TRUE(containsText("", ""));
+    EXPECT_TRUE(containsText("abc", ""));
+}
+
+TEST(ContainsText, AgreesWithFindOnLongPeriodicTexts)
+{
+    std::mt19937 random(11);
+    for (int i = 0; i < 2000; ++i) {
+        const std::string sought = repeated(randomText(random, 3, 2), 30) + randomText(random, 3, 2);
+        std::string text = randomText(random, 40, 2);
+        for (int part = 0; part < 3; ++part)
+            text += sought.substr(0, random() % (sought.size() + 1)) + randomText(random, 2, 2);
+        ASSERT_EQ(containsText(text, sought), text.find(sought) != std::string::npos) << text << ", " << sought;
+    }
+}
