@@ -1,0 +1,226 @@
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QtTest>
+
+#include "dialogs/frmAbout.h"
+
+using namespace Qt::Literals::StringLiterals;
+using quarrynet::frmAbout;
+using quarrynet::Registry;
+using quarrynet::RegistryValue;
+
+namespace {
+
+constexpr const char* kInfoKey = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
+constexpr const char* kFolderKey = "SOFTWARE\\Microsoft\\Shared Tools Location";
+
+class MadeUpRegistry : public Registry
+{
+public:
+    std::optional<RegistryValue> query(std::uint32_t root, const std::string& key,
+                                       const std::string& name) const override
+    {
+        const auto found = values.find({key, name});
+        if (root != kLocalMachine || found == values.end())
+            return std::nullopt;
+        return found->second;
+    }
+
+    void setText(const char* key, const char* name, const std::string& text)
+    {
+        values[{key, name}] = RegistryValue{1, text + '\0'};
+    }
+
+    std::map<std::pair<std::string, std::string>, RegistryValue> values;
+};
+
+} // namespace
+
+class AboutTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void saysWhatTheProgramIs();
+    void okCloses();
+    void escapeCloses();
+    void firstKeyIsStartedAsItStands();
+    void secondKeyIsStartedWhenItsFileExists();
+    void secondKeyWithoutFileIsUnavailable();
+    void emptyRegistryIsUnavailable();
+    void systemsOwnRegistryGivesAnAnswer();
+    void programThatDoesNotStartIsUnavailable();
+    void otherTypeStartsNothingFromTheFirstKey();
+    void valueThatCannotBeReadEmptiesTheText();
+    void valueOfOtherTypeLeavesTheText();
+    void numberIsReadByteByByte();
+
+private:
+    // Clicks the button, and answers the box that it may bring; its text, or null without one.
+    QString clickSysInfo();
+
+    MadeUpRegistry registry_;
+    std::vector<std::string> started_;
+    bool starts_ = true;
+    QMessageBox::Icon icon_ = QMessageBox::Critical;
+};
+
+void AboutTest::init()
+{
+    registry_.values.clear();
+    started_.clear();
+    starts_ = true;
+}
+
+QString AboutTest::clickSysInfo()
+{
+    frmAbout about(registry_, [this](const std::string& path) {
+        started_.push_back(path);
+        return starts_;
+    });
+    about.show();
+    QString text;
+    QTimer::singleShot(0, &about, [this, &text] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            text = box->windowTitle() + u": "_s + box->text();
+            icon_ = box->icon();
+            box->button(QMessageBox::Ok)->click();
+        }
+    });
+    QTest::mouseClick(about.findChild<QPushButton*>(u"cmdSysInfo"_s), Qt::LeftButton);
+    return text;
+}
+
+static const QString& unavailable()
+{
+    static const QString text = u"Quarrynet: System Information Is Unavailable At This Time"_s;
+    return text;
+}
+
+void AboutTest::saysWhatTheProgramIs()
+{
+    frmAbout about(registry_, [](const std::string&) { return true; });
+    QCOMPARE(about.objectName(), u"frmAbout"_s);
+    QCOMPARE(about.windowTitle(), u"About Quarrynet"_s);
+    QCOMPARE(about.findChild<QLabel*>(u"lblTitle"_s)->text(), u"Quarrynet"_s);
+    QCOMPARE(about.findChild<QLabel*>(u"lblVersion"_s)->text(), u"Version 1.0.0"_s);
+    QCOMPARE(about.findChild<QLabel*>(u"lblDescription"_s)->text(),
+             u"This program is for searching information, images and files on the internet."_s);
+    QCOMPARE(about.findChild<QPushButton*>(u"cmdSysInfo"_s)->text(), u"&System Info..."_s);
+    QVERIFY(about.findChild<QPushButton*>(u"cmdOK"_s)->isDefault());
+    QVERIFY(!about.findChild<QLabel*>(u"Image1"_s)->pixmap().isNull());
+    QVERIFY(!about.findChild<QLabel*>(u"Image2"_s)->pixmap().isNull());
+    QVERIFY(about.findChild<QFrame*>(u"Line1"_s));
+    about.show();
+    if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
+        about.grab().save(qEnvironmentVariable("QUARRYNET_SCREENSHOTS") + u"/about.png"_s);
+}
+
+void AboutTest::okCloses()
+{
+    frmAbout about(registry_, [](const std::string&) { return true; });
+    about.show();
+    QTest::mouseClick(about.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
+    QVERIFY(!about.isVisible());
+}
+
+void AboutTest::escapeCloses()
+{
+    frmAbout about(registry_, [](const std::string&) { return true; });
+    about.show();
+    QTest::keyClick(&about, Qt::Key_Escape);
+    QVERIFY(!about.isVisible());
+}
+
+void AboutTest::firstKeyIsStartedAsItStands()
+{
+    registry_.setText(kInfoKey, "PATH", "Z:\\there is no such file.exe");
+    registry_.setText(kFolderKey, "MSINFO", "Z:\\not looked at");
+    QVERIFY(clickSysInfo().isNull());
+    QCOMPARE(started_, std::vector<std::string>{"Z:\\there is no such file.exe"});
+}
+
+void AboutTest::secondKeyIsStartedWhenItsFileExists()
+{
+    const QTemporaryDir folder;
+    QFile program(folder.filePath(u"tools\\MSINFO32.EXE"_s));
+    QVERIFY(program.open(QIODevice::WriteOnly));
+    registry_.setText(kFolderKey, "MSINFO", folder.filePath(u"tools"_s).toStdString());
+    QVERIFY(clickSysInfo().isNull());
+    QCOMPARE(started_, std::vector<std::string>{folder.filePath(u"tools"_s).toStdString() + "\\MSINFO32.EXE"});
+}
+
+void AboutTest::secondKeyWithoutFileIsUnavailable()
+{
+    const QTemporaryDir folder;
+    registry_.setText(kFolderKey, "MSINFO", folder.path().toStdString());
+    QCOMPARE(clickSysInfo(), unavailable());
+    QVERIFY(started_.empty());
+}
+
+void AboutTest::emptyRegistryIsUnavailable()
+{
+    QCOMPARE(clickSysInfo(), unavailable());
+    QCOMPARE(icon_, QMessageBox::NoIcon);
+}
+
+void AboutTest::systemsOwnRegistryGivesAnAnswer()
+{
+    const std::unique_ptr<Registry> registry = quarrynet::systemRegistry();
+    const auto missing = registry->query(Registry::kLocalMachine, "SOFTWARE\\Quarrynet has no such key", "x");
+    QVERIFY(!missing.has_value());
+}
+
+void AboutTest::programThatDoesNotStartIsUnavailable()
+{
+    registry_.setText(kInfoKey, "PATH", "Z:\\broken.exe");
+    starts_ = false;
+    QCOMPARE(clickSysInfo(), unavailable());
+    QCOMPARE(started_.size(), 1U);
+}
+
+void AboutTest::otherTypeStartsNothingFromTheFirstKey()
+{
+    // Read with success, but there is no text in it to start.
+    registry_.values[{kInfoKey, "PATH"}] = RegistryValue{3, "Z:\\x.exe"};
+    starts_ = false;
+    QCOMPARE(clickSysInfo(), unavailable());
+    QCOMPARE(started_, std::vector<std::string>{std::string()});
+}
+
+void AboutTest::valueThatCannotBeReadEmptiesTheText()
+{
+    const frmAbout about(registry_, [](const std::string&) { return true; });
+    std::string text = "before";
+    QVERIFY(!about.GetKeyValue(Registry::kLocalMachine, kInfoKey, "PATH", text));
+    QVERIFY(text.empty());
+}
+
+void AboutTest::valueOfOtherTypeLeavesTheText()
+{
+    registry_.values[{kInfoKey, "PATH"}] = RegistryValue{7, "a"};
+    const frmAbout about(registry_, [](const std::string&) { return true; });
+    std::string text = "before";
+    QVERIFY(about.GetKeyValue(Registry::kLocalMachine, kInfoKey, "PATH", text));
+    QCOMPARE(text, std::string("before"));
+}
+
+void AboutTest::numberIsReadByteByByte()
+{
+    registry_.values[{kInfoKey, "PATH"}] = RegistryValue{4, std::string("\x05\x01\x00\x00", 4)};
+    const frmAbout about(registry_, [](const std::string&) { return true; });
+    std::string text;
+    QVERIFY(about.GetKeyValue(Registry::kLocalMachine, kInfoKey, "PATH", text));
+    QCOMPARE(text, std::string("21")); // 0x015, for one zero byte is cut off and the other takes one digit
+}
+
+QTEST_MAIN(AboutTest)
+#include "about_test.moc"

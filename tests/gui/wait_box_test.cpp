@@ -1,0 +1,93 @@
+#include <QLabel>
+#include <QtTest>
+
+#include "dialogs/Dialog.h"
+
+using namespace Qt::Literals::StringLiterals;
+using quarrynet::Dialog;
+
+class WaitBoxTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void saysWhatItWaitsFor();
+    void personCannotCloseIt();
+    void codeClosesIt();
+    void secondLoadKeepsTheOneBox();
+    void endOfTheProgramClosesIt();
+};
+
+void WaitBoxTest::saysWhatItWaitsFor()
+{
+    Dialog dialog;
+    QCOMPARE(dialog.objectName(), u"Dialog"_s);
+    QCOMPARE(dialog.windowTitle(), u"Quarrynet"_s);
+    QCOMPARE(dialog.findChild<QLabel*>(u"Label1"_s)->text(), u"Contacting download site...Please wait"_s);
+    QVERIFY(!dialog.findChild<QLabel*>(u"Image1"_s)->pixmap().isNull());
+    QVERIFY(!dialog.isVisible());
+    dialog.load();
+    QVERIFY(!dialog.isModal());
+    if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
+        dialog.grab().save(qEnvironmentVariable("QUARRYNET_SCREENSHOTS") + u"/wait_box.png"_s);
+}
+
+void WaitBoxTest::personCannotCloseIt()
+{
+    Dialog dialog;
+    dialog.load();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    QVERIFY(dialog.isVisible());
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    QVERIFY(dialog.isVisible());
+    QVERIFY(!dialog.close());
+    QVERIFY(dialog.isVisible());
+}
+
+void WaitBoxTest::codeClosesIt()
+{
+    Dialog dialog;
+    dialog.unload();
+    dialog.load();
+    QVERIFY(dialog.isVisible());
+    dialog.unload();
+    QVERIFY(!dialog.isVisible());
+    dialog.unload();
+    dialog.load();
+    QVERIFY(dialog.isVisible());
+}
+
+void WaitBoxTest::secondLoadKeepsTheOneBox()
+{
+    QWidget window;
+    window.show();
+    Dialog dialog(&window);
+    dialog.load();
+    dialog.load();
+    QVERIFY(dialog.isVisible());
+    dialog.unload();
+    QVERIFY(!dialog.isVisible());
+}
+
+void WaitBoxTest::endOfTheProgramClosesIt()
+{
+    QWidget window;
+    window.show();
+    Dialog dialog(&window);
+    dialog.load();
+    QTimer::singleShot(0, &window, &QWidget::close);
+    bool ended = true;
+    QTimer watchdog;
+    watchdog.setSingleShot(true);
+    connect(&watchdog, &QTimer::timeout, &watchdog, [&ended] {
+        ended = false;
+        QCoreApplication::exit(1);
+    });
+    watchdog.start(std::chrono::seconds(30));
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(ended);
+}
+
+QTEST_MAIN(WaitBoxTest)
+#include "wait_box_test.moc"
