@@ -17,6 +17,8 @@ std::string_view describe(RuntimeError error)
         return "Division by zero";
     case RuntimeError::TypeMismatch:
         return "Type mismatch";
+    case RuntimeError::PathFileAccess:
+        return "Path/File access error";
     }
     return "Application-defined error";
 }

@@ -18,6 +18,7 @@ enum class RuntimeError : std::uint8_t
     SubscriptOutOfRange = 9,
     DivisionByZero = 11,
     TypeMismatch = 13,
+    PathFileAccess = 75,
 };
 
 /// The description that belongs to the number, in English ASCII, without a final full stop.
