@@ -1,0 +1,23 @@
+#include "platform/HiddenText.h"
+
+namespace quarrynet {
+
+HiddenText::HiddenText(const QString& name, QObject* parent) : QObject(parent)
+{
+    setObjectName(name);
+}
+
+void HiddenText::setText(std::string_view text)
+{
+    if (text == text_)
+        return;
+    std::string(text).swap(text_); // not assign(): that would keep the memory of the largest page ever held
+    emit changed();
+}
+
+void HiddenText::setTextProperty(const QByteArray& text)
+{
+    setText(std::string_view(text.constData(), static_cast<std::size_t>(text.size())));
+}
+
+} // namespace quarrynet

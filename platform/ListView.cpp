@@ -1,0 +1,157 @@
+#include "platform/ListView.h"
+
+#include <algorithm>
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+
+#include "platform/text_border.h"
+
+namespace quarrynet {
+
+namespace {
+
+// A cell shows one line of a list; more of it than this can neither be read nor laid out in time.
+constexpr std::size_t kShownBytes = 4096;
+
+} // namespace
+
+ListViewModel::ListViewModel(QStringList headers, QObject* parent)
+    : QAbstractTableModel(parent), headers_(std::move(headers))
+{}
+
+void ListViewModel::setRows(std::vector<Row> rows)
+{
+    if (rows.empty() && rows_.empty())
+        return;
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+}
+
+int ListViewModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int ListViewModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(headers_.size());
+}
+
+QVariant ListViewModel::data(const QModelIndex& index, int role) const
+{
+    if (role != Qt::DisplayRole || !index.isValid())
+        return {};
+    const Row& row = rows_[static_cast<std::size_t>(index.row())];
+    const auto column = static_cast<std::size_t>(index.column());
+    if (column >= row.size())
+        return QString();
+    return toText(std::string_view(row[column]).substr(0, kShownBytes));
+}
+
+QVariant ListViewModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
+        return {};
+    return headers_.value(section);
+}
+
+ListView::ListView(QWidget* parent) : QTreeView(parent)
+{
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAlternatingRowColors(true);
+    setAllColumnsShowFocus(true);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setMouseTracking(true);
+    setTextElideMode(Qt::ElideRight);
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setMinimumSectionSize(8);
+    connect(header(), &QHeaderView::sectionResized, this, [this](int section, int, int width) {
+        const auto index = static_cast<std::size_t>(section);
+        if (!sharing_ && index < shares_.size() && this->width() > 0)
+            shares_[index] = static_cast<double>(width) / this->width();
+    });
+}
+
+void ListView::setColumns(const QStringList& headers)
+{
+    Q_ASSERT(!model_);
+    model_ = new ListViewModel(headers, this);
+    setModel(model_);
+}
+
+void ListView::setColumnWidths(const std::vector<int>& widths)
+{
+    shares_.clear();
+    for (const int width : widths)
+        shares_.push_back(static_cast<double>(width) / std::max(1, this->width()));
+    shareWidth();
+}
+
+void ListView::halveColumns()
+{
+    constexpr int kMargin = 3; // 50 twips in whole pixels
+    setColumnWidths({width() / 2 - kMargin, width() / 2 - kMargin});
+}
+
+void ListView::setRows(std::vector<ListViewModel::Row> rows)
+{
+    model_->setRows(std::move(rows));
+}
+
+const std::vector<ListViewModel::Row>& ListView::rows() const
+{
+    return model_->rows();
+}
+
+std::vector<std::size_t> ListView::selectedRows() const
+{
+    std::vector<std::size_t> rows;
+    for (const QModelIndex& index : selectionModel()->selectedRows())
+        rows.push_back(static_cast<std::size_t>(index.row()));
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QTreeView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton)
+        emit doubleClicked();
+}
+
+void ListView::mouseMoveEvent(QMouseEvent* event)
+{
+    QTreeView::mouseMoveEvent(event);
+    emit mouseMoved();
+}
+
+void ListView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        emit doubleClicked();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void ListView::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    shareWidth();
+}
+
+void ListView::shareWidth()
+{
+    const QScopedValueRollback<bool> guard(sharing_, true);
+    for (std::size_t i = 0; i < shares_.size(); ++i)
+        header()->resizeSection(static_cast<int>(i), static_cast<int>(shares_[i] * width()));
+}
+
+} // namespace quarrynet

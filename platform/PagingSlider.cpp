@@ -1,0 +1,53 @@
+#include "platform/PagingSlider.h"
+
+#include <QSignalBlocker>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <QToolTip>
+
+namespace quarrynet {
+
+PagingSlider::PagingSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent)
+{
+    setTracking(false);
+    setPageStep(1);
+    setTickPosition(TicksBelow);
+    setTickInterval(1);
+    reset();
+    connect(this, &QSlider::sliderMoved, this, &PagingSlider::showPage);
+    connect(this, &QSlider::valueChanged, this, [this](int page) {
+        setToolTip(QString::number(page));
+        emit paged();
+    });
+}
+
+PagingWindow PagingSlider::window() const
+{
+    return {minimum(), maximum(), value()};
+}
+
+void PagingSlider::setWindow(const PagingWindow& window)
+{
+    const QSignalBlocker quiet(this);
+    setRange(window.minimum, window.maximum);
+    setValue(window.value);
+    setToolTip(QString::number(value()));
+    update(); // the blocked signals are also what would have moved the thumb
+}
+
+void PagingSlider::reset()
+{
+    setWindow({1, 10, 1});
+    setEnabled(false);
+}
+
+void PagingSlider::showPage(int page)
+{
+    setToolTip(QString::number(page));
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const QRect thumb = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    QToolTip::showText(mapToGlobal(thumb.bottomLeft()), QString::number(page), this);
+}
+
+} // namespace quarrynet

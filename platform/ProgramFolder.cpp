@@ -1,0 +1,31 @@
+#include "platform/ProgramFolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTemporaryFile>
+
+namespace quarrynet {
+
+namespace {
+
+// By trying: permission bits do not tell of read-only file systems, quotas or Windows' access lists.
+bool canWrite(const QString& folder)
+{
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral("probe-XXXXXX")));
+    return probe.open();
+}
+
+} // namespace
+
+ProgramFolder findProgramFolder()
+{
+    const QString beside = QDir::toNativeSeparators(QCoreApplication::applicationDirPath());
+    if (canWrite(beside))
+        return {beside, true};
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(data);
+    return {QDir::toNativeSeparators(data), canWrite(data)};
+}
+
+} // namespace quarrynet
