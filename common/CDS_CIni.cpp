@@ -1,0 +1,124 @@
+#include "common/CDS_CIni.h"
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include "common/profile_file.h"
+
+namespace quarrynet {
+
+namespace {
+
+// Characters in the buffers that the system fills.
+constexpr std::size_t kValueBuffer = 255;
+constexpr std::size_t kListBuffer = 32767;
+constexpr std::size_t kMessageBuffer = 255;
+
+std::string uptoNul(std::string_view text)
+{
+    return std::string(text.substr(0, text.find('\0')));
+}
+
+/// The entries of a packed list that end within it: the one that was cut for want of room has its NUL behind the end.
+std::vector<std::string_view> unpack(std::string_view packed)
+{
+    std::vector<std::string_view> entries;
+    std::size_t from = 0;
+    for (std::size_t nul = packed.find('\0'); nul != std::string_view::npos; nul = packed.find('\0', from)) {
+        entries.push_back(packed.substr(from, nul - from));
+        from = nul + 1;
+    }
+    return entries;
+}
+
+} // namespace
+
+bool CDS_CIni::ReadValue(const std::string& psSection, const std::string& psKey, std::string& psValue)
+{
+    if (!hasFileName())
+        return false;
+    const ProfileReply reply = readProfileValue(fileName_, psSection, psKey, kValueBuffer);
+    if (reply.text.empty())
+        return fail(reply.error);
+    psValue = uptoNul(reply.text);
+    return true;
+}
+
+bool CDS_CIni::WriteValue(const std::string& psSection, const std::string& psKey, const std::string& psValue)
+{
+    if (!hasFileName())
+        return false;
+    const ProfileWrite write = writeProfileValue(fileName_, psSection, psKey, psValue);
+    return write.done || fail(write.error);
+}
+
+bool CDS_CIni::ReadSection(const std::string& psSection, std::vector<std::string>& psKeys,
+                           std::vector<std::string>& psValues)
+{
+    if (!hasFileName())
+        return false;
+    const ProfileReply reply = readProfileSection(fileName_, psSection, kListBuffer);
+    if (reply.text.empty())
+        return fail(reply.error);
+    psKeys.clear();
+    psValues.clear();
+    for (const std::string_view entry : unpack(reply.text)) {
+        const std::size_t sign = entry.find('=');
+        psKeys.emplace_back(entry.substr(0, sign));
+        psValues.emplace_back(sign == std::string_view::npos ? std::string_view() : entry.substr(sign + 1));
+    }
+    // Both arrays have a first slot, also where the only entry was too long for the buffer.
+    if (psKeys.empty()) {
+        psKeys.emplace_back();
+        psValues.emplace_back();
+    }
+    return true;
+}
+
+bool CDS_CIni::WriteSection(const std::string& psSection, const std::vector<std::string>& psKeys,
+                            const std::vector<std::string>& psValues)
+{
+    if (!hasFileName())
+        return false;
+    if (psKeys.size() != psValues.size()) {
+        lastErrorDescription_ = "Key array and Value array must be of the same size";
+        return false;
+    }
+    std::vector<std::pair<std::string, std::string>> entries;
+    entries.reserve(psKeys.size());
+    for (std::size_t i = 0; i < psKeys.size(); ++i)
+        entries.emplace_back(psKeys[i], psValues[i]);
+    const ProfileWrite write = writeProfileSection(fileName_, psSection, entries);
+    return write.done || fail(write.error);
+}
+
+bool CDS_CIni::Enum_SectionNames(std::vector<std::string>& psSectionNames)
+{
+    if (!hasFileName())
+        return false;
+    const ProfileReply reply = readProfileSectionNames(fileName_, kListBuffer);
+    const std::vector<std::string_view> names = unpack(reply.text);
+    if (names.empty())
+        return fail(reply.error);
+    psSectionNames.assign(names.begin(), names.end());
+    return true;
+}
+
+bool CDS_CIni::hasFileName()
+{
+    if (!fileName_.empty())
+        return true;
+    lastErrorDescription_ = "No filename specified";
+    return false;
+}
+
+bool CDS_CIni::fail(std::uint32_t error)
+{
+    lastErrorCode_ = error;
+    lastErrorDescription_ =
+        error != 0 ? uptoNul(systemMessage(error, kMessageBuffer)) : std::string("An unknown error has occured");
+    return false;
+}
+
+} // namespace quarrynet

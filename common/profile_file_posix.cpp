@@ -1,0 +1,227 @@
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "common/profile_file.h"
+#include "common/profile_text.h"
+
+namespace quarrynet {
+
+namespace {
+
+/// A file descriptor that closes itself.
+class Descriptor
+{
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor()
+    {
+        if (number_ >= 0)
+            ::close(number_);
+    }
+
+    explicit operator bool() const { return number_ >= 0; }
+    int number() const { return number_; }
+
+    /// False when the system could not store what was written.
+    bool close()
+    {
+        const int number = number_;
+        number_ = -1;
+        return ::close(number) == 0;
+    }
+
+private:
+    int number_;
+};
+
+std::uint32_t lastError()
+{
+    return static_cast<std::uint32_t>(errno);
+}
+
+struct Content
+{
+    std::string text;
+    std::uint32_t error = 0;
+    std::optional<struct stat> state; // nothing when there is no such file
+};
+
+Content readAll(const std::string& file)
+{
+    Content content;
+    // A pipe in the file's place must not make the open wait.
+    const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!input) {
+        content.error = lastError();
+        return content;
+    }
+    struct stat state = {};
+    if (::fstat(input.number(), &state) != 0) {
+        content.error = lastError();
+        return content;
+    }
+    if (!S_ISREG(state.st_mode)) {
+        content.error = static_cast<std::uint32_t>(S_ISDIR(state.st_mode) ? EISDIR : EINVAL);
+        return content;
+    }
+    content.state = state;
+    std::size_t length = 0;
+    content.text.resize(static_cast<std::size_t>(state.st_size) + 1);
+    while (true) {
+        if (length == content.text.size())
+            content.text.resize(2 * length);
+        const ssize_t count = ::read(input.number(), content.text.data() + length, content.text.size() - length);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            content.error = lastError();
+        if (count <= 0)
+            break;
+        length += static_cast<std::size_t>(count);
+    }
+    content.text.resize(content.error == 0 ? length : 0);
+    return content;
+}
+
+bool writeAll(int output, std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t count = ::write(output, text.data(), text.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+/// Where a name leads once its symbolic links are followed, so that a rename replaces the file and not the link.
+std::string target(const std::string& file)
+{
+    const std::unique_ptr<char, decltype(&std::free)> path(::realpath(file.c_str(), nullptr), &std::free);
+    return path ? std::string(path.get()) : file;
+}
+
+std::string folderOf(const std::string& file)
+{
+    const std::size_t slash = file.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : file.substr(0, slash);
+}
+
+/// The new text goes to a file beside the old one, reaches the disk, and takes its name in one step: whoever reads,
+/// also after a crash, finds the old file or the new one.
+std::uint32_t replaceFile(const std::string& file, std::string_view text, const std::optional<struct stat>& old)
+{
+    if (old && ::access(file.c_str(), W_OK) != 0)
+        return lastError(); // the rename alone would pass over a file that may not be written
+
+    std::string temporary;
+    int number = -1;
+    for (int attempt = 0; attempt < 100 && number < 0; ++attempt) {
+        temporary = file + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
+        number = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+        if (number < 0 && errno != EEXIST)
+            return lastError();
+    }
+    Descriptor output(number);
+    if (!output)
+        return EEXIST;
+    if (old) {
+        // Best effort: who may write a file need not be able to give it to its owner.
+        [[maybe_unused]] const int owned = ::fchown(number, old->st_uid, old->st_gid);
+    }
+    bool done = !old || ::fchmod(number, old->st_mode & 07777) == 0;
+    done = done && writeAll(number, text) && ::fsync(number) == 0;
+    std::uint32_t error = done ? 0 : lastError();
+    if (!output.close() && error == 0)
+        error = lastError();
+    if (error == 0 && ::rename(temporary.c_str(), file.c_str()) != 0)
+        error = lastError();
+    if (error != 0) {
+        ::unlink(temporary.c_str());
+        return error;
+    }
+    const Descriptor folder(::open(folderOf(file).c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    if (folder)
+        ::fsync(folder.number()); // some file systems cannot; the new file is in place all the same
+    return 0;
+}
+
+template <class Change>
+ProfileWrite change(const std::string& name, Change changed)
+{
+    const std::string file = target(name);
+    const Content content = readAll(file);
+    if (content.error != 0 && content.error != ENOENT)
+        return {false, content.error};
+    const std::string text = changed(content.text);
+    const std::uint32_t error = replaceFile(file, text, content.state);
+    return {error == 0, error};
+}
+
+} // namespace
+
+ProfileReply readProfileValue(const std::string& file, const std::string& section, const std::string& key,
+                              std::size_t capacity)
+{
+    const Content content = readAll(file);
+    const std::string_view value = profileValue(content.text, section, key).value_or(std::string_view());
+    return {std::string(value.substr(0, capacity - 1)), content.error};
+}
+
+ProfileReply readProfileSection(const std::string& file, const std::string& section, std::size_t capacity)
+{
+    const Content content = readAll(file);
+    std::vector<std::string> lines;
+    for (const ProfileEntry& entry : profileEntries(content.text, section)) {
+        std::string& line = lines.emplace_back(entry.key);
+        if (entry.value)
+            line.append("=").append(*entry.value);
+    }
+    return {packProfileList(lines, capacity), content.error};
+}
+
+ProfileReply readProfileSectionNames(const std::string& file, std::size_t capacity)
+{
+    const Content content = readAll(file);
+    const std::vector<std::string_view> names = profileSectionNames(content.text);
+    return {packProfileList({names.begin(), names.end()}, capacity), content.error};
+}
+
+ProfileWrite writeProfileValue(const std::string& file, const std::string& section, const std::string& key,
+                               const std::string& value)
+{
+    if (!isProfileSection(section) || !isProfileKey(key) || !isProfileValue(value))
+        return {false, EINVAL};
+    return change(file, [&](const std::string& text) { return withProfileValue(text, section, key, value); });
+}
+
+ProfileWrite writeProfileSection(const std::string& file, const std::string& section,
+                                 const std::vector<std::pair<std::string, std::string>>& entries)
+{
+    bool writable = isProfileSection(section);
+    for (const auto& [key, value] : entries)
+        writable = writable && isProfileKey(key) && isProfileValue(value);
+    if (!writable)
+        return {false, EINVAL};
+    return change(file, [&](const std::string& text) { return withProfileEntries(text, section, entries); });
+}
+
+std::string systemMessage(std::uint32_t error, std::size_t capacity)
+{
+    return std::generic_category().message(static_cast<int>(error)).substr(0, capacity - 1);
+}
+
+} // namespace quarrynet
