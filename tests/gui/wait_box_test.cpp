@@ -15,6 +15,7 @@ private slots:
     void personCannotCloseIt();
     void codeClosesIt();
     void secondLoadKeepsTheOneBox();
+    void endOfTheProgramClosesIt_data();
     void endOfTheProgramClosesIt();
 };
 
@@ -70,13 +71,27 @@ void WaitBoxTest::secondLoadKeepsTheOneBox()
     QVERIFY(!dialog.isVisible());
 }
 
+void WaitBoxTest::endOfTheProgramClosesIt_data()
+{
+    QTest::addColumn<bool>("byWindow");
+    QTest::newRow("its main window is closed") << true;
+    QTest::newRow("it is told to quit") << false;
+}
+
 void WaitBoxTest::endOfTheProgramClosesIt()
 {
+    QFETCH(bool, byWindow);
     QWidget window;
     window.show();
-    Dialog dialog(&window);
+    // A box of no window stands in the way of the end itself.
+    Dialog dialog(byWindow ? &window : nullptr);
     dialog.load();
-    QTimer::singleShot(0, &window, &QWidget::close);
+    QTimer::singleShot(0, &window, [&window, byWindow] {
+        if (byWindow)
+            window.close();
+        else
+            QCoreApplication::quit();
+    });
     bool ended = true;
     QTimer watchdog;
     watchdog.setSingleShot(true);
@@ -84,7 +99,7 @@ void WaitBoxTest::endOfTheProgramClosesIt()
         ended = false;
         QCoreApplication::exit(1);
     });
-    watchdog.start(std::chrono::seconds(30));
+    watchdog.start(std::chrono::seconds(10));
     QCOMPARE(QApplication::exec(), 0);
     QVERIFY(ended);
 }
