@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "services/http_message.h"
+#include "services/outcome.h"
+
+namespace quarrynet::services {
+
+/// A small HTTP server: one thread moves the bytes of all connections, a few others make the answers. Each connection
+/// carries one request and is closed after its answer, whatever the request asks for, because the connection's end is
+/// what tells the program that the page is complete.
+class HttpServer
+{
+public:
+    /// Makes the answer to a GET or HEAD request; called from several threads at once. What it throws becomes a 500.
+    using Handler = std::function<HttpResponse(const HttpRequest&)>;
+
+    struct Limits
+    {
+        /// For the whole request head, so that a client that sends a byte now and then cannot stay for ever.
+        std::chrono::milliseconds requestTime = std::chrono::seconds(15);
+        /// For each further piece of the answer to be taken.
+        std::chrono::milliseconds writeTime = std::chrono::seconds(30);
+        /// Further ones wait in the system's queue.
+        std::size_t connections = 256;
+        unsigned workers = 4;
+    };
+
+    enum class ListenFault : std::uint8_t
+    {
+        NotPermitted,
+        InUse,
+        Other,
+    };
+    struct Refusal
+    {
+        ListenFault fault = ListenFault::Other;
+        std::string message;
+    };
+
+    HttpServer();
+    explicit HttpServer(Limits limits);
+    ~HttpServer();
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    /// Listens at the numeric IPv4 `address`; port 0 picks a free one. The port, or why not. Before run() only.
+    std::variant<std::uint16_t, Refusal> listen(const std::string& address, std::uint16_t port, Handler handler);
+
+    /// Serves until stop(). False when the system refuses what serving takes.
+    bool run();
+
+    /// Ends run() soon: answers under way are cut off. From any thread, and from a signal handler.
+    void stop() noexcept;
+
+private:
+    class Loop;
+    std::unique_ptr<Loop> loop_;
+};
+
+} // namespace quarrynet::services

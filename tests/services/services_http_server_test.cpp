@@ -1,0 +1,201 @@
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "service_support.h"
+#include "services/http_server.h"
+#include "services/router.h"
+
+using namespace quarrynet::services;
+
+namespace {
+
+/// A server on a free port, running on a thread of its own for as long as the object lives.
+class RunningServer
+{
+public:
+    explicit RunningServer(HttpServer::Handler handler, HttpServer::Limits limits = {}) : server_(limits)
+    {
+        port_ = std::get<std::uint16_t>(server_.listen("127.0.0.1", 0, std::move(handler)));
+        thread_ = std::thread([this] { healthy_ = server_.run(); });
+    }
+    ~RunningServer()
+    {
+        server_.stop();
+        thread_.join();
+        EXPECT_TRUE(healthy_);
+    }
+
+    std::string ask(std::string_view bytes) const
+    {
+        const RawClient client("127.0.0.1", port_);
+        client.send(bytes);
+        return client.receiveAll();
+    }
+
+    std::uint16_t port() const { return port_; }
+
+private:
+    HttpServer server_;
+    std::uint16_t port_ = 0;
+    bool healthy_ = false;
+    std::thread thread_;
+};
+
+HttpResponse echo(const HttpRequest& request)
+{
+    HttpResponse response;
+    response.body = request.path + "?" + request.query;
+    return response;
+}
+
+std::string statusOf(const std::string& response)
+{
+    return response.size() < 12 ? response : response.substr(9, 3);
+}
+
+} // namespace
+
+TEST(HttpServer, AnswersAndClosesWithoutBeingAsked)
+{
+    const RunningServer server(echo);
+    const std::string answer = server.ask("GET /a?b HTTP/1.1\r\nHost: h\r\nProxy-Connection: close\r\n\r\n");
+    EXPECT_EQ(statusOf(answer), "200");
+    EXPECT_EQ(answer.substr(answer.size() - 4), "/a?b");
+}
+
+TEST(HttpServer, HeadHasNoBodyAndOtherMethodsAreRefused)
+{
+    const RunningServer server(echo);
+    const std::string head = server.ask("HEAD /a HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(statusOf(head), "200");
+    EXPECT_EQ(head.substr(head.size() - 4), "\r\n\r\n");
+    EXPECT_EQ(statusOf(server.ask("POST /a HTTP/1.1\r\nHost: h\r\nContent-Length: 3\r\n\r\nabc")), "405");
+    EXPECT_EQ(statusOf(server.ask("CONNECT h:443 HTTP/1.1\r\nHost: h\r\n\r\n")), "501");
+}
+
+TEST(HttpServer, RequestInSinglePiecesIsJoined)
+{
+    const RunningServer server(echo);
+    const RawClient client("127.0.0.1", server.port());
+    for (const char c : std::string("GET /abc HTTP/1.1\r\nHost: h\r\n\r\n"))
+        ASSERT_TRUE(client.send(std::string_view(&c, 1)));
+    EXPECT_EQ(statusOf(client.receiveAll()), "200");
+}
+
+TEST(HttpServer, BadRequestsGetAShortAnswer)
+{
+    const RunningServer server(echo);
+    EXPECT_EQ(statusOf(server.ask("nonsense\r\n\r\n")), "400");
+    EXPECT_EQ(statusOf(server.ask(std::string("\x16\x03\x01\0\n", 5))), "400");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\n\r\n")), "400");
+    EXPECT_EQ(statusOf(server.ask("GET /" + std::string(40000, 'a') + " HTTP/1.1\r\nHost: h\r\n\r\n")), "414");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\nX: " + std::string(100000, 'a') + "\r\n\r\n")), "431");
+}
+
+TEST(HttpServer, EndlessRequestLineIsAnsweredWhileItIsStillBeingSent)
+{
+    const RunningServer server(echo);
+    EXPECT_EQ(statusOf(server.ask("GET /" + std::string(400000, 'a'))), "414");
+}
+
+TEST(HttpServer, IncompleteRequestIsAnsweredAtItsEnd)
+{
+    const RunningServer server(echo);
+    const RawClient client("127.0.0.1", server.port());
+    client.send("GET / HTTP/1.1\r\n");
+    client.endSending();
+    EXPECT_EQ(statusOf(client.receiveAll()), "400");
+    const RawClient silent("127.0.0.1", server.port());
+    silent.endSending();
+    EXPECT_EQ(silent.receiveAll(), "");
+}
+
+TEST(HttpServer, HalfClosedClientStillGetsItsAnswer)
+{
+    const RunningServer server(echo);
+    const RawClient client("127.0.0.1", server.port());
+    client.send("GET /x HTTP/1.1\r\nHost: h\r\n\r\n");
+    client.endSending();
+    EXPECT_EQ(statusOf(client.receiveAll()), "200");
+}
+
+TEST(HttpServer, SlowRequestTimesOut)
+{
+    HttpServer::Limits limits;
+    limits.requestTime = std::chrono::milliseconds(30);
+    const RunningServer server(echo, limits);
+    EXPECT_EQ(statusOf(server.ask("GET / HT")), "408");
+    EXPECT_EQ(server.ask(""), "");
+}
+
+TEST(HttpServer, LargeAnswerArrivesWhole)
+{
+    const std::string large(20 * 1024 * 1024, 'x');
+    const RunningServer server([&large](const HttpRequest&) {
+        HttpResponse response;
+        response.body = large;
+        return response;
+    });
+    const std::string answer = server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    const std::size_t body = answer.find("\r\n\r\n");
+    ASSERT_NE(body, std::string::npos);
+    EXPECT_TRUE(answer.substr(body + 4) == large);
+}
+
+TEST(HttpServer, HandlerThatThrowsIsA500)
+{
+    const RunningServer server([](const HttpRequest&) -> HttpResponse { throw std::runtime_error("broken"); });
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "500");
+}
+
+TEST(HttpServer, MoreClientsThanConnectionsAreAllServed)
+{
+    HttpServer::Limits limits;
+    limits.connections = 2;
+    const RunningServer server(echo, limits);
+    std::vector<std::unique_ptr<RawClient>> clients;
+    for (int i = 0; i < 20; ++i) {
+        clients.push_back(std::make_unique<RawClient>("127.0.0.1", server.port()));
+        ASSERT_TRUE(clients.back()->connected());
+        clients.back()->send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    }
+    for (auto& client : clients) {
+        EXPECT_EQ(statusOf(client->receiveAll()), "200");
+        client.reset();
+    }
+}
+
+TEST(HttpServer, PortInUseAndBadAddressAreRefused)
+{
+    const RunningServer running(echo);
+    HttpServer server;
+    const auto used = server.listen("127.0.0.1", running.port(), echo);
+    ASSERT_TRUE(std::holds_alternative<HttpServer::Refusal>(used));
+    EXPECT_EQ(std::get<HttpServer::Refusal>(used).fault, HttpServer::ListenFault::InUse);
+    const auto bad = server.listen("no address", 0, echo);
+    ASSERT_TRUE(std::holds_alternative<HttpServer::Refusal>(bad));
+    EXPECT_EQ(std::get<HttpServer::Refusal>(bad).fault, HttpServer::ListenFault::Other);
+}
+
+TEST(Router, ProxyLeadsToTheLocalServicesOnly)
+{
+    Router router;
+    router.add("127.80.0.1", echo);
+    router.add("127.80.0.3", [](const HttpRequest&) { return errorResponse(404, "here"); });
+    HttpRequest request{"GET", "127.80.0.1", "/x", "y", true};
+    EXPECT_EQ(router.answerAsProxy(request).body, "/x?y");
+    request.host = "127.80.0.3";
+    EXPECT_EQ(router.answerAsProxy(request).status, 404);
+    request.host = "example.org";
+    EXPECT_EQ(router.answerAsProxy(request).status, 403);
+    request.host = "127.80.0.1";
+    request.absoluteForm = false;
+    EXPECT_EQ(router.answerAsProxy(request).status, 400);
+    request.host = "any.name";
+    EXPECT_EQ(router.answerAt("127.80.0.1", request).status, 200);
+    request.absoluteForm = true;
+    EXPECT_EQ(router.answerAt("127.80.0.1", request).status, 403);
+}
