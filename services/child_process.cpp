@@ -1,0 +1,60 @@
+#include "services/child_process.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace quarrynet::services {
+
+Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
+                                const std::function<void(std::string_view)>& take)
+{
+    int ends[2] = {-1, -1};
+    if (::pipe(ends) != 0)
+        return Failure{std::string("no pipe: ") + std::strerror(errno)};
+    ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    std::vector<std::string> copies = arguments;
+    std::vector<char*> pointers;
+    for (std::string& copy : copies)
+        pointers.push_back(copy.data());
+    pointers.push_back(nullptr);
+    pid_t child = -1;
+    const int code = ::posix_spawnp(&child, pointers[0], &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    if (code != 0) {
+        ::close(ends[0]);
+        return Failure{"cannot start " + arguments[0] + ": " + std::strerror(code)};
+    }
+
+    std::vector<char> buffer(256 * 1024);
+    for (;;) {
+        const ssize_t count = ::read(ends[0], buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            break;
+        take(std::string_view(buffer.data(), static_cast<std::size_t>(count)));
+    }
+    ::close(ends[0]);
+
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        return Failure{arguments[0] + " failed"};
+    return Done{};
+}
+
+} // namespace quarrynet::services

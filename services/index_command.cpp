@@ -1,0 +1,35 @@
+#include <chrono>
+#include <cstdio>
+
+#include "services/commands.h"
+#include "services/data_folder.h"
+#include "services/indexing.h"
+
+namespace quarrynet::services {
+
+int runIndex(const Options& options)
+{
+    const auto complain = [](const Failure& failure) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", failure.message.c_str());
+        return 1;
+    };
+    const Outcome<std::string> data = openDataFolder(options.dataFolder);
+    if (!data)
+        return complain(data.failure());
+    IndexSources sources{options.packageFiles, options.folders};
+    if (sources.folders.empty())
+        sources.folders = {"/usr/share/doc", "/usr/local/share/doc", QUARRYNET_MANUAL_FOLDER};
+
+    const auto begin = std::chrono::steady_clock::now();
+    const Outcome<IndexCounts> counts = buildIndex(*data, sources, [](const std::string& line) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", line.c_str());
+    });
+    if (!counts)
+        return complain(counts.failure());
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    std::fprintf(stderr, "quarrynet-services: indexed %zu packages, %zu home pages and %zu documents in %.1f seconds\n",
+                 counts->packages, counts->homePages, counts->documents, seconds);
+    return 0;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,104 @@
+#include "services/index_database.h"
+
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace quarrynet::services {
+
+namespace {
+
+// The texts stand in ordinary tables, and the full-text tables hold only what finds them. Rows of file_entry are in the
+// order in which a search shows them, so that a search that finds many need not sort them.
+constexpr const char* kTables = R"(
+CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
+
+CREATE TABLE web_page(id INTEGER PRIMARY KEY, address TEXT NOT NULL, title TEXT NOT NULL, description TEXT NOT NULL);
+CREATE VIRTUAL TABLE web_page_text USING fts5(title, description, content='web_page', content_rowid='id',
+    tokenize='porter unicode61 remove_diacritics 2');
+
+CREATE TABLE mirror(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE);
+CREATE TABLE program(id INTEGER PRIMARY KEY, name TEXT NOT NULL, description TEXT NOT NULL, system TEXT NOT NULL,
+    size INTEGER NOT NULL, licence TEXT NOT NULL, mirror INTEGER NOT NULL, file TEXT NOT NULL);
+CREATE VIRTUAL TABLE program_text USING fts5(name, description, content='program', content_rowid='id',
+    tokenize='porter unicode61 remove_diacritics 2');
+
+CREATE TABLE file_site(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE, crawled INTEGER NOT NULL);
+CREATE TABLE file_folder(id INTEGER PRIMARY KEY, site INTEGER NOT NULL, path TEXT NOT NULL);
+CREATE TABLE file_entry(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, name TEXT NOT NULL, size INTEGER,
+    directory INTEGER NOT NULL);
+CREATE VIRTUAL TABLE file_name USING fts5(name, content='file_entry', content_rowid='id', tokenize='trigram');
+)";
+
+Outcome<std::int64_t> layoutOf(Database& database)
+{
+    Outcome<Statement> statement = database.prepare("PRAGMA user_version");
+    if (!statement)
+        return statement.failure();
+    if (statement->step() != Statement::Step::Row)
+        return statement->failure();
+    return statement->number(0);
+}
+
+} // namespace
+
+std::string indexPath(const std::string& dataFolder)
+{
+    return (std::filesystem::path(dataFolder) / "index.sqlite").string();
+}
+
+Outcome<Done> createTables(Database& database)
+{
+    const std::string version = "PRAGMA user_version = " + std::to_string(kIndexLayout);
+    Outcome<Done> result = database.execute(version.c_str());
+    return result ? database.execute(kTables) : result;
+}
+
+IndexPool::Lease::~Lease()
+{
+    if (database_ != nullptr)
+        pool_->giveBack(std::move(database_), generation_);
+}
+
+Outcome<IndexPool::Lease> IndexPool::borrow()
+{
+    struct stat status
+    {};
+    if (::stat(path_.c_str(), &status) != 0)
+        return Failure{"there is no index yet; \"quarrynet-services index\" makes one"};
+    std::uint64_t generation = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto device = static_cast<std::uint64_t>(status.st_dev);
+        const auto inode = static_cast<std::uint64_t>(status.st_ino);
+        if (device != device_ || inode != inode_) {
+            device_ = device;
+            inode_ = inode;
+            idle_.clear();
+            ++generation_;
+        }
+        generation = generation_;
+        if (!idle_.empty()) {
+            Lease lease(*this, std::move(idle_.back()), generation);
+            idle_.pop_back();
+            return lease;
+        }
+    }
+    Outcome<Database> opened = Database::open(path_, Database::Access::Read);
+    if (!opened)
+        return opened.failure();
+    const Outcome<std::int64_t> layout = layoutOf(*opened);
+    if (!layout)
+        return layout.failure();
+    if (*layout != kIndexLayout)
+        return Failure{"the index is of another version; \"quarrynet-services index\" makes a new one"};
+    return Lease(*this, std::make_unique<Database>(std::move(*opened)), generation);
+}
+
+void IndexPool::giveBack(std::unique_ptr<Database> database, std::uint64_t generation)
+{
+    const std::lock_guard lock(mutex_);
+    if (generation == generation_)
+        idle_.push_back(std::move(database));
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "services/outcome.h"
+#include "services/sqlite.h"
+
+/// The index: one SQLite file in the data folder. A new index takes the place of the old one by renaming, so whoever
+/// has the file open keeps a whole one.
+namespace quarrynet::services {
+
+/// The file's place in the data folder.
+std::string indexPath(const std::string& dataFolder);
+
+/// Goes up whenever the tables change; an index of another layout has to be made anew.
+inline constexpr int kIndexLayout = 1;
+
+/// Makes the tables in an empty database.
+Outcome<Done> createTables(Database& database);
+
+/// Connections for reading, one for each search under way, kept for the next one.
+class IndexPool
+{
+public:
+    explicit IndexPool(const std::string& dataFolder) : path_(indexPath(dataFolder)) {}
+
+    /// A borrowed connection; goes back when it ends.
+    class Lease
+    {
+    public:
+        Lease(IndexPool& pool, std::unique_ptr<Database> database, std::uint64_t generation)
+            : pool_(&pool), database_(std::move(database)), generation_(generation)
+        {}
+        Lease(Lease&&) = default;
+        Lease& operator=(Lease&&) = default;
+        Lease(const Lease&) = delete;
+        Lease& operator=(const Lease&) = delete;
+        ~Lease();
+
+        Database& operator*() { return *database_; }
+        Database* operator->() { return database_.get(); }
+
+    private:
+        IndexPool* pool_;
+        std::unique_ptr<Database> database_;
+        std::uint64_t generation_;
+    };
+
+    /// A connection to the index that is there now; a Failure that says what to do when there is none.
+    Outcome<Lease> borrow();
+
+private:
+    void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
+
+    std::string path_;
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<Database>> idle_;
+    std::uint64_t generation_ = 0; ///< of the file that idle_ belongs to
+    std::uint64_t device_ = 0;
+    std::uint64_t inode_ = 0;
+};
+
+} // namespace quarrynet::services

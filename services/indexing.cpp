@@ -1,0 +1,120 @@
+#include "services/indexing.h"
+
+#include <optional>
+
+#include "services/document_folders.h"
+#include "services/html_document.h"
+#include "services/index_writer.h"
+#include "services/markup.h"
+#include "services/package_lists.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kProgressStep = 10000;
+constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
+constexpr std::size_t kMaxPageText = 128 * 1024;
+
+/// One run: the writer, the counts, and the first fault, after which nothing more is written.
+class Run
+{
+public:
+    Run(IndexWriter& writer, const std::function<void(const std::string&)>& progress)
+        : writer_(writer), progress_(progress)
+    {}
+
+    void addPackage(const Package& package);
+    void addFolder(const std::string& folder);
+
+    const IndexCounts& counts() const { return counts_; }
+    const std::optional<Failure>& fault() const { return fault_; }
+
+private:
+    void note(const Outcome<Done>& result)
+    {
+        if (!result && !fault_)
+            fault_ = result.failure();
+    }
+    void addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative);
+
+    IndexWriter& writer_;
+    const std::function<void(const std::string&)>& progress_;
+    IndexCounts counts_;
+    std::optional<Failure> fault_;
+};
+
+void Run::addPackage(const Package& package)
+{
+    if (fault_)
+        return;
+    if (++counts_.packages % kProgressStep == 0)
+        progress_(withSeparators(static_cast<std::int64_t>(counts_.packages)) + " packages");
+    if (package.homepage.substr(0, 7) == "http://" || package.homepage.substr(0, 8) == "https://") {
+        const std::string title = package.summary.empty() ? package.name : package.name + " - " + package.summary;
+        note(writer_.addPage(tidyAddress(package.homepage), title, package.description));
+        ++counts_.homePages;
+    }
+}
+
+void Run::addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative)
+{
+    const std::optional<std::string> file = servedFile(folder, relative);
+    const std::optional<std::string> page = file ? readFile(*file, kMaxPage) : std::nullopt;
+    if (fault_ || !page)
+        return;
+    HtmlDocument document = readHtml(*page, kMaxPageText);
+    if (document.title.empty())
+        document.title = collapseBlanks(relative);
+    note(writer_.addPage("/doc/" + std::to_string(folderNumber) + "/" + encodePath(relative), document.title,
+                         document.text));
+    ++counts_.documents;
+}
+
+void Run::addFolder(const std::string& folder)
+{
+    if (fault_)
+        return;
+    const Outcome<std::int64_t> number = writer_.addFolder(folder);
+    if (!number) {
+        fault_ = number.failure();
+        return;
+    }
+    const std::size_t before = counts_.documents;
+    findHtmlFiles(folder, [&](const std::string& relative) { addDocument(*number, folder, relative); });
+    progress_(withSeparators(static_cast<std::int64_t>(counts_.documents - before)) + " pages in " + folder);
+}
+
+} // namespace
+
+Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
+                                const std::function<void(const std::string&)>& progress)
+{
+    Outcome<IndexWriter> writer = IndexWriter::begin(dataFolder);
+    if (!writer)
+        return writer.failure();
+    Run run(*writer, progress);
+    const auto take = [&run](const Package& package) { run.addPackage(package); };
+    if (sources.packageFiles.empty()) {
+        const Outcome<Done> read = readInstalledLists(take);
+        // A machine without package lists still has its documentation.
+        if (!read)
+            progress("no package lists: " + read.failure().message);
+    }
+    for (const std::string& file : sources.packageFiles) {
+        const Outcome<Done> read = readListFile(file, take);
+        if (!read)
+            return read.failure();
+    }
+    for (const std::string& folder : sources.folders)
+        run.addFolder(folder);
+    if (run.fault())
+        return *run.fault();
+    progress("putting the index in its place");
+    const Outcome<Done> committed = writer->commit();
+    if (!committed)
+        return committed.failure();
+    return run.counts();
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,145 @@
+#include "services/sqlite.h"
+
+#include <sqlite3.h>
+
+namespace quarrynet::services {
+
+namespace {
+
+// A crawl may be writing while a search reads; it holds the file for milliseconds.
+constexpr int kBusyMilliseconds = 5000;
+
+Failure describeFault(sqlite3* handle)
+{
+    return Failure{std::string("the index database says: ") + sqlite3_errmsg(handle)};
+}
+
+} // namespace
+
+void Statement::Finalize::operator()(sqlite3_stmt* handle) const
+{
+    sqlite3_finalize(handle);
+}
+
+Statement::Statement(sqlite3_stmt* handle) : handle_(handle) {}
+
+void Statement::bind(int parameter, std::string_view text)
+{
+    // A null pointer would bind NULL; the empty text has to stay a text.
+    sqlite3_bind_text64(handle_.get(), parameter, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
+                        SQLITE_UTF8);
+}
+
+void Statement::bind(int parameter, std::int64_t number)
+{
+    sqlite3_bind_int64(handle_.get(), parameter, number);
+}
+
+void Statement::bindNull(int parameter)
+{
+    sqlite3_bind_null(handle_.get(), parameter);
+}
+
+Statement::Step Statement::step()
+{
+    switch (sqlite3_step(handle_.get())) {
+    case SQLITE_ROW:
+        return Step::Row;
+    case SQLITE_DONE:
+        return Step::Finished;
+    default:
+        return Step::Failed;
+    }
+}
+
+Outcome<Done> Statement::run()
+{
+    Step result = step();
+    while (result == Step::Row)
+        result = step();
+    if (result == Step::Failed) {
+        Failure fault = failure();
+        reset();
+        return fault;
+    }
+    reset();
+    return Done{};
+}
+
+void Statement::reset()
+{
+    sqlite3_reset(handle_.get());
+    sqlite3_clear_bindings(handle_.get());
+}
+
+std::string_view Statement::text(int column) const
+{
+    const unsigned char* bytes = sqlite3_column_text(handle_.get(), column);
+    if (bytes == nullptr)
+        return {};
+    return {reinterpret_cast<const char*>(bytes),
+            static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column))};
+}
+
+std::int64_t Statement::number(int column) const
+{
+    return sqlite3_column_int64(handle_.get(), column);
+}
+
+bool Statement::isNull(int column) const
+{
+    return sqlite3_column_type(handle_.get(), column) == SQLITE_NULL;
+}
+
+Failure Statement::failure() const
+{
+    return describeFault(sqlite3_db_handle(handle_.get()));
+}
+
+void Database::Close::operator()(sqlite3* handle) const
+{
+    sqlite3_close_v2(handle);
+}
+
+Outcome<Database> Database::open(const std::string& path, Access access)
+{
+    int flags = SQLITE_OPEN_NOMUTEX;
+    if (access == Access::Read)
+        flags |= SQLITE_OPEN_READONLY;
+    else
+        flags |= SQLITE_OPEN_READWRITE;
+    if (access == Access::Create)
+        flags |= SQLITE_OPEN_CREATE;
+    sqlite3* handle = nullptr;
+    const int code = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
+    Database database(handle);
+    if (handle == nullptr)
+        return Failure{"out of memory while opening " + path};
+    if (code != SQLITE_OK)
+        return Failure{"cannot open " + path + ": " + sqlite3_errmsg(handle)};
+    sqlite3_busy_timeout(handle, kBusyMilliseconds);
+    return database;
+}
+
+Outcome<Statement> Database::prepare(std::string_view sql)
+{
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v2(handle_.get(), sql.data(), static_cast<int>(sql.size()), &statement, nullptr);
+    if (code != SQLITE_OK)
+        return describeFault(handle_.get());
+    return Statement(statement);
+}
+
+Outcome<Done> Database::execute(const char* sql)
+{
+    if (sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        return describeFault(handle_.get());
+    return Done{};
+}
+
+std::int64_t Database::lastRowId() const
+{
+    return sqlite3_last_insert_rowid(handle_.get());
+}
+
+} // namespace quarrynet::services

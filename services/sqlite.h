@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "services/outcome.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// A thin cover over SQLite: handles that close themselves, texts by value, faults as Failure. Values reach a statement
+/// through bind() only; no function here pastes a value into SQL.
+namespace quarrynet::services {
+
+/// One prepared statement. Must not outlive its Database.
+class Statement
+{
+public:
+    enum class Step : std::uint8_t
+    {
+        Row,
+        Finished,
+        Failed,
+    };
+
+    explicit Statement(sqlite3_stmt* handle);
+
+    /// Parameters count from 1. Texts are copied; NULs inside are kept.
+    void bind(int parameter, std::string_view text);
+    void bind(int parameter, std::int64_t number);
+    void bindNull(int parameter);
+
+    Step step();
+
+    /// Runs a statement that gives no rows and makes it ready for the next run.
+    Outcome<Done> run();
+
+    /// Ready for other parameters and another run.
+    void reset();
+
+    /// Columns count from 0. The view lives until the next step() or reset().
+    std::string_view text(int column) const;
+    std::int64_t number(int column) const;
+    bool isNull(int column) const;
+
+    Failure failure() const;
+
+private:
+    struct Finalize
+    {
+        void operator()(sqlite3_stmt* handle) const;
+    };
+    std::unique_ptr<sqlite3_stmt, Finalize> handle_;
+};
+
+class Database
+{
+public:
+    enum class Access : std::uint8_t
+    {
+        Read,
+        Write,
+        Create,
+    };
+
+    /// Opens the file at `path`; for Create makes it. SQLite itself reads nothing yet, so a file that is no database
+    /// fails at the first statement.
+    static Outcome<Database> open(const std::string& path, Access access);
+
+    Outcome<Statement> prepare(std::string_view sql);
+
+    /// Runs one or more statements without parameters or rows.
+    Outcome<Done> execute(const char* sql);
+
+    std::int64_t lastRowId() const;
+
+private:
+    struct Close
+    {
+        void operator()(sqlite3* handle) const;
+    };
+    explicit Database(sqlite3* handle) : handle_(handle) {}
+
+    std::unique_ptr<sqlite3, Close> handle_;
+};
+
+} // namespace quarrynet::services

@@ -1,0 +1,153 @@
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "service_support.h"
+#include "services/index_database.h"
+#include "services/index_writer.h"
+#include "services/indexing.h"
+#include "services/web_service.h"
+
+using namespace quarrynet::services;
+
+namespace {
+
+std::string stanza(const std::string& name, const std::string& summary)
+{
+    std::string text = "Package: " + name;
+    text.append("\nDescription: ").append(summary);
+    text.append("\nHomepage: http://").append(name).append(".example/\n\n");
+    return text;
+}
+
+void quiet(const std::string&) {}
+
+std::vector<std::string> find(IndexPool& pool, std::string_view words)
+{
+    WebService service(pool, "http://h");
+    const Outcome<WebAnswer> answer = service.search(words, 0);
+    EXPECT_TRUE(answer) << answer.failure().message;
+    std::vector<std::string> addresses;
+    for (const WebHit& hit : answer->hits)
+        addresses.push_back(hit.address);
+    return addresses;
+}
+
+class Index : public ::testing::Test
+{
+protected:
+    Outcome<IndexCounts> build(const std::string& stanzas, std::vector<std::string> folders = {})
+    {
+        return buildIndex(data_.path(), {{input_.write("list", stanzas)}, std::move(folders)}, quiet);
+    }
+
+    TemporaryFolder data_;
+    TemporaryFolder input_;
+};
+
+} // namespace
+
+TEST_F(Index, FindsPackagesAndDocuments)
+{
+    input_.write("docs/sub/a b.html", "<title>Manual</title>How to grow apples");
+    const Outcome<IndexCounts> counts = build(stanza("red", "an apple"), {input_.path() + "/docs"});
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 1U);
+    EXPECT_EQ(counts->homePages, 1U);
+    EXPECT_EQ(counts->documents, 1U);
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://red.example/", "http://h/doc/1/sub/a%20b.html"}));
+    EXPECT_EQ(find(pool, "nothing"), std::vector<std::string>());
+}
+
+TEST_F(Index, PackagesWithoutAWebAddressAreNoHomePages)
+{
+    const Outcome<IndexCounts> counts =
+        build("Package: a\n\nPackage: b\nHomepage: gopher://b/\n\nPackage: c\nHomepage: javascript:x\n");
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 3U);
+    EXPECT_EQ(counts->homePages, 0U);
+}
+
+TEST_F(Index, MissingIndexAndOtherLayoutSayWhatToDo)
+{
+    IndexPool pool(data_.path());
+    const auto missing = pool.borrow();
+    ASSERT_FALSE(missing);
+    EXPECT_NE(missing.failure().message.find("quarrynet-services index"), std::string::npos);
+    ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute("CREATE TABLE x(y)"));
+    EXPECT_FALSE(pool.borrow());
+}
+
+TEST_F(Index, FileThatIsNoDatabaseIsAFailure)
+{
+    data_.write("index.sqlite", std::string(100000, 'x'));
+    IndexPool pool(data_.path());
+    EXPECT_FALSE(pool.borrow());
+    EXPECT_TRUE(build(stanza("red", "apple")));
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, NewIndexIsSeenAtOnceAndOldConnectionsGoOn)
+{
+    ASSERT_TRUE(build(stanza("one", "apple")));
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://one.example/"}));
+    Outcome<IndexPool::Lease> old = pool.borrow();
+    ASSERT_TRUE(old);
+    ASSERT_TRUE(build(stanza("two", "apple")));
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://two.example/"}));
+    Outcome<Statement> statement = (*old)->prepare("SELECT address FROM web_page");
+    ASSERT_TRUE(statement);
+    ASSERT_EQ(statement->step(), Statement::Step::Row);
+    EXPECT_EQ(statement->text(0), "http://one.example/");
+}
+
+TEST_F(Index, ProcessKilledWhileIndexingLeavesTheOldIndexWhole)
+{
+    ASSERT_TRUE(build(stanza("old", "apple")));
+    std::string many;
+    for (int i = 0; i < 10001; ++i)
+        many += stanza(std::to_string(i), "apple");
+    const std::string list = input_.write("many", many);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The first progress line comes in the middle of the packages.
+        (void)buildIndex(data_.path(), {{list}, {}}, [](const std::string&) { ::_exit(9); });
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_EQ(WEXITSTATUS(status), 9);
+
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://old.example/"}));
+    ASSERT_TRUE(build(stanza("new", "apple")));
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://new.example/"}));
+}
+
+TEST_F(Index, FaultWhileIndexingLeavesTheOldIndexAndNoRest)
+{
+    ASSERT_TRUE(build(stanza("old", "apple")));
+    EXPECT_FALSE(buildIndex(data_.path(), {{input_.path() + "/none"}, {}}, quiet));
+    EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, OnlyOneWriterAtATime)
+{
+    const Outcome<IndexWriter> first = IndexWriter::begin(data_.path());
+    ASSERT_TRUE(first);
+    const Outcome<IndexWriter> second = IndexWriter::begin(data_.path());
+    ASSERT_FALSE(second);
+    EXPECT_NE(second.failure().message.find("another"), std::string::npos);
+}
+
+TEST_F(Index, FolderThatIsNotThereIsAFailure)
+{
+    EXPECT_FALSE(buildIndex(data_.path() + "/none", {{input_.write("list", "")}, {}}, quiet));
+}
