@@ -1,0 +1,27 @@
+#include <cstdio>
+
+#include "services/commands.h"
+
+int main(int argc, char** argv)
+{
+    using namespace quarrynet::services;
+    const Outcome<Options> options = parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+    if (!options) {
+        std::fprintf(stderr, "quarrynet-services: %s\nTry \"quarrynet-services --help\".\n",
+                     options.failure().message.c_str());
+        return 2;
+    }
+    switch (options->command) {
+    case Options::Command::Index:
+        return runIndex(*options);
+    case Options::Command::Serve:
+        return runServe(*options);
+    case Options::Command::Version:
+        std::puts("quarrynet-services " QUARRYNET_VERSION);
+        return 0;
+    case Options::Command::Help:
+        std::fputs(helpText(), stdout);
+        return 0;
+    }
+    return 2;
+}

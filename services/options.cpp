@@ -1,0 +1,119 @@
+#include "services/options.h"
+
+#include <map>
+#include <optional>
+#include <variant>
+
+#include "services/http_message.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+using Target = std::variant<std::string*, std::vector<std::string>*, std::uint16_t*>;
+
+std::optional<Options::Command> commandNamed(const std::string& name)
+{
+    if (name == "serve")
+        return Options::Command::Serve;
+    if (name == "index")
+        return Options::Command::Index;
+    if (name == "help" || name == "--help" || name == "-h")
+        return Options::Command::Help;
+    if (name == "--version")
+        return Options::Command::Version;
+    return std::nullopt;
+}
+
+std::map<std::string, Target> targetsOf(Options& options)
+{
+    if (options.command == Options::Command::Index)
+        return {{"--data", &options.dataFolder}, {"--packages", &options.packageFiles}, {"--folder", &options.folders}};
+    return {{"--data", &options.dataFolder},
+            {"--web-address", &options.webAddress},
+            {"--download-address", &options.downloadAddress},
+            {"--file-address", &options.fileAddress},
+            {"--port", &options.port},
+            {"--proxy-address", &options.proxyAddress},
+            {"--proxy-port", &options.proxyPort}};
+}
+
+std::optional<Failure> store(const Target& target, const std::string& name, const std::string& value)
+{
+    if (auto* const* text = std::get_if<std::string*>(&target)) {
+        **text = value;
+    } else if (auto* const* texts = std::get_if<std::vector<std::string>*>(&target)) {
+        (*texts)->push_back(value);
+    } else {
+        const std::optional<int> number = wholeNumber(value);
+        if (!number || *number > 65535)
+            return Failure{name + " takes a port from 0 to 65535, not \"" + value + "\""};
+        **std::get_if<std::uint16_t*>(&target) = static_cast<std::uint16_t>(*number);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
+{
+    Options options;
+    if (arguments.empty())
+        return Failure{"a command is missing"};
+    const std::optional<Options::Command> command = commandNamed(arguments[0]);
+    if (!command)
+        return Failure{"there is no command \"" + arguments[0] + "\""};
+    options.command = *command;
+    const std::map<std::string, Target> targets = targetsOf(options);
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        if (arguments[i] == "--help" || arguments[i] == "-h") {
+            options.command = Options::Command::Help;
+            return options;
+        }
+        const std::size_t equals = arguments[i].find('=');
+        const std::string name = arguments[i].substr(0, equals);
+        const auto target = targets.find(name);
+        if (target == targets.end())
+            return Failure{"\"" + arguments[0] + "\" has no option \"" + name + "\""};
+        if (equals == std::string::npos && i + 1 == arguments.size())
+            return Failure{name + " needs a value"};
+        const std::string value = equals == std::string::npos ? arguments[++i] : arguments[i].substr(equals + 1);
+        if (const std::optional<Failure> fault = store(target->second, name, value))
+            return *fault;
+    }
+    return options;
+}
+
+const char* helpText()
+{
+    return R"(The local search services of Quarrynet.
+
+Usage: quarrynet-services COMMAND [OPTION]...
+
+Commands:
+  index   make the index that the searches answer from
+  serve   answer searches until the program is ended (Ctrl+C, SIGTERM)
+
+Options of both:
+  --data FOLDER              where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)
+
+Options of index:
+  --packages FILE            a file of package stanzas instead of the machine's package lists; may be repeated
+  --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated
+
+Options of serve:
+  --web-address ADDRESS      where the web search listens (default 127.80.0.1)
+  --download-address ADDRESS where the download search listens (default 127.80.0.3)
+  --file-address ADDRESS     where the file search listens (default 127.80.0.4)
+  --port PORT                the port of all services (default 80; 0 picks free ones)
+  --proxy-address ADDRESS    where the HTTP proxy to the services listens (default 127.0.0.1)
+  --proxy-port PORT          its port (default 8780; 0 picks a free one)
+
+When it listens, serve prints one line to the standard output: "quarrynet-services: ready", then for each service its
+name, "=" and its address.
+
+Exit status: 0 done, 1 failed, 2 wrong usage.
+)";
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "services/outcome.h"
+
+namespace quarrynet::services {
+
+/// What is asked for on the command line.
+struct Options
+{
+    enum class Command : std::uint8_t
+    {
+        Help,
+        Version,
+        Serve,
+        Index,
+    };
+
+    Command command = Command::Help;
+    std::string dataFolder; ///< empty: the user's data folder
+
+    // index
+    std::vector<std::string> packageFiles;
+    std::vector<std::string> folders; ///< empty: the usual ones
+
+    // serve; an empty address is the service's usual one
+    std::string webAddress;
+    std::string downloadAddress;
+    std::string fileAddress;
+    std::uint16_t port = 80;
+    std::string proxyAddress = "127.0.0.1";
+    std::uint16_t proxyPort = 8780;
+};
+
+/// Reads the arguments behind the program's name. Options are "--name value" or "--name=value". A Failure names the
+/// argument that was not understood.
+Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+const char* helpText();
+
+} // namespace quarrynet::services

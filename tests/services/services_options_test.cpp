@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include "services/options.h"
+
+using namespace quarrynet::services;
+
+TEST(ParseOptions, ReadsBothForms)
+{
+    const Outcome<Options> serve = parseOptions({"serve", "--port", "0", "--proxy-port=8080", "--data=/d=e"});
+    ASSERT_TRUE(serve);
+    EXPECT_EQ(serve->command, Options::Command::Serve);
+    EXPECT_EQ(serve->port, 0);
+    EXPECT_EQ(serve->proxyPort, 8080);
+    EXPECT_EQ(serve->dataFolder, "/d=e");
+    const Outcome<Options> index = parseOptions({"index", "--folder", "a", "--folder=b", "--packages", "p"});
+    ASSERT_TRUE(index);
+    EXPECT_EQ(index->folders, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(index->packageFiles, (std::vector<std::string>{"p"}));
+}
+
+TEST(ParseOptions, HelpAndVersion)
+{
+    EXPECT_EQ(parseOptions({"--help"})->command, Options::Command::Help);
+    EXPECT_EQ(parseOptions({"serve", "--help"})->command, Options::Command::Help);
+    EXPECT_EQ(parseOptions({"--version"})->command, Options::Command::Version);
+}
+
+TEST(ParseOptions, NamesWhatItDoesNotUnderstand)
+{
+    EXPECT_FALSE(parseOptions({}));
+    EXPECT_NE(parseOptions({"dance"}).failure().message.find("dance"), std::string::npos);
+    EXPECT_NE(parseOptions({"serve", "--folder", "x"}).failure().message.find("--folder"), std::string::npos);
+    EXPECT_NE(parseOptions({"serve", "--port"}).failure().message.find("--port"), std::string::npos);
+    for (const char* port : {"65536", "-1", "x", "", "99999999999"})
+        EXPECT_FALSE(parseOptions({"serve", "--port", port})) << port;
+}
