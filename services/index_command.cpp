@@ -16,7 +16,9 @@ int runIndex(const Options& options)
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
         return complain(data.failure());
-    IndexSources sources{options.packageFiles, options.folders};
+    IndexSources sources{options.packageFiles, options.mirror, options.folders};
+    if (!sources.mirror.empty() && sources.mirror.back() != '/')
+        sources.mirror.push_back('/');
     if (sources.folders.empty())
         sources.folders = {"/usr/share/doc", "/usr/local/share/doc", QUARRYNET_MANUAL_FOLDER};
 
@@ -27,8 +29,10 @@ int runIndex(const Options& options)
     if (!counts)
         return complain(counts.failure());
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    std::fprintf(stderr, "quarrynet-services: indexed %zu packages, %zu home pages and %zu documents in %.1f seconds\n",
-                 counts->packages, counts->homePages, counts->documents, seconds);
+    std::fprintf(stderr,
+                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads) and %zu documents in %.1f "
+                 "seconds\n",
+                 counts->packages, counts->homePages, counts->programs, counts->documents, seconds);
     return 0;
 }
 

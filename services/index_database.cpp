@@ -7,8 +7,9 @@ namespace quarrynet::services {
 
 namespace {
 
-// The texts stand in ordinary tables, and the full-text tables hold only what finds them. Rows of file_entry are in the
-// order in which a search shows them, so that a search that finds many need not sort them.
+// The texts stand in ordinary tables, and the full-text tables hold only what finds them. Rows of file_entry are
+// numbered in the order in which a search shows them, so that a search that finds many need not sort them. A file_site
+// is crawled at a time in seconds since 1970, or 0 when its files come from the package lists.
 constexpr const char* kTables = R"(
 CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 
@@ -19,6 +20,7 @@ CREATE VIRTUAL TABLE web_page_text USING fts5(title, description, content='web_p
 CREATE TABLE mirror(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE);
 CREATE TABLE program(id INTEGER PRIMARY KEY, name TEXT NOT NULL, description TEXT NOT NULL, system TEXT NOT NULL,
     size INTEGER NOT NULL, licence TEXT NOT NULL, mirror INTEGER NOT NULL, file TEXT NOT NULL);
+CREATE INDEX program_file ON program(file);
 CREATE VIRTUAL TABLE program_text USING fts5(name, description, content='program', content_rowid='id',
     tokenize='porter unicode61 remove_diacritics 2');
 
@@ -26,10 +28,19 @@ CREATE TABLE file_site(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE, crawle
 CREATE TABLE file_folder(id INTEGER PRIMARY KEY, site INTEGER NOT NULL, path TEXT NOT NULL);
 CREATE TABLE file_entry(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, name TEXT NOT NULL, size INTEGER,
     directory INTEGER NOT NULL);
+CREATE INDEX file_folder_path ON file_folder(path);
+CREATE INDEX file_entry_folder ON file_entry(folder);
 CREATE VIRTUAL TABLE file_name USING fts5(name, content='file_entry', content_rowid='id', tokenize='trigram');
 )";
 
-Outcome<std::int64_t> layoutOf(Database& database)
+} // namespace
+
+std::string indexPath(const std::string& dataFolder)
+{
+    return (std::filesystem::path(dataFolder) / "index.sqlite").string();
+}
+
+Outcome<std::int64_t> indexLayout(Database& database)
 {
     Outcome<Statement> statement = database.prepare("PRAGMA user_version");
     if (!statement)
@@ -37,13 +48,6 @@ Outcome<std::int64_t> layoutOf(Database& database)
     if (statement->step() != Statement::Step::Row)
         return statement->failure();
     return statement->number(0);
-}
-
-} // namespace
-
-std::string indexPath(const std::string& dataFolder)
-{
-    return (std::filesystem::path(dataFolder) / "index.sqlite").string();
 }
 
 Outcome<Done> createTables(Database& database)
@@ -86,7 +90,7 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
     Outcome<Database> opened = Database::open(path_, Database::Access::Read);
     if (!opened)
         return opened.failure();
-    const Outcome<std::int64_t> layout = layoutOf(*opened);
+    const Outcome<std::int64_t> layout = indexLayout(*opened);
     if (!layout)
         return layout.failure();
     if (*layout != kIndexLayout)

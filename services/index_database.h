@@ -17,7 +17,14 @@ namespace quarrynet::services {
 std::string indexPath(const std::string& dataFolder);
 
 /// Goes up whenever the tables change; an index of another layout has to be made anew.
-inline constexpr int kIndexLayout = 1;
+inline constexpr int kIndexLayout = 2;
+
+/// Files of the package lists are numbered from here on, those of crawled sites below it: whoever crawled a server
+/// wants to see its files first.
+inline constexpr std::int64_t kFirstPackageFile = std::int64_t{1} << 40;
+
+/// The layout of an index; fails for a file that is no database.
+Outcome<std::int64_t> indexLayout(Database& database);
 
 /// Makes the tables in an empty database.
 Outcome<Done> createTables(Database& database);

@@ -1,14 +1,18 @@
 #include "services/index_writer.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
 #include <sys/file.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "services/index_database.h"
 
@@ -57,22 +61,54 @@ IndexLock::~IndexLock()
 
 struct IndexWriter::Parts
 {
+    enum Insert : std::size_t
+    {
+        FolderRow,
+        PageRow,
+        PageTextRow,
+        MirrorRow,
+        ProgramRow,
+        ProgramTextRow,
+        SiteRow,
+        FileFolderRow,
+        FileRow,
+        FileNameRow,
+        InsertCount,
+    };
+
     std::string folder;
     std::string path;
     IndexLock lock;
     std::optional<Database> database = std::nullopt;
-    std::optional<Statement> insertFolder = std::nullopt;
-    std::optional<Statement> insertPage = std::nullopt;
-    std::optional<Statement> insertPageText = std::nullopt;
+    std::vector<Statement> inserts = {};
     bool committed = false;
 
     Outcome<Done> open();
+    Outcome<Done> takeOverCrawls(IndexWriter& writer) const;
     void close()
     {
-        insertFolder.reset();
-        insertPage.reset();
-        insertPageText.reset();
+        inserts.clear();
         database.reset();
+    }
+
+    /// Runs one of the inserts with these values, texts and numbers.
+    template <class... Values>
+    Outcome<Done> insert(Insert which, const Values&... values)
+    {
+        Statement& statement = inserts[which];
+        int parameter = 0;
+        (statement.bind(++parameter, values), ...);
+        return statement.run();
+    }
+
+    /// The same, for the number of the new row.
+    template <class... Values>
+    Outcome<std::int64_t> insertRow(Insert which, const Values&... values)
+    {
+        const Outcome<Done> result = insert(which, values...);
+        if (!result)
+            return result.failure();
+        return database->lastRowId();
     }
 };
 
@@ -85,25 +121,81 @@ Outcome<Done> IndexWriter::Parts::open()
         return opened.failure();
     database.emplace(std::move(*opened));
     // The file is thrown away unless it becomes whole, so it needs no journal, and is flushed once at the end.
-    Outcome<Done> result = database->execute("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"
-                                             "PRAGMA cache_size = -65536; PRAGMA page_size = 8192;");
+    Outcome<Done> result = database->execute("PRAGMA page_size = 8192; PRAGMA journal_mode = OFF;"
+                                             "PRAGMA synchronous = OFF; PRAGMA cache_size = -65536;");
     if (result)
         result = createTables(*database);
     if (result)
         result = database->execute("BEGIN");
     if (!result)
         return result;
-    const std::pair<std::optional<Statement>*, std::string_view> statements[] = {
-        {&insertFolder, "INSERT INTO folder(path) VALUES (?1)"},
-        {&insertPage, "INSERT INTO web_page(address, title, description) VALUES (?1, ?2, ?3)"},
-        {&insertPageText, "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)"},
+    constexpr std::array<std::string_view, InsertCount> kInserts{
+        "INSERT INTO folder(path) VALUES (?1)",
+        "INSERT INTO web_page(address, title, description) VALUES (?1, ?2, ?3)",
+        "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)",
+        "INSERT INTO mirror(base) VALUES (?1)",
+        "INSERT INTO program(name, description, system, size, licence, mirror, file) "
+        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)",
+        "INSERT INTO program_text(rowid, name, description) VALUES (?1, ?2, ?3)",
+        "INSERT INTO file_site(base, crawled) VALUES (?1, ?2)",
+        "INSERT INTO file_folder(site, path) VALUES (?1, ?2)",
+        "INSERT INTO file_entry(id, folder, name, size, directory) VALUES (?1, ?2, ?3, ?4, ?5)",
+        "INSERT INTO file_name(rowid, name) VALUES (?1, ?2)",
     };
-    for (const auto& [target, sql] : statements) {
+    for (const std::string_view sql : kInserts) {
         Outcome<Statement> statement = database->prepare(sql);
         if (!statement)
             return statement.failure();
-        target->emplace(std::move(*statement));
+        inserts.push_back(std::move(*statement));
     }
+    return Done{};
+}
+
+/// Copies the crawled sites out of the index that is in use. One that cannot be read has nothing to take over.
+Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
+{
+    // Open for writing: a crawl that was cut off may have left a journal that has to be played back first.
+    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Write);
+    if (!old)
+        return Done{};
+    const Outcome<std::int64_t> layout = indexLayout(*old);
+    if (!layout || *layout != kIndexLayout)
+        return Done{};
+    Outcome<Statement> rows = old->prepare(
+        "SELECT site.base, site.crawled, folder.id, folder.path, entry.id, entry.name, entry.size, entry.directory "
+        "FROM file_site AS site JOIN file_folder AS folder ON folder.site = site.id "
+        "JOIN file_entry AS entry ON entry.folder = folder.id WHERE site.crawled <> 0");
+    if (!rows)
+        return rows.failure();
+    std::map<std::string, std::int64_t, std::less<>> sites;
+    std::map<std::int64_t, std::int64_t> folders;
+    Statement::Step step = rows->step();
+    for (; step == Statement::Step::Row; step = rows->step()) {
+        const std::string base(rows->text(0));
+        auto site = sites.find(base);
+        if (site == sites.end()) {
+            const Outcome<std::int64_t> number = writer.addFileSite(base, rows->number(1));
+            if (!number)
+                return number.failure();
+            site = sites.emplace(base, *number).first;
+        }
+        auto place = folders.find(rows->number(2));
+        if (place == folders.end()) {
+            const Outcome<std::int64_t> number = writer.addFileFolder(site->second, rows->text(3));
+            if (!number)
+                return number.failure();
+            place = folders.emplace(rows->number(2), *number).first;
+        }
+        FileEntry entry{place->second, std::string(rows->text(5))};
+        if (!rows->isNull(6))
+            entry.size = rows->number(6);
+        entry.directory = rows->number(7) != 0;
+        Outcome<Done> added = writer.addFile(rows->number(4), entry);
+        if (!added)
+            return added;
+    }
+    if (step == Statement::Step::Failed)
+        return rows->failure();
     return Done{};
 }
 
@@ -133,33 +225,57 @@ IndexWriter::~IndexWriter()
 
 Outcome<std::int64_t> IndexWriter::addFolder(const std::string& path)
 {
-    parts_->insertFolder->bind(1, path);
-    const Outcome<Done> result = parts_->insertFolder->run();
-    if (!result)
-        return result.failure();
-    return parts_->database->lastRowId();
+    return parts_->insertRow(Parts::FolderRow, path);
 }
 
 Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view title, std::string_view description)
 {
-    Statement& page = *parts_->insertPage;
-    page.bind(1, address);
-    page.bind(2, title);
-    page.bind(3, description);
-    Outcome<Done> result = page.run();
-    if (!result)
-        return result;
-    Statement& text = *parts_->insertPageText;
-    text.bind(1, parts_->database->lastRowId());
-    text.bind(2, title);
-    text.bind(3, description);
-    return text.run();
+    const Outcome<std::int64_t> row = parts_->insertRow(Parts::PageRow, address, title, description);
+    if (!row)
+        return row.failure();
+    return parts_->insert(Parts::PageTextRow, *row, title, description);
+}
+
+Outcome<std::int64_t> IndexWriter::addMirror(std::string_view base)
+{
+    return parts_->insertRow(Parts::MirrorRow, base);
+}
+
+Outcome<Done> IndexWriter::addProgram(const Program& program)
+{
+    const Outcome<std::int64_t> row =
+        parts_->insertRow(Parts::ProgramRow, program.name, program.description, program.system, program.size,
+                          program.licence, program.mirror, program.file);
+    if (!row)
+        return row.failure();
+    return parts_->insert(Parts::ProgramTextRow, *row, program.name, program.description);
+}
+
+Outcome<std::int64_t> IndexWriter::addFileSite(std::string_view base, std::int64_t crawled)
+{
+    return parts_->insertRow(Parts::SiteRow, base, crawled);
+}
+
+Outcome<std::int64_t> IndexWriter::addFileFolder(std::int64_t site, std::string_view path)
+{
+    return parts_->insertRow(Parts::FileFolderRow, site, path);
+}
+
+Outcome<Done> IndexWriter::addFile(std::int64_t number, const FileEntry& entry)
+{
+    Outcome<Done> result = parts_->insert(Parts::FileRow, number, entry.folder, entry.name, entry.size,
+                                          static_cast<std::int64_t>(entry.directory ? 1 : 0));
+    return result ? parts_->insert(Parts::FileNameRow, number, entry.name) : result;
 }
 
 Outcome<Done> IndexWriter::commit()
 {
-    Outcome<Done> result = parts_->database->execute(
-        "INSERT INTO web_page_text(web_page_text) VALUES ('optimize'); COMMIT; PRAGMA journal_mode = DELETE;");
+    Outcome<Done> result = parts_->takeOverCrawls(*this);
+    if (result)
+        result = parts_->database->execute("INSERT INTO web_page_text(web_page_text) VALUES ('optimize');"
+                                           "INSERT INTO program_text(program_text) VALUES ('optimize');"
+                                           "INSERT INTO file_name(file_name) VALUES ('optimize');"
+                                           "COMMIT; PRAGMA journal_mode = DELETE;");
     if (!result)
         return result;
     parts_->close();

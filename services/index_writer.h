@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,27 @@
 #include "services/sqlite.h"
 
 namespace quarrynet::services {
+
+/// A program that the download search offers. Texts are UTF-8 without control characters.
+struct Program
+{
+    std::string name;
+    std::string description;
+    std::string system; ///< operating system and architecture
+    std::int64_t size = 0;
+    std::string licence;
+    std::int64_t mirror = 0; ///< number of the mirror that has it
+    std::string file;        ///< path below the mirror's base, not escaped
+};
+
+/// A file or directory that the file search finds.
+struct FileEntry
+{
+    std::int64_t folder = 0; ///< number of the folder that it lies in
+    std::string name;
+    std::optional<std::int64_t> size = std::nullopt;
+    bool directory = false;
+};
 
 /// An open file that only one process holds; given back when it ends.
 class IndexLock
@@ -46,7 +68,18 @@ public:
     /// control characters.
     Outcome<Done> addPage(std::string_view address, std::string_view title, std::string_view description);
 
-    /// Searchable at once when it returns: the old index is replaced.
+    /// A mirror's address, ending in "/"; its number.
+    Outcome<std::int64_t> addMirror(std::string_view base);
+    Outcome<Done> addProgram(const Program& program);
+
+    /// A server's address, ending in "/"; its number. `crawled` as in the table.
+    Outcome<std::int64_t> addFileSite(std::string_view base, std::int64_t crawled);
+    /// A folder's path below the site's base, empty or ending in "/", not escaped; its number.
+    Outcome<std::int64_t> addFileFolder(std::int64_t site, std::string_view path);
+    /// `number` says where searches show it: smaller ones first.
+    Outcome<Done> addFile(std::int64_t number, const FileEntry& entry);
+
+    /// Searchable at once when it returns: the old index is replaced. What was crawled is taken over from it.
     Outcome<Done> commit();
 
 private:

@@ -1,12 +1,16 @@
 #include "services/indexing.h"
 
+#include <map>
 #include <optional>
+#include <unordered_map>
 
 #include "services/document_folders.h"
 #include "services/html_document.h"
 #include "services/index_writer.h"
 #include "services/markup.h"
 #include "services/package_lists.h"
+#include "services/pool_files.h"
+#include "services/program_texts.h"
 
 namespace quarrynet::services {
 
@@ -16,6 +20,34 @@ constexpr std::size_t kProgressStep = 10000;
 constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
 constexpr std::size_t kMaxPageText = 128 * 1024;
 
+/// The mirrors of the machine's own package lists: which one has which file.
+class Mirrors
+{
+public:
+    Mirrors() : repositories_(installedRepositories())
+    {
+        // With one mirror there is nothing to tell apart.
+        for (std::size_t i = 1; i < repositories_.size(); ++i) {
+            const auto take = [this, i](const Package& package) { others_.emplace(package.file, i); };
+            // A list that cannot be read leaves its packages to the first mirror.
+            for (const std::string& list : repositories_[i].lists)
+                (void)readDownloadedList(list, take);
+        }
+    }
+
+    std::string baseOf(const std::string& file) const
+    {
+        if (repositories_.empty())
+            return {};
+        const auto other = others_.find(file);
+        return repositories_[other == others_.end() ? 0 : other->second].base;
+    }
+
+private:
+    std::vector<Repository> repositories_;
+    std::unordered_map<std::string, std::size_t> others_;
+};
+
 /// One run: the writer, the counts, and the first fault, after which nothing more is written.
 class Run
 {
@@ -24,7 +56,9 @@ public:
         : writer_(writer), progress_(progress)
     {}
 
-    void addPackage(const Package& package);
+    /// `base` is the address of the mirror that has it; empty when none is known.
+    void addPackage(const Package& package, const std::string& base);
+    void addPoolFiles();
     void addFolder(const std::string& folder);
 
     const IndexCounts& counts() const { return counts_; }
@@ -38,13 +72,17 @@ private:
     }
     void addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative);
 
+    void addProgram(const Package& package, const std::string& base);
+
     IndexWriter& writer_;
+    std::map<std::string, std::int64_t, std::less<>> mirrors_;
+    PoolFiles poolFiles_;
     const std::function<void(const std::string&)>& progress_;
     IndexCounts counts_;
     std::optional<Failure> fault_;
 };
 
-void Run::addPackage(const Package& package)
+void Run::addPackage(const Package& package, const std::string& base)
 {
     if (fault_)
         return;
@@ -55,6 +93,31 @@ void Run::addPackage(const Package& package)
         note(writer_.addPage(tidyAddress(package.homepage), title, package.description));
         ++counts_.homePages;
     }
+    if (!base.empty() && !package.file.empty())
+        addProgram(package, base);
+}
+
+void Run::addProgram(const Package& package, const std::string& base)
+{
+    auto mirror = mirrors_.find(base);
+    if (mirror == mirrors_.end()) {
+        const Outcome<std::int64_t> number = writer_.addMirror(base);
+        if (!number) {
+            fault_ = number.failure();
+            return;
+        }
+        mirror = mirrors_.emplace(base, *number).first;
+    }
+    note(writer_.addProgram({package.name, package.summary, systemOf(package.architecture), package.size,
+                             licenceOf(package.section), mirror->second, package.file}));
+    poolFiles_.add(base, package.file, package.size);
+    ++counts_.programs;
+}
+
+void Run::addPoolFiles()
+{
+    if (!fault_)
+        note(poolFiles_.write(writer_));
 }
 
 void Run::addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative)
@@ -94,18 +157,22 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
     if (!writer)
         return writer.failure();
     Run run(*writer, progress);
-    const auto take = [&run](const Package& package) { run.addPackage(package); };
     if (sources.packageFiles.empty()) {
-        const Outcome<Done> read = readInstalledLists(take);
+        progress("reading the package lists");
+        const Mirrors mirrors;
+        const Outcome<Done> read =
+            readInstalledLists([&](const Package& package) { run.addPackage(package, mirrors.baseOf(package.file)); });
         // A machine without package lists still has its documentation.
         if (!read)
             progress("no package lists: " + read.failure().message);
     }
     for (const std::string& file : sources.packageFiles) {
-        const Outcome<Done> read = readListFile(file, take);
+        const Outcome<Done> read =
+            readListFile(file, [&](const Package& package) { run.addPackage(package, sources.mirror); });
         if (!read)
             return read.failure();
     }
+    run.addPoolFiles();
     for (const std::string& folder : sources.folders)
         run.addFolder(folder);
     if (run.fault())

@@ -13,15 +13,19 @@ namespace quarrynet::services {
 struct IndexSources
 {
     /// Files of package stanzas; when empty, the machine's own package lists.
-    std::vector<std::string> packageFiles;
+    std::vector<std::string> packageFiles = {};
+    /// The address, ending in "/", of the mirror that has the packages of `packageFiles`. When empty, they are found as
+    /// home pages only. The machine's own lists say themselves where their packages are.
+    std::string mirror = {};
     /// Folders of HTML pages. One that does not exist is passed over.
-    std::vector<std::string> folders;
+    std::vector<std::string> folders = {};
 };
 
 struct IndexCounts
 {
     std::size_t packages = 0;
     std::size_t homePages = 0;
+    std::size_t programs = 0;
     std::size_t documents = 0;
 };
 

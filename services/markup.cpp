@@ -27,9 +27,12 @@ void appendPercent(std::string& out, char c)
     out.push_back(kHexDigits[byte & 15U]);
 }
 
-/// Whether an "&" before `rest` could be read as the beginning of a character reference.
+/// Whether an "&" before `rest` could be read as the beginning of a character reference, also once the program has
+/// taken the bold tags out.
 bool beginsReference(std::string_view rest)
 {
+    while (!rest.empty() && (rest.front() == kMatchBegin || rest.front() == kMatchEnd))
+        rest.remove_prefix(1);
     return !rest.empty() && (isAlphanumeric(rest.front()) || rest.front() == '#');
 }
 

@@ -28,7 +28,10 @@ std::optional<Options::Command> commandNamed(const std::string& name)
 std::map<std::string, Target> targetsOf(Options& options)
 {
     if (options.command == Options::Command::Index)
-        return {{"--data", &options.dataFolder}, {"--packages", &options.packageFiles}, {"--folder", &options.folders}};
+        return {{"--data", &options.dataFolder},
+                {"--packages", &options.packageFiles},
+                {"--mirror", &options.mirror},
+                {"--folder", &options.folders}};
     return {{"--data", &options.dataFolder},
             {"--web-address", &options.webAddress},
             {"--download-address", &options.downloadAddress},
@@ -99,6 +102,7 @@ Options of both:
 
 Options of index:
   --packages FILE            a file of package stanzas instead of the machine's package lists; may be repeated
+  --mirror ADDRESS           the address that the packages of these files are found under
   --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated
 
 Options of serve:

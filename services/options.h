@@ -24,6 +24,7 @@ struct Options
 
     // index
     std::vector<std::string> packageFiles;
+    std::string mirror;
     std::vector<std::string> folders; ///< empty: the usual ones
 
     // serve; an empty address is the service's usual one

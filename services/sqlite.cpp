@@ -35,9 +35,12 @@ void Statement::bind(int parameter, std::int64_t number)
     sqlite3_bind_int64(handle_.get(), parameter, number);
 }
 
-void Statement::bindNull(int parameter)
+void Statement::bind(int parameter, const std::optional<std::int64_t>& number)
 {
-    sqlite3_bind_null(handle_.get(), parameter);
+    if (number)
+        bind(parameter, *number);
+    else
+        sqlite3_bind_null(handle_.get(), parameter);
 }
 
 Statement::Step Statement::step()

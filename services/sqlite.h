@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,7 +31,7 @@ public:
     /// Parameters count from 1. Texts are copied; NULs inside are kept.
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
-    void bindNull(int parameter);
+    void bind(int parameter, const std::optional<std::int64_t>& number); // nothing is NULL
 
     Step step();
 

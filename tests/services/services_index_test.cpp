@@ -39,7 +39,7 @@ class Index : public ::testing::Test
 protected:
     Outcome<IndexCounts> build(const std::string& stanzas, std::vector<std::string> folders = {})
     {
-        return buildIndex(data_.path(), {{input_.write("list", stanzas)}, std::move(folders)}, quiet);
+        return buildIndex(data_.path(), {{input_.write("list", stanzas)}, "", std::move(folders)}, quiet);
     }
 
     TemporaryFolder data_;
@@ -115,7 +115,7 @@ TEST_F(Index, ProcessKilledWhileIndexingLeavesTheOldIndexWhole)
     ASSERT_GE(child, 0);
     if (child == 0) {
         // The first progress line comes in the middle of the packages.
-        (void)buildIndex(data_.path(), {{list}, {}}, [](const std::string&) { ::_exit(9); });
+        (void)buildIndex(data_.path(), {{list}}, [](const std::string&) { ::_exit(9); });
         ::_exit(0);
     }
     int status = 0;
@@ -132,7 +132,7 @@ TEST_F(Index, ProcessKilledWhileIndexingLeavesTheOldIndexWhole)
 TEST_F(Index, FaultWhileIndexingLeavesTheOldIndexAndNoRest)
 {
     ASSERT_TRUE(build(stanza("old", "apple")));
-    EXPECT_FALSE(buildIndex(data_.path(), {{input_.path() + "/none"}, {}}, quiet));
+    EXPECT_FALSE(buildIndex(data_.path(), {{input_.path() + "/none"}}, quiet));
     EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));
     IndexPool pool(data_.path());
     EXPECT_EQ(find(pool, "apple").size(), 1U);
@@ -149,5 +149,5 @@ TEST_F(Index, OnlyOneWriterAtATime)
 
 TEST_F(Index, FolderThatIsNotThereIsAFailure)
 {
-    EXPECT_FALSE(buildIndex(data_.path() + "/none", {{input_.write("list", "")}, {}}, quiet));
+    EXPECT_FALSE(buildIndex(data_.path() + "/none", {{input_.write("list", "")}}, quiet));
 }

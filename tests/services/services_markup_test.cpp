@@ -17,6 +17,7 @@ TEST(EscapeText, LeavesNoTagAndNoReference)
 TEST(EscapeMatches, MarksBecomeBold)
 {
     EXPECT_EQ(escapeMatches("a \x01<b>\x02 c"), "a <b>&lt;b></b> c");
+    EXPECT_EQ(escapeMatches("&\x01lt\x02;"), "&amp;<b>lt</b>;");
 }
 
 TEST(TidyAddress, EscapesWhatAnAttributeWithoutQuotesCannotHold)

@@ -17,7 +17,7 @@ protected:
     void build(const std::string& stanzas)
     {
         const Outcome<IndexCounts> counts = buildIndex(
-            data_.path(), {{input_.write("list", stanzas)}, {input_.path() + "/docs"}}, [](const std::string&) {});
+            data_.path(), {{input_.write("list", stanzas)}, "", {input_.path() + "/docs"}}, [](const std::string&) {});
         ASSERT_TRUE(counts) << counts.failure().message;
     }
 

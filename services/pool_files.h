@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "services/index_writer.h"
+
+namespace quarrynet::services {
+
+/// The files that the package lists name, and the directories that they lie in, as one FTP server for each mirror.
+class PoolFiles
+{
+public:
+    /// `base` is the mirror's address, ending in "/"; `file` the path below it.
+    void add(std::string_view base, std::string_view file, std::int64_t size);
+
+    /// Writes them in the order in which searches show them: short names, which a typed text covers best, go first, and
+    /// of equal ones the files.
+    Outcome<Done> write(IndexWriter& writer);
+
+private:
+    struct Entry
+    {
+        std::size_t folder = 0;
+        std::string name;
+        std::int64_t size = 0;
+        bool directory = false;
+    };
+    struct Folder
+    {
+        std::size_t site = 0;
+        std::string path;
+    };
+
+    std::size_t folderNumber(std::size_t site, std::string_view path);
+
+    std::vector<std::string> sites_;
+    std::vector<Folder> folders_;
+    std::vector<Entry> entries_;
+    std::map<std::string, std::size_t, std::less<>> folderNumbers_; ///< by site number, "/" and path
+};
+
+/// A mirror's address on FTP: "ftp://" and what follows the scheme of `base`.
+std::string ftpBase(std::string_view base);
+
+} // namespace quarrynet::services
