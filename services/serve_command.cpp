@@ -5,6 +5,8 @@
 
 #include "services/commands.h"
 #include "services/data_folder.h"
+#include "services/download_service.h"
+#include "services/file_service.h"
 #include "services/http_server.h"
 #include "services/index_database.h"
 #include "services/router.h"
@@ -103,10 +105,16 @@ int runServe(const Options& options)
 
     HttpServer server;
     Router router;
-    std::vector<Place> places{{"web", withDefault(options.webAddress, QUARRYNET_WEB_SEARCH_HOST)}};
+    std::vector<Place> places{{"web", withDefault(options.webAddress, QUARRYNET_WEB_SEARCH_HOST)},
+                              {"download", withDefault(options.downloadAddress, QUARRYNET_DOWNLOAD_SITE_HOST)},
+                              {"file", withDefault(options.fileAddress, QUARRYNET_FILE_SEARCH_HOST)}};
     listenAt(server, router, options.port, places);
     WebService web(index, baseOf(places[0]));
+    DownloadService downloads(index);
+    FileService files(index);
     router.add(places[0].host, [&web](const HttpRequest& request) { return web.answer(request); });
+    router.add(places[1].host, [&downloads](const HttpRequest& request) { return downloads.answer(request); });
+    router.add(places[2].host, [&files](const HttpRequest& request) { return files.answer(request); });
 
     const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
                                      [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
