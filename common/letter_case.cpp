@@ -1,0 +1,167 @@
+#include "common/letter_case.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#ifdef _WIN32
+#include <algorithm>
+
+#include <windows.h>
+#else
+#include <cwctype>
+#include <locale.h>
+#endif
+#ifdef __APPLE__
+#include <xlocale.h>
+#endif
+
+namespace quarrynet {
+
+#ifdef _WIN32
+
+std::string lowerCase(std::string_view text)
+{
+    constexpr std::size_t kPortion = std::size_t{1} << 30; // the call counts in 32 bits
+    std::string lower(text);
+    for (std::size_t from = 0; from < lower.size(); from += kPortion)
+        ::CharLowerBuffA(lower.data() + from, static_cast<DWORD>(std::min(kPortion, lower.size() - from)));
+    return lower;
+}
+
+#else
+
+namespace {
+
+/// A locale that knows all letters; null where the system has none.
+locale_t letters()
+{
+    static const locale_t all = [] {
+        for (const char* name : {"C.UTF-8", "C.utf8", "UTF-8", "en_US.UTF-8"}) {
+            if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr))
+                return found;
+        }
+        return locale_t(nullptr);
+    }();
+    return all;
+}
+
+/// For a system without such a locale: Latin-1, Greek and Cyrillic, and the pairs of Latin Extended-A.
+char32_t lowerWithoutLocale(char32_t letter)
+{
+    if ((letter >= 0xC0 && letter <= 0xDE && letter != 0xD7) ||
+        (letter >= 0x391 && letter <= 0x3AB && letter != 0x3A2) || (letter >= 0x410 && letter <= 0x42F))
+        return letter + 0x20;
+    if (letter >= 0x400 && letter <= 0x40F)
+        return letter + 0x50;
+    if ((letter >= 0x100 && letter <= 0x12E) || (letter >= 0x132 && letter <= 0x136) ||
+        (letter >= 0x14A && letter <= 0x176) || (letter >= 0x460 && letter <= 0x480))
+        return letter | 1;
+    if (((letter >= 0x139 && letter <= 0x147) || (letter >= 0x179 && letter <= 0x17D)) && letter % 2 == 1)
+        return letter + 1;
+    return letter;
+}
+
+char32_t lower(char32_t letter)
+{
+    static_assert(sizeof(wchar_t) == sizeof(char32_t));
+    if (letters() == nullptr)
+        return lowerWithoutLocale(letter);
+    return static_cast<char32_t>(::towlower_l(static_cast<wint_t>(letter), letters()));
+}
+
+struct Decoded
+{
+    char32_t letter;
+    std::size_t length;
+};
+
+/// The letter that `text` begins with: not empty, its first byte not ASCII.
+Decoded decode(std::string_view text)
+{
+    const auto byteAt = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
+    const unsigned char lead = byteAt(0);
+    const Decoded asLatin1{lead, 1};
+    std::size_t length = 0;
+    char32_t letter = 0;
+    char32_t least = 0; // smaller ones must be written shorter
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+        letter = lead & 0x1FU;
+        least = 0x80;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+        letter = lead & 0x0FU;
+        least = 0x800;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+        letter = lead & 0x07U;
+        least = 0x10000;
+    }
+    if (length == 0 || length > text.size())
+        return asLatin1;
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byteAt(i) & 0xC0U) != 0x80)
+            return asLatin1;
+        letter = (letter << 6) | (byteAt(i) & 0x3FU);
+    }
+    if (letter < least || letter > 0x10FFFF || (letter >= 0xD800 && letter <= 0xDFFF))
+        return asLatin1;
+    return {letter, length};
+}
+
+void encode(char32_t letter, std::string& out)
+{
+    const auto add = [&out](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+    if (letter < 0x80) {
+        add(letter);
+    } else if (letter < 0x800) {
+        add(0xC0 | (letter >> 6));
+        add(0x80 | (letter & 0x3F));
+    } else if (letter < 0x10000) {
+        add(0xE0 | (letter >> 12));
+        add(0x80 | ((letter >> 6) & 0x3F));
+        add(0x80 | (letter & 0x3F));
+    } else {
+        add(0xF0 | (letter >> 18));
+        add(0x80 | ((letter >> 12) & 0x3F));
+        add(0x80 | ((letter >> 6) & 0x3F));
+        add(0x80 | (letter & 0x3F));
+    }
+}
+
+bool isAscii(char c)
+{
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+} // namespace
+
+std::string lowerCase(std::string_view text)
+{
+    std::string out(text);
+    std::size_t plain = 0;
+    for (; plain < out.size() && isAscii(out[plain]); ++plain) {
+        const char c = out[plain];
+        out[plain] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    if (plain == out.size())
+        return out;
+
+    out.resize(plain);
+    for (std::size_t at = plain; at < text.size();) {
+        const char c = text[at];
+        if (isAscii(c)) {
+            out.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+            ++at;
+            continue;
+        }
+        const Decoded decoded = decode(text.substr(at));
+        encode(lower(decoded.letter), out);
+        at += decoded.length;
+    }
+    return out;
+}
+
+#endif
+
+} // namespace quarrynet

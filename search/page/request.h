@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "common/request_text.h"
+
+namespace quarrynet {
+
+/// The GET request for a page, header block and empty line included (RFC 9112, 3). Through a proxy the request line
+/// carries the absolute form (RFC 9112, 3.2.2). Unlike the searches it names no user agent.
+std::string pageRequest(std::string_view host, std::string_view path, Route route);
+
+} // namespace quarrynet

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace quarrynet {
+
+/// A hash table of tag texts, each with a small record. Made for hundreds of thousands of different tags of one page:
+/// noting one costs little more than reading it. The hash depends on a seed, so a page cannot be laid out to collide.
+class TagIndex
+{
+public:
+    struct Entry
+    {
+        std::string_view text; // must outlive the table
+        std::uint32_t first = 0;
+        std::uint32_t more = 0;
+    };
+
+    explicit TagIndex(std::uint64_t seed);
+
+    /// The entry of `text`, or null. Valid until the next call of at().
+    const Entry* find(std::string_view text) const;
+
+    /// The entry of `text`, made with both numbers 0 where it is missing. Valid until the next call of at().
+    Entry& at(std::string_view text);
+
+private:
+    struct Slot
+    {
+        std::uint32_t hash = 0;
+        std::uint32_t entry = 0; // its index and one; 0: free
+    };
+
+    std::uint32_t hash(std::string_view text) const;
+    std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
+    void grow();
+
+    std::uint64_t seed_;
+    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    std::vector<Entry> entries_;
+};
+
+} // namespace quarrynet

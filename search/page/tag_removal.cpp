@@ -1,0 +1,264 @@
+#include "search/page/tag_removal.h"
+
+#include <algorithm>
+
+namespace quarrynet {
+
+namespace {
+
+// Fingerprints are polynomials over the field of this prime.
+constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61) - 1;
+
+constexpr std::size_t kSmallPowers = 256;
+
+std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
+{
+    __extension__ using Product = unsigned __int128;
+    const Product product = static_cast<Product>(a) * b;
+    const std::uint64_t sum = static_cast<std::uint64_t>(product & kPrime) + static_cast<std::uint64_t>(product >> 61);
+    return sum >= kPrime ? sum - kPrime : sum;
+}
+
+std::uint64_t append(std::uint64_t fingerprint, std::uint64_t base, char byte)
+{
+    const std::uint64_t sum = multiply(fingerprint, base) + static_cast<unsigned char>(byte) + 1;
+    return sum >= kPrime ? sum - kPrime : sum;
+}
+
+} // namespace
+
+TagRemoval::TagRemoval(std::uint64_t base) : base_(base % kPrime), smallPowers_{1}, largePowers_{1}, index_(base) {}
+
+TagRemoval::Round TagRemoval::firstFrom(const std::vector<Round>& rounds, Round round)
+{
+    const auto found = std::lower_bound(rounds.begin(), rounds.end(), round);
+    return found == rounds.end() ? kNever : *found;
+}
+
+std::optional<std::string> TagRemoval::run(std::string_view text)
+{
+    out_.reserve(text.size());
+    std::size_t at = 0;
+    while (true) {
+        if (opens_.empty()) {
+            const std::size_t open = text.find('<', at);
+            out_.append(text, at, open - at);
+            if (open == std::string_view::npos)
+                return std::move(out_);
+            at = open;
+        }
+        const std::size_t close = text.find('>', at);
+        if (close == std::string_view::npos)
+            return std::move(out_.append(text, at));
+        const std::string_view segment = text.substr(at, close + 1 - at);
+        if (!opens_.empty() || segment.find('<', 1) != std::string_view::npos) {
+            indexTags(text.substr(indexed_, at - indexed_));
+            if (!closeTag(segment))
+                return std::nullopt;
+            indexed_ = close + 1;
+        }
+        at = close + 1;
+    }
+}
+
+/// Deals with the text up to a ">" that may end several tags. False when fingerprints misled.
+bool TagRemoval::closeTag(std::string_view segment)
+{
+    const std::size_t open = segment.rfind('<');
+    std::string_view text = segment;
+    if (open == std::string_view::npos) {
+        push(segment);
+        text = std::string_view(out_).substr(opens_.back().at);
+    } else {
+        text = segment.substr(open);
+    }
+    const TagIndex::Entry* const last = index_.find(text);
+    if (last == nullptr)
+        return startRound(open == std::string_view::npos ? std::string_view() : segment);
+    if (open != std::string_view::npos)
+        push(segment);
+    const Match match = earliest(*last);
+    if (match.round == kNever)
+        return startRound({});
+    if (match.nested != nullptr && std::string_view(out_).substr(opens_[match.open].at) != match.nested->text)
+        return false;
+    remove(match);
+    return true;
+}
+
+/// Notes the rounds of the tags in `text`, which all hold a single "<".
+void TagRemoval::indexTags(std::string_view text)
+{
+    for (std::size_t open = text.find('<'); open != std::string_view::npos; open = text.find('<')) {
+        text.remove_prefix(open);
+        const std::size_t length = text.find('>') + 1;
+        TagIndex::Entry& tag = index_.at(text.substr(0, length));
+        if (tag.first == 0)
+            tag.first = ++round_;
+        text.remove_prefix(length);
+    }
+}
+
+void TagRemoval::push(std::string_view segment)
+{
+    const std::size_t before = opens_.size();
+    const std::size_t end = out_.size();
+    for (std::size_t i = 0; i < segment.size(); ++i) {
+        if (segment[i] == '<')
+            opens_.push_back({end + i, fingerprint_});
+        fingerprint_ = append(fingerprint_, base_, segment[i]);
+    }
+    out_.append(segment);
+    if (opens_.size() != before)
+        arrivals_.push_back({before, 0});
+}
+
+TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
+{
+    const std::size_t top = opens_.size() - 1;
+    Match best{entryOfLast.first, top, nullptr};
+    const bool inTime = entryOfLast.first != 0 && entryOfLast.first >= arrivals_.back().round;
+    if (entryOfLast.more == 0) {
+        if (!inTime)
+            best.round = kNever;
+        return best;
+    }
+    const LastTag& last = lastTags_[entryOfLast.more - 1];
+    if (!inTime)
+        best.round = firstFrom(last.later, arrivals_.back().round);
+    if (last.nested.empty() || top == 0)
+        return best;
+
+    // The bytes that stood here from the start are looked at this once.
+    std::size_t arrived = arrivals_.back().round == 0 ? arrivals_.back().firstOpen : opens_.size();
+    for (std::size_t open = top; open-- > arrived;)
+        consider(open, 0, best);
+    arrived = std::min(arrived, top);
+    if (arrived == 0)
+        return best;
+
+    // Those that arrived may be looked at again and again. First round by round: the rounds before the last arrival
+    // are past for all of them, so this never goes back.
+    auto entry = std::lower_bound(last.nested.begin(), last.nested.end(), arrivalOf(arrived - 1),
+                                  [](const NestedRound& nested, Round round) { return nested.round < round; });
+    for (std::size_t steps = 0; steps < arrived; ++steps, ++entry) {
+        if (entry == last.nested.end() || entry->round >= best.round)
+            return best;
+        const NestedTag& tag = *entry->tag;
+        if (tag.opens > opens_.size())
+            continue;
+        const std::size_t open = opens_.size() - tag.opens;
+        if (open < arrived && opens_[open].at + tag.text.size() == out_.size() && arrivalOf(open) <= entry->round &&
+            fingerprintFrom(opens_[open]) == tag.fingerprint)
+            return {entry->round, open, &tag};
+    }
+    std::size_t open = arrived;
+    for (auto arrival = arrivals_.rbegin(); arrival != arrivals_.rend() && arrival->round < best.round; ++arrival) {
+        while (open > arrival->firstOpen)
+            consider(--open, arrival->round, best);
+    }
+    return best;
+}
+
+void TagRemoval::consider(std::size_t open, Round arrived, Match& best)
+{
+    const auto found = nestedTags_.find(fingerprintFrom(opens_[open]));
+    if (found == nestedTags_.end() || opens_[open].at + found->second.text.size() != out_.size())
+        return;
+    const Round round = firstFrom(found->second.rounds, arrived);
+    if (round < best.round)
+        best = {round, open, &found->second};
+}
+
+/// The text from the first open on, with `unread` behind it, becomes the tag of a new round. False when fingerprints
+/// misled.
+bool TagRemoval::startRound(std::string_view unread)
+{
+    std::string_view tag = unread;
+    if (!opens_.empty()) {
+        tag = texts_.emplace_back(out_.substr(opens_.front().at).append(unread));
+        out_.resize(opens_.front().at);
+        opens_.clear();
+        arrivals_.clear();
+        fingerprint_ = 0;
+    }
+    ++round_;
+    const std::size_t last = tag.rfind('<');
+    TagIndex::Entry& entry = index_.at(tag.substr(last));
+    if (last == 0) {
+        if (entry.first == 0)
+            entry.first = round_;
+        else
+            details(entry).later.push_back(round_);
+        return true;
+    }
+    const std::uint64_t print = fingerprint(tag);
+    NestedTag& nested = nestedTags_[print];
+    if (nested.text.empty()) {
+        nested.text = tag;
+        nested.opens = static_cast<std::size_t>(std::count(tag.begin(), tag.end(), '<'));
+        nested.fingerprint = print;
+    } else if (nested.text != tag) {
+        return false;
+    }
+    nested.rounds.push_back(round_);
+    details(entry).nested.push_back({round_, &nested});
+    return true;
+}
+
+void TagRemoval::remove(const Match& match)
+{
+    out_.resize(opens_[match.open].at);
+    fingerprint_ = opens_[match.open].fingerprint;
+    opens_.resize(match.open);
+    while (!arrivals_.empty() && arrivals_.back().firstOpen >= match.open)
+        arrivals_.pop_back();
+    std::size_t first = match.open;
+    while (!arrivals_.empty() && arrivals_.back().round <= match.round) {
+        first = arrivals_.back().firstOpen;
+        arrivals_.pop_back();
+    }
+    if (first != match.open)
+        arrivals_.push_back({first, match.round});
+}
+
+TagRemoval::LastTag& TagRemoval::details(TagIndex::Entry& entry)
+{
+    if (entry.more == 0) {
+        lastTags_.emplace_back();
+        entry.more = static_cast<std::uint32_t>(lastTags_.size());
+    }
+    return lastTags_[entry.more - 1];
+}
+
+TagRemoval::Round TagRemoval::arrivalOf(std::size_t open) const
+{
+    const auto after = std::upper_bound(arrivals_.begin(), arrivals_.end(), open,
+                                        [](std::size_t index, const Arrival& a) { return index < a.firstOpen; });
+    return std::prev(after)->round;
+}
+
+std::uint64_t TagRemoval::fingerprint(std::string_view text) const
+{
+    std::uint64_t value = 0;
+    for (const char byte : text)
+        value = append(value, base_, byte);
+    return value;
+}
+
+std::uint64_t TagRemoval::fingerprintFrom(const Open& open)
+{
+    const std::uint64_t before = multiply(open.fingerprint, power(out_.size() - open.at));
+    return fingerprint_ >= before ? fingerprint_ - before : fingerprint_ + kPrime - before;
+}
+
+std::uint64_t TagRemoval::power(std::size_t exponent)
+{
+    while (smallPowers_.size() < kSmallPowers)
+        smallPowers_.push_back(multiply(smallPowers_.back(), base_));
+    while (largePowers_.size() <= exponent / kSmallPowers)
+        largePowers_.push_back(multiply(largePowers_.back(), multiply(smallPowers_.back(), base_)));
+    return multiply(largePowers_[exponent / kSmallPowers], smallPowers_[exponent % kSmallPowers]);
+}
+
+} // namespace quarrynet

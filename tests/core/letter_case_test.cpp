@@ -1,0 +1,70 @@
+#include <clocale>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "common/letter_case.h"
+
+using namespace quarrynet;
+
+TEST(LowerCase, MapsAsciiLetters)
+{
+    EXPECT_EQ(lowerCase("Apple PIE @[`{ 09"), "apple pie @[`{ 09");
+}
+
+TEST(LowerCase, EmptyTextStaysEmpty)
+{
+    EXPECT_EQ(lowerCase(""), "");
+}
+
+TEST(LowerCase, NulStays)
+{
+    EXPECT_EQ(lowerCase(std::string_view("A\0B", 3)), std::string_view("a\0b", 3));
+}
+
+#ifndef _WIN32
+
+TEST(LowerCase, MapsLettersOfAllScripts)
+{
+    EXPECT_EQ(lowerCase("ÄÖÜ ÉÑ ŁŻŹ"), "äöü éñ łżź");
+    EXPECT_EQ(lowerCase("ΑΒΩ ЖЯЁ"), "αβω жяё");
+    EXPECT_EQ(lowerCase("x×ß日本"), "x×ß日本");
+}
+
+TEST(LowerCase, LetterMayChangeItsLength)
+{
+    EXPECT_EQ(lowerCase("\xE2\x84\xAA"), "k");                    // the Kelvin sign
+    EXPECT_EQ(lowerCase("\xC8\xBA"), "\xE2\xB1\xA5");             // A with stroke
+    EXPECT_EQ(lowerCase("\xF0\x90\x90\x80"), "\xF0\x90\x90\xA8"); // Deseret, beyond 16 bits
+}
+
+TEST(LowerCase, InvalidBytesCountAsLatin1)
+{
+    EXPECT_EQ(lowerCase("CAF\xC9"), "caf\xC3\xA9");
+    EXPECT_EQ(lowerCase("\xC9!"), lowerCase("É!"));
+    EXPECT_EQ(lowerCase("\xC3"), "\xC3\xA3");                         // cut in the middle of a letter
+    EXPECT_EQ(lowerCase("\xC0\xAF"), "\xC3\xA0\xC2\xAF");             // written too long
+    EXPECT_EQ(lowerCase("\xED\xA0\x80"), "\xC3\xAD\xC2\xA0\xC2\x80"); // a surrogate
+    EXPECT_EQ(lowerCase("\xF4\x90\x80\x80"), "\xC3\xB4\xC2\x90\xC2\x80\xC2\x80");
+}
+
+TEST(LowerCase, DoesNotDependOnTheProgramsLocale)
+{
+    ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+    EXPECT_EQ(lowerCase("Ä"), "ä");
+}
+
+#endif
+
+TEST(LowerCase, AppliedTwiceChangesNothingMore)
+{
+    std::mt19937 random(1);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text(random() % 12, ' ');
+        for (char& c : text)
+            c = static_cast<char>(random() % 3 == 0 ? random() % 128 : 128 + random() % 128);
+        const std::string once = lowerCase(text);
+        ASSERT_EQ(lowerCase(once), once);
+    }
+}

@@ -1,0 +1,195 @@
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "search/page/address.h"
+#include "search/page/keywords.h"
+#include "search/page/presence.h"
+#include "search/page/request.h"
+
+using namespace quarrynet;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr int kAny = 0;
+constexpr int kAll = 1;
+constexpr int kExact = 2;
+
+// The splitting step by step, removal included.
+std::vector<std::string> plainEntries(const std::string& typed)
+{
+    std::vector<std::string> entries;
+    std::string rest = typed + " ";
+    std::size_t p = 0;
+    do {
+        const std::size_t found = rest.find(' ');
+        p = found == std::string::npos ? 0 : found + 1;
+        entries.push_back(rest.substr(0, p));
+        rest = rest.substr(p);
+    } while (p != 0);
+    const std::size_t count = entries.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i < entries.size() && entries[i].empty())
+            entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    return entries;
+}
+
+std::vector<PresenceRow> rows(const std::string& page, const std::string& typed, int mode)
+{
+    return presenceRows(page, keywordEntries(typed), typed, mode);
+}
+
+PresenceRow found(const std::string& keyword)
+{
+    return {keyword, "Found"};
+}
+
+PresenceRow notFound(const std::string& keyword)
+{
+    return {keyword, "Not Found"};
+}
+
+PresenceRow summary(const std::string& text)
+{
+    return {text, std::nullopt};
+}
+
+} // namespace
+
+TEST(SplitAddress, HostAndPath)
+{
+    const PageAddress address = splitAddress("www.example.org/a/b.html");
+    EXPECT_EQ(address.PageHost, "www.example.org");
+    EXPECT_EQ(address.PagePath, "/a/b.html");
+}
+
+TEST(SplitAddress, SchemeIsDroppedWhenWrittenInLowerCase)
+{
+    EXPECT_EQ(splitAddress("http://www.example.org").PageHost, "www.example.org");
+    EXPECT_EQ(splitAddress("http://www.example.org").PagePath, "/");
+    EXPECT_EQ(splitAddress("HTTP://x/y").PageHost, "HTTP:");
+    EXPECT_EQ(splitAddress("HTTP://x/y").PagePath, "//x/y");
+    EXPECT_EQ(splitAddress("https://x/y").PageHost, "https:");
+}
+
+TEST(SplitAddress, PortStaysWithTheHost)
+{
+    EXPECT_EQ(splitAddress("http://x:8080/y").PageHost, "x:8080");
+}
+
+TEST(SplitAddress, EmptyParts)
+{
+    EXPECT_EQ(splitAddress("").PageHost, "");
+    EXPECT_EQ(splitAddress("").PagePath, "/");
+    EXPECT_EQ(splitAddress("http://").PageHost, "");
+    EXPECT_EQ(splitAddress("/x").PageHost, "");
+    EXPECT_EQ(splitAddress("/x").PagePath, "/x");
+    EXPECT_EQ(splitAddress("http://http://x").PageHost, "http:");
+}
+
+TEST(KeywordEntries, KeepTheBlankBehindThem)
+{
+    EXPECT_THAT(keywordEntries("apple pie"), ElementsAre("apple ", "pie "));
+    EXPECT_THAT(keywordEntries("apple  pie"), ElementsAre("apple ", " ", "pie "));
+    EXPECT_THAT(keywordEntries(" apple "), ElementsAre(" ", "apple ", " "));
+    EXPECT_THAT(keywordEntries(""), ElementsAre(" "));
+}
+
+TEST(KeywordEntries, AreThoseOfThePlainProcedure)
+{
+    std::mt19937 random(17);
+    for (int i = 0; i < 5000; ++i) {
+        std::string typed(random() % 12, ' ');
+        for (char& c : typed)
+            c = "ab  \t"[random() % 5];
+        ASSERT_EQ(keywordEntries(typed), plainEntries(typed)) << typed;
+    }
+}
+
+TEST(PageRequest, DirectAndThroughAProxy)
+{
+    EXPECT_EQ(pageRequest("www.example.org", "/a b?c", Route::Direct), "GET /a b?c HTTP/1.1\r\n"
+                                                                       "Host: www.example.org\r\n"
+                                                                       "Connection: close\r\n"
+                                                                       "Accept: */*\r\n"
+                                                                       "\r\n");
+    EXPECT_EQ(pageRequest("www.example.org", "/", Route::Proxy), "GET http://www.example.org/ HTTP/1.1\r\n"
+                                                                 "Host: www.example.org\r\n"
+                                                                 "Proxy-Connection: close\r\n"
+                                                                 "Accept: */*\r\n"
+                                                                 "\r\n");
+}
+
+TEST(AnyKeyword, EachHasItsRow)
+{
+    EXPECT_THAT(rows("A pineapple is Red", "Apple BLUE red", kAny),
+                ElementsAre(found("apple"), notFound("blue"), found("red")));
+}
+
+TEST(AnyKeyword, LoneBlankIsAnEmptyKeywordAndFound)
+{
+    EXPECT_THAT(rows("x", "a  x", kAny), ElementsAre(notFound("a"), found(""), found("x")));
+}
+
+TEST(AnyKeyword, SameKeywordTwiceIsListedTwice)
+{
+    EXPECT_THAT(rows("red", "red Red blue blue", kAny),
+                ElementsAre(found("red"), found("red"), notFound("blue"), notFound("blue")));
+}
+
+TEST(AnyKeyword, CaseIsIgnoredForAllLetters)
+{
+#ifdef _WIN32
+    EXPECT_THAT(rows("caf\xE9", "CAF\xC9", kAny), ElementsAre(found("caf\xE9")));
+#else
+    EXPECT_THAT(rows("Das CAFÉ", "café ÜBER", kAny), ElementsAre(found("café"), notFound("über")));
+    EXPECT_THAT(rows("caf\xC9", "café", kAny), ElementsAre(found("café"))) << "a page in Latin-1";
+#endif
+}
+
+TEST(AllKeywords, OneRowEachWhenAllAreThere)
+{
+    EXPECT_THAT(rows("red and blue", "blue red", kAll), ElementsAre(found("blue"), found("red")));
+}
+
+TEST(AllKeywords, OneMissingLeavesTheSummaryOnly)
+{
+    EXPECT_THAT(rows("red", "red blue", kAll), ElementsAre(summary("Not all keywords are found in this page")));
+}
+
+TEST(ExactSearch, WholeTextIsThePhrase)
+{
+    EXPECT_THAT(rows("a big RED  apple", " Red  Apple ", kExact), ElementsAre(found(" Red  Apple ")));
+    EXPECT_THAT(rows("a big red apple", "red  apple", kExact),
+                ElementsAre(summary("Keyword/s not found in this page")));
+}
+
+TEST(ExactSearch, BlanksOnlyAreFound)
+{
+    EXPECT_THAT(rows("x", "  ", kExact), ElementsAre(found("  ")));
+}
+
+TEST(Presence, OtherModesGiveNoRows)
+{
+    EXPECT_THAT(rows("red", "red", -1), IsEmpty());
+    EXPECT_THAT(rows("red", "red", 3), IsEmpty());
+}
+
+TEST(Presence, NulAndHighBytesInThePage)
+{
+    EXPECT_THAT(rows(std::string("a\0red\xff", 6), "red", kAny), ElementsAre(found("red")));
+}
+
+TEST(Presence, HugePeriodicPageAndKeyword)
+{
+    const std::string page(3000000, 'a');
+    EXPECT_THAT(rows(page, std::string(500000, 'A') + "b", kAll),
+                ElementsAre(summary("Not all keywords are found in this page")));
+    EXPECT_EQ(rows(page + "b", std::string(500000, 'A') + "b", kAny).front().result, "Found");
+}
