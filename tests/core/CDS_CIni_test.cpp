@@ -257,7 +257,11 @@ TEST_F(Ini, MillionLinesAreReadAndKept)
     std::string value;
     ASSERT_TRUE(store_.ReadValue("last", "k", value));
     EXPECT_EQ(value, "2");
+    ASSERT_TRUE(store_.ReadValue("s", "k", value));
+    EXPECT_EQ(value, "v");
+#ifndef _WIN32
     EXPECT_TRUE(content() == text + "[last]\nk=2\n");
+#endif
 }
 
 TEST_F(Ini, DirectoryInItsPlaceIsAFailureWithADescription)
