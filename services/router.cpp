@@ -11,14 +11,9 @@ void Router::add(const std::string& host, Handler handler)
     handlers_[hostOfAuthority(host)] = std::move(handler);
 }
 
-HttpResponse Router::answerAt(const std::string& host, const HttpRequest& request) const
+HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request) const
 {
-    if (request.absoluteForm)
-        return byHost(request);
-    const auto found = handlers_.find(hostOfAuthority(host));
-    if (found == handlers_.end())
-        return errorResponse(404, "No service answers here.");
-    return found->second(request);
+    return request.absoluteForm ? byHost(request) : service(request);
 }
 
 HttpResponse Router::answerAsProxy(const HttpRequest& request) const

@@ -18,9 +18,9 @@ public:
     /// `host` as it stands in addresses, without a port.
     void add(const std::string& host, Handler handler);
 
-    /// An answer to a request that arrived at a service's own port. An absolute address goes by its host, any other
-    /// request to the service of `host`.
-    HttpResponse answerAt(const std::string& host, const HttpRequest& request) const;
+    /// An answer to a request that arrived at a service's own port: its own, unless the request names an absolute
+    /// address (RFC 9112, section 3.2.2), which goes by its host.
+    HttpResponse answerAt(const Handler& service, const HttpRequest& request) const;
 
     /// An answer to a request that arrived at the proxy port: 403 for hosts that are no local service.
     HttpResponse answerAsProxy(const HttpRequest& request) const;

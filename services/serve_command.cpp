@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 #include "services/commands.h"
@@ -48,30 +49,31 @@ void explainPermission(std::uint16_t port)
                  static_cast<unsigned>(port));
 }
 
-struct Place
+struct Service
 {
     const char* name;
     std::string host;
+    Router::Handler handler;
     std::string address = {}; ///< where it listens; empty when it does not
 };
 
 /// Makes the services listen, each at its own address. Those that cannot are told of, and served by the proxy alone.
-void listenAt(HttpServer& server, const Router& router, std::uint16_t port, std::vector<Place>& places)
+void listenAt(HttpServer& server, const Router& router, std::uint16_t port, std::vector<Service>& services)
 {
     bool explained = false;
-    for (Place& place : places) {
-        const std::string host = place.host;
-        const auto result = server.listen(
-            host, port, [&router, host](const HttpRequest& request) { return router.answerAt(host, request); });
+    for (Service& service : services) {
+        const auto result = server.listen(service.host, port, [&router, &service](const HttpRequest& request) {
+            return router.answerAt(service.handler, request);
+        });
         if (const auto* refusal = std::get_if<HttpServer::Refusal>(&result)) {
-            std::fprintf(stderr, "quarrynet-services: the %s search answers through the proxy only: %s\n", place.name,
+            std::fprintf(stderr, "quarrynet-services: the %s search answers through the proxy only: %s\n", service.name,
                          refusal->message.c_str());
             if (refusal->fault == HttpServer::ListenFault::NotPermitted && !explained)
                 explainPermission(port);
             explained = explained || refusal->fault == HttpServer::ListenFault::NotPermitted;
             continue;
         }
-        place.address = "http://" + host + ":" + std::to_string(std::get<std::uint16_t>(result)) + "/";
+        service.address = "http://" + service.host + ":" + std::to_string(std::get<std::uint16_t>(result)) + "/";
     }
 }
 
@@ -81,10 +83,10 @@ std::string withDefault(const std::string& chosen, const char* usual)
 }
 
 /// What goes before a path of this service in the addresses that it gives out: port 80 goes without saying.
-std::string baseOf(const Place& place)
+std::string baseOf(const Service& service)
 {
     std::string base =
-        place.address.empty() ? "http://" + place.host : place.address.substr(0, place.address.size() - 1);
+        service.address.empty() ? "http://" + service.host : service.address.substr(0, service.address.size() - 1);
     if (base.size() > 3 && base.substr(base.size() - 3) == ":80")
         base.resize(base.size() - 3);
     return base;
@@ -105,16 +107,21 @@ int runServe(const Options& options)
 
     HttpServer server;
     Router router;
-    std::vector<Place> places{{"web", withDefault(options.webAddress, QUARRYNET_WEB_SEARCH_HOST)},
-                              {"download", withDefault(options.downloadAddress, QUARRYNET_DOWNLOAD_SITE_HOST)},
-                              {"file", withDefault(options.fileAddress, QUARRYNET_FILE_SEARCH_HOST)}};
-    listenAt(server, router, options.port, places);
-    WebService web(index, baseOf(places[0]));
+    std::optional<WebService> web; // its own address is known only once it listens
     DownloadService downloads(index);
     FileService files(index);
-    router.add(places[0].host, [&web](const HttpRequest& request) { return web.answer(request); });
-    router.add(places[1].host, [&downloads](const HttpRequest& request) { return downloads.answer(request); });
-    router.add(places[2].host, [&files](const HttpRequest& request) { return files.answer(request); });
+    std::vector<Service> services{
+        {"web", withDefault(options.webAddress, QUARRYNET_WEB_SEARCH_HOST),
+         [&web](const HttpRequest& request) { return web->answer(request); }},
+        {"download", withDefault(options.downloadAddress, QUARRYNET_DOWNLOAD_SITE_HOST),
+         [&downloads](const HttpRequest& request) { return downloads.answer(request); }},
+        {"file", withDefault(options.fileAddress, QUARRYNET_FILE_SEARCH_HOST),
+         [&files](const HttpRequest& request) { return files.answer(request); }},
+    };
+    listenAt(server, router, options.port, services);
+    web.emplace(index, baseOf(services[0]));
+    for (const Service& service : services)
+        router.add(service.host, service.handler);
 
     const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
                                      [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
@@ -124,8 +131,8 @@ int runServe(const Options& options)
     }
     installSignals(server);
     std::printf("quarrynet-services: ready");
-    for (const Place& place : places)
-        std::printf(" %s=%s", place.name, place.address.empty() ? "-" : place.address.c_str());
+    for (const Service& service : services)
+        std::printf(" %s=%s", service.name, service.address.empty() ? "-" : service.address.c_str());
     std::printf(" proxy=http://%s:%u/\n", options.proxyAddress.c_str(),
                 static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
     std::fflush(stdout);

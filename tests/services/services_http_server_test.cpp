@@ -195,7 +195,7 @@ TEST(Router, ProxyLeadsToTheLocalServicesOnly)
     request.absoluteForm = false;
     EXPECT_EQ(router.answerAsProxy(request).status, 400);
     request.host = "any.name";
-    EXPECT_EQ(router.answerAt("127.80.0.1", request).status, 200);
+    EXPECT_EQ(router.answerAt(echo, request).status, 200);
     request.absoluteForm = true;
-    EXPECT_EQ(router.answerAt("127.80.0.1", request).status, 403);
+    EXPECT_EQ(router.answerAt(echo, request).status, 403);
 }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <map>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -49,9 +50,11 @@ class Pages : public ::testing::Test
 protected:
     void SetUp() override
     {
-        router_.add(kWebHost, [this](const HttpRequest& request) { return web_.answer(request); });
-        router_.add(kDownloadHost, [this](const HttpRequest& request) { return downloads_.answer(request); });
-        router_.add(kFileHost, [this](const HttpRequest& request) { return files_.answer(request); });
+        services_[kWebHost] = [this](const HttpRequest& request) { return web_.answer(request); };
+        services_[kDownloadHost] = [this](const HttpRequest& request) { return downloads_.answer(request); };
+        services_[kFileHost] = [this](const HttpRequest& request) { return files_.answer(request); };
+        for (const auto& [host, service] : services_)
+            router_.add(host, service);
     }
 
     void build(const std::string& stanzas)
@@ -71,7 +74,7 @@ protected:
         if (request == nullptr)
             return {};
         const HttpResponse response =
-            route == Route::Direct ? router_.answerAt(host, *request) : router_.answerAsProxy(*request);
+            route == Route::Direct ? router_.answerAt(services_.at(host), *request) : router_.answerAsProxy(*request);
         EXPECT_EQ(response.status, 200) << bytes;
         const std::string whole = responseBytes(response, false);
         return whole.substr(whole.find("\r\n\r\n") + 4);
@@ -169,6 +172,7 @@ protected:
     WebService web_{pool_, std::string("http://") + kWebHost};
     DownloadService downloads_{pool_};
     FileService files_{pool_};
+    std::map<std::string, Router::Handler> services_;
     Router router_;
 };
 

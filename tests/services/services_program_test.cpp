@@ -1,0 +1,207 @@
+#include <csignal>
+#include <fcntl.h>
+#include <optional>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+#include "service_support.h"
+#include "services/http_message.h"
+
+/// The program itself, as a person or a script starts it.
+
+using namespace quarrynet::services;
+
+extern char** environ;
+
+namespace {
+
+/// The program, running; its standard output is read from a pipe, its error output goes to a file.
+class Running
+{
+public:
+    Running(std::vector<std::string> arguments, std::string errorFile) : errorFile_(std::move(errorFile))
+    {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(::pipe(ends), 0);
+        output_ = ends[0];
+        ::fcntl(output_, F_SETFD, FD_CLOEXEC);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, ends[1]);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                         0600);
+        arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        EXPECT_EQ(::posix_spawn(&process_, QUARRYNET_SERVICES, &actions, nullptr, pointers.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(ends[1]);
+    }
+    ~Running()
+    {
+        if (process_ > 0)
+            ::kill(process_, SIGKILL);
+        wait();
+        ::close(output_);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    /// One line of output without its end; what there is when the output ends.
+    std::string readLine() const
+    {
+        std::string line;
+        char c = 0;
+        while (::read(output_, &c, 1) == 1 && c != '\n')
+            line.push_back(c);
+        return line;
+    }
+
+    void signal(int number) const { ::kill(process_, number); }
+
+    /// The exit status; -1 when a signal ended it.
+    int wait()
+    {
+        if (process_ <= 0)
+            return -1;
+        int status = 0;
+        ::waitpid(process_, &status, 0);
+        process_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string errors() const
+    {
+        std::ifstream file(errorFile_);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    std::string errorFile_;
+    int output_ = -1;
+    pid_t process_ = 0;
+};
+
+class Program : public ::testing::Test
+{
+protected:
+    Running start(std::vector<std::string> arguments) { return {std::move(arguments), folder_.path() + "/errors"}; }
+
+    Running serve(std::vector<std::string> more = {})
+    {
+        std::vector<std::string> arguments{"serve", "--data", data(), "--port", "0", "--proxy-port", "0"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return start(std::move(arguments));
+    }
+
+    void index()
+    {
+        const std::string list = folder_.write(
+            "list", "Package: apple\nDescription: a red apple\nHomepage: http://apple.example/\nFilename: apple.deb\n");
+        Running run = start({"index", "--data", data(), "--packages", list, "--mirror", "http://mirror.example",
+                             "--folder", folder_.path() + "/docs"});
+        ASSERT_EQ(run.wait(), 0) << run.errors();
+    }
+
+    std::string data() const { return folder_.path() + "/data"; }
+
+    TemporaryFolder folder_;
+};
+
+/// The port behind "name=http://address:" in the ready line; 0 when it is not there.
+std::uint16_t portOf(const std::string& ready, const std::string& name)
+{
+    const std::size_t at = ready.find(" " + name + "=http://");
+    if (at == std::string::npos)
+        return 0;
+    const std::size_t colon = ready.find(':', ready.find("//", at));
+    return static_cast<std::uint16_t>(
+        wholeNumber(ready.substr(colon + 1, ready.find('/', colon) - colon - 1)).value_or(0));
+}
+
+std::string ask(const std::string& address, std::uint16_t port, const std::string& target)
+{
+    const RawClient client(address, port);
+    EXPECT_TRUE(client.connected()) << address << ":" << port;
+    client.send("GET " + target + " HTTP/1.1\r\nHOST: x\r\nConnection: close\r\n\r\n");
+    return client.receiveAll();
+}
+
+} // namespace
+
+TEST_F(Program, IndexesServesAndEndsCleanly)
+{
+    index();
+    for (const int number : {SIGTERM, SIGINT}) {
+        Running server = serve();
+        const std::string ready = server.readLine();
+        ASSERT_EQ(ready.substr(0, 25), "quarrynet-services: ready");
+        const std::string web =
+            ask("127.80.0.1", portOf(ready, "web"), "/search?num=30&hl=en&filter=0&safe=off&q=apple");
+        EXPECT_NE(web.find("<p><a href=http://apple.example/>"), std::string::npos) << web;
+        EXPECT_NE(ask("127.80.0.3", portOf(ready, "download"), "/3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
+                  std::string::npos);
+        EXPECT_NE(ask("127.80.0.4", portOf(ready, "file"), "/cgi-bin/s?t=f&d=&l=en&m=20&q=apple")
+                      .find("ftp://mirror.example/apple.deb"),
+                  std::string::npos);
+        const std::uint16_t proxy = portOf(ready, "proxy");
+        EXPECT_NE(ask("127.0.0.1", proxy, "http://127.80.0.3//3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
+                  std::string::npos);
+        EXPECT_EQ(ask("127.0.0.1", proxy, "http://other.example/").substr(9, 3), "403");
+        server.signal(number);
+        EXPECT_EQ(server.wait(), 0);
+    }
+}
+
+TEST_F(Program, ServesWithoutAnIndexAndFindsItWhenItComes)
+{
+    Running server = serve();
+    const std::string ready = server.readLine();
+    EXPECT_NE(server.errors().find("quarrynet-services index"), std::string::npos);
+    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "503");
+    folder_.write("other/errors", "");
+    const std::string list = folder_.write("list", "Package: apple\nHomepage: http://apple.example/\n");
+    Running run({"index", "--data", data(), "--packages", list, "--folder", folder_.path()},
+                folder_.path() + "/other/errors");
+    ASSERT_EQ(run.wait(), 0) << run.errors();
+    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "200");
+}
+
+TEST_F(Program, ServiceThatCannotListenAnswersThroughTheProxy)
+{
+    index();
+    // An address of the documentation range is never this machine's.
+    Running server = serve({"--web-address", "192.0.2.1"});
+    const std::string ready = server.readLine();
+    EXPECT_NE(ready.find(" web=- "), std::string::npos) << ready;
+    EXPECT_NE(server.errors().find("through the proxy only"), std::string::npos);
+    EXPECT_EQ(ask("127.0.0.1", portOf(ready, "proxy"), "http://192.0.2.1/search?q=apple").substr(9, 3), "200");
+}
+
+TEST_F(Program, ProxyPortInUseIsAnError)
+{
+    Running first = serve();
+    const std::uint16_t port = portOf(first.readLine(), "proxy");
+    Running second({"serve", "--data", data(), "--port", "0", "--proxy-port", std::to_string(port)},
+                   folder_.path() + "/errors2");
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_NE(second.errors().find("proxy"), std::string::npos);
+}
+
+TEST_F(Program, WrongUsageAndUnusableFoldersAreErrors)
+{
+    EXPECT_EQ(start({}).wait(), 2);
+    EXPECT_EQ(start({"dance"}).wait(), 2);
+    EXPECT_EQ(start({"serve", "--port", "x"}).wait(), 2);
+    EXPECT_EQ(start({"--help"}).wait(), 0);
+    EXPECT_EQ(start({"--version"}).readLine().substr(0, 19), "quarrynet-services ");
+    const std::string file = folder_.write("file", "");
+    EXPECT_EQ(start({"serve", "--data", file}).wait(), 1);
+    EXPECT_EQ(start({"index", "--data", file + "/below"}).wait(), 1);
+    EXPECT_EQ(start({"index", "--data", data(), "--packages", folder_.path() + "/none"}).wait(), 1);
+}
