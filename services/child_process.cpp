@@ -26,6 +26,7 @@ Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     std::vector<std::string> copies = arguments;
     std::vector<char*> pointers;
+    pointers.reserve(copies.size() + 1);
     for (std::string& copy : copies)
         pointers.push_back(copy.data());
     pointers.push_back(nullptr);

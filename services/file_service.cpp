@@ -185,7 +185,7 @@ Outcome<FileAnswer> FileService::run(Database& index, const std::string& source,
     if (!rows)
         return rows.failure();
     // One more than a page holds tells whether there is another.
-    rows->bind(1, static_cast<std::int64_t>(kPageSize + 1));
+    rows->bind(1, std::int64_t{kPageSize} + 1);
     rows->bind(2, start);
     for (std::size_t i = 0; i < values.size(); ++i)
         rows->bind(static_cast<int>(i) + 3, values[i]);

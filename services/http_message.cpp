@@ -227,7 +227,7 @@ std::string responseBytes(const HttpResponse& response, bool headOnly)
     bytes += "\r\nContent-Length: " + std::to_string(response.body.size());
     bytes += "\r\nX-Content-Type-Options: nosniff\r\nConnection: close\r\n";
     for (const auto& [name, value] : response.fields)
-        bytes += name + ": " + value + "\r\n";
+        bytes.append(name).append(": ").append(value).append("\r\n");
     bytes += "\r\n";
     if (!headOnly)
         bytes += response.body;

@@ -187,7 +187,7 @@ HttpResponse WebService::document(std::string_view path)
 {
     const std::size_t slash = std::min(path.find('/'), path.size());
     const std::optional<int> number = wholeNumber(path.substr(0, slash));
-    const HttpResponse missing = errorResponse(404, "There is no such document.");
+    HttpResponse missing = errorResponse(404, "There is no such document.");
     if (!number || slash == path.size())
         return missing;
     Outcome<IndexPool::Lease> index = index_.borrow();
