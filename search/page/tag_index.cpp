@@ -1,5 +1,7 @@
 #include "search/page/tag_index.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace quarrynet {
@@ -23,23 +25,37 @@ std::uint64_t fold(std::uint64_t a, std::uint64_t b)
 
 TagIndex::TagIndex(std::uint64_t seed) : seed_(seed), slots_(kFirstSlots) {}
 
+void TagIndex::expect(std::size_t count)
+{
+    entries_.reserve(count);
+    slots_.assign(std::bit_ceil(std::max(kFirstSlots, count + count / 2)), Slot());
+}
+
+TagIndex::Key TagIndex::key(std::string_view text) const
+{
+    const std::uint32_t hashed = hash(text);
+#ifdef __GNUC__
+    __builtin_prefetch(&slots_[hashed & (slots_.size() - 1)]);
+#endif
+    return {text, hashed};
+}
+
 const TagIndex::Entry* TagIndex::find(std::string_view text) const
 {
-    const Slot& slot = slots_[slotOf(text, hash(text))];
+    const Slot& slot = slots_[slotOf({text, hash(text)})];
     return slot.entry == 0 ? nullptr : &entries_[slot.entry - 1];
 }
 
-TagIndex::Entry& TagIndex::at(std::string_view text)
+TagIndex::Entry& TagIndex::at(const Key& key)
 {
-    const std::uint32_t hashed = hash(text);
-    std::size_t at = slotOf(text, hashed);
+    std::size_t at = slotOf(key);
     if (slots_[at].entry == 0) {
-        if (2 * entries_.size() >= slots_.size()) {
+        if (3 * entries_.size() >= 2 * slots_.size()) {
             grow();
-            at = slotOf(text, hashed);
+            at = slotOf(key);
         }
-        entries_.push_back({text, 0, 0});
-        slots_[at] = {hashed, static_cast<std::uint32_t>(entries_.size())};
+        entries_.push_back({key.text, 0, 0});
+        slots_[at] = {key.hash, static_cast<std::uint32_t>(entries_.size())};
     }
     return entries_[slots_[at].entry - 1];
 }
@@ -58,18 +74,18 @@ std::uint32_t TagIndex::hash(std::string_view text) const
     return static_cast<std::uint32_t>(hashed ^ (hashed >> 32));
 }
 
-std::size_t TagIndex::slotOf(std::string_view text, std::uint32_t hash) const
+std::size_t TagIndex::slotOf(const Key& key) const
 {
     const std::size_t mask = slots_.size() - 1;
-    std::size_t at = hash & mask;
-    while (slots_[at].entry != 0 && (slots_[at].hash != hash || entries_[slots_[at].entry - 1].text != text))
+    std::size_t at = key.hash & mask;
+    while (slots_[at].entry != 0 && (slots_[at].hash != key.hash || entries_[slots_[at].entry - 1].text != key.text))
         at = (at + 1) & mask;
     return at;
 }
 
 void TagIndex::grow()
 {
-    std::vector<Slot> slots(4 * slots_.size());
+    std::vector<Slot> slots(2 * slots_.size());
     for (const Slot& slot : slots_) {
         if (slot.entry == 0)
             continue;

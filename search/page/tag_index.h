@@ -19,13 +19,28 @@ public:
         std::uint32_t more = 0;
     };
 
+    /// A text with its hash.
+    struct Key
+    {
+        std::string_view text;
+        std::uint32_t hash = 0;
+    };
+
     explicit TagIndex(std::uint64_t seed);
+
+    /// Makes room for about `count` entries in advance. Only while there are none.
+    void expect(std::size_t count);
+
+    /// The key of `text`; its place in the table is fetched into the cache meanwhile. In a large table that is what a
+    /// look-up waits for, so many keys made in advance are looked up much faster.
+    Key key(std::string_view text) const;
 
     /// The entry of `text`, or null. Valid until the next call of at().
     const Entry* find(std::string_view text) const;
 
     /// The entry of `text`, made with both numbers 0 where it is missing. Valid until the next call of at().
-    Entry& at(std::string_view text);
+    Entry& at(const Key& key);
+    Entry& at(std::string_view text) { return at(key(text)); }
 
 private:
     struct Slot
@@ -35,11 +50,11 @@ private:
     };
 
     std::uint32_t hash(std::string_view text) const;
-    std::size_t slotOf(std::string_view text, std::uint32_t hash) const;
+    std::size_t slotOf(const Key& key) const;
     void grow();
 
     std::uint64_t seed_;
-    std::vector<Slot> slots_; // a power of two, at most half of them taken
+    std::vector<Slot> slots_; // a power of two, at most two thirds of them taken
     std::vector<Entry> entries_;
 };
 

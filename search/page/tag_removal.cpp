@@ -1,6 +1,7 @@
 #include "search/page/tag_removal.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quarrynet {
 
@@ -10,6 +11,9 @@ namespace {
 constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61) - 1;
 
 constexpr std::size_t kSmallPowers = 256;
+
+// About as many bytes of a page there are to each of its different tags, where it has many.
+constexpr std::size_t kBytesPerTag = 48;
 
 std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
 {
@@ -38,6 +42,7 @@ TagRemoval::Round TagRemoval::firstFrom(const std::vector<Round>& rounds, Round 
 std::optional<std::string> TagRemoval::run(std::string_view text)
 {
     out_.reserve(text.size());
+    index_.expect(text.size() / kBytesPerTag);
     std::size_t at = 0;
     while (true) {
         if (opens_.empty()) {
@@ -89,14 +94,24 @@ bool TagRemoval::closeTag(std::string_view segment)
 /// Notes the rounds of the tags in `text`, which all hold a single "<".
 void TagRemoval::indexTags(std::string_view text)
 {
-    for (std::size_t open = text.find('<'); open != std::string_view::npos; open = text.find('<')) {
-        text.remove_prefix(open);
-        const std::size_t length = text.find('>') + 1;
-        TagIndex::Entry& tag = index_.at(text.substr(0, length));
-        if (tag.first == 0)
-            tag.first = ++round_;
-        text.remove_prefix(length);
-    }
+    std::array<TagIndex::Key, 32> keys;
+    std::size_t count = 0;
+    do {
+        count = 0;
+        for (std::size_t open = text.find('<'); open != std::string_view::npos; open = text.find('<')) {
+            text.remove_prefix(open);
+            const std::size_t length = text.find('>') + 1;
+            keys[count++] = index_.key(text.substr(0, length));
+            text.remove_prefix(length);
+            if (count == keys.size())
+                break;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            TagIndex::Entry& tag = index_.at(keys[i]);
+            if (tag.first == 0)
+                tag.first = ++round_;
+        }
+    } while (count == keys.size());
 }
 
 void TagRemoval::push(std::string_view segment)
