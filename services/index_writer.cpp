@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <sys/file.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -81,9 +82,11 @@ struct IndexWriter::Parts
     IndexLock lock;
     std::optional<Database> database = std::nullopt;
     std::vector<Statement> inserts = {};
+    bool extending = false; ///< the old index is in here already
     bool committed = false;
 
-    Outcome<Done> open();
+    Outcome<Done> open(bool fromOld);
+    bool copyOld() const;
     Outcome<Done> takeOverCrawls(IndexWriter& writer) const;
     void close()
     {
@@ -112,10 +115,20 @@ struct IndexWriter::Parts
     }
 };
 
-Outcome<Done> IndexWriter::Parts::open()
+/// Copies the index that is in use; false when there is none that could be gone on with.
+bool IndexWriter::Parts::copyOld() const
+{
+    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Read);
+    const Outcome<std::int64_t> layout = old ? indexLayout(*old) : Outcome<std::int64_t>(old.failure());
+    std::error_code error;
+    return layout && *layout == kIndexLayout && std::filesystem::copy_file(indexPath(folder), path, error);
+}
+
+Outcome<Done> IndexWriter::Parts::open(bool fromOld)
 {
     // What an interrupted run left behind is worth nothing.
     std::remove(path.c_str());
+    extending = fromOld && copyOld();
     Outcome<Database> opened = Database::open(path, Database::Access::Create);
     if (!opened)
         return opened.failure();
@@ -123,7 +136,7 @@ Outcome<Done> IndexWriter::Parts::open()
     // The file is thrown away unless it becomes whole, so it needs no journal, and is flushed once at the end.
     Outcome<Done> result = database->execute("PRAGMA page_size = 8192; PRAGMA journal_mode = OFF;"
                                              "PRAGMA synchronous = OFF; PRAGMA cache_size = -65536;");
-    if (result)
+    if (result && !extending)
         result = createTables(*database);
     if (result)
         result = database->execute("BEGIN");
@@ -154,8 +167,7 @@ Outcome<Done> IndexWriter::Parts::open()
 /// Copies the crawled sites out of the index that is in use. One that cannot be read has nothing to take over.
 Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 {
-    // Open for writing: a crawl that was cut off may have left a journal that has to be played back first.
-    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Write);
+    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Read);
     if (!old)
         return Done{};
     const Outcome<std::int64_t> layout = indexLayout(*old);
@@ -201,11 +213,21 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 
 Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder)
 {
+    return start(dataFolder, false);
+}
+
+Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder)
+{
+    return start(dataFolder, true);
+}
+
+Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, bool fromOld)
+{
     Outcome<IndexLock> lock = IndexLock::take(dataFolder);
     if (!lock)
         return lock.failure();
     auto parts = std::make_unique<Parts>(Parts{dataFolder, indexPath(dataFolder) + ".new", std::move(*lock)});
-    const Outcome<Done> opened = parts->open();
+    const Outcome<Done> opened = parts->open(fromOld);
     if (!opened)
         return opened.failure();
     return IndexWriter(std::move(parts));
@@ -268,9 +290,45 @@ Outcome<Done> IndexWriter::addFile(std::int64_t number, const FileEntry& entry)
     return result ? parts_->insert(Parts::FileNameRow, number, entry.name) : result;
 }
 
+Outcome<Done> IndexWriter::removeFileSite(std::string_view base)
+{
+    // The full-text table has to be told the names that go, while they are still there.
+    constexpr std::array<std::string_view, 4> kSteps{
+        "INSERT INTO file_name(file_name, rowid, name) SELECT 'delete', entry.id, entry.name FROM file_entry AS entry "
+        "WHERE folder IN (SELECT folder.id FROM file_folder AS folder JOIN file_site AS site ON site.id = folder.site "
+        "WHERE site.base = ?1)",
+        "DELETE FROM file_entry WHERE folder IN (SELECT folder.id FROM file_folder AS folder "
+        "JOIN file_site AS site ON site.id = folder.site WHERE site.base = ?1)",
+        "DELETE FROM file_folder WHERE site IN (SELECT id FROM file_site WHERE base = ?1)",
+        "DELETE FROM file_site WHERE base = ?1",
+    };
+    for (const std::string_view sql : kSteps) {
+        Outcome<Statement> statement = parts_->database->prepare(sql);
+        if (!statement)
+            return statement.failure();
+        statement->bind(1, base);
+        Outcome<Done> result = statement->run();
+        if (!result)
+            return result;
+    }
+    return Done{};
+}
+
+Outcome<std::int64_t> IndexWriter::nextCrawledFile()
+{
+    Outcome<Statement> statement =
+        parts_->database->prepare("SELECT coalesce(max(id), 0) + 1 FROM file_entry WHERE id < ?1");
+    if (!statement)
+        return statement.failure();
+    statement->bind(1, kFirstPackageFile);
+    if (statement->step() != Statement::Step::Row)
+        return statement->failure();
+    return statement->number(0);
+}
+
 Outcome<Done> IndexWriter::commit()
 {
-    Outcome<Done> result = parts_->takeOverCrawls(*this);
+    Outcome<Done> result = parts_->extending ? Done{} : parts_->takeOverCrawls(*this);
     if (result)
         result = parts_->database->execute("INSERT INTO web_page_text(web_page_text) VALUES ('optimize');"
                                            "INSERT INTO program_text(program_text) VALUES ('optimize');"

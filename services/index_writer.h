@@ -55,7 +55,11 @@ private:
 class IndexWriter
 {
 public:
+    /// A new, empty index. What was crawled is taken over from the old one at the end.
     static Outcome<IndexWriter> begin(const std::string& dataFolder);
+
+    /// A copy of the index that is there, to be changed; a new one when there is none of this layout.
+    static Outcome<IndexWriter> extend(const std::string& dataFolder);
 
     IndexWriter(IndexWriter&&) noexcept;
     IndexWriter& operator=(IndexWriter&&) = delete;
@@ -79,11 +83,17 @@ public:
     /// `number` says where searches show it: smaller ones first.
     Outcome<Done> addFile(std::int64_t number, const FileEntry& entry);
 
-    /// Searchable at once when it returns: the old index is replaced. What was crawled is taken over from it.
+    /// Takes a server with all its folders and files out again; nothing happens when it is not there.
+    Outcome<Done> removeFileSite(std::string_view base);
+    /// The number for the next file of a crawled server, behind those that are there.
+    Outcome<std::int64_t> nextCrawledFile();
+
+    /// Searchable at once when it returns: the old index is replaced.
     Outcome<Done> commit();
 
 private:
     struct Parts;
+    static Outcome<IndexWriter> start(const std::string& dataFolder, bool fromOld);
     explicit IndexWriter(std::unique_ptr<Parts> parts);
 
     std::unique_ptr<Parts> parts_;

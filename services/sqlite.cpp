@@ -6,7 +6,7 @@ namespace quarrynet::services {
 
 namespace {
 
-// A crawl may be writing while a search reads; it holds the file for milliseconds.
+// Nobody writes to an index that is in use; should another program do, it is waited for.
 constexpr int kBusyMilliseconds = 5000;
 
 Failure describeFault(sqlite3* handle)
@@ -106,13 +106,8 @@ void Database::Close::operator()(sqlite3* handle) const
 
 Outcome<Database> Database::open(const std::string& path, Access access)
 {
-    int flags = SQLITE_OPEN_NOMUTEX;
-    if (access == Access::Read)
-        flags |= SQLITE_OPEN_READONLY;
-    else
-        flags |= SQLITE_OPEN_READWRITE;
-    if (access == Access::Create)
-        flags |= SQLITE_OPEN_CREATE;
+    const int flags = SQLITE_OPEN_NOMUTEX |
+                      (access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     sqlite3* handle = nullptr;
     const int code = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
     Database database(handle);

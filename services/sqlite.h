@@ -62,12 +62,11 @@ public:
     enum class Access : std::uint8_t
     {
         Read,
-        Write,
         Create,
     };
 
-    /// Opens the file at `path`; for Create makes it. SQLite itself reads nothing yet, so a file that is no database
-    /// fails at the first statement.
+    /// Opens the file at `path`; for Create makes it when it is missing, and opens it for writing. SQLite itself reads
+    /// nothing yet, so a file that is no database fails at the first statement.
     static Outcome<Database> open(const std::string& path, Access access);
 
     Outcome<Statement> prepare(std::string_view sql);

@@ -3,7 +3,6 @@
 #include "service_support.h"
 #include "services/download_service.h"
 #include "services/indexing.h"
-#include "services/program_texts.h"
 
 using namespace quarrynet::services;
 
@@ -105,22 +104,4 @@ TEST(DownloadPage, AddressCannotLeaveTheScript)
     const std::size_t script = page.find("newlocation = ");
     EXPECT_EQ(page.substr(script, page.find(';', script) - script),
               "newlocation = \"http%3A%2F%2Fh%2Fa%22%3Balert(%271%27)%3C%2Fscript>#\"");
-}
-
-TEST(SystemOf, NamesKernelAndProcessor)
-{
-    EXPECT_EQ(systemOf("amd64"), "Linux (amd64)");
-    EXPECT_EQ(systemOf("all"), "Any system");
-    EXPECT_EQ(systemOf(""), "Any system");
-    EXPECT_EQ(systemOf("hurd-i386"), "Hurd (i386)");
-    EXPECT_EQ(systemOf("kfreebsd-amd64"), "FreeBSD (amd64)");
-}
-
-TEST(LicenceOf, GoesByTheArea)
-{
-    EXPECT_EQ(licenceOf("games"), "Free");
-    EXPECT_EQ(licenceOf(""), "Free");
-    EXPECT_EQ(licenceOf("contrib/games"), "Free, needs non-free");
-    EXPECT_EQ(licenceOf("non-free/games"), "Non-free");
-    EXPECT_EQ(licenceOf("non-free-firmware/kernel"), "Non-free");
 }

@@ -6,7 +6,6 @@
 
 #include "service_support.h"
 #include "services/http_server.h"
-#include "services/router.h"
 
 using namespace quarrynet::services;
 
@@ -178,24 +177,4 @@ TEST(HttpServer, PortInUseAndBadAddressAreRefused)
     const auto bad = server.listen("no address", 0, echo);
     ASSERT_TRUE(std::holds_alternative<HttpServer::Refusal>(bad));
     EXPECT_EQ(std::get<HttpServer::Refusal>(bad).fault, HttpServer::ListenFault::Other);
-}
-
-TEST(Router, ProxyLeadsToTheLocalServicesOnly)
-{
-    Router router;
-    router.add("127.80.0.1", echo);
-    router.add("127.80.0.3", [](const HttpRequest&) { return errorResponse(404, "here"); });
-    HttpRequest request{"GET", "127.80.0.1", "/x", "y", true};
-    EXPECT_EQ(router.answerAsProxy(request).body, "/x?y");
-    request.host = "127.80.0.3";
-    EXPECT_EQ(router.answerAsProxy(request).status, 404);
-    request.host = "example.org";
-    EXPECT_EQ(router.answerAsProxy(request).status, 403);
-    request.host = "127.80.0.1";
-    request.absoluteForm = false;
-    EXPECT_EQ(router.answerAsProxy(request).status, 400);
-    request.host = "any.name";
-    EXPECT_EQ(router.answerAt(echo, request).status, 200);
-    request.absoluteForm = true;
-    EXPECT_EQ(router.answerAt(echo, request).status, 403);
 }

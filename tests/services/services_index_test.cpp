@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "service_support.h"
+#include "services/file_service.h"
 #include "services/index_database.h"
 #include "services/index_writer.h"
 #include "services/indexing.h"
@@ -150,4 +151,47 @@ TEST_F(Index, OnlyOneWriterAtATime)
 TEST_F(Index, FolderThatIsNotThereIsAFailure)
 {
     EXPECT_FALSE(buildIndex(data_.path() + "/none", {{input_.write("list", "")}}, quiet));
+}
+
+TEST_F(Index, ExtendingKeepsWhatIsThereAndReplacesASite)
+{
+    ASSERT_TRUE(build(stanza("red", "an apple")));
+    const auto crawl = [this](const std::vector<std::string>& names) {
+        Outcome<IndexWriter> writer = IndexWriter::extend(data_.path());
+        ASSERT_TRUE(writer);
+        ASSERT_TRUE(writer->removeFileSite("ftp://h/"));
+        const Outcome<std::int64_t> site = writer->addFileSite("ftp://h/", 1);
+        ASSERT_TRUE(site);
+        const Outcome<std::int64_t> folder = writer->addFileFolder(*site, "pub/");
+        ASSERT_TRUE(folder);
+        Outcome<std::int64_t> number = writer->nextCrawledFile();
+        ASSERT_TRUE(number);
+        for (const std::string& name : names)
+            ASSERT_TRUE(writer->addFile((*number)++, {*folder, name}));
+        ASSERT_TRUE(writer->commit());
+    };
+    IndexPool pool(data_.path());
+    FileService files(pool);
+    crawl({"apple one", "apple two"});
+    EXPECT_EQ(files.search("apple", 0)->hits.size(), 2U);
+    crawl({"apple three"});
+    ASSERT_EQ(files.search("apple", 0)->hits.size(), 1U);
+    EXPECT_EQ(files.search("apple", 0)->hits[0].address, "ftp://h/pub/apple%20three");
+    EXPECT_EQ(files.search("two", 0)->hits.size(), 0U);
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+    ASSERT_TRUE(build(stanza("green", "an apple")));
+    EXPECT_EQ(files.search("apple", 0)->hits.size(), 1U);
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://green.example/"}));
+}
+
+TEST_F(Index, ExtendingNothingMakesANewIndex)
+{
+    {
+        Outcome<IndexWriter> writer = IndexWriter::extend(data_.path());
+        ASSERT_TRUE(writer);
+        EXPECT_EQ(*writer->nextCrawledFile(), 1);
+        ASSERT_TRUE(writer->commit());
+    }
+    IndexPool pool(data_.path());
+    EXPECT_TRUE(pool.borrow());
 }
