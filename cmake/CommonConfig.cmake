@@ -2,6 +2,7 @@
 
 option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(QUARRYNET_BUILD_FUZZERS "Build the libFuzzer programs in tests/fuzz (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -36,5 +37,13 @@ endif()
 
 if(QUARRYNET_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(QUARRYNET_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "QUARRYNET_BUILD_FUZZERS needs clang: libFuzzer is a part of it")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined)
   add_link_options(-fsanitize=address,undefined)
 endif()

@@ -1,7 +1,6 @@
 #include "search/download/results.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -16,12 +15,9 @@ namespace {
 
 constexpr double kPerPage = 25;
 
-// The shortest text that all markers of an entry fit into, and so the least that a row moves on. A page holds no more
-// entries than this goes into its length.
-constexpr std::string_view kShortestEntry = "<b></b>class><OS:> </b></b></redir?>";
-
-// Rows that a page may announce beyond its entries. They repeat texts of the page, so a range text that announces
-// millions of them announces nothing new.
+// Rows that a page gives beyond its entries, however many it announces. See `RepetitionWatch` for why a page runs out
+// of entries at all: from there on rows only repeat texts that it has given, so the missing ones would show nothing
+// new.
 constexpr std::size_t kSurplusRows = 10'000;
 
 /// The count's text and where it ends.
@@ -71,12 +67,12 @@ double announcedRows(std::string_view page, Position from)
     return 0;
 }
 
-std::size_t boundedRows(double announced, std::size_t pageLength)
+/// The whole rows in `announced`, which may be anything a page can say.
+std::size_t wholeRows(double announced)
 {
-    const std::size_t most = pageLength / kShortestEntry.size() + kSurplusRows;
     if (!(announced >= 1)) // also what is no number any more, such as infinity less infinity
         return 0;
-    return announced < static_cast<double>(most) ? static_cast<std::size_t>(announced) : most;
+    return static_cast<std::size_t>(std::min(announced, 1e9));
 }
 
 /// Reads one row after the other. A search that finds nothing gives position 0, and the next one then begins at the
@@ -171,10 +167,11 @@ private:
     bool exhausted_ = false;
 };
 
-/// Tells when the rows begin to repeat. Where a row leaves off depends on where it began alone, so a position reached
-/// again begins the same rows again. A row that leaves off at or above where it began had a search that found nothing,
-/// and what follows such a search does not depend on the row: there are only as many of these positions as a row has
-/// searches, and the page is read from its top no more often than that.
+/// Tells when the rows begin to repeat. Rows that find all their markers move on through the page, so their number is
+/// bounded by its length. A row that leaves off at or above where it began had a search that found nothing, and what
+/// follows such a search does not depend on the row: there are only as many of these positions as a row has searches,
+/// and the page is read from its top no more often than that. Where a row leaves off depends on where it began alone,
+/// so a position reached again begins the same rows again.
 class RepetitionWatch
 {
 public:
@@ -216,10 +213,11 @@ DownloadResults parseDownloadResults(std::string_view page)
     const Position countEnd = readCount(page, results);
     results.paging = offerDownloadPages(*results.countCaption);
 
-    const std::size_t count = boundedRows(announcedRows(page, countEnd), page.size());
+    std::size_t count = wholeRows(announcedRows(page, countEnd));
     RowReader reader(page);
     RepetitionWatch watch;
     Position p = start;
+    bool pastEntries = false;
     std::size_t period = 0; // how many of the latest rows make up all that follow, once they repeat
     while (results.rows.size() < count && !reader.exhausted()) {
         if (period != 0) {
@@ -227,8 +225,12 @@ DownloadResults parseDownloadResults(std::string_view page)
             continue;
         }
         const Position next = reader.read(p, results);
-        if (next <= p)
+        if (next <= p) {
+            if (!pastEntries)
+                count = std::min(count, results.rows.size() + kSurplusRows);
+            pastEntries = true;
             period = watch.repeatingRows(next, results.rows.size());
+        }
         p = next;
     }
     return results;

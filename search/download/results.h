@@ -30,8 +30,8 @@ struct DownloadResults
 };
 
 /// Cuts the programs out of `page` (the response's body, not empty; bytes). As many rows as the page's range text
-/// announces, within what the page can hold and 10,000 more; a field that cannot be cut stays empty, a name or link
-/// keeps the one of the row before. Linear in the page's length and the number of rows.
+/// announces, but at most 10,000 beyond the entries that the page holds; a field that cannot be cut stays empty, a name
+/// or link keeps the one of the row before. Linear in the page's length and the number of rows.
 DownloadResults parseDownloadResults(std::string_view page);
 
 } // namespace quarrynet

@@ -6,6 +6,7 @@
 #include "search/image/gallery.h"
 #include "search/image/results.h"
 #include "tests/core/page_samples.h"
+#include "tests/core/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;

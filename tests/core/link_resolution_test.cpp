@@ -2,6 +2,7 @@
 
 #include "search/download/link_resolution.h"
 #include "tests/core/page_samples.h"
+#include "tests/core/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;

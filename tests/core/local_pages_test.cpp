@@ -1,24 +1,13 @@
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "common/local_pages.h"
+#include "tests/core/test_data.h"
 
 using namespace quarrynet;
-
-namespace {
-
-std::string dataFile(const std::string& name)
-{
-    std::ifstream file(std::string(QUARRYNET_TEST_DATA "/") + name, std::ios::binary);
-    EXPECT_TRUE(file) << name;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-} // namespace
+using namespace quarrynet::samples;
 
 TEST(BlankFramePage, IsOneLineWithoutAnEnd)
 {

@@ -5,6 +5,7 @@
 
 #include "search/web/results.h"
 #include "tests/core/page_samples.h"
+#include "tests/core/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
