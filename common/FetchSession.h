@@ -53,7 +53,7 @@ public:
 struct Endpoint
 {
     std::string host;
-    int port;
+    int port = 0;
 };
 
 /// What the sockets of the whole window share. Two overlapping exchanges mix their data here: the design gathers one

@@ -61,6 +61,9 @@ QVariant ListViewModel::headerData(int section, Qt::Orientation orientation, int
 
 ListView::ListView(QWidget* parent) : QTreeView(parent)
 {
+    QFont arial = font();
+    arial.setFamily(QStringLiteral("Arial"));
+    setFont(arial);
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAlternatingRowColors(true);

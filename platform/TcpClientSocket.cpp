@@ -3,24 +3,21 @@
 #include <QHostAddress>
 #include <QNetworkProxy>
 
-#ifdef Q_OS_WIN
-#include <winsock2.h>
-#else
-#include <poll.h>
-#endif
-
 #include "platform/text_border.h"
 
 namespace quarrynet {
 
-namespace {
-
-struct WinSockError
+struct TcpClientSocket::WinSockError
 {
     int number;
     const char* description;
 };
 
+namespace {
+
+using WinSockError = TcpClientSocket::WinSockError;
+
+constexpr WinSockError kHostNotFound = {11001, "Host not found"};
 constexpr WinSockError kAborted = {10053, "Connection is aborted due to timeout or other failure"};
 constexpr WinSockError kReset = {10054, "The connection is reset by remote side"};
 constexpr WinSockError kNoSuchPort = {10049, "The remote address is not valid: a port is a number from 1 to 65535"};
@@ -31,7 +28,7 @@ WinSockError winSockError(QAbstractSocket::SocketError error)
     case QAbstractSocket::ConnectionRefusedError:
         return {10061, "Connection is forcefully rejected"};
     case QAbstractSocket::HostNotFoundError:
-        return {11001, "Host not found"};
+        return kHostNotFound;
     case QAbstractSocket::RemoteHostClosedError:
         return kReset;
     case QAbstractSocket::SocketTimeoutError:
@@ -45,19 +42,6 @@ WinSockError winSockError(QAbstractSocket::SocketError error)
     default:
         return kAborted;
     }
-}
-
-// Qt reports a reset (RST) as it does an orderly end (FIN). Only after a reset is the other direction shut as well.
-bool wasReset(qintptr descriptor)
-{
-#ifdef Q_OS_WIN
-    char byte = 0;
-    return ::recv(static_cast<SOCKET>(descriptor), &byte, 1, MSG_PEEK) == SOCKET_ERROR &&
-           ::WSAGetLastError() == WSAECONNRESET;
-#else
-    pollfd state = {static_cast<int>(descriptor), POLLIN, 0};
-    return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
-#endif
 }
 
 } // namespace
@@ -77,9 +61,12 @@ void TcpClientSocket::Close()
     ended_ = SocketState::Closed;
     if (!socket_)
         return;
+    witness_.forget();
     socket_->disconnect(this);
-    socket_->abort();
-    socket_->deleteLater(); // Close is called from the socket's own signals
+    // Close is called from within the socket's own signals, and it does not survive an abort there. Queued, the abort
+    // also runs in the event loop of a message box, which a deferred deletion would wait out.
+    QMetaObject::invokeMethod(socket_, &QAbstractSocket::abort, Qt::QueuedConnection);
+    socket_->deleteLater();
     socket_ = nullptr;
 }
 
@@ -88,18 +75,25 @@ void TcpClientSocket::Connect(std::string_view host, int port)
     Close();
     socket_ = new QTcpSocket(this);
     socket_->setProxy(QNetworkProxy::NoProxy);
-    connect(socket_, &QTcpSocket::connected, this, &TcpClientSocket::connected);
+    connect(socket_, &QTcpSocket::connected, this, [this] {
+        witness_.watch(socket_->socketDescriptor());
+        emit connected();
+    });
     connect(socket_, &QTcpSocket::readyRead, this, &TcpClientSocket::dataArrival);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TcpClientSocket::bytesWritten);
     connect(socket_, &QTcpSocket::errorOccurred, this, &TcpClientSocket::socketFailed);
     // Queued, so that no event reaches a caller before its start is finished, not even a refusal known at once.
     QMetaObject::invokeMethod(
         socket_,
-        [this, name = toText(host), port] {
-            if (port < 1 || port > 65535)
-                fail(kNoSuchPort.number, QString::fromLatin1(kNoSuchPort.description));
+        [this, socket = socket_, name = toText(host), port] {
+            if (socket != socket_)
+                return;                  // closed in the meantime
+            if (name.contains(QChar(0))) // the system would read no further
+                fail(kHostNotFound);
+            else if (port < 1 || port > 65535)
+                fail(kNoSuchPort);
             else
-                socket_->connectToHost(name, static_cast<quint16>(port));
+                socket->connectToHost(name, static_cast<quint16>(port));
         },
         Qt::QueuedConnection);
 }
@@ -143,15 +137,15 @@ SocketState TcpClientSocket::State() const
     return SocketState::Open;
 }
 
-void TcpClientSocket::fail(int number, const QString& description)
+void TcpClientSocket::fail(const WinSockError& error)
 {
     ended_ = SocketState::Error;
-    emit failed(number, description);
+    emit failed(error.number, QString::fromLatin1(error.description));
 }
 
 void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
 {
-    if (error == QAbstractSocket::RemoteHostClosedError && !wasReset(socket_->socketDescriptor())) {
+    if (error == QAbstractSocket::RemoteHostClosedError && !witness_.sawReset()) {
         ended_ = SocketState::Closing;
         // The rest of what was received is announced before the end of it.
         if (socket_->bytesAvailable() > 0)
@@ -160,8 +154,7 @@ void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
             emit closedByPeer();
         return;
     }
-    const WinSockError known = winSockError(error);
-    fail(known.number, QString::fromLatin1(known.description));
+    fail(winSockError(error));
 }
 
 void TcpClientSocket::bytesWritten()

@@ -4,6 +4,7 @@
 #include <QTcpSocket>
 
 #include "common/FetchSession.h"
+#include "platform/ResetWitness.h"
 
 namespace quarrynet {
 
@@ -28,6 +29,8 @@ public:
     void GetData(std::string& text) override;
     SocketState State() const override;
 
+    struct WinSockError;
+
 signals:
     void connected();
     void dataArrival();
@@ -40,12 +43,13 @@ signals:
 
 private:
     int stateNumber() const { return static_cast<int>(State()); }
-    void fail(int number, const QString& description);
+    void fail(const WinSockError& error);
     void socketFailed(QAbstractSocket::SocketError error);
     void bytesWritten();
 
     // A socket object a connection: an event that was on its way when Close was called belongs to the past.
     QTcpSocket* socket_ = nullptr;
+    ResetWitness witness_;
     SocketState ended_ = SocketState::Closed; // the state while no socket is at work
 };
 

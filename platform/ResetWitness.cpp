@@ -1,0 +1,66 @@
+#include "platform/ResetWitness.h"
+
+#ifdef Q_OS_WIN
+#include <winsock2.h>
+#else
+#include <poll.h>
+#include <unistd.h>
+#endif
+
+namespace quarrynet {
+
+#ifdef Q_OS_WIN
+
+void ResetWitness::watch(qintptr descriptor)
+{
+    forget();
+    WSAPROTOCOL_INFOW info;
+    if (::WSADuplicateSocketW(static_cast<SOCKET>(descriptor), ::GetCurrentProcessId(), &info) == 0) {
+        descriptor_ = static_cast<qintptr>(
+            ::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, &info, 0, WSA_FLAG_OVERLAPPED));
+    }
+}
+
+bool ResetWitness::sawReset() const
+{
+    if (descriptor_ == -1)
+        return false;
+    char byte = 0;
+    return ::recv(static_cast<SOCKET>(descriptor_), &byte, 1, MSG_PEEK) == SOCKET_ERROR &&
+           ::WSAGetLastError() == WSAECONNRESET;
+}
+
+void ResetWitness::forget()
+{
+    if (descriptor_ != -1)
+        ::closesocket(static_cast<SOCKET>(descriptor_));
+    descriptor_ = -1;
+}
+
+#else
+
+void ResetWitness::watch(qintptr descriptor)
+{
+    forget();
+    descriptor_ = ::dup(static_cast<int>(descriptor));
+}
+
+bool ResetWitness::sawReset() const
+{
+    if (descriptor_ == -1)
+        return false;
+    // After the other side's FIN alone our own direction is still open; only a reset shuts both.
+    pollfd state = {static_cast<int>(descriptor_), POLLIN, 0};
+    return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
+}
+
+void ResetWitness::forget()
+{
+    if (descriptor_ != -1)
+        ::close(static_cast<int>(descriptor_));
+    descriptor_ = -1;
+}
+
+#endif
+
+} // namespace quarrynet

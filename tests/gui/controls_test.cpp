@@ -1,0 +1,208 @@
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+
+#include "platform/HiddenListBox.h"
+#include "platform/HiddenText.h"
+#include "platform/ListView.h"
+#include "platform/PagingSlider.h"
+#include "platform/scaling_bars.h"
+
+using namespace quarrynet;
+
+class ControlsTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void hiddenTextRaisesItsChangeAtOnceAndOnlyForAChange()
+    {
+        HiddenText text(QStringLiteral("Text2"), this);
+        QStringList seen;
+        connect(&text, &HiddenText::changed, this, [&] { seen.append(QString::fromStdString(text.text())); });
+        text.setText("a");
+        QCOMPARE(seen, QStringList{QStringLiteral("a")});
+        text.setText("a");
+        text.setText({});
+        text.setText({});
+        QCOMPARE(seen.size(), 2);
+    }
+
+    void hiddenTextKeepsEveryByte()
+    {
+        HiddenText text(QStringLiteral("Text2"), this);
+        const std::string bytes("a\r\n\0\xff\n", 6);
+        text.setText(bytes);
+        QCOMPARE(text.text(), bytes);
+        QCOMPARE(text.property("text").toByteArray(), QByteArray::fromStdString(bytes));
+        text.setProperty("text", QByteArray("new"));
+        QCOMPARE(text.text(), std::string("new"));
+    }
+
+    void hiddenTextCanBeGivenAPartOfItself()
+    {
+        HiddenText text(QStringLiteral("Text2"), this);
+        text.setText("0123456789");
+        text.setText(std::string_view(text.text()).substr(5));
+        QCOMPARE(text.text(), std::string("56789"));
+    }
+
+    void hiddenListBoxHoldsPositionsAsDecimals()
+    {
+        HiddenListBox list(QStringLiteral("List1"), this);
+        list.setPositions({12, 0, 4000000000});
+        QCOMPARE(list.property("items").toStringList(), QStringLiteral("12 0 4000000000").split(u' '));
+        list.setItems({"7", "x", ""});
+        QCOMPARE(list.positions(), std::vector<Position>({7, 0, 0}));
+    }
+
+    void sliderRaisesNothingForTheProgramsOwnChanges()
+    {
+        PagingSlider slider;
+        QSignalSpy paged(&slider, &PagingSlider::paged);
+        slider.setWindow({10, 19, 10});
+        slider.reset();
+        QCOMPARE(paged.count(), 0);
+        QCOMPARE(slider.window(), (PagingWindow{1, 10, 1}));
+        QVERIFY(!slider.isEnabled());
+    }
+
+    void sliderRaisesOneChangeForEveryKey()
+    {
+        PagingSlider slider;
+        slider.setEnabled(true);
+        slider.show();
+        QSignalSpy paged(&slider, &PagingSlider::paged);
+        QTest::keyClick(&slider, Qt::Key_Right);
+        QCOMPARE(slider.value(), 2);
+        QTest::keyClick(&slider, Qt::Key_PageUp);
+        QCOMPARE(slider.value(), 3);
+        QTest::keyClick(&slider, Qt::Key_End);
+        QCOMPARE(slider.value(), 10);
+        QCOMPARE(paged.count(), 3);
+        QTest::keyClick(&slider, Qt::Key_End); // already there
+        QCOMPARE(paged.count(), 3);
+        QCOMPARE(slider.toolTip(), QStringLiteral("10"));
+    }
+
+    void sliderRaisesOneChangeForADragOnRelease()
+    {
+        PagingSlider slider;
+        slider.resize(300, 40);
+        slider.setEnabled(true);
+        slider.show();
+        QSignalSpy paged(&slider, &PagingSlider::paged);
+        QSignalSpy moved(&slider, &QSlider::sliderMoved);
+        QTest::mousePress(&slider, Qt::LeftButton, {}, QPoint(6, 15));
+        for (int x = 10; x <= 150; x += 10)
+            QTest::mouseMove(&slider, QPoint(x, 15));
+        QVERIFY(moved.count() > 1);
+        QCOMPARE(paged.count(), 0);
+        QCOMPARE(slider.toolTip(), QString::number(slider.sliderPosition())); // the drag tip follows the thumb
+        QTest::mouseRelease(&slider, Qt::LeftButton, {}, QPoint(150, 15));
+        QCOMPARE(paged.count(), 1);
+        QVERIFY(slider.value() > 1);
+    }
+
+    void sliderClampsAValueAboveANewMaximum()
+    {
+        PagingSlider slider;
+        slider.setWindow({1, 10, 10});
+        slider.setWindow({1, 8, 10});
+        QCOMPARE(slider.value(), 8);
+    }
+
+    void listShowsRowsAndEmptyCells()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.setRows({{"1", "caf\xE9"}, {"only"}, {}});
+        QCOMPARE(list.model()->rowCount(), 3);
+        QCOMPARE(list.model()->index(0, 1).data().toString(), QStringLiteral("café"));
+        QCOMPARE(list.model()->index(1, 1).data().toString(), QString());
+        QCOMPARE(list.model()->index(2, 0).data().toString(), QString());
+        QCOMPARE(list.model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("B"));
+    }
+
+    void listShowsTheBeginningOfAHugeCell()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setRows({{std::string(50'000'000, 'x')}});
+        list.show();
+        QVERIFY(list.model()->index(0, 0).data().toString().size() < 10'000);
+        QCOMPARE(list.rows().front().front().size(), std::size_t(50'000'000));
+    }
+
+    void listColumnsKeepTheirShare()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.resize(400, 100);
+        list.show();
+        list.halveColumns();
+        QCOMPARE(list.columnWidth(0), 197);
+        QCOMPARE(list.columnWidth(1), 197);
+        list.resize(800, 100);
+        QVERIFY(qAbs(list.columnWidth(0) - 394) <= 1);
+        list.setColumnWidth(0, 100); // a person drags the border
+        list.resize(400, 100);
+        QVERIFY(qAbs(list.columnWidth(0) - 50) <= 1);
+    }
+
+    void listTellsSelectedRowsInOrder()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setRows({{"0"}, {"1"}, {"2"}});
+        const auto select = [&](int row) {
+            list.selectionModel()->select(list.model()->index(row, 0),
+                                          QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        };
+        select(2);
+        select(0);
+        QCOMPARE(list.selectedRows(), (std::vector<std::size_t>{0, 2}));
+        list.clear();
+        QVERIFY(list.selectedRows().empty());
+    }
+
+    void listTakesADoubleClickAndEnterAlike()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setRows({{"0"}});
+        list.resize(200, 100);
+        list.show();
+        QSignalSpy opened(&list, &ListView::doubleClicked);
+        const QPoint row = list.visualRect(list.model()->index(0, 0)).center();
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, row);
+        QCOMPARE(opened.count(), 1);
+        QTest::keyClick(&list, Qt::Key_Return);
+        QCOMPARE(opened.count(), 2);
+        QTest::mouseDClick(list.viewport(), Qt::RightButton, {}, row);
+        QCOMPARE(opened.count(), 2);
+    }
+
+    void tabLabelsGiveWayUntilTheyFit()
+    {
+        TabStrip strip;
+        for (const char* label : {"Search The Internet", "Specific Page Search", "Image Search"})
+            strip.addTab(QLatin1String(label));
+        strip.resize(1200, 40);
+        strip.show();
+        strip.setWantedFontSize(12);
+        QCOMPARE(strip.font().pointSize(), 12);
+        strip.resize(200, 40);
+        QVERIFY(strip.font().pointSizeF() < 12);
+        int width = 0;
+        for (int i = 0; i < strip.count(); ++i)
+            width += strip.tabRect(i).width();
+        QVERIFY(width <= 200);
+        strip.resize(1200, 40);
+        QCOMPARE(strip.font().pointSize(), 12);
+    }
+};
+
+QTEST_MAIN(ControlsTest)
+#include "controls_test.moc"

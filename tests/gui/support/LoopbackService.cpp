@@ -1,0 +1,120 @@
+#include "LoopbackService.h"
+
+#include <QRandomGenerator>
+#include <QTcpSocket>
+
+#ifndef Q_OS_WIN
+#include <sys/socket.h>
+#endif
+
+LoopbackService::LoopbackService(QObject* parent) : QObject(parent)
+{
+    // A free port, and one that can be a proxy's: those are 16-bit signed numbers. The system would choose above them.
+    for (int tries = 0; tries < 1000 && !server_.isListening(); ++tries)
+        server_.listen(QHostAddress::LocalHost, static_cast<quint16>(QRandomGenerator::global()->bounded(1024, 32768)));
+    if (!server_.isListening())
+        qFatal("no loopback port to listen on");
+    connect(&server_, &QTcpServer::newConnection, this, &LoopbackService::accept);
+}
+
+LoopbackService::~LoopbackService()
+{
+    for (QTcpSocket* connection : open_.keys())
+        connection->disconnect(this);
+}
+
+void LoopbackService::answerWith(const QByteArray& body, const QByteArray& header)
+{
+    answerWithPieces({header + "\r\n\r\n" + body});
+}
+
+void LoopbackService::answerWithPieces(const QList<QByteArray>& pieces)
+{
+    mode_ = Mode::Answer;
+    pieces_ = pieces;
+}
+
+void LoopbackService::answerByTarget(std::function<QByteArray(const QByteArray&)> bodyFor)
+{
+    mode_ = Mode::ByTarget;
+    bodyFor_ = std::move(bodyFor);
+}
+
+QByteArray LoopbackService::lastRequestLine() const
+{
+    return requests_.isEmpty() ? QByteArray() : requests_.last().left(requests_.last().indexOf("\r\n"));
+}
+
+void LoopbackService::accept()
+{
+    while (QTcpSocket* connection = server_.nextPendingConnection()) {
+        open_.insert(connection, {});
+        connect(connection, &QTcpSocket::readyRead, this, [this, connection] { read(connection); });
+        connect(connection, &QTcpSocket::disconnected, this, [this, connection] {
+            open_.remove(connection);
+            connection->deleteLater();
+        });
+        read(connection);
+    }
+}
+
+void LoopbackService::read(QTcpSocket* connection)
+{
+    QByteArray& request = open_[connection];
+    request += connection->readAll();
+    if (!request.endsWith("\r\n\r\n"))
+        return;
+    const QByteArray whole = request;
+    request.clear();
+    requests_.append(whole);
+    emit requested();
+    answer(connection, whole);
+}
+
+void LoopbackService::answer(QTcpSocket* connection, const QByteArray& request)
+{
+    if (mode_ == Mode::Stall)
+        return;
+    if (mode_ == Mode::ByTarget) {
+        const QByteArray body = bodyFor_(request.split(' ').value(1));
+        connection->write(body.isNull() ? QByteArray("HTTP/1.1 404 Not Found\r\n\r\n")
+                                        : "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + body);
+        connection->disconnectFromHost();
+        return;
+    }
+    for (const QByteArray& piece : pieces_) {
+        connection->write(piece);
+        connection->flush(); // a segment of its own, so that it can arrive alone
+    }
+    connection->disconnectFromHost();
+}
+
+void LoopbackService::release()
+{
+    mode_ = Mode::Answer;
+    for (QTcpSocket* connection : open_.keys())
+        answer(connection, {});
+}
+
+void LoopbackService::reset()
+{
+    for (QTcpSocket* connection : open_.keys()) {
+        const linger none = {1, 0};
+        ::setsockopt(static_cast<int>(connection->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+        connection->abort();
+    }
+}
+
+void LoopbackService::send(const QByteArray& bytes)
+{
+    for (QTcpSocket* connection : open_.keys()) {
+        connection->write(bytes);
+        connection->flush();
+    }
+}
+
+void LoopbackService::finish()
+{
+    for (QTcpSocket* connection : open_.keys())
+        connection->disconnectFromHost();
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include <QByteArray>
+#include <QHash>
+#include <QTcpServer>
+
+class QTcpSocket;
+
+/// A service on a free loopback port, owned by the test. It keeps every request and answers as told: whole, in pieces,
+/// late, cut short or never.
+class LoopbackService final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(LoopbackService)
+
+public:
+    explicit LoopbackService(QObject* parent = nullptr);
+    ~LoopbackService() override;
+
+    quint16 port() const { return server_.serverPort(); }
+
+    /// What every request is answered with from now on; the connection is closed behind it.
+    void answerWith(const QByteArray& body, const QByteArray& header = "HTTP/1.1 200 OK\r\nContent-Type: text/html");
+
+    /// The exact bytes of every answer, header included, in these pieces.
+    void answerWithPieces(const QList<QByteArray>& pieces);
+
+    /// Answers by the request's target (its second word); anything else gets a 404.
+    void answerByTarget(std::function<QByteArray(const QByteArray& target)> bodyFor);
+
+    /// Takes requests and says nothing, until release() or reset() is called.
+    void stall() { mode_ = Mode::Stall; }
+
+    /// Sends the answer that stall() held back, for all waiting connections, and closes them.
+    void release();
+    /// Ends all waiting connections with a reset.
+    void reset();
+    /// Sends bytes on all open connections and keeps them open.
+    void send(const QByteArray& bytes);
+    /// Closes all open connections in an orderly way.
+    void finish();
+
+    /// Requests so far, each with its header block.
+    const QList<QByteArray>& requests() const { return requests_; }
+    /// The last request's first line.
+    QByteArray lastRequestLine() const;
+    int openConnections() const { return static_cast<int>(open_.size()); }
+
+signals:
+    void requested();
+
+private:
+    enum class Mode
+    {
+        Answer,
+        Stall,
+        ByTarget
+    };
+
+    void accept();
+    void read(QTcpSocket* connection);
+    void answer(QTcpSocket* connection, const QByteArray& request);
+
+    QTcpServer server_;
+    Mode mode_ = Mode::Answer;
+    QList<QByteArray> pieces_;
+    std::function<QByteArray(const QByteArray&)> bodyFor_;
+    QList<QByteArray> requests_;
+    QHash<QTcpSocket*, QByteArray> open_;
+};

@@ -1,0 +1,170 @@
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTest>
+
+#include "LoopbackService.h"
+#include "platform/TcpClientSocket.h"
+
+using namespace quarrynet;
+
+namespace {
+
+// A port that nobody listens on: it was free a moment ago.
+quint16 closedPort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return server.serverPort();
+}
+
+} // namespace
+
+class TcpClientSocketTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void goesThroughTheStatesOfAnExchange()
+    {
+        LoopbackService service;
+        service.stall();
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        QSignalSpy connected(&socket, &TcpClientSocket::connected);
+        QSignalSpy progress(&socket, &TcpClientSocket::sendProgress);
+        QSignalSpy complete(&socket, &TcpClientSocket::sendComplete);
+        QSignalSpy arrival(&socket, &TcpClientSocket::dataArrival);
+        QSignalSpy closed(&socket, &TcpClientSocket::closedByPeer);
+        QCOMPARE(socket.State(), SocketState::Closed);
+
+        socket.Connect("127.0.0.1", service.port());
+        QVERIFY(socket.State() != SocketState::Closed); // at once: Stop must find something to stop
+        QTRY_COMPARE(connected.count(), 1);
+        QCOMPARE(socket.State(), SocketState::Connected);
+        QCOMPARE(socket.property("state").toInt(), 7);
+
+        socket.SendData("GET / HTTP/1.1\r\n\r\n");
+        QTRY_COMPARE(service.requests().size(), 1);
+        QTRY_COMPARE(complete.count(), 1);
+        QVERIFY(progress.count() >= 1);
+
+        service.send(QByteArray("a\0b", 3));
+        QTRY_COMPARE(arrival.count(), 1);
+        std::string text = "before ";
+        socket.GetData(text);
+        QCOMPARE(text, std::string("before a\0b", 10));
+        QCOMPARE(closed.count(), 0);
+
+        service.finish();
+        QTRY_COMPARE(closed.count(), 1);
+        QCOMPARE(socket.State(), SocketState::Closing);
+        socket.Close();
+        QCOMPARE(socket.State(), SocketState::Closed);
+    }
+
+    void announcesAllDataBeforeTheEnd()
+    {
+        LoopbackService service;
+        service.answerWith(QByteArray(3'000'000, 'x'));
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        std::string received;
+        std::size_t atEnd = 0;
+        connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
+        connect(&socket, &TcpClientSocket::dataArrival, &socket, [&] { socket.GetData(received); });
+        connect(&socket, &TcpClientSocket::closedByPeer, &socket, [&] { atEnd = received.size(); });
+        socket.Connect("127.0.0.1", service.port());
+        QTRY_VERIFY(atEnd > 3'000'000);
+        QCOMPARE(atEnd, received.size());
+    }
+
+    void aRefusalIsError10061()
+    {
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        QSignalSpy failed(&socket, &TcpClientSocket::failed);
+        socket.Connect("127.0.0.1", closedPort());
+        QCOMPARE(failed.count(), 0); // never from inside Connect
+        QTRY_COMPARE(failed.count(), 1);
+        QCOMPARE(failed[0][0].toInt(), 10061);
+        QVERIFY(!failed[0][1].toString().isEmpty());
+        QCOMPARE(socket.State(), SocketState::Error);
+    }
+
+    void aResetIsError10054AndNoEnd()
+    {
+        LoopbackService service;
+        service.stall();
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        QSignalSpy failed(&socket, &TcpClientSocket::failed);
+        QSignalSpy closed(&socket, &TcpClientSocket::closedByPeer);
+        connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
+        socket.Connect("127.0.0.1", service.port());
+        QTRY_COMPARE(service.requests().size(), 1);
+        service.reset();
+        QTRY_COMPARE(failed.count(), 1);
+        QCOMPARE(failed[0][0].toInt(), 10054);
+        QCOMPARE(closed.count(), 0);
+    }
+
+    void unusableHostsAndPortsAreErrors_data()
+    {
+        QTest::addColumn<QByteArray>("host");
+        QTest::addColumn<int>("port");
+        QTest::addColumn<int>("error");
+        QTest::newRow("no host") << QByteArray() << 80 << 11001;
+        QTest::newRow("a blank inside") << QByteArray("a b") << 80 << 11001;
+        QTest::newRow("a port in the name") << QByteArray("127.0.0.1:8080") << 80 << 11001;
+        QTest::newRow("100 KB") << QByteArray(100'000, 'a') << 80 << 11001;
+        QTest::newRow("NUL inside") << QByteArray("127.0.0.1\0x", 11) << 80 << 11001;
+        QTest::newRow("port 0") << QByteArray("127.0.0.1") << 0 << 10049;
+        QTest::newRow("negative port") << QByteArray("127.0.0.1") << -5 << 10049;
+    }
+
+    void unusableHostsAndPortsAreErrors()
+    {
+        QFETCH(QByteArray, host);
+        QFETCH(int, port);
+        QFETCH(int, error);
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        QSignalSpy failed(&socket, &TcpClientSocket::failed);
+        socket.Connect(host.toStdString(), port);
+        QTRY_COMPARE_WITH_TIMEOUT(failed.count(), 1, 20'000);
+        QCOMPARE(failed[0][0].toInt(), error);
+    }
+
+    void closeSilencesEverythingThatWasOnItsWay()
+    {
+        LoopbackService service;
+        service.answerWith("body");
+        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        QSignalSpy connected(&socket, &TcpClientSocket::connected);
+        QSignalSpy failed(&socket, &TcpClientSocket::failed);
+        socket.Connect("127.0.0.1", service.port());
+        socket.Close();
+        socket.Connect("127.0.0.1", 0);
+        socket.Close();
+        socket.Connect("127.0.0.1", service.port());
+        QTRY_COMPARE(connected.count(), 1);
+        QCOMPARE(failed.count(), 0);
+    }
+
+    void canBeClosedInEachOfItsOwnEvents()
+    {
+        LoopbackService service;
+        service.answerWith("body");
+        for (auto event : {&TcpClientSocket::connected, &TcpClientSocket::sendProgress, &TcpClientSocket::sendComplete,
+                           &TcpClientSocket::dataArrival, &TcpClientSocket::closedByPeer}) {
+            TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+            bool seen = false;
+            connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
+            connect(&socket, event, &socket, [&] {
+                seen = true;
+                socket.Close();
+            });
+            socket.Connect("127.0.0.1", service.port());
+            QTRY_VERIFY(seen);
+            QCOMPARE(socket.State(), SocketState::Closed);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TcpClientSocketTest)
+#include "tcp_client_socket_test.moc"
