@@ -1,0 +1,247 @@
+#include "app/Main.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QResizeEvent>
+#include <QStatusBar>
+
+#include "common/local_pages.h"
+#include "common/numbers.h"
+#include "icons/icons.h"
+#include "platform/HiddenText.h"
+#include "platform/Registry.h"
+#include "platform/local_files.h"
+#include "platform/message_boxes.h"
+#include "platform/scaling_bars.h"
+#include "platform/text_border.h"
+#include "search/download/DownloadSearch.h"
+#include "search/file/FileSearch.h"
+#include "search/image/ImageSearch.h"
+#include "search/page/PageCheck.h"
+#include "search/web/WebSearch.h"
+
+namespace quarrynet {
+
+namespace {
+
+constexpr const char* kOn = "on";
+constexpr const char* kOff = "off";
+constexpr const char* kKey = "Value";
+
+constexpr int kDesignWidth = 608;
+constexpr int kDesignHeight = 434;
+constexpr QRect kToolbarPlace = {0, 0, kDesignWidth, 38};
+constexpr QRect kTabStripPlace = {4, 40, kDesignWidth - 8, 26};
+constexpr QRect kFramePlace = {4, 66, kDesignWidth - 8, 318};
+constexpr QRect kStatusBarPlace = {0, 386, kDesignWidth, 22};
+
+// The frames and bars themselves, and what stands in the frames: every control with a place of its own.
+std::vector<QWidget*> placedControls(QWidget& centre)
+{
+    std::vector<QWidget*> controls;
+    for (auto* top : centre.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        controls.push_back(top);
+        if (qobject_cast<SearchTab*>(top)) {
+            for (auto* control : top->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+                controls.push_back(control);
+        }
+    }
+    return controls;
+}
+
+} // namespace
+
+Main::Main(const Surroundings& surroundings) : surroundings_(surroundings), registry_(systemRegistry())
+{
+    setObjectName(QStringLiteral("Main"));
+    setWindowTitle(QStringLiteral("Quarrynet"));
+    setWindowIcon(icon(QStringLiteral("quarrynet")));
+    resize(kDesignWidth, kDesignHeight);
+    makeControls();
+    makeMenus();
+    makeToolbar();
+    joinTabs();
+}
+
+Main::~Main() = default;
+
+void Main::makeControls()
+{
+    auto* centre = new QWidget(this);
+    setCentralWidget(centre);
+
+    Toolbar1 = new ToolBar(centre);
+    Toolbar1->setObjectName(QStringLiteral("Toolbar1"));
+    Toolbar1->setAccessibleName(tr("Toolbar"));
+    Toolbar1->setGeometry(kToolbarPlace);
+
+    TabStrip1 = new TabStrip(centre);
+    TabStrip1->setObjectName(QStringLiteral("TabStrip1"));
+    TabStrip1->setAccessibleName(tr("Searches"));
+    TabStrip1->setGeometry(kTabStripPlace);
+
+    STI = new WebSearch(*this, centre);
+    SPS = new PageCheck(*this, centre);
+    IMG = new ImageSearch(*this, centre);
+    SFD = new DownloadSearch(*this, centre);
+    SFS = new FileSearch(*this, centre);
+    tabs_ = {STI, SPS, IMG, SFD, SFS};
+    for (std::size_t i = 0; i < tabs_.size(); ++i) {
+        TabStrip1->addTab(tabs_[i]->accessibleName());
+        TabStrip1->setTabData(static_cast<int>(i), QString::number(i + 1));
+        tabs_[i]->setGeometry(kFramePlace);
+    }
+    connect(TabStrip1, &QTabBar::currentChanged, this, &Main::TabStrip1_Click);
+
+    // The page check's frame is visible from the start, but covered: keys must not reach what nobody can see.
+    for (SearchTab* hidden : {static_cast<SearchTab*>(IMG), static_cast<SearchTab*>(SFD), static_cast<SearchTab*>(SFS)})
+        hidden->hide();
+    SPS->setReachable(false);
+    STI->raise();
+
+    StatusBar1 = new QStatusBar(centre);
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    StatusBar1->setSizeGripEnabled(false);
+    StatusBar1->setGeometry(kStatusBarPlace);
+    ConnectionPanel = new QLabel(StatusBar1);
+    ConnectionPanel->setObjectName(QStringLiteral("ConnectionPanel"));
+    ConnectionPanel->setAccessibleName(tr("State of the connection"));
+    ActivityPanel = new QLabel(StatusBar1);
+    ActivityPanel->setObjectName(QStringLiteral("ActivityPanel"));
+    ActivityPanel->setAccessibleName(tr("Step of the search"));
+    for (QLabel* panel : {ConnectionPanel, ActivityPanel}) {
+        panel->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+        panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    }
+    StatusBar1->addWidget(ConnectionPanel, 2);
+    StatusBar1->addWidget(ActivityPanel, 3);
+
+    ProxySwitch = new HiddenText(QStringLiteral("ProxySwitch"), STI);
+    ProxySwitch->setText(kOff);
+    connect(ProxySwitch, &HiddenText::changed, this, &Main::ProxySwitch_Change);
+}
+
+// Where one tab touches another: all of it, and all on purpose.
+void Main::joinTabs()
+{
+    // Stop, with the first tab's row as the pattern. Two rows differ from it: on the image tab the page check's timer
+    // is stopped, on the file tab the download search's socket is closed.
+    stopRows_ = {
+        {&STI->socket(), &STI->buffer(), &STI->startButton(), &STI->timer(), STI, &STI->socket()},
+        {&SPS->socket(), &SPS->buffer(), &SPS->startButton(), &SPS->timer(), SPS, &SPS->socket()},
+        {&IMG->socket(), &IMG->buffer(), &IMG->startButton(), &SPS->timer(), IMG, &IMG->socket()},
+        {&SFD->socket(), &SFD->buffer(), &SFD->startButton(), &SFD->timer(), SFD, &SFD->socket()},
+        {&SFS->socket(), &SFS->buffer(), &SFS->startButton(), &SFS->timer(), SFS, &SFD->socket()},
+    };
+    // The image search's command empties the page check's list, and through a proxy it asks for the page that the web
+    // search's slider shows.
+    IMG->setNeighbours([this] { SPS->clearView(); }, [this] { return STI->page(); });
+}
+
+bool Main::load()
+{
+    settings_.setFileName(settingsPath());
+    if (QFile::exists(toText(settingsPath()))) {
+        std::string value;
+        settings_.ReadValue("ProxySwitch", kKey, value);
+        if (value == kOn) {
+            {
+                // The change's own handling would only read the same file, and show an overflow a second time.
+                const QSignalBlocker once(ProxySwitch);
+                ProxySwitch->setText(kOn);
+            }
+            if (const auto fault = readProxy()) {
+                showRuntimeError(nullptr, *fault);
+                return false;
+            }
+        }
+    }
+
+    layout_ = std::make_unique<FormLayout>(*this, placedControls(*centralWidget()), [this] { Form_Resize(); });
+    changeSize_.Init(*layout_);
+
+    for (const auto& [name, text] : {std::pair<std::string_view, std::string>("blank.html", blankFramePage()),
+                                     std::pair<std::string_view, std::string>("blank.htm", blankPage())}) {
+        const std::string path = pathInFolder(programFolder(), name);
+        if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
+            showFileError(nullptr, toText(path), reason);
+            return false;
+        }
+    }
+    IMG->clearView();
+
+    setMinimumSize((kDesignWidth + 1) / 2, (kDesignHeight + 1) / 2);
+    layout_->setHeight(kDesignHeight * FormLayout::kTwipsPerPixel);
+    layout_->setWidth(kDesignWidth * FormLayout::kTwipsPerPixel);
+
+    STI->halveColumns();
+    SPS->halveColumns();
+    SPS->fillMatchModes();
+    STI->firstField().setFocus();
+    return true;
+}
+
+std::string Main::settingsPath() const
+{
+    return pathInFolder(programFolder(), "Quarrynet.ini");
+}
+
+bool Main::isDirect() const
+{
+    return ProxySwitch->text() == kOff;
+}
+
+std::optional<RuntimeError> Main::readProxy()
+{
+    settings_.ReadValue("ProxyHost", kKey, CurrentProxyHost);
+    std::string port;
+    settings_.ReadValue("ProxyPort", kKey, port);
+    const Result<std::int16_t> number = roundToInt16(leadingNumber(port));
+    if (!number)
+        return number.error();
+    CurrentProxyPort = *number;
+    return std::nullopt;
+}
+
+void Main::ProxySwitch_Change()
+{
+    if (isDirect())
+        return;
+    settings_.setFileName(settingsPath());
+    std::string value;
+    settings_.ReadValue("ProxySwitch", kKey, value);
+    if (value != kOn)
+        return;
+    ProxySwitch->setText(kOn);
+    if (const auto fault = readProxy())
+        showRuntimeError(this, *fault);
+}
+
+void Main::showConnection(std::string_view caption)
+{
+    ConnectionPanel->setText(toText(caption));
+}
+
+void Main::showActivity(std::string_view text)
+{
+    ActivityPanel->setText(toText(text));
+}
+
+void Main::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+void Main::Form_Resize()
+{
+    if (!layout_)
+        return;
+    // A size without a ratio leaves the controls where they are; the minimum size keeps a person from reaching one.
+    if (!changeSize_.FormResize(*layout_))
+        layout_->apply();
+}
+
+} // namespace quarrynet

@@ -1,0 +1,140 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QMainWindow>
+
+#include "app/ChangeSize.h"
+#include "app/FormLayout.h"
+#include "common/CDS_CIni.h"
+#include "common/runtime_error.h"
+#include "search/SearchWindow.h"
+
+class QLabel;
+class QPushButton;
+class QStatusBar;
+class QTimer;
+
+namespace quarrynet {
+
+class DownloadSearch;
+class FileSearch;
+class HiddenText;
+class ImageSearch;
+class PageCheck;
+class Registry;
+class SearchTab;
+class TabStrip;
+class TcpClientSocket;
+class ToolBar;
+class WebSearch;
+
+/// What the window needs of the world around it; a test hands in its own.
+struct Surroundings
+{
+    ServiceHosts hosts;
+    Shell& shell;
+    /// Folder of the settings file and the local pages, as bytes.
+    std::string programFolder;
+    /// Addresses behind the Help menu, as bytes.
+    std::string helpPageUrl;
+    std::string homePageUrl;
+    std::string authorMailUrl;
+};
+
+/// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and all that the tabs share.
+///
+/// Constructing makes the controls; load() is the start-up and runs once, before the window is shown.
+class Main final : public QMainWindow, public SearchWindow
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(Main)
+
+public:
+    explicit Main(const Surroundings& surroundings);
+    ~Main() override;
+
+    /// Reads the settings, records the layout, writes and shows the empty gallery page, sizes the window and its
+    /// columns. False when the program cannot go on; the box that says why has been answered then.
+    bool load();
+
+    // SearchWindow
+    ReceiveState& receiveState() override { return receiveState_; }
+    const ServiceHosts& serviceHosts() const override { return surroundings_.hosts; }
+    bool isDirect() const override;
+    Endpoint proxy() const override { return {CurrentProxyHost, CurrentProxyPort}; }
+    Shell& shell() override { return surroundings_.shell; }
+    const std::string& programFolder() const override { return surroundings_.programFolder; }
+    void showConnection(std::string_view caption) override;
+    void showActivity(std::string_view text) override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    // A row of Stop's table: what Stop does while a tab is in front.
+    struct StopRow
+    {
+        TcpClientSocket* tested;
+        HiddenText* buffer;
+        QPushButton* button;
+        QTimer* timer;
+        SearchTab* cleared;
+        TcpClientSocket* closed;
+    };
+
+    void makeControls();
+    void makeMenus();
+    void makeToolbar();
+    void joinTabs();
+
+    std::string settingsPath() const;
+    std::optional<RuntimeError> readProxy();
+
+    // Handlers and commands, named control and event.
+    void Form_Resize();
+    void TabStrip1_Click();
+    void Toolbar1_ButtonClick(int index);
+    void ProxySwitch_Change();
+    void exitmnu_Click();
+    void proxymnu_Click();
+    void helpmnu_Click() {}
+    void contentmnu_Click();
+    void emailauth_Click();
+    void webpage_Click();
+    void aboutmnu_Click();
+    void stopmnu_Click();
+
+    void showAbout(QWidget* owner);
+    int selectedTag() const;
+
+    Surroundings surroundings_;
+    ReceiveState receiveState_;
+    std::unique_ptr<Registry> registry_;
+    CDS_CIni settings_;
+    std::string CurrentProxyHost;
+    std::int16_t CurrentProxyPort = 0;
+
+    HiddenText* ProxySwitch = nullptr;
+    TabStrip* TabStrip1 = nullptr;
+    ToolBar* Toolbar1 = nullptr;
+    QStatusBar* StatusBar1 = nullptr;
+    QLabel* ConnectionPanel = nullptr;
+    QLabel* ActivityPanel = nullptr;
+    WebSearch* STI = nullptr;
+    PageCheck* SPS = nullptr;
+    ImageSearch* IMG = nullptr;
+    DownloadSearch* SFD = nullptr;
+    FileSearch* SFS = nullptr;
+    std::array<SearchTab*, 5> tabs_{};
+    std::vector<StopRow> stopRows_;
+
+    ChangeSize changeSize_;
+    std::unique_ptr<FormLayout> layout_;
+};
+
+} // namespace quarrynet

@@ -1,0 +1,74 @@
+#include "app/Main.h"
+#include "app/Tour.h"
+
+#include <optional>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+
+#include "platform/ProgramFolder.h"
+#include "platform/Shell.h"
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+
+using namespace quarrynet;
+
+namespace {
+
+// The manual lies beside the program, or where an installation keeps shared files. Empty when it is in neither place.
+std::string manualPage()
+{
+    const QDir here(QCoreApplication::applicationDirPath());
+    for (const char* place : {"manual/index.html", "../share/quarrynet/manual/index.html"}) {
+        const QString page = QDir::cleanPath(here.filePath(QLatin1String(place)));
+        if (QFile::exists(page))
+            return toBytes(page);
+    }
+    return {};
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // The browser engine is loaded late, if at all, and finds the attribute missing then.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Quarrynet"));
+
+    QCommandLineParser options;
+    options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
+    options.addHelpOption();
+    const QCommandLineOption tourOption(QStringLiteral("tour"),
+                                        QStringLiteral("Take pictures of a tour through the tabs, and end."),
+                                        QStringLiteral("folder"));
+    options.addOption(tourOption);
+    options.process(application);
+
+    const ProgramFolder folder = findProgramFolder();
+    if (!folder.writable) {
+        showFileError(nullptr, folder.path, QObject::tr("The folder cannot be written."));
+        return 1;
+    }
+    const std::string manual = manualPage();
+    const std::string help = QUARRYNET_HELP_PAGE_URL;
+    DesktopShell shell(manual);
+    const ServiceHosts hosts = {QUARRYNET_WEB_SEARCH_HOST, QUARRYNET_IMAGE_SEARCH_HOST, QUARRYNET_DOWNLOAD_SITE_HOST,
+                                QUARRYNET_FILE_SEARCH_HOST};
+    Main window({hosts, shell, toBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
+                 QUARRYNET_AUTHOR_MAIL_URL});
+    if (!window.load())
+        return 1;
+    window.show();
+
+    std::optional<Tour> tour;
+    if (options.isSet(tourOption)) {
+        tour.emplace(window, options.value(tourOption));
+        QObject::connect(&*tour, &Tour::finished, &application,
+                         [](bool complete) { QCoreApplication::exit(complete ? 0 : 1); });
+        tour->start();
+    }
+    return QApplication::exec();
+}

@@ -1,0 +1,169 @@
+#include "search/SearchTab.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+
+namespace quarrynet {
+
+void wireSession(TcpClientSocket& socket, FetchSession& session, QObject& context)
+{
+    using Socket = TcpClientSocket;
+    QObject::connect(&socket, &Socket::connected, &context, [&session] { session.connected(); });
+    QObject::connect(&socket, &Socket::sendProgress, &context, [&session] { session.sendProgress(); });
+    QObject::connect(&socket, &Socket::sendComplete, &context, [&session] { session.sendComplete(); });
+    QObject::connect(&socket, &Socket::dataArrival, &context, [&session] { session.dataArrived(); });
+    QObject::connect(&socket, &Socket::closedByPeer, &context, [&session] { session.closed(); });
+    QObject::connect(&socket, &Socket::failed, &context, [&session](int number, const QString& description) {
+        session.failed(number, toBytes(description));
+    });
+}
+
+SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent)
+    : QFrame(parent)
+    , window_(window)
+    , socket_(row.socket, this)
+    , buffer_(row.buffer, this)
+    , session_(row.settings, socket_, *this, window.receiveState())
+{
+    setObjectName(row.frame);
+    setAutoFillBackground(true); // a frame may cover another
+    timer_.setParent(this);
+    timer_.setObjectName(row.timer);
+    timer_.setInterval(row.interval);
+    timer_.setTimerType(Qt::PreciseTimer);
+    connect(&timer_, &QTimer::timeout, this, [this] { session_.tick(); });
+    wireSession(socket_, session_, *this);
+}
+
+void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs)
+{
+    startButton_ = &button;
+    connect(&button, &QPushButton::clicked, this, [this] { search(); });
+    for (QLineEdit* input : inputs)
+        connect(input, &QLineEdit::textChanged, this, [this] { startButton_->setEnabled(true); });
+}
+
+void SearchTab::setReachable(bool reachable)
+{
+    if (reachable == unreachable_.empty())
+        return;
+    for (const auto& [control, policy] : unreachable_)
+        control->setFocusPolicy(policy);
+    unreachable_.clear();
+    if (!reachable) {
+        for (auto* control : findChildren<QWidget*>()) {
+            unreachable_.emplace_back(control, control->focusPolicy());
+            control->setFocusPolicy(Qt::NoFocus);
+        }
+    }
+    // Setting the caption anew takes its mnemonic up again.
+    const QString caption = startButton_->text();
+    startButton_->setText({});
+    startButton_->setText(caption);
+    if (!reachable)
+        startButton_->setShortcut({});
+}
+
+void SearchTab::fetch(const std::string& directHost)
+{
+    buffer_.setText({});
+    session_.start(window_.isDirect() ? Endpoint{directHost, window_.serviceHosts().port} : window_.proxy());
+}
+
+void SearchTab::enableStartButton()
+{
+    startButton_->setEnabled(true);
+}
+
+void SearchTab::setTimerEnabled(bool enabled)
+{
+    if (enabled)
+        timer_.start();
+    else
+        timer_.stop();
+}
+
+std::optional<std::string> SearchTab::orReport(const Result<std::string>& request)
+{
+    if (request)
+        return *request;
+    report(request.error());
+    return std::nullopt;
+}
+
+void SearchTab::report(const std::optional<RuntimeError>& fault)
+{
+    if (fault)
+        showRuntimeError(window(), *fault);
+}
+
+void SearchTab::reportError(int number, std::string_view description)
+{
+    showSocketError(window(), number, description);
+}
+
+void PagedSearch::setControls(QPushButton& button, QLineEdit& keywords, PagingSlider& slider)
+{
+    keywords_ = &keywords;
+    slider_ = &slider;
+    setStartButton(button, {&keywords});
+    connect(&keywords, &QLineEdit::returnPressed, this, [this] { search(); });
+    connect(&slider, &PagingSlider::paged, this, [this] { turnPage(); });
+}
+
+QWidget& PagedSearch::firstField()
+{
+    return *keywords_;
+}
+
+std::string PagedSearch::keywords() const
+{
+    return toBytes(keywords_->text());
+}
+
+void PagedSearch::apply(const PagingOffer& offer, HiddenText& pageTotal)
+{
+    if (offer.pageTotal)
+        pageTotal.setText(*offer.pageTotal);
+    if (offer.enableSlider)
+        slider_->setEnabled(true);
+    if (offer.sliderMaximum) {
+        PagingWindow window = slider_->window();
+        window.maximum = *offer.sliderMaximum;
+        slider_->setWindow(window);
+    }
+}
+
+void PagedSearch::search()
+{
+    if (keywords_->text().isEmpty()) {
+        showInformation(window(), QStringLiteral("Please enter keyword/s to search!!!"));
+        return;
+    }
+    setTimerEnabled(true);
+    slider_->reset();
+    startButton().setEnabled(false);
+    resetResults(true);
+    fetch(directHost());
+}
+
+void PagedSearch::turnPage()
+{
+    const PagingWindow chosen = slider_->window();
+    if (chosen.value == chosen.maximum) {
+        const Result<PagingWindow> wider = widened(chosen);
+        if (!wider) {
+            report(wider.error());
+            return;
+        }
+        slider_->setWindow(*wider);
+    }
+    resetResults(false);
+    setTimerEnabled(true);
+    fetch(directHost());
+}
+
+} // namespace quarrynet

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "common/FetchSession.h"
+
+namespace quarrynet {
+
+class Shell;
+
+/// The outside services: host names or addresses as bytes, and the port on which all of them (and any checked page) are
+/// asked directly. A port other than 80 is for tests.
+struct ServiceHosts
+{
+    std::string webSearch;
+    std::string imageSearch;
+    std::string downloadSite;
+    std::string fileSearch;
+    int port = 80;
+};
+
+/// What a tab needs of the window that it stands in. All tabs share what is behind it: one receive state, one proxy
+/// state, one pair of status panels.
+class SearchWindow
+{
+public:
+    virtual ~SearchWindow() = default;
+
+    virtual ReceiveState& receiveState() = 0;
+    virtual const ServiceHosts& serviceHosts() const = 0;
+
+    /// True exactly when the proxy switch reads "off".
+    virtual bool isDirect() const = 0;
+    virtual Endpoint proxy() const = 0;
+
+    virtual Shell& shell() = 0;
+
+    /// The program's folder, as bytes.
+    virtual const std::string& programFolder() const = 0;
+
+    virtual void showConnection(std::string_view caption) = 0;
+    virtual void showActivity(std::string_view text) = 0;
+};
+
+} // namespace quarrynet

@@ -1,0 +1,106 @@
+#include "search/download/DownloadSearch.h"
+
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+#include "search/download/request.h"
+#include "search/download/results.h"
+#include "ui_download_search.h"
+
+namespace quarrynet {
+
+namespace {
+
+SocketRow socketRow()
+{
+    return {QStringLiteral("SFD"),      QStringLiteral("SFDSock"),
+            QStringLiteral("SFDTimer"), 100,
+            QStringLiteral("Text12"),   {}};
+}
+
+} // namespace
+
+DownloadSearch::DownloadSearch(SearchWindow& window, QWidget* parent)
+    : PagedSearch(socketRow(), window, parent)
+    , ui_(std::make_unique<Ui::DownloadSearch>())
+    , Text13(QStringLiteral("Text13"), this)
+    , List10(QStringLiteral("List10"), this)
+    , resolution_(window, this)
+{
+    ui_->setupUi(this);
+    setControls(*ui_->Command4, *ui_->Text10, *ui_->Slider3);
+    ui_->ListView3->setColumns({tr("Program Name"), tr("Description"), tr("OS"), tr("File Size"), tr("License")});
+    ui_->ListView3->setColumnWidths({120, 212, 96, 68, 60});
+    connect(&buffer(), &HiddenText::changed, this, &DownloadSearch::Text12_Change);
+    connect(ui_->ListView3, &ListView::doubleClicked, this, &DownloadSearch::ListView3_DblClick);
+    connect(ui_->ListView3, &ListView::mouseMoved, this, &DownloadSearch::ListView3_MouseMove);
+}
+
+DownloadSearch::~DownloadSearch() = default;
+
+void DownloadSearch::clearView()
+{
+    ui_->ListView3->clear();
+}
+
+std::optional<std::string> DownloadSearch::requestText()
+{
+    const bool paged = !Text13.text().empty();
+    return downloadRequest(keywords(), paged ? std::optional(page()) : std::nullopt, directHost(), route());
+}
+
+void DownloadSearch::resetResults(bool)
+{
+    // Text13 stays even for a new search: once a page count was seen, every request is a paged one.
+    List10.clear();
+    ui_->Label15->setText(QStringLiteral("0"));
+    ui_->ListView3->clear();
+}
+
+Result<PagingWindow> DownloadSearch::widened(const PagingWindow& window) const
+{
+    return widenedWindowByLeadingTotal(window, Text13.text());
+}
+
+const std::string& DownloadSearch::directHost()
+{
+    return searchWindow().serviceHosts().downloadSite;
+}
+
+void DownloadSearch::Text12_Change()
+{
+    if (buffer().text().empty())
+        return;
+    DownloadResults results = parseDownloadResults(buffer().text());
+
+    std::vector<ListViewModel::Row> rows;
+    rows.reserve(results.rows.size());
+    for (DownloadRow& row : results.rows)
+        rows.push_back({std::move(row.name), std::move(row.description), std::move(row.systems), std::move(row.size),
+                        std::move(row.license)});
+    ui_->ListView3->setRows(std::move(rows));
+    if (results.nothingFound) {
+        showInformation(window(), tr("No Software Found"));
+        return;
+    }
+    if (results.countCaption)
+        ui_->Label15->setText(toText(*results.countCaption));
+    apply(results.paging, Text13);
+    List10.setItems(std::move(results.links));
+}
+
+void DownloadSearch::ListView3_DblClick()
+{
+    for (const std::size_t row : ui_->ListView3->selectedRows()) {
+        // Stop empties the list and leaves the links, so a row has its link, but never the other way round.
+        if (row < List10.items().size())
+            resolution_.start(List10.items()[row]);
+    }
+}
+
+void DownloadSearch::ListView3_MouseMove()
+{
+    if (!ui_->ListView3->rows().empty())
+        ui_->ListView3->setToolTip(tr("Double click Program Name to download the file"));
+}
+
+} // namespace quarrynet

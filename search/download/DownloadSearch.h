@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/HiddenListBox.h"
+#include "search/SearchTab.h"
+#include "search/download/LinkResolution.h"
+
+namespace quarrynet {
+
+namespace Ui {
+class DownloadSearch;
+}
+
+/// The tab "Search For Downloads": keywords to programs, 25 a page; a chosen program's link is resolved and opened.
+class DownloadSearch final : public PagedSearch
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(DownloadSearch)
+
+public:
+    DownloadSearch(SearchWindow& window, QWidget* parent);
+    ~DownloadSearch() override;
+
+    void clearView() override;
+
+protected:
+    std::optional<std::string> requestText() override;
+    void resetResults(bool newSearch) override;
+    Result<PagingWindow> widened(const PagingWindow& window) const override;
+    const std::string& directHost() override;
+
+private:
+    void Text12_Change();
+    void ListView3_DblClick();
+    void ListView3_MouseMove();
+
+    std::unique_ptr<Ui::DownloadSearch> ui_;
+    HiddenText Text13;
+    HiddenListBox List10;
+    LinkResolution resolution_;
+};
+
+} // namespace quarrynet

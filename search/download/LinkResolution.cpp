@@ -1,0 +1,72 @@
+#include "search/download/LinkResolution.h"
+
+#include <QWidget>
+
+#include "dialogs/Dialog.h"
+#include "platform/Shell.h"
+#include "platform/message_boxes.h"
+#include "search/SearchTab.h"
+#include "search/download/link_resolution.h"
+
+namespace quarrynet {
+
+LinkResolution::LinkResolution(SearchWindow& window, QWidget* parent)
+    : QObject(parent)
+    , window_(window)
+    , DownSock(QStringLiteral("DownSock"), parent)
+    , Text14(QStringLiteral("Text14"), parent)
+    , session_({.marksHeader = false}, DownSock, *this, window.receiveState())
+{
+    wireSession(DownSock, session_, *this);
+}
+
+LinkResolution::~LinkResolution() = default;
+
+void LinkResolution::start(const std::string& link)
+{
+    const Result<std::string> path = redirectPath(link);
+    if (!path) {
+        showRuntimeError(owner(), path.error());
+        return;
+    }
+    Text14.setText(*path);
+    session_.start(window_.isDirect() ? Endpoint{site(), window_.serviceHosts().port} : window_.proxy());
+    if (!dialog_)
+        dialog_ = new Dialog(owner());
+    dialog_->load();
+}
+
+std::optional<std::string> LinkResolution::requestText()
+{
+    return linkRequest(Text14.text(), site(), window_.isDirect() ? Route::Direct : Route::Proxy);
+}
+
+void LinkResolution::handOver(const std::string& body)
+{
+    const Result<std::optional<std::string>> address = downloadAddress(body);
+    if (!address) {
+        showRuntimeError(owner(), address.error());
+        return;
+    }
+    // Without an address the front page is opened: the hidden list never has a selected entry to add to it.
+    window_.shell().open(*address ? **address : fallbackAddress(site(), {}));
+}
+
+void LinkResolution::reportError(int number, std::string_view description)
+{
+    exchangeEnded();
+    showSocketError(owner(), number, description);
+}
+
+void LinkResolution::exchangeEnded()
+{
+    if (dialog_)
+        dialog_->unload();
+}
+
+QWidget* LinkResolution::owner() const
+{
+    return qobject_cast<QWidget*>(parent())->window();
+}
+
+} // namespace quarrynet

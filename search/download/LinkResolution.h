@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+
+#include "common/FetchSession.h"
+#include "platform/HiddenText.h"
+#include "platform/TcpClientSocket.h"
+#include "search/SearchWindow.h"
+
+namespace quarrynet {
+
+class Dialog;
+
+/// Asks the download directory for a redirect link, reads the download address out of the answer and opens it. A wait
+/// box stands in front of the window meanwhile.
+///
+/// Shares the receive state of the searches, so it must not run beside one.
+class LinkResolution final : public QObject, public FetchTab
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(LinkResolution)
+
+public:
+    LinkResolution(SearchWindow& window, QWidget* parent);
+    ~LinkResolution() override;
+
+    /// Begins with `link`, a path as it stood in the page. One that is being resolved is given up for it.
+    void start(const std::string& link);
+
+protected:
+    std::optional<std::string> requestText() override;
+    void handOver(const std::string& body) override;
+    void reportError(int number, std::string_view description) override;
+    void exchangeEnded() override;
+
+    // This socket has no panels, no button and no timer.
+    void showConnection(std::string_view) override {}
+    void showActivity(std::string_view) override {}
+    void enableStartButton() override {}
+    void setTimerEnabled(bool) override {}
+
+private:
+    QWidget* owner() const;
+    const std::string& site() const { return window_.serviceHosts().downloadSite; }
+
+    SearchWindow& window_;
+    TcpClientSocket DownSock;
+    HiddenText Text14;
+    FetchSession session_;
+    Dialog* dialog_ = nullptr; // made for the first link, a child of the window
+};
+
+} // namespace quarrynet

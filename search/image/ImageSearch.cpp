@@ -1,0 +1,137 @@
+#include "search/image/ImageSearch.h"
+
+#include "common/local_pages.h"
+#include "platform/Shell.h"
+#include "platform/local_files.h"
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+#include "search/image/gallery.h"
+#include "search/image/request.h"
+#include "search/image/results.h"
+#include "ui_image_search.h"
+
+namespace quarrynet {
+
+namespace {
+
+SocketRow socketRow()
+{
+    return {
+        QStringLiteral("IMG"), QStringLiteral("ImgSock"), QStringLiteral("IMGTimer"), 100, QStringLiteral("Text9"), {}};
+}
+
+} // namespace
+
+ImageSearch::ImageSearch(SearchWindow& window, QWidget* parent)
+    : PagedSearch(socketRow(), window, parent)
+    , ui_(std::make_unique<Ui::ImageSearch>())
+    , Text8(QStringLiteral("Text8"), this)
+    , List6(QStringLiteral("List6"), this)
+    , List7(QStringLiteral("List7"), this)
+    , List8(QStringLiteral("List8"), this)
+    , List9(QStringLiteral("List9"), this)
+{
+    ui_->setupUi(this);
+    setControls(*ui_->Command3, *ui_->Text7, *ui_->Slider2);
+    connect(&buffer(), &HiddenText::changed, this, &ImageSearch::Text9_Change);
+    connect(ui_->IMGViewer, &HtmlView::linkActivated, this,
+            [this](const std::string& address) { searchWindow().shell().open(address); });
+}
+
+ImageSearch::~ImageSearch() = default;
+
+void ImageSearch::setNeighbours(std::function<void()> onSearch, std::function<std::int32_t()> proxiedPage)
+{
+    onSearch_ = std::move(onSearch);
+    proxiedPage_ = std::move(proxiedPage);
+}
+
+void ImageSearch::clearView()
+{
+    showPage(kBlankFrameName);
+}
+
+void ImageSearch::showPage(std::string_view name)
+{
+    // The page's pictures travel as its request did.
+    const Endpoint proxy = route() == Route::Proxy ? searchWindow().proxy() : Endpoint{};
+    ui_->IMGViewer->setProxy(toText(proxy.host), static_cast<quint16>(proxy.port));
+    ui_->IMGViewer->navigate(toText(pathInFolder(searchWindow().programFolder(), name)));
+}
+
+std::optional<std::string> ImageSearch::requestText()
+{
+    // Text8 outlives searches: once a page was parsed, every request is a paged one.
+    std::optional<ImagePages> pages;
+    if (!Text8.text().empty())
+        pages = ImagePages{page(), proxiedPage_()};
+    return orReport(imageRequest(keywords(), pages, directHost(), route()));
+}
+
+void ImageSearch::resetResults(bool newSearch)
+{
+    for (HiddenListBox* list : {&List6, &List7, &List8, &List9})
+        list->clear();
+    ui_->Label11->setText(QStringLiteral("0"));
+    ui_->Label12->setText(QStringLiteral("0.0 Second/s"));
+    if (newSearch)
+        onSearch_();
+    else
+        clearView(); // a new search leaves the last gallery standing until its own is there
+}
+
+Result<PagingWindow> ImageSearch::widened(const PagingWindow& window) const
+{
+    return widenedWindow(window, Text8.text());
+}
+
+const std::string& ImageSearch::directHost()
+{
+    return searchWindow().serviceHosts().imageSearch;
+}
+
+void ImageSearch::handOver(const std::string& body)
+{
+    // Emptied first, so that the same page fetched twice is parsed twice.
+    buffer().setText({});
+    buffer().setText(body);
+}
+
+void ImageSearch::Text9_Change()
+{
+    if (buffer().text().empty())
+        return;
+    ImageResults results = parseImageResults(buffer().text(), directHost(), {{}, List7.items(), List8.items()});
+    if (results.nothingFound) {
+        showInformation(window(), tr("No Images Found"));
+        return;
+    }
+    List6.setPositions(results.lists.positions);
+    List7.setItems(std::move(results.lists.addresses));
+    List8.setItems(std::move(results.lists.thumbnails));
+    if (results.countCaption)
+        ui_->Label11->setText(toText(*results.countCaption));
+    if (results.timeCaption)
+        ui_->Label12->setText(toText(*results.timeCaption));
+    if (results.gallery && !writeGallery(*results.gallery))
+        return;
+    apply(results.paging, Text8);
+    report(results.fault);
+}
+
+bool ImageSearch::writeGallery(const std::string& gallery)
+{
+    for (const auto& [name, text] : {std::pair<std::string_view, std::string>(kGalleryPageName, gallery),
+                                     std::pair<std::string_view, std::string>(kGalleryFrameName, galleryFramePage())}) {
+        const std::string path = pathInFolder(searchWindow().programFolder(), name);
+        if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
+            showFileError(window(), toText(path), reason);
+            emit unwritable();
+            return false;
+        }
+    }
+    showPage(kGalleryFrameName);
+    return true;
+}
+
+} // namespace quarrynet

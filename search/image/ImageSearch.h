@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/HiddenListBox.h"
+#include "search/SearchTab.h"
+
+namespace quarrynet {
+
+namespace Ui {
+class ImageSearch;
+}
+
+/// The tab "Image Search": keywords to a gallery of up to ten thumbnails a page, written as a local page and shown.
+class ImageSearch final : public PagedSearch
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ImageSearch)
+
+public:
+    ImageSearch(SearchWindow& window, QWidget* parent);
+    ~ImageSearch() override;
+
+    /// What this search does to other tabs: `onSearch` runs in the middle of the search command, and through a proxy
+    /// the page asked for is `proxiedPage`.
+    void setNeighbours(std::function<void()> onSearch, std::function<std::int32_t()> proxiedPage);
+
+    /// Shows the empty page.
+    void clearView() override;
+
+signals:
+    /// The gallery could not be written: the program cannot go on.
+    void unwritable();
+
+protected:
+    std::optional<std::string> requestText() override;
+    void resetResults(bool newSearch) override;
+    Result<PagingWindow> widened(const PagingWindow& window) const override;
+    const std::string& directHost() override;
+    void handOver(const std::string& body) override;
+
+private:
+    void Text9_Change();
+    bool writeGallery(const std::string& gallery);
+    void showPage(std::string_view name);
+
+    std::unique_ptr<Ui::ImageSearch> ui_;
+    HiddenText Text8;
+    HiddenListBox List6;
+    HiddenListBox List7;
+    HiddenListBox List8;
+    HiddenListBox List9;
+    std::function<void()> onSearch_;
+    std::function<std::int32_t()> proxiedPage_;
+};
+
+} // namespace quarrynet

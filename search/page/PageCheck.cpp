@@ -1,0 +1,100 @@
+#include "search/page/PageCheck.h"
+
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+#include "search/page/address.h"
+#include "search/page/keywords.h"
+#include "search/page/presence.h"
+#include "search/page/reduction.h"
+#include "search/page/request.h"
+#include "ui_page_check.h"
+
+namespace quarrynet {
+
+namespace {
+
+SocketRow socketRow()
+{
+    return {QStringLiteral("SPS"),   QStringLiteral("PageSock"), QStringLiteral("SPSTimer"), 100,
+            QStringLiteral("Text6"), {.saysConnected = false}};
+}
+
+} // namespace
+
+PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
+    : SearchTab(socketRow(), window, parent)
+    , ui_(std::make_unique<Ui::PageCheck>())
+    , List5(QStringLiteral("List5"), this)
+{
+    ui_->setupUi(this);
+    setStartButton(*ui_->Command2, {ui_->Text4, ui_->Text5});
+    ui_->ListView2->setColumns({tr("Keyword"), tr("Found/Not Found")});
+    connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
+    connect(ui_->Text4, &QLineEdit::returnPressed, this, [this] { ui_->Text5->setFocus(); });
+    connect(ui_->Text5, &QLineEdit::returnPressed, this, [this] { search(); });
+}
+
+PageCheck::~PageCheck() = default;
+
+void PageCheck::fillMatchModes()
+{
+    ui_->Combo1->addItems({tr("Any Keyword"), tr("All Keyword/s"), tr("Exact Search")});
+    ui_->Combo1->setCurrentIndex(0);
+}
+
+void PageCheck::halveColumns()
+{
+    ui_->ListView2->halveColumns();
+}
+
+void PageCheck::clearView()
+{
+    ui_->ListView2->clear();
+}
+
+QWidget& PageCheck::firstField()
+{
+    return *ui_->Text4;
+}
+
+void PageCheck::search()
+{
+    if (ui_->Text4->text().isEmpty() || ui_->Text5->text().isEmpty()) {
+        showInformation(window(), tr("Both Fields Are Mandatory!!!"));
+        return;
+    }
+    setTimerEnabled(true);
+    startButton().setEnabled(false);
+    clearView();
+    List5.setItems(keywordEntries(toBytes(ui_->Text5->text())));
+    buffer().setText({});
+    searchWindow().receiveState().restart();
+    // Through a proxy nothing is connected: the check waits until it is stopped.
+    if (route() == Route::Proxy)
+        return;
+    address_ = splitAddress(toBytes(ui_->Text4->text()));
+    fetch(address_.PageHost);
+}
+
+std::optional<std::string> PageCheck::requestText()
+{
+    return pageRequest(address_.PageHost, address_.PagePath, route());
+}
+
+void PageCheck::handOver(const std::string& body)
+{
+    buffer().setText(reducedPage(body));
+}
+
+void PageCheck::Text6_Change()
+{
+    if (buffer().text().empty())
+        return;
+    std::vector<ListViewModel::Row> rows;
+    for (PresenceRow& row :
+         presenceRows(buffer().text(), List5.items(), toBytes(ui_->Text5->text()), ui_->Combo1->currentIndex()))
+        rows.push_back({std::move(row.keyword), row.result.value_or("")});
+    ui_->ListView2->setRows(std::move(rows));
+}
+
+} // namespace quarrynet

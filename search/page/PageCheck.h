@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/HiddenListBox.h"
+#include "search/SearchTab.h"
+#include "search/page/address.h"
+
+namespace quarrynet {
+
+namespace Ui {
+class PageCheck;
+}
+
+/// The tab "Specific Page Search": whether keywords occur in the text of one page.
+class PageCheck final : public SearchTab
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PageCheck)
+
+public:
+    PageCheck(SearchWindow& window, QWidget* parent);
+    ~PageCheck() override;
+
+    void fillMatchModes();
+    void halveColumns();
+
+    void search() override;
+    void clearView() override;
+    QWidget& firstField() override;
+
+protected:
+    std::optional<std::string> requestText() override;
+    void handOver(const std::string& body) override;
+
+private:
+    void Text6_Change();
+
+    std::unique_ptr<Ui::PageCheck> ui_;
+    HiddenListBox List5;
+    PageAddress address_;
+};
+
+} // namespace quarrynet

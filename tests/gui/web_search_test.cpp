@@ -1,0 +1,290 @@
+#include "WindowFixture.h"
+
+using namespace quarrynet;
+
+namespace {
+
+// A results page in the engine's layout.
+QByteArray resultsPage(int results, const QByteArray& count)
+{
+    QByteArray page = "<html><body>Results <b>1</b> - <b>" + QByteArray::number(results) + "</b> of about <b>" + count +
+                      "</b> for you. (<b>0.25</b> seconds)";
+    for (int i = 1; i <= results; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        page += "<p><a href=http://site" + number + ".example/>Title <b>" + number + "</b></a><br>text\n";
+    }
+    return page + "</body></html>";
+}
+
+} // namespace
+
+class WebSearchTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        window_ = std::make_unique<WindowFixture>();
+        window_->start();
+    }
+
+    void searchFillsRowsLabelsAndPaging()
+    {
+        window_->service.answerWith(resultsPage(30, "1,234"));
+        window_->type("Text1", tr("  red  apple "));
+        QTest::keyClick(window_->control<QLineEdit>("Text1"), Qt::Key_Return);
+        QVERIFY(!button()->isEnabled());
+        QVERIFY(timer()->isActive());
+        QTRY_VERIFY(button()->isEnabled());
+
+        QCOMPARE(window_->service.requests(),
+                 QList<QByteArray>{"GET /search?num=30&hl=en&filter=0&safe=off&q=red++apple HTTP/1.1\r\n"
+                                   "HOST: 127.0.0.1\r\n"
+                                   "Connection: close\r\n"
+                                   "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
+                                   "ACCEPT: */*\r\n\r\n"});
+        QCOMPARE(rows().size(), 30);
+        QCOMPARE(rows()[0], QStringLiteral("http://site1.example/|Title 1"));
+        QCOMPARE(rows()[29], QStringLiteral("http://site30.example/|Title 30"));
+        QCOMPARE(window_->text("Label3"), QStringLiteral("1,234"));
+        QCOMPARE(window_->text("Label5"), QStringLiteral("0.25 Second/s"));
+        QCOMPARE(window_->hidden("Text3"), std::string("42"));
+        QVERIFY(slider()->isEnabled());
+        QCOMPARE(slider()->maximum(), 10);
+        QVERIFY(!timer()->isActive());
+        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ActivityPanel"), QString());
+        QCOMPARE(window_->socketState("NetSock"), 0);
+        QCOMPARE(window_->control<HiddenListBox>("List1")->items().size(), std::size_t(30));
+        QCOMPARE(window_->control<HiddenListBox>("List3")->items()[0], std::string("Title <b>1</b>"));
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    void panelsFollowTheExchange()
+    {
+        window_->service.stall();
+        search();
+        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Request Completed"));
+        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Connected"));
+        window_->service.send("HTTP/1.1 200 OK\r\n");
+        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        window_->service.send("\r\n" + resultsPage(1, "1"));
+        window_->service.finish();
+        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(rows().size(), 1);
+    }
+
+    void fragmentedResponseIsJoined()
+    {
+        const QByteArray response = "HTTP/1.1 200 OK\r\n\r\n" + resultsPage(3, "3");
+        QList<QByteArray> pieces;
+        for (qsizetype i = 0; i < response.size(); i += 7)
+            pieces.append(response.mid(i, 7));
+        window_->service.answerWithPieces(pieces);
+        search();
+        QTRY_COMPARE(rows().size(), 3);
+    }
+
+    void responseWithoutAHeaderEndLosesThreeBytes()
+    {
+        window_->service.answerWithPieces({"abc" + resultsPage(2, "2")});
+        search();
+        QTRY_COMPARE(rows().size(), 2);
+        QVERIFY(QByteArray::fromStdString(window_->hidden("Text2")).startsWith("<html>"));
+    }
+
+    void emptyKeywordsAreRefused()
+    {
+        QTest::mouseClick(button(), Qt::LeftButton);
+        QCOMPARE(window_->boxes.texts(), QStringList{tr("Please enter keyword/s to search!!!")});
+        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
+        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QVERIFY(button()->isEnabled());
+        QVERIFY(!timer()->isActive());
+        QCOMPARE(window_->socketState("NetSock"), 0);
+    }
+
+    void blanksAloneAreAnEmptyQuery()
+    {
+        window_->service.answerWith(resultsPage(1, "1"));
+        search(tr("   "));
+        QTRY_COMPARE(window_->service.lastRequestLine(),
+                     QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q= HTTP/1.1"));
+    }
+
+    void specialAndNonAsciiKeywordsPassAsTyped()
+    {
+        window_->service.answerWith(resultsPage(1, "1"));
+        search(tr("a&b#c%d\"é"));
+        QTRY_COMPARE(window_->service.lastRequestLine(),
+                     QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q=a&b#c%d\"\xC3\xA9 HTTP/1.1"));
+    }
+
+    void nothingFoundIsSaid()
+    {
+        window_->service.answerWith("<html>nothing here</html>");
+        search();
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("No site found for that keyword/s")});
+        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
+        QTRY_VERIFY(button()->isEnabled());
+        QCOMPARE(window_->text("Label3"), QStringLiteral("0"));
+        QVERIFY(!slider()->isEnabled());
+    }
+
+    void aFaultInThePageKeepsWhatWasCutAndEndsIdle()
+    {
+        QByteArray page = resultsPage(30, "1,234");
+        page.replace("1,234", "many");
+        window_->service.answerWith(page);
+        search();
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
+        QTRY_VERIFY(button()->isEnabled());
+        QCOMPARE(rows().size(), 30);
+        QCOMPARE(window_->text("Label3"), QStringLiteral("many"));
+        QCOMPARE(window_->socketState("NetSock"), 0);
+        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QVERIFY(!timer()->isActive());
+    }
+
+    void aResetShowsTheErrorBoxAndRunsNoParser()
+    {
+        window_->service.stall();
+        search();
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + resultsPage(5, "5"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        window_->service.reset();
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
+        QVERIFY(window_->boxes.texts()[0].startsWith(tr("Error occurred.\r\nError #: 10054\r\n")));
+        QTRY_VERIFY(button()->isEnabled());
+        QVERIFY(rows().isEmpty());
+        QVERIFY(!timer()->isActive());
+        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+    }
+
+    void sliderAsksForAnotherPage()
+    {
+        window_->service.answerWith(resultsPage(30, "1,234"));
+        search();
+        QTRY_VERIFY(slider()->isEnabled());
+        slider()->setFocus();
+        for (int page = 2; page <= 7; ++page) {
+            QTest::keyClick(slider(), Qt::Key_Right);
+            QVERIFY(button()->isEnabled()); // a page change leaves it
+            QTRY_COMPARE(rows().size(), 30);
+            QTRY_VERIFY(!timer()->isActive());
+        }
+        QCOMPARE(window_->service.lastRequestLine(),
+                 QByteArray("GET /search?num=30&hl=en&filter=0&start=180&safe=off&q=apple HTTP/1.1"));
+        QTest::keyClick(slider(), Qt::Key_Home);
+        QTRY_COMPARE(window_->service.lastRequestLine(),
+                     QByteArray("GET /search?num=30&hl=en&filter=0&start=0&safe=off&q=apple HTTP/1.1"));
+    }
+
+    void sliderWidensAtItsEndUpToTheTotal()
+    {
+        window_->service.answerWith(resultsPage(30, "741")); // 25 pages: 741 / 30 = 24.7, remainder 21
+        search();
+        QTRY_COMPARE(window_->hidden("Text3"), std::string("25"));
+        QTest::keyClick(slider(), Qt::Key_End);
+        QCOMPARE(slider()->minimum(), 10);
+        QCOMPARE(slider()->maximum(), 19);
+        QCOMPARE(slider()->value(), 10);
+        QTRY_COMPARE(window_->service.requests().size(), 2);
+        QVERIFY(window_->service.lastRequestLine().contains("start=270&"));
+        QTRY_VERIFY(!timer()->isActive());
+        QTest::keyClick(slider(), Qt::Key_End);
+        QCOMPARE(slider()->maximum(), 25);
+        QCOMPARE(slider()->value(), 19);
+        QTRY_COMPARE(window_->service.requests().size(), 3);
+    }
+
+    void aTotalThatIsNoNumberAbandonsTheChange()
+    {
+        window_->service.answerWith(resultsPage(30, "1,234"));
+        search();
+        QTRY_VERIFY(slider()->isEnabled());
+        window_->control<HiddenText>("Text3")->setText("soon");
+        QTest::keyClick(slider(), Qt::Key_End);
+        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
+        QCOMPARE(window_->service.requests().size(), 1);
+        QCOMPARE(rows().size(), 30);
+    }
+
+    void aNewSearchStartsFromTheFirstPageForm()
+    {
+        window_->service.answerWith(resultsPage(30, "1,234"));
+        search();
+        QTRY_VERIFY(slider()->isEnabled());
+        search(tr("pear"));
+        QVERIFY(!slider()->isEnabled());
+        QCOMPARE(rows().size(), 0);
+        QTRY_COMPARE(window_->service.lastRequestLine(),
+                     QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q=pear HTTP/1.1"));
+    }
+
+    void proxyModeConnectsToTheProxyWithTheAbsoluteForm()
+    {
+        window_ = std::make_unique<WindowFixture>();
+        window_->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
+        window_->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
+                               QByteArray::number(window_->service.port()) + "\n");
+        window_->start();
+        window_->service.answerWith(resultsPage(1, "1"));
+        search();
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        QCOMPARE(window_->service.requests()[0],
+                 QByteArray("GET http://web.example/search?num=30&hl=en&filter=0&safe=off&q=apple HTTP/1.1\r\n"
+                            "HOST: web.example\r\n"
+                            "Proxy-Connection: close\r\n"
+                            "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
+                            "ACCEPT: */*\r\n\r\n"));
+    }
+
+    void doubleClickOpensEverySelectedAddress()
+    {
+        window_->service.answerWith(resultsPage(5, "5"));
+        search();
+        QTRY_COMPARE(rows().size(), 5);
+        auto* list = window_->control<QTreeView>("ListView1");
+        const auto row = [&](int i) { return list->visualRect(list->model()->index(i, 0)).center(); };
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row(1));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
+        // The double click's own press has toggled row 3, as on any list; what is selected then is opened.
+        QVERIFY(!window_->shell.opened.empty());
+        QCOMPARE(window_->shell.opened[0], std::string("http://site2.example/"));
+    }
+
+    void aLargeHostilePageLeavesTheTabIdle()
+    {
+        QByteArray page;
+        for (int i = 0; i < 300'000; ++i)
+            page += "<p><a href=http";
+        window_->service.answerWith(page);
+        search();
+        QTRY_VERIFY_WITH_TIMEOUT(button()->isEnabled(), 20'000);
+        QCOMPARE(window_->socketState("NetSock"), 0);
+    }
+
+private:
+    void search(const QString& keywords = QStringLiteral("apple"))
+    {
+        window_->type("Text1", keywords);
+        QTest::mouseClick(button(), Qt::LeftButton);
+    }
+
+    QPushButton* button() { return window_->control<QPushButton>("Command1"); }
+    QSlider* slider() { return window_->control<QSlider>("Slider1"); }
+    QTimer* timer() { return window_->control<QTimer>("STITimer"); }
+    QStringList rows() { return window_->rows("ListView1"); }
+
+    std::unique_ptr<WindowFixture> window_;
+};
+
+QTEST_MAIN(WebSearchTest)
+#include "web_search_test.moc"
