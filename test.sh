@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Builds everything and runs all tests, twice: optimised with warnings as errors, and under the sanitizers.
+# Options: --quick leaves the sanitizers and the static analysis out.
+set -euo pipefail
+cd "$(dirname "$0")"
+. tools/packages.sh
+# shellcheck disable=SC2154,SC2086 # lists of words, from the file above
+install_missing $build_packages $run_packages $test_packages
+
+quick=""
+[ "${1:-}" = --quick ] && quick=yes
+
+tools/format.sh --check
+
+build_and_test() {
+    echo "== $1"
+    cmake --preset "$1" >"build-$1.log" 2>&1 || { cat "build-$1.log"; rm -f "build-$1.log"; return 1; }
+    rm -f "build-$1.log"
+    cmake --build --preset "$1"
+    [ "$1" = asan ] || [ -n "$quick" ] || tools/tidy.sh "$1"
+    ctest --preset "$1"
+}
+
+if [ -z "$quick" ]; then
+    build_and_test asan
+fi
+build_and_test ci

@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Formats all sources by .clang-format; with --check only tells whether they are.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+if [ "${1:-}" = --check ]; then
+    git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
+else
+    git ls-files '*.h' '*.cpp' | xargs clang-format -i
+fi

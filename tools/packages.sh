@@ -1,0 +1,29 @@
+# Sourced by the scripts at the top: installs the Debian packages that are missing, and does nothing when none is.
+
+build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libqt6svg6
+    qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libcpp-httplib-dev libcurl4-openssl-dev libcap2-bin
+    fonts-dejavu-core fonts-liberation"
+run_packages="xdg-utils xvfb xauth"
+test_packages="libgtest-dev libgmock-dev clang-format clang-tidy python3 python3-pyftpdlib vsftpd"
+bench_packages="libbenchmark-dev curl w3m"
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_missing() {
+    missing=""
+    for package in "$@"; do
+        # shellcheck disable=SC2016 # a format of dpkg-query, not of the shell
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    if ! command -v apt-get >/dev/null; then
+        echo "These packages are needed, and there is no apt-get to install them:$missing" >&2
+        return 1
+    fi
+    echo "Installing:$missing"
+    as_root apt-get update -qq
+    # shellcheck disable=SC2086 # a list of words
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing
+}
