@@ -91,7 +91,7 @@ void askAll(benchmark::State& state, Ask ask)
     }
     std::vector<double> milliseconds;
     std::size_t number = 0;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const auto begin = std::chrono::steady_clock::now();
         if (!ask(machine().word(number++))) {
             state.SkipWithError("the search failed");
@@ -128,7 +128,7 @@ void scanAll(benchmark::State& state, const std::string& sql)
 void indexPackages(benchmark::State& state)
 {
     machine();
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         machine().build();
     state.counters["packages"] = static_cast<double>(machine().counts().packages);
 }
