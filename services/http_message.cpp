@@ -147,6 +147,8 @@ std::string_view reasonPhrase(int status)
         return "Request Timeout";
     case 414:
         return "URI Too Long";
+    case 421:
+        return "Misdirected Request";
     case 431:
         return "Request Header Fields Too Large";
     case 500:

@@ -3,6 +3,7 @@
 
 #include "services/commands.h"
 #include "services/data_folder.h"
+#include "services/index_database.h"
 #include "services/indexing.h"
 
 namespace quarrynet::services {
@@ -16,6 +17,8 @@ int runIndex(const Options& options)
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
         return complain(data.failure());
+    if (options.ifNeeded && IndexPool(*data).borrow())
+        return 0;
     IndexSources sources{options.packageFiles, options.mirror, options.folders};
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');

@@ -73,6 +73,10 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
             options.command = Options::Command::Help;
             return options;
         }
+        if (arguments[i] == "--if-needed" && options.command == Options::Command::Index) {
+            options.ifNeeded = true;
+            continue;
+        }
         const std::size_t equals = arguments[i].find('=');
         const std::string name = arguments[i].substr(0, equals);
         const auto target = targets.find(name);
@@ -101,6 +105,7 @@ Options of both:
   --data FOLDER              where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)
 
 Options of index:
+  --if-needed                do nothing when there is an index that can be used
   --packages FILE            a file of package stanzas instead of the machine's package lists; may be repeated
   --mirror ADDRESS           the address that the packages of these files are found under
   --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated

@@ -23,6 +23,7 @@ struct Options
     std::string dataFolder; ///< empty: the user's data folder
 
     // index
+    bool ifNeeded = false;
     std::vector<std::string> packageFiles;
     std::string mirror;
     std::vector<std::string> folders; ///< empty: the usual ones
@@ -36,7 +37,8 @@ struct Options
     std::uint16_t proxyPort = 8780;
 };
 
-/// Reads the arguments behind the program's name. Options are "--name value" or "--name=value". A Failure names the
+/// Reads the arguments behind the program's name. Options are "--name value" or "--name=value", or
+/// a name alone where there is nothing to choose. A Failure names the
 /// argument that was not understood.
 Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
 

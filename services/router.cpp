@@ -6,6 +6,16 @@
 
 namespace quarrynet::services {
 
+namespace {
+
+/// An IPv4 address, or an IPv6 address in brackets; a request of HTTP/1.0 may have none.
+bool isNumeric(const std::string& host)
+{
+    return host.substr(0, 1) == "[" || host.find_first_not_of("0123456789.") == std::string::npos;
+}
+
+} // namespace
+
 void Router::add(const std::string& host, Handler handler)
 {
     handlers_[hostOfAuthority(host)] = std::move(handler);
@@ -13,7 +23,11 @@ void Router::add(const std::string& host, Handler handler)
 
 HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request) const
 {
-    return request.absoluteForm ? byHost(request) : service(request);
+    if (request.absoluteForm)
+        return byHost(request);
+    if (!isNumeric(request.host) && request.host != "localhost" && handlers_.find(request.host) == handlers_.end())
+        return errorResponse(421, "The local search services are not " + toUtf8(request.host) + ".");
+    return service(request);
 }
 
 HttpResponse Router::answerAsProxy(const HttpRequest& request) const

@@ -19,7 +19,9 @@ public:
     void add(const std::string& host, Handler handler);
 
     /// An answer to a request that arrived at a service's own port: its own, unless the request names an absolute
-    /// address (RFC 9112, section 3.2.2), which goes by its host.
+    /// address (RFC 9112, section 3.2.2), which goes by its host. A Host that is neither a number, nor this machine,
+    /// nor a service's is refused with 421: a page of the outside world whose name was made to lead here would send it,
+    /// to read the user's documents.
     HttpResponse answerAt(const Handler& service, const HttpRequest& request) const;
 
     /// An answer to a request that arrived at the proxy port: 403 for hosts that are no local service.

@@ -52,6 +52,7 @@ void explainPermission(std::uint16_t port)
 struct Service
 {
     const char* name;
+    std::string usualHost; ///< what the program was built to ask
     std::string host;
     Router::Handler handler;
     std::string address = {}; ///< where it listens; empty when it does not
@@ -75,11 +76,6 @@ void listenAt(HttpServer& server, const Router& router, std::uint16_t port, std:
         }
         service.address = "http://" + service.host + ":" + std::to_string(std::get<std::uint16_t>(result)) + "/";
     }
-}
-
-std::string withDefault(const std::string& chosen, const char* usual)
-{
-    return chosen.empty() ? usual : chosen;
 }
 
 /// What goes before a path of this service in the addresses that it gives out: port 80 goes without saying.
@@ -111,18 +107,21 @@ int runServe(const Options& options)
     DownloadService downloads(index);
     FileService files(index);
     std::vector<Service> services{
-        {"web", withDefault(options.webAddress, QUARRYNET_WEB_SEARCH_HOST),
+        {"web", QUARRYNET_WEB_SEARCH_HOST, options.webAddress,
          [&web](const HttpRequest& request) { return web->answer(request); }},
-        {"download", withDefault(options.downloadAddress, QUARRYNET_DOWNLOAD_SITE_HOST),
+        {"download", QUARRYNET_DOWNLOAD_SITE_HOST, options.downloadAddress,
          [&downloads](const HttpRequest& request) { return downloads.answer(request); }},
-        {"file", withDefault(options.fileAddress, QUARRYNET_FILE_SEARCH_HOST),
+        {"file", QUARRYNET_FILE_SEARCH_HOST, options.fileAddress,
          [&files](const HttpRequest& request) { return files.answer(request); }},
     };
+    for (Service& service : services) {
+        if (service.host.empty())
+            service.host = service.usualHost;
+        router.add(service.usualHost, service.handler);
+        router.add(service.host, service.handler);
+    }
     listenAt(server, router, options.port, services);
     web.emplace(index, baseOf(services[0]));
-    for (const Service& service : services)
-        router.add(service.host, service.handler);
-
     const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
                                      [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
     if (const auto* refusal = std::get_if<HttpServer::Refusal>(&proxy)) {

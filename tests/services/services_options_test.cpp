@@ -15,6 +15,9 @@ TEST(ParseOptions, ReadsBothForms)
     const Outcome<Options> index = parseOptions({"index", "--folder", "a", "--folder=b", "--packages", "p"});
     ASSERT_TRUE(index);
     EXPECT_EQ(index->folders, (std::vector<std::string>{"a", "b"}));
+    EXPECT_FALSE(index->ifNeeded);
+    EXPECT_TRUE(parseOptions({"index", "--if-needed"})->ifNeeded);
+    EXPECT_FALSE(parseOptions({"serve", "--if-needed"}));
     EXPECT_EQ(index->packageFiles, (std::vector<std::string>{"p"}));
 }
 

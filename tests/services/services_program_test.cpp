@@ -128,7 +128,7 @@ std::string ask(const std::string& address, std::uint16_t port, const std::strin
 {
     const RawClient client(address, port);
     EXPECT_TRUE(client.connected()) << address << ":" << port;
-    client.send("GET " + target + " HTTP/1.1\r\nHOST: x\r\nConnection: close\r\n\r\n");
+    client.send("GET " + target + " HTTP/1.1\r\nHOST: 127.80.0.1\r\nConnection: close\r\n\r\n");
     return client.receiveAll();
 }
 
@@ -170,6 +170,20 @@ TEST_F(Program, ServesWithoutAnIndexAndFindsItWhenItComes)
                 folder_.path() + "/other/errors");
     ASSERT_EQ(run.wait(), 0) << run.errors();
     EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "200");
+}
+
+TEST_F(Program, IndexIfNeededLeavesAUsableIndexAlone)
+{
+    index();
+    const auto made = std::filesystem::last_write_time(data() + "/index.sqlite");
+    const std::vector<std::string> again{"index", "--if-needed", "--data",
+                                         data(),  "--packages",  folder_.path() + "/none"};
+    EXPECT_EQ(start(again).wait(), 0);
+    EXPECT_EQ(std::filesystem::last_write_time(data() + "/index.sqlite"), made);
+    folder_.write("data/index.sqlite", "of another time");
+    EXPECT_EQ(start(again).wait(), 1);
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data(), "--packages", folder_.path() + "/list"}).wait(), 0);
+    EXPECT_GT(std::filesystem::file_size(data() + "/index.sqlite"), 1000U);
 }
 
 TEST_F(Program, ServiceThatCannotListenAnswersThroughTheProxy)

@@ -29,8 +29,16 @@ TEST(Router, ProxyLeadsToTheLocalServicesOnly)
     request.host = "127.80.0.1";
     request.absoluteForm = false;
     EXPECT_EQ(router.answerAsProxy(request).status, 400);
-    request.host = "any.name";
-    EXPECT_EQ(router.answerAt(echo, request).status, 200);
-    request.absoluteForm = true;
-    EXPECT_EQ(router.answerAt(echo, request).status, 403);
+}
+
+TEST(Router, PortOfAServiceAnswersForItsOwnNamesOnly)
+{
+    Router router;
+    router.add("Web.Search", echo);
+    for (const char* host : {"127.80.0.1", "10.0.0.1", "localhost", "web.search", "[::1]", ""})
+        EXPECT_EQ(router.answerAt(echo, {"GET", host, "/x", "", false}).status, 200) << host;
+    for (const char* host : {"rebound.example", "1.2.3.4.example", "x"})
+        EXPECT_EQ(router.answerAt(echo, {"GET", host, "/x", "", false}).status, 421) << host;
+    EXPECT_EQ(router.answerAt(echo, {"GET", "other.example", "/x", "", true}).status, 403);
+    EXPECT_EQ(router.answerAt(echo, {"GET", "web.search", "/x", "", true}).status, 200);
 }
