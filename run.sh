@@ -12,9 +12,7 @@ cmake --build --preset release
 bin=$PWD/build/release/bin
 
 data=${XDG_DATA_HOME:-$HOME/.local/share}/quarrynet
-if [ ! -e "$data/index.sqlite" ]; then
-    "$bin/quarrynet-services" index --data "$data"
-fi
+"$bin/quarrynet-services" index --if-needed --data "$data"
 
 # The services answer on port 80 of loopback addresses, where ordinary users may not listen without leave.
 lowest=$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024)

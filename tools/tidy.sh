@@ -8,9 +8,9 @@ stamp=build/$preset/tidy.stamp
 inputs=(.clang-tidy)
 sources=()
 if [ -e "$stamp" ] && [ -z "$(git ls-files '*.h' "${inputs[@]}" | xargs -I{} find {} -newer "$stamp")" ]; then
-    mapfile -t sources < <(git ls-files '*.cpp' | xargs -I{} find {} -newer "$stamp")
+    mapfile -t sources < <(git ls-files '*.cpp' ':!tests' | xargs -I{} find {} -newer "$stamp")
 else
-    mapfile -t sources < <(git ls-files '*.cpp')
+    mapfile -t sources < <(git ls-files '*.cpp' ':!tests')
 fi
 # Only what this build compiles: other systems' files, fuzzers and benchmarks have no commands here.
 wanted=()

@@ -1,12 +1,11 @@
-#include "app/Main.h"
-#include "app/Tour.h"
-
 #include <optional>
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 
+#include "app/Main.h"
+#include "app/Tour.h"
 #include "platform/ProgramFolder.h"
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
