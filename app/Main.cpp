@@ -138,6 +138,7 @@ void Main::joinTabs()
     // The image search's command empties the page check's list, and through a proxy it asks for the page that the web
     // search's slider shows.
     IMG->setNeighbours([this] { SPS->clearView(); }, [this] { return STI->page(); });
+    connect(IMG, &ImageSearch::unwritable, this, &Main::cannotGoOn);
 }
 
 bool Main::load()

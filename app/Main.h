@@ -71,6 +71,10 @@ public:
     void showConnection(std::string_view caption) override;
     void showActivity(std::string_view text) override;
 
+signals:
+    /// A page of the program's own could not be written; the box that says so has been answered.
+    void cannotGoOn();
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -58,6 +58,7 @@ int main(int argc, char** argv)
                                 QUARRYNET_FILE_SEARCH_HOST};
     Main window({hosts, shell, toBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
                  QUARRYNET_AUTHOR_MAIL_URL});
+    QObject::connect(&window, &Main::cannotGoOn, &application, [] { QCoreApplication::exit(1); });
     if (!window.load())
         return 1;
     window.show();

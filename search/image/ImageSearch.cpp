@@ -101,7 +101,8 @@ void ImageSearch::Text9_Change()
 {
     if (buffer().text().empty())
         return;
-    ImageResults results = parseImageResults(buffer().text(), directHost(), {{}, List7.items(), List8.items()});
+    ImageResults results =
+        parseImageResults(buffer().text(), directHost(), {List6.positions(), List7.items(), List8.items()});
     if (results.nothingFound) {
         showInformation(window(), tr("No Images Found"));
         return;
