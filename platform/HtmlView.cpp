@@ -1,1 +1,183 @@
 #include "platform/HtmlView.h"
+
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPluginLoader>
+#include <QVBoxLayout>
+
+#include "common/address_check.h"
+#include "platform/PlainPageView.h"
+#include "platform/view_keys.h"
+
+namespace quarrynet {
+
+namespace {
+
+// The build gives both: how the system names a plug-in, and where an installation keeps it, seen from the program.
+constexpr const char* kEngineFile = QUARRYNET_ENGINE_FILE;
+constexpr const char* kInstalledFolder = QUARRYNET_ENGINE_FOLDER;
+
+QStringList defaultFolders()
+{
+    const QString program = QCoreApplication::applicationDirPath();
+    return {program, program + QLatin1Char('/') + QString::fromLatin1(kInstalledFolder)};
+}
+
+// Keeps the engine's report on how it starts, several screens of it, from this program's output while it lives.
+class ScopedSilence
+{
+    Q_DISABLE_COPY_MOVE(ScopedSilence)
+
+public:
+    ScopedSilence() { before_ = qInstallMessageHandler(&ScopedSilence::handle); }
+    ~ScopedSilence() { qInstallMessageHandler(before_); }
+
+private:
+    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& message)
+    {
+        if (type == QtFatalMsg && before_)
+            before_(type, context, message);
+    }
+
+    static inline QtMessageHandler before_ = nullptr;
+};
+
+QString plainNote()
+{
+    return HtmlView::tr("Pictures and links are shown without the browser view.");
+}
+
+} // namespace
+
+HtmlView::HtmlView(QWidget* parent)
+    : QWidget(parent), engineFolders_(defaultFolders()), layout_(new QVBoxLayout(this)), messageLabel_(new QLabel(this))
+{
+    layout_->setContentsMargins(0, 0, 0, 0);
+    layout_->setSpacing(0);
+    messageLabel_->setObjectName(QStringLiteral("EngineMessage"));
+    messageLabel_->setTextFormat(Qt::PlainText);
+    messageLabel_->setWordWrap(true);
+    messageLabel_->setMargin(4);
+    messageLabel_->setFrameShape(QFrame::StyledPanel);
+    messageLabel_->hide();
+    layout_->addWidget(messageLabel_);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+HtmlView::~HtmlView() = default;
+
+void HtmlView::navigate(const QString& path)
+{
+    url_ = QUrl::fromLocalFile(path);
+    if (view_)
+        view_->showPage(path);
+    emit urlChanged();
+}
+
+void HtmlView::setProxy(const QString& host, quint16 port)
+{
+    pictures_.setProxy(host, port);
+}
+
+QString HtmlView::message() const
+{
+    return messageLabel_->text();
+}
+
+void HtmlView::say(const QString& message)
+{
+    messageLabel_->setText(message);
+    messageLabel_->setVisible(!message.isEmpty());
+}
+
+void HtmlView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (std::exchange(started_, true))
+        return;
+    // Afterwards, so that the tab that was chosen is seen at once.
+    QMetaObject::invokeMethod(this, &HtmlView::start, Qt::QueuedConnection);
+}
+
+PageViewHost HtmlView::host()
+{
+    return {pictures_, [this](const QByteArray& address) { activate(address); },
+            [this](const QString& reason) { engineFailed(reason); }};
+}
+
+void HtmlView::start()
+{
+    for (const QString& folder : std::as_const(engineFolders_)) {
+        const QString path = folder + QLatin1Char('/') + QString::fromLatin1(kEngineFile);
+        if (!QFileInfo(path).isFile())
+            continue;
+        const ScopedSilence silence;
+        // The plug-in stays loaded: an engine cannot be started twice in one program.
+        QPluginLoader loader(path);
+        auto* engine = qobject_cast<PageEngine*>(loader.instance());
+        QString reason = engine ? QString() : loader.errorString();
+        std::unique_ptr<PageView> view = engine ? engine->makeView(host(), this, reason) : nullptr;
+        if (view) {
+            hasBrowser_ = true;
+            takeView(std::move(view));
+        } else {
+            engineFailed(tr("The browser view cannot start: %1").arg(reason));
+        }
+        return;
+    }
+    startPlain();
+}
+
+void HtmlView::engineFailed(const QString& reason)
+{
+    if (view_ && !hasBrowser_)
+        return; // it has been replaced already
+    say(reason + QLatin1Char('\n') + plainNote());
+    hasBrowser_ = false;
+    // Later, for the view that fails may be the caller.
+    QMetaObject::invokeMethod(this, &HtmlView::startPlain, Qt::QueuedConnection);
+}
+
+void HtmlView::startPlain()
+{
+    takeView(std::make_unique<PlainPageView>(host(), this));
+}
+
+void HtmlView::takeView(std::unique_ptr<PageView> view)
+{
+    view_ = std::move(view);
+    view_->widget().setAccessibleName(accessibleName());
+    layout_->addWidget(&view_->widget(), 1);
+    setFocusProxy(&view_->widget());
+    view_->widget().show();
+    if (!url_.isEmpty())
+        view_->showPage(url_.toLocalFile());
+}
+
+void HtmlView::activate(const QByteArray& address)
+{
+    const std::optional<std::string> openable =
+        openableAddress({address.constData(), static_cast<std::size_t>(address.size())});
+    if (!openable)
+        return;
+    for (const std::string_view scheme : {"http:", "https:", "ftp:"}) {
+        if (openable->compare(0, scheme.size(), scheme) == 0)
+            emit linkActivated(*openable);
+    }
+}
+
+void HtmlView::keyPressEvent(QKeyEvent* event)
+{
+    // What the view has left over, Escape for one, goes on to the window.
+    if (!leadsAway(*event) && event->key() != Qt::Key_Backspace)
+        event->ignore();
+}
+
+} // namespace quarrynet

@@ -1,0 +1,100 @@
+#include "platform/webengine/BrowserEngine.h"
+
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QOpenGLContext>
+#include <QQuickWindow>
+
+#include "platform/webengine/BrowserView.h"
+#include "platform/webengine/RequestGuard.h"
+#include "platform/webengine/sandbox.h"
+
+// Exported by Qt Gui for the engine; no header of the library's users declares them.
+Q_GUI_EXPORT QOpenGLContext* qt_gl_global_share_context();
+Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
+
+namespace quarrynet {
+
+namespace {
+
+constexpr const char* kFlags = "QTWEBENGINE_CHROMIUM_FLAGS";
+constexpr const char* kNoSandbox = "QTWEBENGINE_DISABLE_SANDBOX";
+constexpr const char* kProcess = "QTWEBENGINEPROCESS_PATH";
+
+// Sets an environment variable while it lives. The engine reads its options from the environment when it starts; the
+// programs that this one starts must not find them there.
+class ScopedVariable
+{
+    Q_DISABLE_COPY_MOVE(ScopedVariable)
+
+public:
+    ScopedVariable(const char* name, const QByteArray& value)
+        : name_(name), before_(qgetenv(name)), wasSet_(qEnvironmentVariableIsSet(name))
+    {
+        qputenv(name, value);
+    }
+
+    ~ScopedVariable()
+    {
+        if (wasSet_)
+            qputenv(name_, before_);
+        else
+            qunsetenv(name_);
+    }
+
+private:
+    const char* name_;
+    QByteArray before_;
+    bool wasSet_;
+};
+
+// The program that draws the pages. The engine ends this one when it does not find it.
+bool processExists()
+{
+#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
+    return true; // it lies elsewhere there, and always beside the library
+#else
+    if (qEnvironmentVariableIsSet(kProcess))
+        return QFileInfo(qEnvironmentVariable(kProcess)).isExecutable();
+    const QString folder = QLibraryInfo::path(QLibraryInfo::LibraryExecutablesPath);
+    return QFileInfo(folder + QStringLiteral("/QtWebEngineProcess")).isExecutable();
+#endif
+}
+
+// Draws by the processor alone: thumbnails need no graphics card, and a program that was started without this engine
+// has no context to share with it. The engine wants to look at one all the same, so it gets one that was never made.
+void prepareDrawing()
+{
+    QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+    if (qt_gl_global_share_context() == nullptr)
+        qt_gl_set_global_share_context(new QOpenGLContext); // kept for the engine's life, which is the program's
+}
+
+} // namespace
+
+std::unique_ptr<PageView> BrowserEngine::makeView(const PageViewHost& host, QWidget* parent, QString& reason)
+{
+    if (!processExists()) {
+        reason = tr("its drawing process is not installed.");
+        return nullptr;
+    }
+    const Sandbox sandbox = sandboxOfThisSystem();
+    if (sandbox == Sandbox::Refused) {
+        reason = tr("this system refuses it a sandbox.");
+        return nullptr;
+    }
+
+    static bool prepared = false;
+    if (!prepared) {
+        prepared = true;
+        prepareDrawing();
+        PictureHandler::registerScheme();
+    }
+    const ScopedVariable flags(kFlags, qgetenv(kFlags) +
+                                           " --disable-gpu --no-first-run --disable-background-networking"
+                                           " --disable-component-update --disable-sync --disable-breakpad");
+    const ScopedVariable noSandbox(kNoSandbox, sandbox == Sandbox::NotForRoot ? "1" : qgetenv(kNoSandbox));
+    return std::make_unique<BrowserView>(host, parent);
+}
+
+} // namespace quarrynet

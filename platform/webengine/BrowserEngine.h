@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QObject>
+
+#include "platform/PageView.h"
+
+namespace quarrynet {
+
+/// The browser engine as a plug-in: starts the engine of Qt WebEngine on the first view that is asked for.
+class BrowserEngine : public QObject, public PageEngine
+{
+    Q_OBJECT
+    Q_INTERFACES(quarrynet::PageEngine)
+    Q_PLUGIN_METADATA(IID "quarrynet.PageEngine/1")
+
+public:
+    std::unique_ptr<PageView> makeView(const PageViewHost& host, QWidget* parent, QString& reason) override;
+};
+
+} // namespace quarrynet

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include <QWebEngineView>
+
+#include "platform/PageView.h"
+
+class QWebEngineProfile;
+
+namespace quarrynet {
+
+class BrowserPage;
+class RequestGuard;
+
+/// The browser engine's view of one page, closed to everything that a hostile page could try.
+class BrowserView : public QWebEngineView, public PageView
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(BrowserView)
+
+public:
+    BrowserView(const PageViewHost& host, QWidget* parent);
+    ~BrowserView() override;
+
+    QWidget& widget() override { return *this; }
+    void showPage(const QString& path) override;
+
+protected:
+    void childEvent(QChildEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void restrict();
+
+    PageViewHost host_;
+    std::unique_ptr<QWebEngineProfile> profile_;
+    RequestGuard* guard_;
+    BrowserPage* page_;
+};
+
+} // namespace quarrynet

@@ -1,0 +1,95 @@
+#include "platform/webengine/RequestGuard.h"
+
+#include <string_view>
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QWebEngineUrlRequestJob>
+#include <QWebEngineUrlScheme>
+
+#include "common/local_pages.h"
+
+namespace quarrynet {
+
+namespace {
+
+bool isHttp(const QUrl& address)
+{
+    return address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https");
+}
+
+bool isPageType(QWebEngineUrlRequestInfo::ResourceType type)
+{
+    return type == QWebEngineUrlRequestInfo::ResourceTypeMainFrame ||
+           type == QWebEngineUrlRequestInfo::ResourceTypeSubFrame;
+}
+
+} // namespace
+
+void RequestGuard::allowPage(const QString& path)
+{
+    const QString folder = QFileInfo(path).absolutePath();
+    pages_ = {QUrl::fromLocalFile(path)};
+    for (const std::string_view name : {kBlankFrameName, kBlankPageName, kGalleryFrameName, kGalleryPageName}) {
+        const QString page = QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()));
+        pages_.insert(QUrl::fromLocalFile(folder + QLatin1Char('/') + page));
+    }
+}
+
+bool RequestGuard::allows(const QUrl& page) const
+{
+    return pages_.contains(page);
+}
+
+void RequestGuard::interceptRequest(QWebEngineUrlRequestInfo& request)
+{
+    const QUrl address = request.requestUrl();
+    const auto type = request.resourceType();
+    if (type == QWebEngineUrlRequestInfo::ResourceTypeImage && isHttp(address)) {
+        request.redirect(PictureHandler::addressFor(address));
+        return;
+    }
+    const bool picture = type == QWebEngineUrlRequestInfo::ResourceTypeImage &&
+                         address.scheme() == QLatin1String(PictureHandler::scheme());
+    const bool page = isPageType(type) && allows(address);
+    request.block(!picture && !page);
+}
+
+void PictureHandler::registerScheme()
+{
+    QWebEngineUrlScheme scheme(PictureHandler::scheme());
+    scheme.setSyntax(QWebEngineUrlScheme::Syntax::Path);
+    scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::CorsEnabled);
+    QWebEngineUrlScheme::registerScheme(scheme);
+}
+
+QUrl PictureHandler::addressFor(const QUrl& picture)
+{
+    QUrl address;
+    address.setScheme(QLatin1String(scheme()));
+    address.setPath(QLatin1String(picture.toEncoded().toHex()));
+    return address;
+}
+
+QUrl PictureHandler::pictureAt(const QUrl& address)
+{
+    const QUrl picture = QUrl::fromEncoded(QByteArray::fromHex(address.path().toLatin1()), QUrl::StrictMode);
+    return isHttp(picture) ? picture : QUrl();
+}
+
+void PictureHandler::requestStarted(QWebEngineUrlRequestJob* job)
+{
+    pictures_.fetch(pictureAt(job->requestUrl()), job, [job](const Picture& picture) {
+        if (picture.bytes.isEmpty()) {
+            job->fail(QWebEngineUrlRequestJob::RequestFailed);
+            return;
+        }
+        auto* buffer = new QBuffer; // read by the engine for as long as the job lives
+        buffer->setData(picture.bytes);
+        buffer->open(QIODevice::ReadOnly);
+        connect(job, &QObject::destroyed, buffer, &QObject::deleteLater);
+        job->reply(picture.type.isEmpty() ? QByteArrayLiteral("application/octet-stream") : picture.type, buffer);
+    });
+}
+
+} // namespace quarrynet

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QSet>
+#include <QWebEngineUrlRequestInterceptor>
+#include <QWebEngineUrlSchemeHandler>
+
+#include "platform/PageView.h"
+
+namespace quarrynet {
+
+/// Lets through what the program's pages consist of, the pages themselves and pictures, and blocks everything else,
+/// local files, scripts and sockets among them. Pictures are sent on to PictureHandler, so the engine itself never
+/// uses the net.
+class RequestGuard : public QWebEngineUrlRequestInterceptor
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(RequestGuard)
+
+public:
+    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
+
+    /// The page at `path` is shown from now on: it and the program's own pages beside it may be loaded.
+    void allowPage(const QString& path);
+    bool allows(const QUrl& page) const;
+
+    void interceptRequest(QWebEngineUrlRequestInfo& request) override;
+
+private:
+    QSet<QUrl> pages_;
+};
+
+/// Answers the addresses that RequestGuard sends pictures on to, from the program's own source of pictures.
+class PictureHandler : public QWebEngineUrlSchemeHandler
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PictureHandler)
+
+public:
+    PictureHandler(PictureSource& pictures, QObject* parent) : QWebEngineUrlSchemeHandler(parent), pictures_(pictures)
+    {}
+
+    /// The scheme of those addresses. It has to be registered before the engine starts.
+    static QByteArray scheme() { return QByteArrayLiteral("quarrynet-picture"); }
+    static void registerScheme();
+
+    /// `picture`, an http or https address, as an address of the scheme, and back (empty for any other).
+    static QUrl addressFor(const QUrl& picture);
+    static QUrl pictureAt(const QUrl& address);
+
+    void requestStarted(QWebEngineUrlRequestJob* job) override;
+
+private:
+    PictureSource& pictures_;
+};
+
+} // namespace quarrynet
