@@ -6,6 +6,7 @@
 #include "services/http_message.h"
 
 using namespace quarrynet::services;
+using namespace std::string_literals;
 
 namespace {
 
@@ -119,7 +120,7 @@ TEST(ReadRequestHead, LinesAndHeadersAreBounded)
 TEST(ReadRequestHead, RandomBytesNeverFail)
 {
     std::mt19937 random(7);
-    const std::string alphabet = std::string("GET /?: HTP1.\r\n\r\nhost", 22) + std::string("\0\xff", 2);
+    const std::string alphabet = "GET /?: HTP1.\r\n\r\nhost\0\xff"s;
     for (int round = 0; round < 50000; ++round) {
         std::string bytes = round % 2 == 0 ? "GET / HTTP/1.1\r\n" : "";
         for (auto length = random() % 40; length > 0; --length)

@@ -6,6 +6,7 @@
 #include "services/package_lists.h"
 
 using namespace quarrynet::services;
+using namespace std::string_literals;
 
 namespace {
 
@@ -99,8 +100,7 @@ TEST(StanzaReader, FieldNamesAreComparedWithoutCaseAndLinesMayEndInCrLf)
 
 TEST(StanzaReader, ControlBytesAndOtherEncodingsBecomeTidyUtf8)
 {
-    const std::vector<Package> packages =
-        readText(std::string_view("Package: a\0b\nDescription: caf\xe9\x01\x02 \x1b[0m\n", 39));
+    const std::vector<Package> packages = readText("Package: a\0b\nDescription: caf\xe9\x01\x02 \x1b[0m\n"s);
     ASSERT_EQ(packages.size(), 1U);
     EXPECT_EQ(packages[0].name, "a b");
     EXPECT_EQ(packages[0].summary, "caf\xc3\xa9 [0m");

@@ -191,7 +191,9 @@ TEST_F(Pages, PlainPackagesAreReadBackWhole)
     std::string stanzas;
     for (int i = 0; i < 70; ++i) {
         const std::string number = std::to_string(i);
-        stanzas += stanza("apple" + number, "a red apple", "pool/main/a/apple" + number + "/apple" + number + "_1.deb");
+        std::string file = "pool/main/a/apple";
+        file.append(number).append("/apple").append(number).append("_1.deb");
+        stanzas += stanza("apple" + number, "a red apple", file);
     }
     build(stanzas);
     readWebPages("apple");

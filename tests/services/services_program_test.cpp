@@ -35,6 +35,7 @@ public:
                                          0600);
         arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (std::string& argument : arguments)
             pointers.push_back(argument.data());
         pointers.push_back(nullptr);

@@ -4,6 +4,7 @@
 #include "services/sqlite.h"
 
 using namespace quarrynet::services;
+using namespace std::string_literals;
 
 TEST(Database, ValuesComeBackAsTheyWereBound)
 {
@@ -12,7 +13,7 @@ TEST(Database, ValuesComeBackAsTheyWereBound)
     ASSERT_TRUE(database->execute("CREATE TABLE t(a, b, c)"));
     Outcome<Statement> insert = database->prepare("INSERT INTO t VALUES (?1, ?2, ?3)");
     ASSERT_TRUE(insert);
-    const std::string text("'); DROP TABLE t; --\0\xff", 23);
+    const std::string text = "'); DROP TABLE t; --\0\xff"s;
     insert->bind(1, text);
     insert->bind(2, std::int64_t{1} << 40);
     insert->bind(3, std::optional<std::int64_t>());

@@ -50,7 +50,8 @@ std::string packages(int count)
     std::string stanzas;
     for (int i = 0; i < count; ++i) {
         const std::string number = std::to_string(i);
-        stanzas += "Package: p" + number + "\nDescription: a red apple\nHomepage: http://h/" + number + "\n\n";
+        stanzas.append("Package: p").append(number);
+        stanzas.append("\nDescription: a red apple\nHomepage: http://h/").append(number).append("\n\n");
     }
     return stanzas;
 }
