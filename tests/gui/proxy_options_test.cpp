@@ -1,0 +1,436 @@
+#include <QAction>
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+
+#include "DialogDriver.h"
+#include "common/CDS_CIni.h"
+#include "tab_controls.h"
+
+using namespace quarrynet;
+
+namespace {
+
+QByteArray settings(const QByteArray& proxySwitch, const QByteArray& host, const QByteArray& port)
+{
+    return "[ProxySwitch]\nValue=" + proxySwitch + "\n[ProxyHost]\nValue=" + host + "\n[ProxyPort]\nValue=" + port +
+           "\n";
+}
+
+/// The options as a person works them.
+class Options
+{
+public:
+    explicit Options(QDialog& dialog) : dialog_(dialog) {}
+
+    QCheckBox* check() { return dialog_.findChild<QCheckBox*>(QStringLiteral("Check1")); }
+    QLineEdit* host() { return dialog_.findChild<QLineEdit*>(QStringLiteral("Text1")); }
+    QLineEdit* port() { return dialog_.findChild<QLineEdit*>(QStringLiteral("Text2")); }
+
+    void toggle() { QTest::keyClick(check(), Qt::Key_Space); }
+
+    void fill(const QString& hostText, const QString& portText)
+    {
+        host()->selectAll();
+        QTest::keyClick(host(), Qt::Key_Delete);
+        QTest::keyClicks(host(), hostText);
+        port()->selectAll();
+        QTest::keyClick(port(), Qt::Key_Delete);
+        QTest::keyClicks(port(), portText);
+    }
+
+    void ok() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command1")), Qt::LeftButton); }
+    void cancel() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command2")), Qt::LeftButton); }
+    bool isOpen() const { return dialog_.isVisible(); }
+
+private:
+    QDialog& dialog_;
+};
+
+} // namespace
+
+class ProxyOptionsTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { window_ = std::make_unique<WindowFixture>(); }
+    void cleanup() { window_.reset(); }
+
+    void withoutAFileTheBoxIsOffAndTheFieldsAreEmpty()
+    {
+        window_->start();
+        inOptions([](Options& options) {
+            QVERIFY(!options.check()->isChecked());
+            QVERIFY(options.host()->text().isEmpty() && !options.host()->isEnabled());
+            QVERIFY(options.port()->text().isEmpty() && !options.port()->isEnabled());
+            options.cancel();
+        });
+        QVERIFY(!QFile::exists(window_->settingsFile()));
+        QVERIFY(window_->main().isDirect());
+    }
+
+    void okSwitchesTheProxyOnForTheNextSearch()
+    {
+        window_->start();
+        const QString port = QString::number(window_->service.port());
+        inOptions([&](Options& options) {
+            options.toggle();
+            options.fill(QStringLiteral("127.0.0.1"), port);
+            options.ok();
+            QVERIFY(!options.isOpen());
+        });
+        QCOMPARE(saved("ProxySwitch"), std::string("on"));
+        QCOMPARE(saved("ProxyHost"), std::string("127.0.0.1"));
+        QCOMPARE(saved("ProxyPort"), port.toStdString());
+        QCOMPARE(window_->hidden("ProxySwitch"), std::string("on"));
+        QVERIFY(!window_->main().isDirect());
+        QCOMPARE(window_->main().proxy().host, std::string("127.0.0.1"));
+        QCOMPARE(window_->main().proxy().port, port.toInt());
+
+        window_->service.stall();
+        search();
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        QVERIFY(window_->service.lastRequestLine().startsWith("GET http://127.0.0.1/search?"));
+    }
+
+    void untickAndOkSwitchItOffForTheNextSearch()
+    {
+        window_->writeSettings(settings("on", "127.0.0.1", QByteArray::number(window_->service.port())));
+        window_->start();
+        inOptions([](Options& options) {
+            options.toggle();
+            options.ok();
+        });
+        QCOMPARE(saved("ProxySwitch"), std::string("off"));
+        QCOMPARE(saved("ProxyHost"), std::string());
+        QCOMPARE(saved("ProxyPort"), std::string());
+        QVERIFY(window_->main().isDirect());
+        window_->service.stall();
+        search();
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        QVERIFY(window_->service.lastRequestLine().startsWith("GET /search?"));
+    }
+
+    void tickAfterUntickBringsTheSavedValuesBack()
+    {
+        window_->writeSettings(settings("on", "proxy.example", "8080"));
+        window_->start();
+        inOptions([](Options& options) {
+            options.fill(QStringLiteral("typed.example"), QStringLiteral("1"));
+            options.toggle();
+            QVERIFY(options.host()->text().isEmpty() && !options.host()->isEnabled());
+            QVERIFY(options.port()->text().isEmpty() && !options.port()->isEnabled());
+            options.toggle();
+            QCOMPARE(options.host()->text(), QStringLiteral("proxy.example"));
+            QCOMPARE(options.port()->text(), QStringLiteral("8080"));
+            QVERIFY(options.host()->isEnabled() && options.port()->isEnabled());
+            options.cancel();
+        });
+        QCOMPARE(saved("ProxyHost"), std::string("proxy.example"));
+    }
+
+    void aMissingFieldKeepsTheDialogWithTheFocusThere_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("port");
+        QTest::addColumn<QString>("focus");
+        QTest::newRow("port") << QStringLiteral("proxy.example") << QString() << QStringLiteral("Text2");
+        QTest::newRow("host") << QString() << QStringLiteral("8080") << QStringLiteral("Text1");
+        QTest::newRow("both") << QString() << QString() << QStringLiteral("Text1");
+    }
+
+    void aMissingFieldKeepsTheDialogWithTheFocusThere()
+    {
+        QFETCH(QString, host);
+        QFETCH(QString, port);
+        QFETCH(QString, focus);
+        const QByteArray before = settings("off", "saved.example", "3128");
+        window_->writeSettings(before);
+        window_->start();
+        inOptions([&](Options& options) {
+            options.toggle();
+            options.fill(host, port);
+            options.ok();
+            QVERIFY(options.isOpen());
+            QCOMPARE(options.check()->window()->focusWidget()->objectName(), focus);
+            options.cancel();
+        });
+        QCOMPARE(window_->boxes.texts(), QStringList{tr("All fields are mandatory")});
+        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
+        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QCOMPARE(content(), before);
+        QVERIFY(window_->main().isDirect());
+    }
+
+    void okWhileTheSwitchIsOnTakesTheNewHostAndPort()
+    {
+        window_->writeSettings(settings("on", "old.example", "8080"));
+        window_->start();
+        QCOMPARE(window_->main().proxy().port, 8080);
+        inOptions([](Options& options) {
+            QCOMPARE(options.host()->text(), QStringLiteral("old.example"));
+            options.fill(QStringLiteral("new.example"), QStringLiteral("3128"));
+            options.ok();
+        });
+        QCOMPARE(window_->main().proxy().host, std::string("new.example"));
+        QCOMPARE(window_->main().proxy().port, 3128);
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    void whatTheFileHoldsCountsNotWhatTheBoxesShow()
+    {
+        window_->start();
+        inOptions([](Options& options) {
+            options.toggle();
+            options.fill(QStringLiteral("  \"proxy.example\" "), QStringLiteral("8080.6 and more"));
+            options.ok();
+        });
+        // Blanks and one pair of quotes do not survive the file; the port is its leading number, rounded.
+        QCOMPARE(window_->main().proxy().host, saved("ProxyHost"));
+        QCOMPARE(window_->main().proxy().port, 8081);
+    }
+
+    void aPortWithoutDigitsIsPort0AndTheSearchSaysSo()
+    {
+        window_->start();
+        inOptions([](Options& options) {
+            options.toggle();
+            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("eighty"));
+            options.ok();
+        });
+        QCOMPARE(saved("ProxyPort"), std::string("eighty"));
+        QCOMPARE(window_->main().proxy().port, 0);
+        search();
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QTRY_VERIFY(window_->control<QPushButton>("Command1")->isEnabled());
+        QCOMPARE(window_->socketState("NetSock"), 0);
+    }
+
+    void aPortAbove32767IsSaidAndLeavesThePortInUse_data()
+    {
+        QTest::addColumn<bool>("onBefore");
+        QTest::newRow("switched on by this") << false;
+        QTest::newRow("on already") << true;
+    }
+
+    void aPortAbove32767IsSaidAndLeavesThePortInUse()
+    {
+        QFETCH(bool, onBefore);
+        if (onBefore)
+            window_->writeSettings(settings("on", "127.0.0.1", "8080"));
+        window_->start();
+        inOptions([onBefore](Options& options) {
+            if (!onBefore)
+                options.toggle();
+            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("32768"));
+            options.ok();
+            QVERIFY(!options.isOpen());
+        });
+        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '6':\n\nOverflow")});
+        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Critical);
+        QCOMPARE(window_->main().proxy().port, onBefore ? 8080 : 0);
+        QCOMPARE(saved("ProxySwitch"), std::string("on"));
+        QCOMPARE(saved("ProxyHost"), std::string("127.0.0.1"));
+        QCOMPARE(saved("ProxyPort"), std::string("32768"));
+
+        // The way back is the same dialog.
+        window_->activate();
+        const QString port = QString::number(window_->service.port());
+        inOptions([&](Options& options) {
+            QCOMPARE(options.port()->text(), QStringLiteral("32768"));
+            options.fill(QStringLiteral("127.0.0.1"), port);
+            options.ok();
+        });
+        QCOMPARE(window_->main().proxy().port, port.toInt());
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+    }
+
+    void theLargestPortIsTaken()
+    {
+        window_->start();
+        inOptions([](Options& options) {
+            options.toggle();
+            options.fill(QStringLiteral("h"), QStringLiteral("32767"));
+            options.ok();
+        });
+        QCOMPARE(window_->main().proxy().port, 32767);
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    void cancelAndEscapeChangeNothing_data()
+    {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("Cancel") << false;
+        QTest::newRow("Escape") << true;
+    }
+
+    void cancelAndEscapeChangeNothing()
+    {
+        QFETCH(bool, byKey);
+        const QByteArray before = settings("on", "proxy.example", "8080");
+        window_->writeSettings(before);
+        window_->start();
+        inOptions([byKey](Options& options) {
+            options.fill(QStringLiteral("typed.example"), QStringLiteral("1"));
+            options.toggle();
+            if (byKey)
+                QTest::keyClick(options.check(), Qt::Key_Escape);
+            else
+                options.cancel();
+            QVERIFY(!options.isOpen());
+        });
+        QCOMPARE(content(), before);
+        QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
+        QVERIFY(!window_->main().isDirect());
+    }
+
+    void escapeInTheDialogDoesNotStopASearch()
+    {
+        window_->start();
+        window_->service.stall();
+        search();
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        inOptions([](Options& options) { QTest::keyClick(options.check(), Qt::Key_Escape); });
+        QVERIFY(window_->boxes.boxes().isEmpty());
+        QCOMPARE(window_->socketState("NetSock"), 7);
+    }
+
+    void enterInAFieldIsOk()
+    {
+        window_->writeSettings(settings("on", "old.example", "8080"));
+        window_->start();
+        inOptions([](Options& options) {
+            options.fill(QStringLiteral("new.example"), QStringLiteral("8081"));
+            QTest::keyClick(options.port(), Qt::Key_Return);
+            QVERIFY(!options.isOpen());
+        });
+        QCOMPARE(window_->main().proxy().host, std::string("new.example"));
+    }
+
+    void untouchedUntickedOkWritesTheSavedValuesBack()
+    {
+        window_->writeSettings(settings("off", "saved.example", "3128"));
+        window_->start();
+        inOptions([](Options& options) {
+            QCOMPARE(options.host()->text(), QStringLiteral("saved.example"));
+            options.ok();
+        });
+        QCOMPARE(saved("ProxySwitch"), std::string("off"));
+        QCOMPARE(saved("ProxyHost"), std::string("saved.example"));
+        QCOMPARE(saved("ProxyPort"), std::string("3128"));
+        QCOMPARE(window_->main().proxy().host, std::string());
+    }
+
+    void otherLinesOfTheFileSurviveOk_data()
+    {
+        QTest::addColumn<QByteArray>("other");
+        QTest::newRow("a comment and a section") << QByteArray("; mine\n[Other]\nKey=kept\n");
+        QTest::newRow("garbage") << QByteArray("\xff\xfe[[==]]\nno section\n=\n");
+        QTest::newRow("NUL inside") << QByteArray("[Other]\nKey=a\0b\n", 16);
+    }
+
+    void otherLinesOfTheFileSurviveOk()
+    {
+        QFETCH(QByteArray, other);
+        window_->writeSettings(other);
+        window_->start();
+        QVERIFY(window_->main().isDirect());
+        inOptions([](Options& options) {
+            QVERIFY(!options.check()->isChecked());
+            options.toggle();
+            options.fill(QStringLiteral("proxy.example"), QStringLiteral("8080"));
+            options.ok();
+        });
+        QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
+        QCOMPARE(window_->main().proxy().port, 8080);
+        QVERIFY2(content().startsWith(other), content());
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    void aNulInAValueEndsItThere()
+    {
+        window_->writeSettings(settings("on", QByteArray("proxy.example\0.evil", 19), "8080"));
+        window_->start();
+        QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
+        inOptions([](Options& options) {
+            QCOMPARE(options.host()->text(), QStringLiteral("proxy.example"));
+            options.cancel();
+        });
+    }
+
+    // A folder in the file's place stops every user, root too: nothing can be written.
+    void aFileThatCannotBeWrittenClosesAndSetsTheSwitchAllTheSame()
+    {
+        QVERIFY(QDir().mkpath(window_->settingsFile() + QStringLiteral("/inside")));
+        window_->start();
+        QVERIFY(window_->main().isDirect());
+        inOptions([](Options& options) {
+            options.toggle();
+            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("8080"));
+            options.ok();
+            QVERIFY(!options.isOpen());
+        });
+        QVERIFY(window_->boxes.boxes().isEmpty());
+        QCOMPARE(window_->hidden("ProxySwitch"), std::string("on"));
+        QCOMPARE(window_->main().proxy().host, std::string()); // what the file holds, which is nothing
+        QCOMPARE(window_->main().proxy().port, 0);
+        search();
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        QTRY_VERIFY(window_->control<QPushButton>("Command1")->isEnabled());
+        QVERIFY(QFileInfo(window_->settingsFile()).isDir());
+    }
+
+    void eachOpeningReadsTheFileAnew()
+    {
+        window_->writeSettings(settings("on", "first.example", "1"));
+        window_->start();
+        inOptions([](Options& options) { options.fill(QStringLiteral("typed"), QStringLiteral("2")); });
+        window_->writeSettings(settings("on", "second.example", "3"));
+        inOptions([](Options& options) {
+            QCOMPARE(options.host()->text(), QStringLiteral("second.example"));
+            QCOMPARE(options.port()->text(), QStringLiteral("3"));
+        });
+        QCOMPARE(window_->main().proxy().host, std::string("first.example")); // only OK takes it over
+    }
+
+private:
+    /// Opens the dialog as a person does, works it, and returns when it is closed.
+    void inOptions(const std::function<void(Options&)>& work)
+    {
+        const DialogDriver driver([&work](QDialog& dialog) {
+            Options options(dialog);
+            work(options);
+        });
+        window_->control<QAction>("proxymnu")->trigger();
+        QCOMPARE(driver.seen(), QStringList{tr("Proxy")});
+    }
+
+    void search()
+    {
+        window_->activate();
+        window_->type("Text1", QStringLiteral("apple"));
+        QTest::mouseClick(window_->control<QPushButton>("Command1"), Qt::LeftButton);
+    }
+
+    std::string saved(const char* section)
+    {
+        CDS_CIni store;
+        store.setFileName(window_->settingsFile().toStdString());
+        std::string value;
+        store.ReadValue(section, "Value", value);
+        return value;
+    }
+
+    QByteArray content()
+    {
+        QFile file(window_->settingsFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+    }
+
+    std::unique_ptr<WindowFixture> window_;
+};
+
+QTEST_MAIN(ProxyOptionsTest)
+#include "proxy_options_test.moc"
