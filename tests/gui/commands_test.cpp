@@ -310,8 +310,7 @@ private slots:
                 if (typed.field)
                     QTest::addRow("%s", typed.field) << tab.tag << QString::fromLatin1(typed.field);
             }
-            if (tab.tag != 3)
-                QTest::addRow("%s", tab.list) << tab.tag << QString::fromLatin1(tab.list);
+            QTest::addRow("%s", tab.list) << tab.tag << QString::fromLatin1(tab.list);
             if (tab.slider)
                 QTest::addRow("%s", tab.slider) << tab.tag << QString::fromLatin1(tab.slider);
             QTest::addRow("button of %s", tab.frame) << tab.tag << QString::fromLatin1(tab.button);
@@ -333,7 +332,7 @@ private slots:
             auto* control = window_->control<QWidget>(qPrintable(focused));
             control->setEnabled(true); // the slider and the button are not, at this moment of a first search
             control->setFocus();
-            QCOMPARE(QApplication::focusWidget(), control);
+            QVERIFY(control == QApplication::focusWidget() || control->isAncestorOf(QApplication::focusWidget()));
         }
         QTest::keyClick(window_->main().windowHandle(), Qt::Key_Escape);
         QCOMPARE(window_->boxes.texts(), QStringList{stopped_});
