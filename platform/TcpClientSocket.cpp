@@ -1,7 +1,10 @@
 #include "platform/TcpClientSocket.h"
 
+#include <algorithm>
+
 #include <QHostAddress>
 #include <QNetworkProxy>
+#include <QUrl>
 
 #include "platform/text_border.h"
 
@@ -42,6 +45,25 @@ WinSockError winSockError(QAbstractSocket::SocketError error)
     default:
         return kAborted;
     }
+}
+
+/// Whether it is worth asking the system for `name`. What is no address and no host name (RFC 1123 section 2.1; the
+/// underscore is in use) is known not to exist, while name servers may take minutes to say so. A NUL would end the name
+/// for the system, and a blank its address, which then is another host's.
+bool canBeHost(const QString& name)
+{
+    const QByteArray ascii = QUrl::toAce(name); // empty for labels that are too long, or empty themselves
+    const auto allOf = [](const auto& text, std::string_view marks) {
+        return std::all_of(text.begin(), text.end(), [marks](QChar c) {
+            const char latin = c.toLatin1();
+            return (latin >= 'a' && latin <= 'z') || (latin >= 'A' && latin <= 'Z') || (latin >= '0' && latin <= '9') ||
+                   (latin != 0 && marks.find(latin) != std::string_view::npos);
+        });
+    };
+    constexpr qsizetype kLongestName = 254; // the root's dot included
+    if (!ascii.isEmpty() && ascii.size() <= kLongestName && allOf(QString::fromLatin1(ascii), "-._"))
+        return true;
+    return allOf(name, ":.%") && QHostAddress(name).protocol() == QAbstractSocket::IPv6Protocol;
 }
 
 } // namespace
@@ -87,8 +109,8 @@ void TcpClientSocket::Connect(std::string_view host, int port)
         socket_,
         [this, socket = socket_, name = toText(host), port] {
             if (socket != socket_)
-                return;                  // closed in the meantime
-            if (name.contains(QChar(0))) // the system would read no further
+                return; // closed in the meantime
+            if (!canBeHost(name))
                 fail(kHostNotFound);
             else if (port < 1 || port > 65535)
                 fail(kNoSuchPort);
