@@ -2,11 +2,41 @@
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
+#include <QValidator>
 
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
+
+namespace {
+
+// The toolkit's own limit, 32767, would cut a longer text on pasting, without a word.
+constexpr int kLongestInput = 1 << 20;
+
+/// Takes the line ends out of what is pasted into a field of one line: copied addresses often end in one, and in a
+/// request it would begin another line. Between words it becomes a blank.
+class OneLine final : public QValidator
+{
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& input, int& cursor) const override
+    {
+        if (!input.contains(u'\n') && !input.contains(u'\r'))
+            return Acceptable;
+        static const QRegularExpression lastLineEnds(QStringLiteral("[\\r\\n]+$"));
+        static const QRegularExpression lineEnds(QStringLiteral("[\\r\\n]+"));
+        input.remove(lastLineEnds);
+        const QString behind = input.mid(cursor).replace(lineEnds, QStringLiteral(" "));
+        input = input.left(cursor).replace(lineEnds, QStringLiteral(" ")) + behind;
+        cursor = static_cast<int>(input.size() - behind.size());
+        return Acceptable;
+    }
+};
+
+} // namespace
 
 void wireSession(TcpClientSocket& socket, FetchSession& session, QObject& context)
 {
@@ -42,8 +72,11 @@ void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineE
 {
     startButton_ = &button;
     connect(&button, &QPushButton::clicked, this, [this] { search(); });
-    for (QLineEdit* input : inputs)
+    for (QLineEdit* input : inputs) {
+        input->setMaxLength(kLongestInput);
+        input->setValidator(new OneLine(input));
         connect(input, &QLineEdit::textChanged, this, [this] { startButton_->setEnabled(true); });
+    }
 }
 
 void SearchTab::setReachable(bool reachable)
