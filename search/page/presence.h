@@ -32,7 +32,8 @@ struct PresenceRow
 /// - AnyKeyword: a row for each entry, in lower case.
 /// - AllKeywords: the same, or a single summary row as soon as one is missing.
 /// - ExactSearch: one row for the whole text as typed, or a summary row.
-/// The time is proportional to the page for each different keyword, and to all keywords together.
+/// The time is proportional to the page and to all keywords together: the page is read once for each of a few dozen
+/// different keywords, and once for all when there are more.
 std::vector<PresenceRow> presenceRows(std::string_view pageText, const std::vector<std::string>& entries,
                                       std::string_view typed, int mode);
 

@@ -193,3 +193,24 @@ TEST(Presence, HugePeriodicPageAndKeyword)
                 ElementsAre(summary("Not all keywords are found in this page")));
     EXPECT_EQ(rows(page + "b", std::string(500000, 'A') + "b", kAny).front().result, "Found");
 }
+
+TEST(Presence, ManyKeywordsAreAnsweredAsFewAre)
+{
+    std::string page = "Apple and ";
+    std::string typed = "apple pear  apple";
+    for (int i = 0; i < 2000; ++i) {
+        page += "Word" + std::to_string(2 * i) + '.';
+        typed += " word" + std::to_string(i) + '.';
+    }
+    const std::vector<PresenceRow> many = rows(page, typed, kAny);
+    ASSERT_EQ(many.size(), 2004u);
+    EXPECT_EQ(many[0], found("apple"));
+    EXPECT_EQ(many[1], notFound("pear"));
+    EXPECT_EQ(many[2], found(""));
+    EXPECT_EQ(many[3], found("apple"));
+    for (std::size_t i = 0; i < 2000; ++i) {
+        const std::string word = "word" + std::to_string(i) + '.';
+        ASSERT_EQ(many[i + 4], i % 2 == 0 ? found(word) : notFound(word));
+    }
+    EXPECT_THAT(rows(page, typed, kAll), ElementsAre(summary("Not all keywords are found in this page")));
+}

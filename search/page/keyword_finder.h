@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace quarrynet {
+
+/// Looks for many keywords in one reading of a text (the automaton of Aho and Corasick). Keywords are bytes, less
+/// than 2^32 in all; an empty one occurs in every text.
+///
+///     KeywordFinder finder;
+///     finder.add("apple");                          // 0
+///     finder.add("pea");                            // 1
+///     finder.foundIn("a pineapple");                // {true, false}
+class KeywordFinder
+{
+public:
+    KeywordFinder();
+
+    /// Adds a keyword; the first one has number 0.
+    void add(std::string_view keyword);
+
+    /// For each keyword whether it occurs in `text`. The time is proportional to the text and to all keywords together,
+    /// however many there are and however they overlap.
+    std::vector<bool> foundIn(std::string_view text);
+
+private:
+    using State = std::uint32_t;
+    static constexpr State kRoot = 0;
+    static constexpr std::uint64_t kFree = ~std::uint64_t{0};
+
+    struct Step
+    {
+        std::uint64_t from = kFree; // state and byte
+        State to = kRoot;
+    };
+
+    static std::uint64_t key(State state, char byte)
+    {
+        return (std::uint64_t{state} << 8) | static_cast<unsigned char>(byte);
+    }
+    std::size_t place(std::uint64_t key) const;
+    State step(State state, char byte) const;
+    void insert(std::uint64_t key, State to);
+    State next(State state, char byte) const;
+    /// Sets the fallbacks; gives the states from the shortest to the longest.
+    std::vector<State> link();
+
+    // A table of steps, open addressing: few states have more than one step, so a row of 256 each would be waste.
+    std::vector<Step> steps_;
+    std::size_t used_ = 0;
+    std::vector<State> parents_; // by state, as all below
+    std::vector<char> bytes_;
+    std::vector<std::uint32_t> depths_;
+    std::vector<State> fallbacks_;
+    std::vector<State> ends_; // by keyword
+};
+
+} // namespace quarrynet
