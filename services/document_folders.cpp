@@ -34,6 +34,13 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 18> kMediaTy
     {".gz", "application/gzip"},
 }};
 
+bool hasHiddenPart(std::string_view relative)
+{
+    return relative.substr(0, 1) == "." || relative.find("/.") != std::string_view::npos;
+}
+
+} // namespace
+
 bool hasEnding(std::string_view path, std::string_view ending)
 {
     if (path.size() < ending.size())
@@ -43,13 +50,6 @@ bool hasEnding(std::string_view path, std::string_view ending)
         return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
     });
 }
-
-bool hasHiddenPart(std::string_view relative)
-{
-    return relative.substr(0, 1) == "." || relative.find("/.") != std::string_view::npos;
-}
-
-} // namespace
 
 std::optional<std::string> servedFile(const std::string& root, std::string_view relative)
 {
@@ -101,7 +101,8 @@ std::string_view mediaType(std::string_view path)
     return "application/octet-stream";
 }
 
-void findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take)
+void findFiles(const std::string& root, const std::function<bool(std::string_view)>& wanted,
+               const std::function<void(const std::string&)>& take)
 {
     std::error_code error;
     fs::recursive_directory_iterator entry(root, fs::directory_options::skip_permission_denied, error);
@@ -110,12 +111,19 @@ void findHtmlFiles(const std::string& root, const std::function<void(const std::
         std::error_code ignored;
         if (name.substr(0, 1) == ".") {
             entry.disable_recursion_pending();
-        } else if (entry->symlink_status(ignored).type() == fs::file_type::regular &&
-                   (hasEnding(name, ".html") || hasEnding(name, ".htm") || hasEnding(name, ".xhtml"))) {
+        } else if (wanted(name) && entry->symlink_status(ignored).type() == fs::file_type::regular) {
             take(entry->path().lexically_relative(root).string());
         }
         entry.increment(error);
     }
+}
+
+void findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take)
+{
+    const auto isHtml = [](std::string_view name) {
+        return hasEnding(name, ".html") || hasEnding(name, ".htm") || hasEnding(name, ".xhtml");
+    };
+    findFiles(root, isHtml, take);
 }
 
 } // namespace quarrynet::services

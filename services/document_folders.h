@@ -18,8 +18,15 @@ std::optional<std::string> readFile(const std::string& path, std::size_t maxByte
 /// The media type by the name's ending; "application/octet-stream" when it is unknown.
 std::string_view mediaType(std::string_view path);
 
-/// Gives the path, relative to `root`, of every HTML file below it; in no particular order. Symbolic links are not
-/// followed, hidden files and folders and what cannot be read are passed over.
+/// Gives the path, relative to `root`, of every file below it whose name `wanted` takes; in no particular order.
+/// Symbolic links are not followed, hidden files and folders and what cannot be read are passed over.
+void findFiles(const std::string& root, const std::function<bool(std::string_view)>& wanted,
+               const std::function<void(const std::string&)>& take);
+
+/// findFiles() for the HTML files.
 void findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take);
+
+/// Whether `path` ends in `ending`, which is in lower case; ASCII letters compare without case.
+bool hasEnding(std::string_view path, std::string_view ending);
 
 } // namespace quarrynet::services

@@ -19,11 +19,17 @@ int runIndex(const Options& options)
         return complain(data.failure());
     if (options.ifNeeded && IndexPool(*data).borrow())
         return 0;
-    IndexSources sources{options.packageFiles, options.mirror, options.folders};
+    IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
     if (sources.folders.empty())
         sources.folders = {"/usr/share/doc", "/usr/local/share/doc", QUARRYNET_MANUAL_FOLDER};
+    if (sources.pictureFolders.empty())
+        sources.pictureFolders = {"/usr/share/icons",     "/usr/share/pixmaps", "/usr/share/backgrounds",
+                                  "/usr/share/images",    "/usr/share/doc",     QUARRYNET_ICON_FOLDER,
+                                  QUARRYNET_MANUAL_FOLDER};
+    if (!kHasImageSearch)
+        sources.pictureFolders.clear();
 
     const auto begin = std::chrono::steady_clock::now();
     const Outcome<IndexCounts> counts = buildIndex(*data, sources, [](const std::string& line) {
@@ -33,9 +39,9 @@ int runIndex(const Options& options)
         return complain(counts.failure());
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::fprintf(stderr,
-                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads) and %zu documents in %.1f "
-                 "seconds\n",
-                 counts->packages, counts->homePages, counts->programs, counts->documents, seconds);
+                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents and %zu "
+                 "pictures in %.1f seconds\n",
+                 counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures, seconds);
     return 0;
 }
 

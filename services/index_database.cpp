@@ -31,6 +31,13 @@ CREATE TABLE file_entry(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, name TE
 CREATE INDEX file_folder_path ON file_folder(path);
 CREATE INDEX file_entry_folder ON file_entry(folder);
 CREATE VIRTUAL TABLE file_name USING fts5(name, content='file_entry', content_rowid='id', tokenize='trigram');
+
+CREATE TABLE picture_folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
+CREATE TABLE picture(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, path TEXT NOT NULL, name TEXT NOT NULL,
+    place TEXT NOT NULL, stem TEXT NOT NULL, version INTEGER NOT NULL);
+CREATE UNIQUE INDEX picture_path ON picture(folder, path);
+CREATE VIRTUAL TABLE picture_text USING fts5(name, place, content='picture', content_rowid='id',
+    tokenize='porter unicode61 remove_diacritics 2');
 )";
 
 } // namespace

@@ -74,6 +74,9 @@ struct IndexWriter::Parts
         FileFolderRow,
         FileRow,
         FileNameRow,
+        PictureFolderRow,
+        PictureRow,
+        PictureTextRow,
         InsertCount,
     };
 
@@ -154,6 +157,9 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
         "INSERT INTO file_folder(site, path) VALUES (?1, ?2)",
         "INSERT INTO file_entry(id, folder, name, size, directory) VALUES (?1, ?2, ?3, ?4, ?5)",
         "INSERT INTO file_name(rowid, name) VALUES (?1, ?2)",
+        "INSERT INTO picture_folder(path) VALUES (?1)",
+        "INSERT INTO picture(folder, path, name, place, stem, version) VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+        "INSERT INTO picture_text(rowid, name, place) VALUES (?1, ?2, ?3)",
     };
     for (const std::string_view sql : kInserts) {
         Outcome<Statement> statement = database->prepare(sql);
@@ -186,6 +192,10 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
         const std::string base(rows->text(0));
         auto site = sites.find(base);
         if (site == sites.end()) {
+            // A crawl has seen what a mirror's package lists only announce, so it takes their place.
+            const Outcome<Done> removed = writer.removeFileSite(base);
+            if (!removed)
+                return removed.failure();
             const Outcome<std::int64_t> number = writer.addFileSite(base, rows->number(1));
             if (!number)
                 return number.failure();
@@ -290,6 +300,20 @@ Outcome<Done> IndexWriter::addFile(std::int64_t number, const FileEntry& entry)
     return result ? parts_->insert(Parts::FileNameRow, number, entry.name) : result;
 }
 
+Outcome<std::int64_t> IndexWriter::addPictureFolder(const std::string& path)
+{
+    return parts_->insertRow(Parts::PictureFolderRow, path);
+}
+
+Outcome<Done> IndexWriter::addPicture(std::int64_t folder, const Picture& picture)
+{
+    const Outcome<std::int64_t> row = parts_->insertRow(Parts::PictureRow, folder, picture.path, picture.name,
+                                                        picture.place, picture.stem, picture.version);
+    if (!row)
+        return row.failure();
+    return parts_->insert(Parts::PictureTextRow, *row, picture.name, picture.place);
+}
+
 Outcome<Done> IndexWriter::removeFileSite(std::string_view base)
 {
     // The full-text table has to be told the names that go, while they are still there.
@@ -333,6 +357,7 @@ Outcome<Done> IndexWriter::commit()
         result = parts_->database->execute("INSERT INTO web_page_text(web_page_text) VALUES ('optimize');"
                                            "INSERT INTO program_text(program_text) VALUES ('optimize');"
                                            "INSERT INTO file_name(file_name) VALUES ('optimize');"
+                                           "INSERT INTO picture_text(picture_text) VALUES ('optimize');"
                                            "COMMIT; PRAGMA journal_mode = DELETE;");
     if (!result)
         return result;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "services/outcome.h"
+#include "services/picture_folders.h"
 #include "services/sqlite.h"
 
 namespace quarrynet::services {
@@ -82,6 +83,10 @@ public:
     Outcome<std::int64_t> addFileFolder(std::int64_t site, std::string_view path);
     /// `number` says where searches show it: smaller ones first.
     Outcome<Done> addFile(std::int64_t number, const FileEntry& entry);
+
+    /// A folder of pictures; its number, which stands in their addresses.
+    Outcome<std::int64_t> addPictureFolder(const std::string& path);
+    Outcome<Done> addPicture(std::int64_t folder, const Picture& picture);
 
     /// Takes a server with all its folders and files out again; nothing happens when it is not there.
     Outcome<Done> removeFileSite(std::string_view base);

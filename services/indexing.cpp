@@ -9,6 +9,7 @@
 #include "services/index_writer.h"
 #include "services/markup.h"
 #include "services/package_lists.h"
+#include "services/picture_folders.h"
 #include "services/pool_files.h"
 #include "services/program_texts.h"
 
@@ -60,6 +61,7 @@ public:
     void addPackage(const Package& package, const std::string& base);
     void addPoolFiles();
     void addFolder(const std::string& folder);
+    void addPictureFolder(const std::string& folder);
 
     const IndexCounts& counts() const { return counts_; }
     const std::optional<Failure>& fault() const { return fault_; }
@@ -148,6 +150,24 @@ void Run::addFolder(const std::string& folder)
     progress_(withSeparators(static_cast<std::int64_t>(counts_.documents - before)) + " pages in " + folder);
 }
 
+void Run::addPictureFolder(const std::string& folder)
+{
+    if (fault_)
+        return;
+    const std::vector<Picture> pictures = findPictures(folder);
+    if (pictures.empty())
+        return;
+    const Outcome<std::int64_t> number = writer_.addPictureFolder(folder);
+    if (!number) {
+        fault_ = number.failure();
+        return;
+    }
+    for (const Picture& picture : pictures)
+        note(writer_.addPicture(*number, picture));
+    counts_.pictures += pictures.size();
+    progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
+}
+
 } // namespace
 
 Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
@@ -175,6 +195,8 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
     run.addPoolFiles();
     for (const std::string& folder : sources.folders)
         run.addFolder(folder);
+    for (const std::string& folder : sources.pictureFolders)
+        run.addPictureFolder(folder);
     if (run.fault())
         return *run.fault();
     progress("putting the index in its place");

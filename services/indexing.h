@@ -19,6 +19,8 @@ struct IndexSources
     std::string mirror = {};
     /// Folders of HTML pages. One that does not exist is passed over.
     std::vector<std::string> folders = {};
+    /// Folders of pictures. One that does not exist is passed over.
+    std::vector<std::string> pictureFolders = {};
 };
 
 struct IndexCounts
@@ -27,6 +29,7 @@ struct IndexCounts
     std::size_t homePages = 0;
     std::size_t programs = 0;
     std::size_t documents = 0;
+    std::size_t pictures = 0;
 };
 
 /// Makes a new index in the data folder; the old one stays in use until the new one is whole. `progress` is told what

@@ -31,9 +31,11 @@ std::map<std::string, Target> targetsOf(Options& options)
         return {{"--data", &options.dataFolder},
                 {"--packages", &options.packageFiles},
                 {"--mirror", &options.mirror},
-                {"--folder", &options.folders}};
+                {"--folder", &options.folders},
+                {"--pictures", &options.pictureFolders}};
     return {{"--data", &options.dataFolder},
             {"--web-address", &options.webAddress},
+            {"--image-address", &options.imageAddress},
             {"--download-address", &options.downloadAddress},
             {"--file-address", &options.fileAddress},
             {"--port", &options.port},
@@ -109,9 +111,12 @@ Options of index:
   --packages FILE            a file of package stanzas instead of the machine's package lists; may be repeated
   --mirror ADDRESS           the address that the packages of these files are found under
   --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated
+  --pictures FOLDER          a folder of pictures instead of the machine's icons, backgrounds and documentation; may be
+                             repeated
 
 Options of serve:
   --web-address ADDRESS      where the web search listens (default 127.80.0.1)
+  --image-address ADDRESS    where the image search listens (default 127.80.0.2)
   --download-address ADDRESS where the download search listens (default 127.80.0.3)
   --file-address ADDRESS     where the file search listens (default 127.80.0.4)
   --port PORT                the port of all services (default 80; 0 picks free ones)

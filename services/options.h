@@ -26,10 +26,12 @@ struct Options
     bool ifNeeded = false;
     std::vector<std::string> packageFiles;
     std::string mirror;
-    std::vector<std::string> folders; ///< empty: the usual ones
+    std::vector<std::string> folders;        ///< empty: the usual ones
+    std::vector<std::string> pictureFolders; ///< empty: the usual ones
 
     // serve; an empty address is the service's usual one
     std::string webAddress;
+    std::string imageAddress;
     std::string downloadAddress;
     std::string fileAddress;
     std::uint16_t port = 80;

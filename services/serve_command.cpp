@@ -3,14 +3,17 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <unistd.h>
 
 #include "services/commands.h"
 #include "services/data_folder.h"
 #include "services/download_service.h"
 #include "services/file_service.h"
 #include "services/http_server.h"
+#include "services/image_service.h"
 #include "services/index_database.h"
 #include "services/router.h"
+#include "services/thumbnailer.h"
 #include "services/web_service.h"
 
 namespace quarrynet::services {
@@ -47,6 +50,14 @@ void explainPermission(std::uint16_t port)
                  "  sudo sysctl net.ipv4.ip_unprivileged_port_start=%u\n",
                  static_cast<unsigned>(port), error ? "quarrynet-services" : program.c_str(),
                  static_cast<unsigned>(port));
+}
+
+/// The program that makes thumbnails lies beside this one.
+std::string thumbnailProgram()
+{
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / "quarrynet-thumbnails").string();
 }
 
 struct Service
@@ -103,7 +114,10 @@ int runServe(const Options& options)
 
     HttpServer server;
     Router router;
-    std::optional<WebService> web; // its own address is known only once it listens
+    // The addresses that these two give out are known only once they listen.
+    std::optional<WebService> web;
+    std::optional<ImageService> images;
+    Thumbnailer thumbnailer(thumbnailProgram());
     DownloadService downloads(index);
     FileService files(index);
     std::vector<Service> services{
@@ -114,6 +128,15 @@ int runServe(const Options& options)
         {"file", QUARRYNET_FILE_SEARCH_HOST, options.fileAddress,
          [&files](const HttpRequest& request) { return files.answer(request); }},
     };
+    if (kHasImageSearch) {
+        services.push_back({"image", QUARRYNET_IMAGE_SEARCH_HOST, options.imageAddress,
+                            [&images](const HttpRequest& request) { return images->answer(request); }});
+        if (::access(thumbnailProgram().c_str(), X_OK) != 0)
+            std::fprintf(stderr, "quarrynet-services: there are no thumbnails without %s\n",
+                         thumbnailProgram().c_str());
+    } else {
+        std::fprintf(stderr, "quarrynet-services: this build has no image search\n");
+    }
     for (Service& service : services) {
         if (service.host.empty())
             service.host = service.usualHost;
@@ -121,7 +144,9 @@ int runServe(const Options& options)
         router.add(service.host, service.handler);
     }
     listenAt(server, router, options.port, services);
-    web.emplace(index, baseOf(services[0]));
+    web.emplace(index, baseOf(services.front()));
+    if (kHasImageSearch)
+        images.emplace(index, baseOf(services.back()).substr(std::string_view("http://").size()), &thumbnailer);
     const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
                                      [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
     if (const auto* refusal = std::get_if<HttpServer::Refusal>(&proxy)) {

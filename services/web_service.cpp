@@ -1,14 +1,13 @@
 #include "services/web_service.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdio>
 #include <optional>
 
 #include "services/document_folders.h"
 #include "services/markup.h"
 #include "services/query.h"
+#include "services/search_page.h"
 #include "services/text_encoding.h"
 
 namespace quarrynet::services {
@@ -41,47 +40,6 @@ std::string frontPage()
     return page;
 }
 
-/// What follows "q=" to the very end: people's "&" and "#" are part of what they typed.
-std::string_view typedPart(std::string_view query)
-{
-    if (query.substr(0, 2) == "q=")
-        return query.substr(2);
-    const std::size_t mark = query.find("&q=");
-    return mark == std::string_view::npos ? std::string_view() : query.substr(mark + 3);
-}
-
-/// The number behind "start=" among the parameters before q; 0 when there is none.
-std::int64_t startPart(std::string_view query)
-{
-    const std::string_view settings =
-        query.substr(0, 2) == "q=" ? std::string_view() : query.substr(0, query.find("&q="));
-    std::size_t at = 0;
-    while (at < settings.size()) {
-        const std::size_t end = std::min(settings.find('&', at), settings.size());
-        const std::string_view setting = settings.substr(at, end - at);
-        if (setting.substr(0, 6) == "start=")
-            return wholeNumber(setting.substr(6)).value_or(0);
-        at = end + 1;
-    }
-    return 0;
-}
-
-void appendPageLinks(std::string& page, const WebAnswer& answer, std::string_view typed)
-{
-    const std::string words = encodeComponent(typed);
-    const auto link = [&](std::int64_t start, std::string_view label) {
-        page += " <a href=\"/search?start=" + std::to_string(start) + "&amp;q=" + words + "\">";
-        page += label;
-        page += "</a>";
-    };
-    page += "<div>";
-    if (answer.start > 0)
-        link(std::max<std::int64_t>(0, answer.start - WebService::kPageSize), "Previous");
-    if (answer.start + WebService::kPageSize < answer.total)
-        link(answer.start + WebService::kPageSize, "Next");
-    page += "</div>\n";
-}
-
 } // namespace
 
 std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
@@ -92,21 +50,15 @@ std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
         page += "<div>No page was found for these words.</div>\n</body></html>\n";
         return page;
     }
-    std::array<char, 32> seconds{};
-    std::snprintf(seconds.data(), seconds.size(), "%.3f", answer.seconds);
     const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
-    // The program takes the first "</b> of about <b>" of the page for the count, and the bold text behind it for the
-    // time. This line therefore stands before all results, whose matches may spell out the same.
-    page += "<div>Results <b>" + withSeparators(answer.start + 1) + "</b> - <b>" + withSeparators(last) +
-            "</b> of about <b>" + withSeparators(answer.total) + "</b>, found in <b>" + seconds.data() +
-            "</b> seconds</div>\n";
+    page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
     for (const WebHit& hit : answer.hits) {
         page += "<p><a href=" + hit.address + ">" + escapeMatches(hit.title) + "</a><br>\n";
         if (!hit.description.empty())
             page += escapeMatches(hit.description) + "<br>\n";
         page += "<span class=\"address\">" + escapeText(hit.address) + "</span></p>\n";
     }
-    appendPageLinks(page, answer, typed);
+    page += pageLinks("/search", typed, answer.start, WebService::kPageSize, answer.total);
     page += "</body></html>\n";
     return page;
 }

@@ -12,13 +12,15 @@ TEST(ParseOptions, ReadsBothForms)
     EXPECT_EQ(serve->port, 0);
     EXPECT_EQ(serve->proxyPort, 8080);
     EXPECT_EQ(serve->dataFolder, "/d=e");
-    const Outcome<Options> index = parseOptions({"index", "--folder", "a", "--folder=b", "--packages", "p"});
+    const Outcome<Options> index =
+        parseOptions({"index", "--folder", "a", "--folder=b", "--packages", "p", "--pictures", "c"});
     ASSERT_TRUE(index);
     EXPECT_EQ(index->folders, (std::vector<std::string>{"a", "b"}));
     EXPECT_FALSE(index->ifNeeded);
     EXPECT_TRUE(parseOptions({"index", "--if-needed"})->ifNeeded);
     EXPECT_FALSE(parseOptions({"serve", "--if-needed"}));
     EXPECT_EQ(index->packageFiles, (std::vector<std::string>{"p"}));
+    EXPECT_EQ(index->pictureFolders, (std::vector<std::string>{"c"}));
 }
 
 TEST(ParseOptions, HelpAndVersion)

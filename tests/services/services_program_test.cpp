@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../core/test_data.h"
 #include "service_support.h"
 #include "services/http_message.h"
 
@@ -102,10 +103,11 @@ protected:
 
     void index()
     {
+        folder_.write("pics/sample.png", quarrynet::samples::dataFile("pictures/sample.png"));
         const std::string list = folder_.write(
             "list", "Package: apple\nDescription: a red apple\nHomepage: http://apple.example/\nFilename: apple.deb\n");
         Running run = start({"index", "--data", data(), "--packages", list, "--mirror", "http://mirror.example",
-                             "--folder", folder_.path() + "/docs"});
+                             "--folder", folder_.path() + "/docs", "--pictures", folder_.path() + "/pics"});
         ASSERT_EQ(run.wait(), 0) << run.errors();
     }
 
@@ -151,6 +153,18 @@ TEST_F(Program, IndexesServesAndEndsCleanly)
                       .find("ftp://mirror.example/apple.deb"),
                   std::string::npos);
         const std::uint16_t proxy = portOf(ready, "proxy");
+#ifdef QUARRYNET_WITH_IMAGES
+        const std::string images = "/images?num=10&hl=en&filter=0&safe=off&q=sample";
+        const std::uint16_t port = portOf(ready, "image");
+        for (const std::string& page :
+             {ask("127.80.0.2", port, images), ask("127.0.0.1", proxy, "http://127.80.0.2" + images)}) {
+            const std::size_t marker = page.find("/images?q=tbn:");
+            ASSERT_NE(marker, std::string::npos) << page;
+            const std::string thumbnail = page.substr(marker, page.find(' ', marker) - marker);
+            EXPECT_NE(thumbnail.find(":127.80.0.2:" + std::to_string(port) + "/pictures/"), std::string::npos);
+            EXPECT_NE(ask("127.80.0.2", port, thumbnail).find("Content-Type: image/jpeg"), std::string::npos);
+        }
+#endif
         EXPECT_NE(ask("127.0.0.1", proxy, "http://127.80.0.3//3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
                   std::string::npos);
         EXPECT_EQ(ask("127.0.0.1", proxy, "http://other.example/").substr(9, 3), "403");
@@ -167,8 +181,9 @@ TEST_F(Program, ServesWithoutAnIndexAndFindsItWhenItComes)
     EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "503");
     folder_.write("other/errors", "");
     const std::string list = folder_.write("list", "Package: apple\nHomepage: http://apple.example/\n");
-    Running run({"index", "--data", data(), "--packages", list, "--folder", folder_.path()},
-                folder_.path() + "/other/errors");
+    Running run(
+        {"index", "--data", data(), "--packages", list, "--folder", folder_.path(), "--pictures", folder_.path()},
+        folder_.path() + "/other/errors");
     ASSERT_EQ(run.wait(), 0) << run.errors();
     EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "200");
 }

@@ -1,0 +1,269 @@
+#include "services/image_service.h"
+
+#include <chrono>
+#include <sys/stat.h>
+
+#include "services/document_folders.h"
+#include "services/markup.h"
+#include "services/picture_format.h"
+#include "services/query.h"
+#include "services/search_page.h"
+#include "services/text_encoding.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
+
+constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>Image search</title>
+<style>body { font-family: sans-serif; margin: 2em } .picture { display: inline-block; width: 12em; margin: 0.5em;
+vertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }</style>
+</head>
+<body>
+)";
+
+constexpr std::string_view kThumbnailMark = "q=tbn:";
+constexpr std::string_view kPicturesPath = "/pictures/";
+
+/// The program takes every "src=/images?q=tbn" for a thumbnail, so no text that people or files bring may spell it.
+std::string withoutMarker(std::string text)
+{
+    for (std::size_t at = text.find('='); at != std::string::npos; at = text.find('=', at))
+        text.replace(at, 1, "&#61;");
+    return text;
+}
+
+std::string searchForm(std::string_view typed)
+{
+    return "<form action=\"/images\"><div><input type=\"hidden\" name=\"hl\" value=\"en\"><input name=\"q\" "
+           "size=\"50\" "
+           "value=\"" +
+           withoutMarker(escapeAttribute(toUtf8(typed))) +
+           "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
+}
+
+/// The program takes an address from behind the second ":" to the next blank, so a path has neither.
+std::string pictureAddress(const std::string& host, std::int64_t folder, std::string_view path)
+{
+    std::string address = host;
+    address += kPicturesPath;
+    address += std::to_string(folder) + "/";
+    for (const char c : encodePath(path)) {
+        if (c == ':')
+            address += "%3A";
+        else
+            address.push_back(c);
+    }
+    return address;
+}
+
+/// What was typed. The program's paged form sends a parameter behind it, which it can be told by.
+std::string_view typedWords(std::string_view query)
+{
+    constexpr std::string_view kLast = "&sa=N";
+    std::string_view typed = typedPart(query);
+    if (query.find("&svnum=") < query.find("&q=") && typed.size() >= kLast.size() &&
+        typed.substr(typed.size() - kLast.size()) == kLast)
+        typed.remove_suffix(kLast.size());
+    return typed;
+}
+
+std::string versionText(std::int64_t version)
+{
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string text;
+    for (auto rest = static_cast<std::uint64_t>(version); text.empty() || rest != 0; rest >>= 4U)
+        text.push_back(kDigits[rest & 15U]);
+    return text;
+}
+
+HttpResponse missingPicture()
+{
+    return errorResponse(404, "There is no such picture.");
+}
+
+HttpResponse pictureResponse(std::string_view mediaType, std::string content)
+{
+    HttpResponse response;
+    response.contentType = std::string(mediaType);
+    response.body = std::move(content);
+    return response;
+}
+
+} // namespace
+
+std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
+{
+    std::string page(kPageHead);
+    page += searchForm(typed);
+    if (answer.hits.empty()) {
+        page += "<div>No picture was found for these words.</div>\n</body></html>\n";
+        return page;
+    }
+    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
+    for (const ImageHit& hit : answer.hits) {
+        // The program wants the address bare and a blank behind it.
+        page += "<div class=\"picture\"><a href=http://" + hit.address + "><img src=" + hit.thumbnail +
+                " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption)) + "</div>\n";
+    }
+    page += pageLinks("/images", typed, answer.start, ImageService::kPageSize, answer.total);
+    page += "</body></html>\n";
+    return page;
+}
+
+HttpResponse ImageService::answer(const HttpRequest& request)
+{
+    std::string_view path = request.path;
+    while (path.substr(0, 2) == "//")
+        path.remove_prefix(1);
+    if (path == "/") {
+        HttpResponse response;
+        response.body = std::string(kPageHead) + "<h1>Local image search</h1>\n" + searchForm("") +
+                        "<div>Searches the pictures in this machine's folders of icons, backgrounds and documentation, "
+                        "or in the folders that it was given.</div>\n</body></html>\n";
+        return response;
+    }
+    if (path.substr(0, kPicturesPath.size()) == kPicturesPath)
+        return picture(path.substr(kPicturesPath.size()));
+    if (path != "/images")
+        return errorResponse(404, "There is no such page on the image search.");
+    const std::string_view query = request.query;
+    if (query.substr(0, kThumbnailMark.size()) == kThumbnailMark) {
+        const std::size_t place = query.find(kPicturesPath);
+        return place == std::string_view::npos ? missingPicture()
+                                               : thumbnail(query.substr(place + kPicturesPath.size()));
+    }
+    return searchPage(query);
+}
+
+HttpResponse ImageService::searchPage(std::string_view query)
+{
+    const std::string typed = decodeQueryValue(typedWords(query));
+    const Outcome<ImageAnswer> found = search(typed, startPart(query));
+    if (!found)
+        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+    HttpResponse response;
+    response.body = imageResultsPage(*found, typed);
+    return response;
+}
+
+Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    ImageAnswer answer;
+    answer.start = start;
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    const std::string expression = wordExpression(typed);
+    if (expression.empty())
+        return answer;
+
+    Outcome<Statement> count = (*index)->prepare("SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1");
+    if (!count)
+        return count.failure();
+    count->bind(1, expression);
+    if (count->step() != Statement::Step::Row)
+        return count->failure();
+    answer.total = count->number(0);
+
+    // The same icon of five themes would fill a page, so the best of each name go first, then the second ones, and so
+    // on.
+    Outcome<Statement> rows = (*index)->prepare(
+        "WITH found AS MATERIALIZED (SELECT rowid AS id, rank AS score FROM picture_text "
+        "WHERE picture_text MATCH ?1 AND rank MATCH 'bm25(4.0, 1.0)'), "
+        "turned AS (SELECT found.id AS id, score, row_number() OVER (PARTITION BY stem ORDER BY score, found.id) AS "
+        "turn "
+        "FROM found JOIN picture ON picture.id = found.id) "
+        "SELECT picture.folder, picture.path, picture.version FROM turned JOIN picture ON picture.id = turned.id "
+        "ORDER BY turn, score, turned.id LIMIT ?2 OFFSET ?3");
+    if (!rows)
+        return rows.failure();
+    rows->bind(1, expression);
+    rows->bind(2, static_cast<std::int64_t>(kPageSize));
+    rows->bind(3, start);
+    Statement::Step step = rows->step();
+    for (; step == Statement::Step::Row; step = rows->step()) {
+        std::string address = pictureAddress(host_, rows->number(0), rows->text(1));
+        std::string thumbnail = "/images?q=tbn:" + versionText(rows->number(2)) + ":" + address;
+        answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(rows->text(1)))});
+    }
+    if (step == Statement::Step::Failed)
+        return rows->failure();
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
+}
+
+/// The file of the picture at "FOLDER/PATH", escapes and all, that the index has and the folder still has inside.
+Outcome<std::optional<std::string>> ImageService::fileAt(std::string_view place)
+{
+    const std::optional<std::string> none;
+    const std::size_t slash = place.find('/');
+    const std::optional<int> number =
+        slash == std::string_view::npos ? std::nullopt : wholeNumber(place.substr(0, slash));
+    if (!number)
+        return none;
+    const std::string path = decodePercent(place.substr(slash + 1));
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    Outcome<Statement> row = (*index)->prepare(
+        "SELECT picture_folder.path FROM picture JOIN picture_folder ON picture_folder.id = picture.folder "
+        "WHERE picture.folder = ?1 AND picture.path = ?2");
+    if (!row)
+        return row.failure();
+    row->bind(1, static_cast<std::int64_t>(*number));
+    row->bind(2, path);
+    if (row->step() != Statement::Step::Row)
+        return none;
+    return servedFile(std::string(row->text(0)), path);
+}
+
+HttpResponse ImageService::thumbnail(std::string_view place)
+{
+    const Outcome<std::optional<std::string>> file = fileAt(place);
+    if (!file)
+        return errorResponse(503, "The thumbnail cannot be served: " + file.failure().message + ".");
+    struct stat status
+    {};
+    if (thumbnailer_ == nullptr || !file->has_value() || ::stat((*file)->c_str(), &status) != 0)
+        return missingPicture();
+    const std::string key = **file + '\0' + std::to_string(status.st_mtim.tv_sec) + '.' +
+                            std::to_string(status.st_mtim.tv_nsec) + '.' + std::to_string(status.st_size);
+    std::optional<std::string> made = cache_.get(key, [&]() -> std::optional<std::string> {
+        const std::optional<std::string> content = readFile(**file, kMaxPicture);
+        const std::optional<PictureFormat> format = content ? pictureFormat(*content) : std::nullopt;
+        return format ? thumbnailer_->make(*format, *content) : std::nullopt;
+    });
+    if (!made)
+        return missingPicture();
+    const bool png = pictureFormat(*made) == PictureFormat::Png;
+    HttpResponse response =
+        pictureResponse(mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg), std::move(*made));
+    // A changed picture has another address.
+    response.fields.emplace_back("Cache-Control", "max-age=86400");
+    return response;
+}
+
+HttpResponse ImageService::picture(std::string_view place)
+{
+    const Outcome<std::optional<std::string>> file = fileAt(place);
+    if (!file)
+        return errorResponse(503, "The picture cannot be served: " + file.failure().message + ".");
+    std::optional<std::string> content = *file ? readFile(**file, kMaxPicture) : std::nullopt;
+    const std::optional<PictureFormat> format = content ? pictureFormat(*content) : std::nullopt;
+    if (!format)
+        return missingPicture();
+    HttpResponse response = pictureResponse(mediaTypeOf(*format), std::move(*content));
+    // A drawing may hold scripts, and load pictures and styles from anywhere.
+    if (*format == PictureFormat::Svg)
+        response.fields.emplace_back("Content-Security-Policy",
+                                     "default-src 'none'; style-src 'unsafe-inline'; img-src data:; sandbox");
+    return response;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "services/picture_format.h"
+
+namespace quarrynet::services {
+
+/// The picture, scaled to at most 120 by 120 pixels, as PNG when parts of it are transparent, else as JPEG; drawings
+/// are drawn in that size, small pictures stay as they are. Empty when `content` is none, or is larger than what is
+/// reasonable. Needs a QGuiApplication for the letters in drawings.
+QByteArray makeThumbnail(PictureFormat format, const QByteArray& content);
+
+/// An SVG text without what makes its reader open files: references to pictures outside of it, style sheets and
+/// document types. Empty when it is not well formed, or too large or too deep to be drawn.
+QByteArray selfContainedSvg(const QByteArray& content);
+
+} // namespace quarrynet::services

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "services/picture_format.h"
+
+namespace quarrynet::services {
+
+/// Makes thumbnails in other processes (the program quarrynet-thumbnails), which take a picture's bytes and give the
+/// thumbnail's. Whatever a hostile picture does to the reader of its format happens there: a process that crashes,
+/// takes too much memory or does not come to an end is replaced, and that picture has no thumbnail.
+class Thumbnailer
+{
+public:
+    struct Limits
+    {
+        /// For one picture.
+        std::chrono::milliseconds time = std::chrono::seconds(4);
+        std::size_t processes = 2;
+    };
+
+    /// `program` is the path of quarrynet-thumbnails.
+    explicit Thumbnailer(std::string program) : Thumbnailer(std::move(program), Limits{}) {}
+    Thumbnailer(std::string program, Limits limits);
+    ~Thumbnailer();
+    Thumbnailer(const Thumbnailer&) = delete;
+    Thumbnailer& operator=(const Thumbnailer&) = delete;
+
+    /// A PNG or JPEG picture of at most 120 by 120 pixels; nothing when there is none to be had. From any thread.
+    std::optional<std::string> make(PictureFormat format, std::string_view content);
+
+private:
+    class Process;
+    std::unique_ptr<Process> borrow();
+
+    std::string program_;
+    Limits limits_;
+    std::mutex mutex_;
+    std::condition_variable returned_;
+    std::size_t lent_ = 0;
+    std::vector<std::unique_ptr<Process>> idle_;
+};
+
+} // namespace quarrynet::services
