@@ -45,7 +45,7 @@ constexpr std::array<ToolbarButton, 9> kToolbarButtons = {{
 
 void Main::makeMenus()
 {
-    menuBar()->setFixedHeight(FormLayout::kMenuBarHeight);
+    setMenuBar(new MenuBar(FormLayout::kMenuBarHeight, this));
     const auto addMenu = [this](const char* name, const QString& text) {
         QMenu* menu = menuBar()->addMenu(text);
         menu->setObjectName(QLatin1String(name));

@@ -17,6 +17,12 @@ int toPixels(double twips)
     return static_cast<int>(std::lround(twips / FormLayout::kTwipsPerPixel));
 }
 
+// Rounded down, as the layout's own arithmetic is: what does not overlap in twips then does not in pixels either.
+int toWholePixels(std::int32_t twips)
+{
+    return static_cast<int>(std::floor(static_cast<double>(twips) / FormLayout::kTwipsPerPixel));
+}
+
 double toTwips(int pixels)
 {
     return static_cast<double>(pixels) * FormLayout::kTwipsPerPixel;
@@ -53,16 +59,16 @@ public:
     {
         switch (property) {
         case LayoutProperty::Top:
-            place_.moveTop(toPixels(value));
+            place_.moveTop(toWholePixels(value));
             break;
         case LayoutProperty::Left:
-            place_.moveLeft(toPixels(value));
+            place_.moveLeft(toWholePixels(value));
             break;
         case LayoutProperty::Height:
-            place_.setHeight(toPixels(value));
+            place_.setHeight(toWholePixels(value));
             break;
         case LayoutProperty::Width:
-            place_.setWidth(toPixels(value));
+            place_.setWidth(toWholePixels(value));
             break;
         case LayoutProperty::FontSize:
             points_ = value;

@@ -5,7 +5,6 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QResizeEvent>
-#include <QStatusBar>
 
 #include "common/local_pages.h"
 #include "common/numbers.h"
@@ -101,9 +100,8 @@ void Main::makeControls()
     SPS->setReachable(false);
     STI->raise();
 
-    StatusBar1 = new QStatusBar(centre);
+    StatusBar1 = new StatusBar(centre);
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
-    StatusBar1->setSizeGripEnabled(false);
     StatusBar1->setGeometry(kStatusBarPlace);
     ConnectionPanel = new QLabel(StatusBar1);
     ConnectionPanel->setObjectName(QStringLiteral("ConnectionPanel"));
@@ -111,12 +109,8 @@ void Main::makeControls()
     ActivityPanel = new QLabel(StatusBar1);
     ActivityPanel->setObjectName(QStringLiteral("ActivityPanel"));
     ActivityPanel->setAccessibleName(tr("Step of the search"));
-    for (QLabel* panel : {ConnectionPanel, ActivityPanel}) {
-        panel->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-        panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    }
-    StatusBar1->addWidget(ConnectionPanel, 2);
-    StatusBar1->addWidget(ActivityPanel, 3);
+    StatusBar1->addPanel(*ConnectionPanel, 2);
+    StatusBar1->addPanel(*ActivityPanel, 3);
 
     ProxySwitch = new HiddenText(QStringLiteral("ProxySwitch"), STI);
     ProxySwitch->setText(kOff);

@@ -15,7 +15,6 @@
 
 class QLabel;
 class QPushButton;
-class QStatusBar;
 class QTimer;
 
 namespace quarrynet {
@@ -27,6 +26,7 @@ class ImageSearch;
 class PageCheck;
 class Registry;
 class SearchTab;
+class StatusBar;
 class TabStrip;
 class TcpClientSocket;
 class ToolBar;
@@ -126,7 +126,7 @@ private:
     HiddenText* ProxySwitch = nullptr;
     TabStrip* TabStrip1 = nullptr;
     ToolBar* Toolbar1 = nullptr;
-    QStatusBar* StatusBar1 = nullptr;
+    StatusBar* StatusBar1 = nullptr;
     QLabel* ConnectionPanel = nullptr;
     QLabel* ActivityPanel = nullptr;
     WebSearch* STI = nullptr;

@@ -146,8 +146,8 @@ void ListView::keyPressEvent(QKeyEvent* event)
 
 void ListView::resizeEvent(QResizeEvent* event)
 {
+    shareWidth(); // first, for the scroll bars are set for the columns there
     QTreeView::resizeEvent(event);
-    shareWidth();
 }
 
 void ListView::shareWidth()
@@ -155,6 +155,12 @@ void ListView::shareWidth()
     const QScopedValueRollback<bool> guard(sharing_, true);
     for (std::size_t i = 0; i < shares_.size(); ++i)
         header()->resizeSection(static_cast<int>(i), static_cast<int>(shares_[i] * width()));
+    // A scroll bar takes its room from the last column; otherwise it would push the end of it out of sight.
+    const int hidden = header()->length() - viewport()->width();
+    if (hidden > 0 && header()->length() <= width()) {
+        const int last = header()->count() - 1;
+        header()->resizeSection(last, header()->sectionSize(last) - hidden);
+    }
 }
 
 } // namespace quarrynet

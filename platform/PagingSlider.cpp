@@ -41,6 +41,15 @@ void PagingSlider::reset()
     setEnabled(false);
 }
 
+void PagingSlider::initStyleOption(QStyleOptionSlider* option) const
+{
+    constexpr int kTickMarks = 8;
+    QSlider::initStyleOption(option);
+    const int band = style()->pixelMetric(QStyle::PM_SliderThickness, option, this) + kTickMarks;
+    if (band < height())
+        option->rect = QRect(0, (height() - band) / 2, width(), band);
+}
+
 void PagingSlider::showPage(int page)
 {
     setToolTip(QString::number(page));

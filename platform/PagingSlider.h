@@ -27,6 +27,10 @@ public:
 signals:
     void paged();
 
+protected:
+    // Slider and tick marks stay together in the middle, however high the control is.
+    void initStyleOption(QStyleOptionSlider* option) const override;
+
 private:
     void showPage(int page);
 };

@@ -2,7 +2,32 @@
 
 #include <algorithm>
 
+#include <QLayout>
+#include <QProxyStyle>
+#include <QStyleOptionMenuItem>
+
 namespace quarrynet {
+
+namespace {
+
+// QMenuBar has its entries begin below the style's margin, and offers no other way to move them.
+class CentredEntries final : public QProxyStyle
+{
+public:
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
+    {
+        const int value = QProxyStyle::pixelMetric(metric, option, widget);
+        if (metric != PM_MenuBarVMargin || !widget)
+            return value;
+        QStyleOptionMenuItem entry;
+        entry.initFrom(widget);
+        const QSize text(0, widget->fontMetrics().height());
+        const int height = sizeFromContents(CT_MenuBarItem, &entry, text, widget).height();
+        return std::max(value, (widget->height() - height) / 2 - pixelMetric(PM_MenuBarPanelWidth, option, widget));
+    }
+};
+
+} // namespace
 
 TabStrip::TabStrip(QWidget* parent) : QTabBar(parent)
 {
@@ -24,6 +49,11 @@ void TabStrip::resizeEvent(QResizeEvent* event)
     QTabBar::resizeEvent(event);
 }
 
+QSize TabStrip::tabSizeHint(int index) const
+{
+    return {QTabBar::tabSizeHint(index).width(), height()};
+}
+
 void TabStrip::fit()
 {
     if (wantedPoints_ <= 0 || (fittedSize_ == size() && fittedPoints_ == wantedPoints_))
@@ -38,8 +68,9 @@ void TabStrip::fit()
         int width = 0;
         int height = 0;
         for (int i = 0; i < count(); ++i) {
-            width += tabSizeHint(i).width();
-            height = std::max(height, tabSizeHint(i).height());
+            const QSize tab = QTabBar::tabSizeHint(i);
+            width += tab.width();
+            height = std::max(height, tab.height());
         }
         if (width <= this->width() && height <= this->height())
             return;
@@ -58,6 +89,45 @@ void ToolBar::resizeEvent(QResizeEvent* event)
     const int side = std::max(8, height() * 5 / 8);
     setIconSize(QSize(side, side));
     QToolBar::resizeEvent(event);
+    // The layout was asked before this event, with the pictures as they were.
+    layout()->invalidate();
+    layout()->setGeometry(rect());
+}
+
+MenuBar::MenuBar(int height, QWidget* parent) : QMenuBar(parent)
+{
+    setFixedHeight(height);
+    auto* style = new CentredEntries;
+    style->setParent(this);
+    setStyle(style);
+}
+
+StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent)
+{
+    setSizeGripEnabled(false);
+}
+
+void StatusBar::addPanel(QLabel& panel, int share)
+{
+    panel.setParent(this);
+    panel.setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    panels_.emplace_back(&panel, share);
+}
+
+void StatusBar::resizeEvent(QResizeEvent* event)
+{
+    constexpr int kGap = 2;
+    QStatusBar::resizeEvent(event);
+    int sum = 0;
+    for (const auto& [panel, share] : panels_)
+        sum += share;
+    int before = 0;
+    for (const auto& [panel, share] : panels_) {
+        const int left = kGap + (width() - kGap) * before / sum;
+        before += share;
+        const int right = (width() - kGap) * before / sum;
+        panel->setGeometry(left, 0, right - left, height() - 1);
+    }
 }
 
 } // namespace quarrynet

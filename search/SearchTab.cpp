@@ -59,6 +59,7 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
     , session_(row.settings, socket_, *this, window.receiveState())
 {
     setObjectName(row.frame);
+    setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
     setAutoFillBackground(true); // a frame may cover another
     timer_.setParent(this);
     timer_.setObjectName(row.timer);

@@ -29,7 +29,7 @@ DownloadSearch::DownloadSearch(SearchWindow& window, QWidget* parent)
     ui_->setupUi(this);
     setControls(*ui_->Command4, *ui_->Text10, *ui_->Slider3);
     ui_->ListView3->setColumns({tr("Program Name"), tr("Description"), tr("OS"), tr("File Size"), tr("License")});
-    ui_->ListView3->setColumnWidths({120, 212, 96, 68, 60});
+    ui_->ListView3->setColumnWidths({118, 170, 120, 72, 90});
     connect(&buffer(), &HiddenText::changed, this, &DownloadSearch::Text12_Change);
     connect(ui_->ListView3, &ListView::doubleClicked, this, &DownloadSearch::ListView3_DblClick);
     connect(ui_->ListView3, &ListView::mouseMoved, this, &DownloadSearch::ListView3_MouseMove);

@@ -36,7 +36,7 @@ FileSearch::FileSearch(SearchWindow& window, QWidget* parent)
     ui_->setupUi(this);
     setControls(*ui_->Command5, *ui_->Text11, *ui_->Slider4);
     ui_->ListView4->setColumns({tr("FileName"), tr("FilePath"), tr("FileSize")});
-    ui_->ListView4->setColumnWidths({170, 310, 76});
+    ui_->ListView4->setColumnWidths({170, 310, 90});
     ui_->ListView4->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(&buffer(), &HiddenText::changed, this, &FileSearch::Text16_Change);
     connect(ui_->ListView4, &ListView::doubleClicked, this, &FileSearch::ListView4_DblClick);
