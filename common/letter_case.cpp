@@ -28,6 +28,11 @@ std::string lowerCase(std::string_view text)
     return lower;
 }
 
+std::size_t letterBoundary(std::string_view text, std::size_t)
+{
+    return text.size(); // in a code page with letters of two bytes, only reading from the start would tell
+}
+
 #else
 
 namespace {
@@ -160,6 +165,18 @@ std::string lowerCase(std::string_view text)
         at += decoded.length;
     }
     return out;
+}
+
+std::size_t letterBoundary(std::string_view text, std::size_t at)
+{
+    const auto continues = [text](std::size_t i) { return (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80; };
+    // A letter has three continuation bytes at most; where as many precede, the next one belongs to none.
+    const auto cannotContinue = [&](std::size_t i) {
+        return i >= 3 && continues(i - 1) && continues(i - 2) && continues(i - 3);
+    };
+    while (at > 0 && at < text.size() && continues(at) && !cannotContinue(at))
+        ++at;
+    return at;
 }
 
 #endif

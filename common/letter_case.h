@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,5 +12,9 @@ namespace quarrynet {
 /// becomes two, and none depends on its neighbours. Bytes below 128 other than A to Z, NUL included, stay. The result
 /// does not depend on the locale that the program runs in. Applied to its result it changes nothing more.
 std::string lowerCase(std::string_view text);
+
+/// The first position from `at` on (0 to the text's length) at which `text` can be cut in two so that lowerCase of both
+/// parts, put together, is lowerCase of the whole.
+std::size_t letterBoundary(std::string_view text, std::size_t at);
 
 } // namespace quarrynet

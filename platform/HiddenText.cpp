@@ -1,5 +1,7 @@
 #include "platform/HiddenText.h"
 
+#include <utility>
+
 namespace quarrynet {
 
 HiddenText::HiddenText(const QString& name, QObject* parent) : QObject(parent)
@@ -9,9 +11,15 @@ HiddenText::HiddenText(const QString& name, QObject* parent) : QObject(parent)
 
 void HiddenText::setText(std::string_view text)
 {
+    if (text != text_)
+        takeText(std::string(text)); // not assign(): that would keep the memory of the largest page ever held
+}
+
+void HiddenText::takeText(std::string text)
+{
     if (text == text_)
         return;
-    std::string(text).swap(text_); // not assign(): that would keep the memory of the largest page ever held
+    text_ = std::move(text);
     emit changed();
 }
 

@@ -22,6 +22,8 @@ public:
 
     const std::string& text() const { return text_; }
     void setText(std::string_view text);
+    /// The same without a copy, for megabytes that nobody else needs.
+    void takeText(std::string text);
 
 signals:
     void changed();

@@ -83,7 +83,7 @@ std::optional<std::string> PageCheck::requestText()
 
 void PageCheck::handOver(const std::string& body)
 {
-    buffer().setText(reducedPage(body));
+    buffer().takeText(reducedPage(body));
 }
 
 void PageCheck::Text6_Change()

@@ -62,38 +62,42 @@ KeywordFinder::State KeywordFinder::next(State state, char byte) const
     }
 }
 
-std::vector<KeywordFinder::State> KeywordFinder::link()
+void KeywordFinder::link()
 {
-    std::vector<State> byDepth(parents_.size());
-    std::iota(byDepth.begin(), byDepth.end(), kRoot);
-    std::stable_sort(byDepth.begin(), byDepth.end(), [this](State a, State b) { return depths_[a] < depths_[b]; });
+    byDepth_.resize(parents_.size());
+    std::iota(byDepth_.begin(), byDepth_.end(), kRoot);
+    std::stable_sort(byDepth_.begin(), byDepth_.end(), [this](State a, State b) { return depths_[a] < depths_[b]; });
     fallbacks_.assign(parents_.size(), kRoot);
-    for (const State state : byDepth) {
+    reached_.assign(parents_.size(), false);
+    for (const State state : byDepth_) {
         if (depths_[state] > 1)
             fallbacks_[state] = next(fallbacks_[parents_[state]], bytes_[state]);
     }
-    return byDepth;
 }
 
-std::vector<bool> KeywordFinder::foundIn(std::string_view text)
+void KeywordFinder::read(std::string_view piece)
 {
-    const std::vector<State> byDepth = link();
-    std::vector<bool> reached(parents_.size());
-    State state = kRoot;
-    for (const char byte : text) {
-        state = next(state, byte);
-        reached[state] = true;
+    if (byDepth_.empty())
+        link();
+    for (const char byte : piece) {
+        state_ = next(state_, byte);
+        reached_[state_] = true;
     }
+}
+
+std::vector<bool> KeywordFinder::found()
+{
+    read({});
     // Where a state was reached, so was what its bytes end with: passed on once, from the longest to the shortest.
-    for (auto it = byDepth.rbegin(); it != byDepth.rend(); ++it) {
-        if (reached[*it])
-            reached[fallbacks_[*it]] = true;
+    for (auto state = byDepth_.rbegin(); state != byDepth_.rend(); ++state) {
+        if (reached_[*state])
+            reached_[fallbacks_[*state]] = true;
     }
-    std::vector<bool> found;
-    found.reserve(ends_.size());
+    std::vector<bool> answers;
+    answers.reserve(ends_.size());
     for (const State end : ends_)
-        found.push_back(end == kRoot || reached[end]);
-    return found;
+        answers.push_back(end == kRoot || reached_[end]);
+    return answers;
 }
 
 } // namespace quarrynet

@@ -11,9 +11,11 @@ namespace quarrynet {
 /// than 2^32 in all; an empty one occurs in every text.
 ///
 ///     KeywordFinder finder;
-///     finder.add("apple");                          // 0
-///     finder.add("pea");                            // 1
-///     finder.foundIn("a pineapple");                // {true, false}
+///     finder.add("apple"); // 0
+///     finder.add("pea");   // 1
+///     finder.read("a pinea");
+///     finder.read("pple");
+///     finder.found();      // {true, false}
 class KeywordFinder
 {
 public:
@@ -22,9 +24,12 @@ public:
     /// Adds a keyword; the first one has number 0.
     void add(std::string_view keyword);
 
-    /// For each keyword whether it occurs in `text`. The time is proportional to the text and to all keywords together,
-    /// however many there are and however they overlap.
-    std::vector<bool> foundIn(std::string_view text);
+    /// Reads on in the text. The first call ends the adding.
+    void read(std::string_view piece);
+
+    /// For each keyword whether it occurs in all that was read. The time of it all is proportional to the text and to
+    /// all keywords together, however many there are and however they overlap.
+    std::vector<bool> found();
 
 private:
     using State = std::uint32_t;
@@ -45,8 +50,7 @@ private:
     State step(State state, char byte) const;
     void insert(std::uint64_t key, State to);
     State next(State state, char byte) const;
-    /// Sets the fallbacks; gives the states from the shortest to the longest.
-    std::vector<State> link();
+    void link();
 
     // A table of steps, open addressing: few states have more than one step, so a row of 256 each would be waste.
     std::vector<Step> steps_;
@@ -55,7 +59,10 @@ private:
     std::vector<char> bytes_;
     std::vector<std::uint32_t> depths_;
     std::vector<State> fallbacks_;
-    std::vector<State> ends_; // by keyword
+    std::vector<bool> reached_;
+    std::vector<State> byDepth_; // the states from the shortest to the longest; empty until linked
+    std::vector<State> ends_;    // by keyword
+    State state_ = kRoot;
 };
 
 } // namespace quarrynet

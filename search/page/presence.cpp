@@ -1,5 +1,6 @@
 #include "search/page/presence.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "common/cutting.h"
@@ -17,31 +18,49 @@ constexpr const char* kNotFound = "Not Found";
 // Up to this many keywords are quicker to look for one by one.
 constexpr std::size_t kFewKeywords = 32;
 
-/// Which keywords occur in `page`; all in lower case. In mode AllKeywords what follows the first missing one is left
-/// open.
-std::unordered_map<std::string_view, bool> presence(std::string_view page, const std::vector<std::string>& keywords,
-                                                    bool all)
+constexpr std::size_t kPiece = std::size_t{1} << 20;
+
+/// Calls `look` with `page` in lower case, piece by piece: a whole copy would be the largest of all that the check
+/// holds. Each piece begins with the last `overlap` bytes of the one before. Ends when `look` says no.
+template <class Look>
+void readInLowerCase(std::string_view page, std::size_t overlap, Look look)
 {
-    std::unordered_map<std::string_view, bool> found;
-    std::vector<std::string_view> different;
-    for (const std::string& keyword : keywords) {
-        if (found.try_emplace(keyword, false).second)
-            different.push_back(keyword);
+    const std::size_t step = std::max(kPiece, 4 * overlap);
+    std::string piece;
+    do {
+        const std::size_t end = letterBoundary(page, std::min(step, page.size()));
+        piece.erase(0, piece.size() - std::min(piece.size(), overlap));
+        piece += lowerCase(page.substr(0, end));
+        page.remove_prefix(end);
+    } while (look(std::string_view(piece)) && !page.empty());
+}
+
+/// For each of `keywords`, in lower case, whether it occurs in `page`.
+std::vector<bool> presence(std::string_view page, const std::vector<std::string_view>& keywords)
+{
+    if (keywords.size() > kFewKeywords) {
+        KeywordFinder finder;
+        for (const std::string_view keyword : keywords)
+            finder.add(keyword);
+        readInLowerCase(page, 0, [&](std::string_view piece) {
+            finder.read(piece);
+            return true;
+        });
+        return finder.found();
     }
-    if (different.size() <= kFewKeywords) {
-        for (const std::string_view keyword : different) {
-            found[keyword] = containsText(page, keyword);
-            if (all && !found[keyword])
-                break;
+    std::vector<bool> found(keywords.size());
+    std::size_t longest = 1;
+    for (const std::string_view keyword : keywords)
+        longest = std::max(longest, keyword.size());
+    readInLowerCase(page, longest - 1, [&](std::string_view piece) {
+        bool open = false;
+        for (std::size_t i = 0; i < keywords.size(); ++i) {
+            if (!found[i])
+                found[i] = containsText(piece, keywords[i]);
+            open = open || !found[i];
         }
-        return found;
-    }
-    KeywordFinder finder;
-    for (const std::string_view keyword : different)
-        finder.add(keyword);
-    const std::vector<bool> present = finder.foundIn(page);
-    for (std::size_t i = 0; i < different.size(); ++i)
-        found[different[i]] = present[i];
+        return open;
+    });
     return found;
 }
 
@@ -50,9 +69,9 @@ std::unordered_map<std::string_view, bool> presence(std::string_view page, const
 std::vector<PresenceRow> presenceRows(std::string_view pageText, const std::vector<std::string>& entries,
                                       std::string_view typed, int mode)
 {
-    const std::string page = lowerCase(pageText);
     if (mode == static_cast<int>(MatchMode::ExactSearch)) {
-        if (!containsText(page, lowerCase(trimBlanks(typed))))
+        const std::string phrase = lowerCase(trimBlanks(typed));
+        if (!presence(pageText, {phrase})[0])
             return {{"Keyword/s not found in this page", std::nullopt}};
         return {{std::string(typed), kFound}};
     }
@@ -63,14 +82,19 @@ std::vector<PresenceRow> presenceRows(std::string_view pageText, const std::vect
     keywords.reserve(entries.size());
     for (const std::string& entry : entries)
         keywords.push_back(lowerCase(trimBlanks(entry)));
-    const bool all = mode == static_cast<int>(MatchMode::AllKeywords);
-    const auto found = presence(page, keywords, all);
+    std::unordered_map<std::string_view, std::size_t> numbers;
+    std::vector<std::string_view> different;
+    for (const std::string& keyword : keywords) {
+        if (numbers.try_emplace(keyword, different.size()).second)
+            different.push_back(keyword);
+    }
+    const std::vector<bool> found = presence(pageText, different);
 
     std::vector<PresenceRow> rows;
     rows.reserve(keywords.size());
     for (const std::string& keyword : keywords) {
-        const bool isFound = found.at(keyword);
-        if (all && !isFound)
+        const bool isFound = found[numbers.at(keyword)];
+        if (!isFound && mode == static_cast<int>(MatchMode::AllKeywords))
             return {{"Not all keywords are found in this page", std::nullopt}};
         rows.push_back({keyword, isFound ? kFound : kNotFound});
     }

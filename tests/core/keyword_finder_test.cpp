@@ -18,7 +18,8 @@ std::vector<bool> found(std::string_view text, const std::vector<std::string>& k
     KeywordFinder finder;
     for (const std::string& keyword : keywords)
         finder.add(keyword);
-    return finder.foundIn(text);
+    finder.read(text);
+    return finder.found();
 }
 
 } // namespace
@@ -38,6 +39,18 @@ TEST(KeywordFinder, KeywordInsideAnotherIsFoundWithIt)
 {
     EXPECT_THAT(found("xabcdx", {"abcd", "bc", "c", "bcd", "cdx", "abd"}),
                 ElementsAre(true, true, true, true, true, false));
+}
+
+TEST(KeywordFinder, KeywordAcrossPiecesIsFound)
+{
+    KeywordFinder finder;
+    finder.add("apple");
+    finder.add("pen");
+    for (const char* piece : {"a pinea", "", "p", "ple p", "e"})
+        finder.read(piece);
+    EXPECT_THAT(finder.found(), ElementsAre(true, false));
+    finder.read("n");
+    EXPECT_THAT(finder.found(), ElementsAre(true, true));
 }
 
 TEST(KeywordFinder, KeywordCutOffByTheEndIsNotFound)

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <clocale>
 #include <random>
 #include <string>
@@ -66,5 +67,30 @@ TEST(LowerCase, AppliedTwiceChangesNothingMore)
             c = static_cast<char>(random() % 3 == 0 ? random() % 128 : 128 + random() % 128);
         const std::string once = lowerCase(text);
         ASSERT_EQ(lowerCase(once), once);
+    }
+}
+
+TEST(LetterBoundary, CutsBetweenLetters)
+{
+    EXPECT_EQ(letterBoundary("abc", 0), 0u);
+    EXPECT_EQ(letterBoundary("abc", 2), 2u);
+    EXPECT_EQ(letterBoundary("abc", 3), 3u);
+    EXPECT_EQ(letterBoundary("", 0), 0u);
+}
+
+TEST(LetterBoundary, PartsAtEveryCutAreThoseOfTheWhole)
+{
+    std::mt19937 random(7);
+    constexpr std::string_view kBytes = "Aa\x80\xBF\xC3\x84\xE1\xBA\x9E\xF0\x90\xFF";
+    for (int round = 0; round < 20000; ++round) {
+        std::string text(random() % 12, '\0');
+        for (char& c : text)
+            c = kBytes[random() % kBytes.size()];
+        for (std::size_t at = 0; at <= text.size(); ++at) {
+            const std::size_t cut = letterBoundary(text, at);
+            ASSERT_GE(cut, at);
+            ASSERT_LE(cut, std::min(text.size(), at + 3));
+            ASSERT_EQ(lowerCase(text.substr(0, cut)) + lowerCase(text.substr(cut)), lowerCase(text));
+        }
     }
 }

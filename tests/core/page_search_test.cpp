@@ -214,3 +214,20 @@ TEST(Presence, ManyKeywordsAreAnsweredAsFewAre)
     }
     EXPECT_THAT(rows(page, typed, kAll), ElementsAre(summary("Not all keywords are found in this page")));
 }
+
+TEST(Presence, KeywordsAtEveryPlaceOfALargePageAreFound)
+{
+    // Pages are read in pieces of a mebibyte; a keyword may lie across their ends.
+    constexpr std::size_t kPiece = std::size_t{1} << 20;
+    const std::string keyword = "\xC3\x84pfel";
+    for (std::size_t before = kPiece - 8; before <= kPiece + 1; ++before) {
+        for (const int mode : {kAny, kAll, kExact}) {
+            const std::string page = std::string(before, '.') + "\xC3\x84PFEL" + std::string(kPiece, '.');
+            const std::vector<PresenceRow> one = rows(page, keyword, mode);
+            ASSERT_EQ(one.size(), 1u);
+            ASSERT_EQ(one[0].result, "Found") << before << ' ' << mode;
+        }
+        ASSERT_THAT(rows(std::string(before, '.') + "\xC3\x84PFE", keyword, kAny),
+                    ElementsAre(notFound("\xC3\xA4pfel")));
+    }
+}
