@@ -11,13 +11,6 @@
 
 namespace quarrynet {
 
-namespace {
-
-// A cell shows one line of a list; more of it than this can neither be read nor laid out in time.
-constexpr std::size_t kShownBytes = 4096;
-
-} // namespace
-
 ListViewModel::ListViewModel(QStringList headers, QObject* parent)
     : QAbstractTableModel(parent), headers_(std::move(headers))
 {}
@@ -49,7 +42,7 @@ QVariant ListViewModel::data(const QModelIndex& index, int role) const
     const auto column = static_cast<std::size_t>(index.column());
     if (column >= row.size())
         return QString();
-    return toText(std::string_view(row[column]).substr(0, kShownBytes));
+    return toLine(row[column]);
 }
 
 QVariant ListViewModel::headerData(int section, Qt::Orientation orientation, int role) const

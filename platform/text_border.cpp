@@ -69,6 +69,12 @@ QString toText(std::string_view bytes)
 #endif
 }
 
+QString toLine(std::string_view bytes)
+{
+    constexpr std::size_t kLine = 4096;
+    return toText(bytes.substr(0, kLine));
+}
+
 std::string toBytes(const QString& text)
 {
 #ifdef Q_OS_WIN

@@ -13,6 +13,10 @@ namespace quarrynet {
 /// character of its number.
 QString toText(std::string_view bytes);
 
+/// The beginning of `bytes` as text, as much as one line on the screen can ever show: laying out megabytes that nobody
+/// could read would stop the window.
+QString toLine(std::string_view bytes);
+
 /// Typed text as bytes. What the code page cannot say becomes "?" (on Windows; UTF-8 can say everything but an unpaired
 /// surrogate).
 std::string toBytes(const QString& text);

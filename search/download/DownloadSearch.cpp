@@ -83,7 +83,7 @@ void DownloadSearch::Text12_Change()
         return;
     }
     if (results.countCaption)
-        ui_->Label15->setText(toText(*results.countCaption));
+        ui_->Label15->setText(toLine(*results.countCaption));
     apply(results.paging, Text13);
     List10.setItems(std::move(results.links));
 }

@@ -111,9 +111,9 @@ void ImageSearch::Text9_Change()
     List7.setItems(std::move(results.lists.addresses));
     List8.setItems(std::move(results.lists.thumbnails));
     if (results.countCaption)
-        ui_->Label11->setText(toText(*results.countCaption));
+        ui_->Label11->setText(toLine(*results.countCaption));
     if (results.timeCaption)
-        ui_->Label12->setText(toText(*results.timeCaption));
+        ui_->Label12->setText(toLine(*results.timeCaption));
     if (results.gallery && !writeGallery(*results.gallery))
         return;
     apply(results.paging, Text8);

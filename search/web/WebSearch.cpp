@@ -93,9 +93,9 @@ void WebSearch::Text2_Change()
     List3.setItems(std::move(results.lists.titles));
     List4.setItems(std::move(results.lists.cleanedTitles));
     if (results.countCaption)
-        ui_->Label3->setText(toText(*results.countCaption));
+        ui_->Label3->setText(toLine(*results.countCaption));
     if (results.timeCaption)
-        ui_->Label5->setText(toText(*results.timeCaption));
+        ui_->Label5->setText(toLine(*results.timeCaption));
     apply(results.paging, Text3);
 
     if (results.nothingFound)

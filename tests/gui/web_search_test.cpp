@@ -260,6 +260,17 @@ private slots:
         QCOMPARE(window_->shell.opened[0], std::string("http://site2.example/"));
     }
 
+    // A count with markup in it was shown as rich text, and one of megabytes was laid out whole.
+    void aCountIsShownAsPlainTextAndAtMostALineOfIt()
+    {
+        window_->service.answerWith(resultsPage(1, "1<img src=file:///etc/hostname>" + QByteArray(8'000'000, 'x')));
+        search();
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
+        QCOMPARE(window_->control<QLabel>("Label3")->textFormat(), Qt::PlainText);
+        QVERIFY(window_->text("Label3").startsWith(QStringLiteral("1<img src=")));
+        QVERIFY(window_->text("Label3").size() < 10'000);
+    }
+
     void aLargeHostilePageLeavesTheTabIdle()
     {
         QByteArray page;
