@@ -31,8 +31,6 @@ std::string manualPage()
 
 int main(int argc, char** argv)
 {
-    // The browser engine is loaded late, if at all, and finds the attribute missing then.
-    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quarrynet"));

@@ -10,6 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
 
 #include "common/local_pages.h"
 #include "platform/text_border.h"
@@ -44,6 +47,22 @@ std::optional<std::string_view> framedPage(const QByteArray& page)
     return found == kPages.end() ? std::nullopt : std::optional(*found);
 }
 
+// The time to lay a paragraph out grows with the square of its longest word: a caption of a megabyte would stop the
+// window.
+constexpr int kMaxParagraph = 4000;
+
+void shortenParagraphs(QTextDocument& document)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.length() <= kMaxParagraph)
+            continue;
+        QTextCursor cursor(block);
+        cursor.setPosition(block.position() + kMaxParagraph);
+        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+    }
+}
+
 } // namespace
 
 PlainPageView::PlainPageView(PageViewHost host, QWidget* parent) : QTextBrowser(parent), host_(std::move(host))
@@ -65,8 +84,14 @@ void PlainPageView::showPage(const QString& path)
         page = contentOf(framed).value_or(QByteArray());
     }
     fetches_ = std::make_unique<QObject>();
-    document()->clear(); // drops the pictures of the page before
-    setHtml(toText({page.constData(), static_cast<std::size_t>(page.size())}));
+    // A document of its own, which also drops the pictures of the page before; shortened before anything lays it out.
+    auto* document = new QTextDocument(this);
+    document->setUndoRedoEnabled(false);
+    document->setDefaultFont(font());
+    document->setHtml(toText({page.constData(), static_cast<std::size_t>(page.size())}));
+    shortenParagraphs(*document);
+    setDocument(document);
+    delete std::exchange(shown_, document);
 }
 
 QVariant PlainPageView::loadResource(int type, const QUrl& name)

@@ -30,6 +30,7 @@ private:
     PageViewHost host_;
     // What is fetched for the page that is shown; a new page begins a new one, and what comes for the old is dropped.
     std::unique_ptr<QObject> fetches_;
+    QTextDocument* shown_ = nullptr; // the last page's document, ours to delete
 };
 
 } // namespace quarrynet

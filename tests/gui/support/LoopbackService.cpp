@@ -40,9 +40,17 @@ void LoopbackService::answerByTarget(std::function<QByteArray(const QByteArray&)
     bodyFor_ = std::move(bodyFor);
 }
 
+QList<QByteArray> LoopbackService::requestLines() const
+{
+    QList<QByteArray> lines;
+    for (const QByteArray& request : requests_)
+        lines.append(request.left(request.indexOf("\r\n")));
+    return lines;
+}
+
 QByteArray LoopbackService::lastRequestLine() const
 {
-    return requests_.isEmpty() ? QByteArray() : requests_.last().left(requests_.last().indexOf("\r\n"));
+    return requests_.isEmpty() ? QByteArray() : requestLines().last();
 }
 
 void LoopbackService::accept()

@@ -47,6 +47,8 @@ public:
     const QList<QByteArray>& requests() const { return requests_; }
     /// The last request's first line.
     QByteArray lastRequestLine() const;
+    /// The first lines of all requests.
+    QList<QByteArray> requestLines() const;
     int openConnections() const { return static_cast<int>(open_.size()); }
 
 signals:

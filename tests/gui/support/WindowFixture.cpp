@@ -9,6 +9,7 @@ bool WindowFixture::load()
     main_ = std::make_unique<quarrynet::Main>(quarrynet::Surroundings{hosts, shell, folder().toStdString(),
                                                                       "http://help.example/", "http://home.example/",
                                                                       "mailto:author@home.example"});
+    control<quarrynet::HtmlView>("IMGViewer")->setEngineFolders(engineFolders);
     return main_->load();
 }
 

@@ -18,6 +18,7 @@
 #include "app/Main.h"
 #include "platform/HiddenListBox.h"
 #include "platform/HiddenText.h"
+#include "platform/HtmlView.h"
 #include "platform/Shell.h"
 #include "platform/TcpClientSocket.h"
 
@@ -71,6 +72,8 @@ public:
     RecordingShell shell;
     BoxWatcher boxes;
     quarrynet::ServiceHosts hosts;
+    /// Where the browser engine's plug-in is looked for; nowhere, so that the plain view shows what the tests look at.
+    QStringList engineFolders;
 
 private:
     QTemporaryDir folder_;
