@@ -20,6 +20,9 @@ namespace {
 
 using WinSockError = TcpClientSocket::WinSockError;
 
+// What the socket may read ahead. Without a bound it takes all that the system holds, which stays in the heap.
+constexpr qint64 kReadAhead = 1024 * 1024;
+
 constexpr WinSockError kHostNotFound = {11001, "Host not found"};
 constexpr WinSockError kAborted = {10053, "Connection is aborted due to timeout or other failure"};
 constexpr WinSockError kReset = {10054, "The connection is reset by remote side"};
@@ -97,6 +100,7 @@ void TcpClientSocket::Connect(std::string_view host, int port)
     Close();
     socket_ = new QTcpSocket(this);
     socket_->setProxy(QNetworkProxy::NoProxy);
+    socket_->setReadBufferSize(kReadAhead);
     connect(socket_, &QTcpSocket::connected, this, [this] {
         witness_.watch(socket_->socketDescriptor());
         emit connected();
