@@ -13,6 +13,7 @@ inline constexpr bool kHasImageSearch = false;
 
 /// The commands. They speak to the person at the terminal and return the exit status.
 int runIndex(const Options& options);
+int runCrawl(const Options& options);
 int runServe(const Options& options);
 
 } // namespace quarrynet::services

@@ -14,6 +14,8 @@ int main(int argc, char** argv)
     switch (options->command) {
     case Options::Command::Index:
         return runIndex(*options);
+    case Options::Command::Crawl:
+        return runCrawl(*options);
     case Options::Command::Serve:
         return runServe(*options);
     case Options::Command::Version:

@@ -10,7 +10,7 @@ namespace quarrynet::services {
 
 namespace {
 
-using Target = std::variant<std::string*, std::vector<std::string>*, std::uint16_t*>;
+using Target = std::variant<std::string*, std::vector<std::string>*, std::uint16_t*, std::uint32_t*>;
 
 std::optional<Options::Command> commandNamed(const std::string& name)
 {
@@ -18,6 +18,8 @@ std::optional<Options::Command> commandNamed(const std::string& name)
         return Options::Command::Serve;
     if (name == "index")
         return Options::Command::Index;
+    if (name == "crawl")
+        return Options::Command::Crawl;
     if (name == "help" || name == "--help" || name == "-h")
         return Options::Command::Help;
     if (name == "--version")
@@ -33,6 +35,12 @@ std::map<std::string, Target> targetsOf(Options& options)
                 {"--mirror", &options.mirror},
                 {"--folder", &options.folders},
                 {"--pictures", &options.pictureFolders}};
+    if (options.command == Options::Command::Crawl)
+        return {{"--data", &options.dataFolder},
+                {"--depth", &options.crawlDepth},
+                {"--entries", &options.crawlEntries},
+                {"--minutes", &options.crawlMinutes},
+                {"--rate", &options.crawlRate}};
     return {{"--data", &options.dataFolder},
             {"--web-address", &options.webAddress},
             {"--image-address", &options.imageAddress},
@@ -49,6 +57,11 @@ std::optional<Failure> store(const Target& target, const std::string& name, cons
         **text = value;
     } else if (auto* const* texts = std::get_if<std::vector<std::string>*>(&target)) {
         (*texts)->push_back(value);
+    } else if (auto* const* count = std::get_if<std::uint32_t*>(&target)) {
+        const std::optional<int> number = wholeNumber(value);
+        if (!number || *number < 1)
+            return Failure{name + " takes a number from 1 on, not \"" + value + "\""};
+        **count = static_cast<std::uint32_t>(*number);
     } else {
         const std::optional<int> number = wholeNumber(value);
         if (!number || *number > 65535)
@@ -79,6 +92,12 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
             options.ifNeeded = true;
             continue;
         }
+        if (options.command == Options::Command::Crawl && arguments[i].substr(0, 1) != "-") {
+            if (!options.crawlAddress.empty())
+                return Failure{"crawl takes one address"};
+            options.crawlAddress = arguments[i];
+            continue;
+        }
         const std::size_t equals = arguments[i].find('=');
         const std::string name = arguments[i].substr(0, equals);
         const auto target = targets.find(name);
@@ -90,6 +109,8 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
         if (const std::optional<Failure> fault = store(target->second, name, value))
             return *fault;
     }
+    if (options.command == Options::Command::Crawl && options.crawlAddress.empty())
+        return Failure{"crawl needs an address, such as ftp://host/path"};
     return options;
 }
 
@@ -101,9 +122,11 @@ Usage: quarrynet-services COMMAND [OPTION]...
 
 Commands:
   index   make the index that the searches answer from
+  crawl ftp://HOST[:PORT][/PATH]
+          list an FTP server and add its files to the index; again, to replace what was listed before
   serve   answer searches until the program is ended (Ctrl+C, SIGTERM)
 
-Options of both:
+Options of all:
   --data FOLDER              where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)
 
 Options of index:
@@ -113,6 +136,12 @@ Options of index:
   --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated
   --pictures FOLDER          a folder of pictures instead of the machine's icons, backgrounds and documentation; may be
                              repeated
+
+Options of crawl:
+  --depth N                  directories below the first one (default 32)
+  --entries N                names to take (default 1000000)
+  --minutes N                time to take (default 60)
+  --rate N                   directories a second at most (default 10)
 
 Options of serve:
   --web-address ADDRESS      where the web search listens (default 127.80.0.1)

@@ -17,6 +17,7 @@ struct Options
         Version,
         Serve,
         Index,
+        Crawl,
     };
 
     Command command = Command::Help;
@@ -29,6 +30,13 @@ struct Options
     std::vector<std::string> folders;        ///< empty: the usual ones
     std::vector<std::string> pictureFolders; ///< empty: the usual ones
 
+    // crawl
+    std::string crawlAddress;
+    std::uint32_t crawlDepth = 32;
+    std::uint32_t crawlEntries = 1'000'000;
+    std::uint32_t crawlMinutes = 60;
+    std::uint32_t crawlRate = 10; ///< listings a second
+
     // serve; an empty address is the service's usual one
     std::string webAddress;
     std::string imageAddress;
@@ -40,8 +48,7 @@ struct Options
 };
 
 /// Reads the arguments behind the program's name. Options are "--name value" or "--name=value", or
-/// a name alone where there is nothing to choose. A Failure names the
-/// argument that was not understood.
+/// a name alone where there is nothing to choose. A Failure names the argument that was not understood.
 Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
 
 /// The text of --help.

@@ -23,6 +23,20 @@ TEST(ParseOptions, ReadsBothForms)
     EXPECT_EQ(index->pictureFolders, (std::vector<std::string>{"c"}));
 }
 
+TEST(ParseOptions, CrawlTakesOneAddress)
+{
+    const Outcome<Options> crawl = parseOptions({"crawl", "--rate=2", "ftp://h/", "--depth", "3"});
+    ASSERT_TRUE(crawl);
+    EXPECT_EQ(crawl->command, Options::Command::Crawl);
+    EXPECT_EQ(crawl->crawlAddress, "ftp://h/");
+    EXPECT_EQ(crawl->crawlRate, 2U);
+    EXPECT_EQ(crawl->crawlDepth, 3U);
+    EXPECT_FALSE(parseOptions({"crawl"}));
+    EXPECT_FALSE(parseOptions({"crawl", "ftp://a/", "ftp://b/"}));
+    EXPECT_FALSE(parseOptions({"crawl", "ftp://a/", "--depth", "0"}));
+    EXPECT_FALSE(parseOptions({"crawl", "ftp://a/", "--rate", "x"}));
+}
+
 TEST(ParseOptions, HelpAndVersion)
 {
     EXPECT_EQ(parseOptions({"--help"})->command, Options::Command::Help);

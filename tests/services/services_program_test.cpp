@@ -7,14 +7,13 @@
 #include <gtest/gtest.h>
 
 #include "../core/test_data.h"
+#include "ftp_support.h"
 #include "service_support.h"
 #include "services/http_message.h"
 
 /// The program itself, as a person or a script starts it.
 
 using namespace quarrynet::services;
-
-extern char** environ;
 
 namespace {
 
@@ -228,10 +227,40 @@ TEST_F(Program, WrongUsageAndUnusableFoldersAreErrors)
     EXPECT_EQ(start({}).wait(), 2);
     EXPECT_EQ(start({"dance"}).wait(), 2);
     EXPECT_EQ(start({"serve", "--port", "x"}).wait(), 2);
+    EXPECT_EQ(start({"crawl"}).wait(), 2);
     EXPECT_EQ(start({"--help"}).wait(), 0);
     EXPECT_EQ(start({"--version"}).readLine().substr(0, 19), "quarrynet-services ");
     const std::string file = folder_.write("file", "");
     EXPECT_EQ(start({"serve", "--data", file}).wait(), 1);
     EXPECT_EQ(start({"index", "--data", file + "/below"}).wait(), 1);
     EXPECT_EQ(start({"index", "--data", data(), "--packages", folder_.path() + "/none"}).wait(), 1);
+}
+
+TEST_F(Program, CrawlSaysWhyItCannot)
+{
+    const TestServer server([](int) {});
+    Running early = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(early.wait(), 1);
+    EXPECT_NE(early.errors().find("no index yet"), std::string::npos) << early.errors();
+    index();
+    Running broken = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(broken.wait(), 1);
+    EXPECT_NE(broken.errors().find(server.site()), std::string::npos) << broken.errors();
+    EXPECT_EQ(start({"crawl", "--data", data(), "http://h/"}).wait(), 1);
+}
+
+TEST_F(Program, CrawledFilesAreFoundByAServerThatRuns)
+{
+    index();
+    Running running = serve();
+    const std::uint16_t port = portOf(running.readLine(), "file");
+    const TestServer server([](int socket) {
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+            return MadeUpFtp::Reply{226, "type=file;size=5; crawled apple.zip\r\n"};
+        });
+    });
+    Running crawl({"crawl", "--data", data(), server.site() + "/pub"}, folder_.path() + "/crawl-errors");
+    ASSERT_EQ(crawl.wait(), 0) << crawl.errors();
+    EXPECT_NE(ask("127.80.0.4", port, "/cgi-bin/s?t=f&q=crawled").find(server.site() + "/pub/crawled%20apple.zip"),
+              std::string::npos);
 }

@@ -1,0 +1,118 @@
+#include "services/ftp_client.h"
+
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+#include <curl/curl.h>
+
+#include "services/http_message.h"
+#include "services/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kMaxListing = 32 * 1024 * 1024;
+constexpr long kConnectSeconds = 15;
+constexpr long kStallSeconds = 20;
+constexpr long kListingSeconds = 300;
+
+std::size_t appendListing(char* bytes, std::size_t, std::size_t count, void* to)
+{
+    auto& listing = *static_cast<std::string*>(to);
+    if (listing.size() + count > kMaxListing)
+        return 0; // ends the transfer
+    listing.append(bytes, count);
+    return count;
+}
+
+} // namespace
+
+struct FtpClient::Handle
+{
+    Handle() : curl(curl_easy_init()) {}
+    ~Handle() { curl_easy_cleanup(curl); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    CURL* curl;
+};
+
+FtpClient::FtpClient(std::string site) : site_(std::move(site))
+{
+    static std::once_flag once;
+    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+    handle_ = std::make_unique<Handle>();
+}
+
+FtpClient::~FtpClient() = default;
+
+Outcome<FtpDirectory> FtpClient::list(std::string_view path)
+{
+    CURL* const curl = handle_->curl;
+    if (curl == nullptr)
+        return Failure{"out of memory"};
+    FtpDirectory directory;
+    const std::string address = site_ + "/" + encodePath(path);
+    curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
+    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "ftp");
+    curl_easy_setopt(curl, CURLOPT_PROXY, "");
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+    curl_easy_setopt(curl, CURLOPT_SERVER_RESPONSE_TIMEOUT, kStallSeconds);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, kStallSeconds);
+    curl_easy_setopt(curl, CURLOPT_TIMEOUT, kListingSeconds);
+    curl_easy_setopt(curl, CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_SINGLECWD));
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, appendListing);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &directory.listing);
+    curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, hasMlsd_ ? "MLSD" : "LIST");
+    const CURLcode result = curl_easy_perform(curl);
+    if (result == CURLE_OK) {
+        directory.entries = hasMlsd_ ? readMlsd(directory.listing) : readList(directory.listing);
+        return directory;
+    }
+    long code = 0;
+    curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &code);
+    // 500 to 504 say that the command is not known (RFC 959, section 4.2.1), other fives that the directory is refused.
+    if (result == CURLE_FTP_COULDNT_RETR_FILE && code >= 500 && code <= 504 && hasMlsd_) {
+        hasMlsd_ = false;
+        return list(path);
+    }
+    if (result == CURLE_WRITE_ERROR || result == CURLE_REMOTE_ACCESS_DENIED || result == CURLE_REMOTE_FILE_NOT_FOUND ||
+        (result == CURLE_FTP_COULDNT_RETR_FILE && code >= 400)) {
+        directory.refused = true;
+        directory.listing.clear();
+        return directory;
+    }
+    return Failure{address + ": " + curl_easy_strerror(result)};
+}
+
+Outcome<FtpAddress> readFtpAddress(std::string_view address)
+{
+    constexpr std::string_view kScheme = "ftp://";
+    if (address.substr(0, kScheme.size()) != kScheme)
+        return Failure{std::string(address) + " does not begin with ftp://"};
+    const std::string_view rest = address.substr(kScheme.size());
+    const std::string_view authority = rest.substr(0, rest.find('/'));
+    if (authority.find('@') != std::string_view::npos)
+        return Failure{"an address with a user name cannot be crawled: the file search is open to everybody"};
+    const std::string_view host = authority.substr(0, authority.rfind(':'));
+    const bool hostFits = !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.';
+    });
+    if (!hostFits || (host.size() < authority.size() && !wholeNumber(authority.substr(host.size() + 1))))
+        return Failure{std::string(authority) + " is not a host with or without a port"};
+    std::string path = decodePercent(rest.substr(std::min(authority.size() + 1, rest.size())));
+    path.erase(0, std::min(path.find_first_not_of('/'), path.size()));
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    if (!path.empty())
+        path.push_back('/');
+    if (std::any_of(path.begin(), path.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }))
+        return Failure{"the path has control characters"};
+    return FtpAddress{std::string(kScheme) + std::string(authority), path};
+}
+
+} // namespace quarrynet::services
