@@ -66,6 +66,7 @@ void FetchSession::dataArrived()
     try {
         socket_.GetData(shared_.ReceiveBuffer);
     } catch (const std::bad_alloc&) {
+        socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
         shared_.restart();
         failed(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
     }

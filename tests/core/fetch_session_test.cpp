@@ -135,11 +135,13 @@ TEST(StripHeader, EmptyLineAtTheStartOrTheEnd)
 
 TEST(SocketStateName, CoversTheTenStatesAndNothingElse)
 {
-    EXPECT_EQ(socketStateName(SocketState::Closed), "Closed");
-    EXPECT_EQ(socketStateName(SocketState::ConnectionPending), "Connection pending");
-    EXPECT_EQ(socketStateName(SocketState::Connected), "Connected");
-    EXPECT_EQ(socketStateName(SocketState::Error), "Error");
-    EXPECT_EQ(socketStateName(static_cast<SocketState>(10)), "");
+    const std::vector<std::string> names = {
+        "Closed",         "Open",          "Listening",  "Connection pending",
+        "Resolving host", "Host resolved", "Connecting", "Connected",
+        "Closing",        "Error",         "",
+    };
+    for (std::size_t number = 0; number < names.size(); ++number)
+        EXPECT_EQ(socketStateName(static_cast<SocketState>(number)), names[number]) << number;
     EXPECT_EQ(socketStateName(static_cast<SocketState>(255)), "");
 }
 
@@ -249,8 +251,8 @@ TEST(FetchSession, MemoryRunningOutEndsTheExchangeOnly)
     Exchange receiving(shared);
     receiving.socket.outOfMemory = true;
     receiving.arrive("x");
-    EXPECT_THAT(receiving.log, ElementsAre("panel 2 'Downloading Data'", "error 7 Out of memory", "socket closes",
-                                           "panel 1 'Closed'", "button on", "timer off"));
+    EXPECT_THAT(receiving.log, ElementsAre("panel 2 'Downloading Data'", "socket closes", "error 7 Out of memory",
+                                           "socket closes", "panel 1 'Closed'", "button on", "timer off"));
 
     Exchange parsing(shared);
     parsing.tab.outOfMemory = true;
