@@ -44,6 +44,8 @@ void FetchSession::start(const Endpoint& target)
 
 void FetchSession::connected()
 {
+    if (settings_.showsStateOnConnect)
+        tab_.showConnection(socketStateName(SocketState::Connected));
     if (settings_.saysConnected)
         tab_.showActivity("Connected");
     if (const std::optional<std::string> request = tab_.requestText())

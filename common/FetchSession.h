@@ -101,6 +101,8 @@ struct FetchSettings
 {
     /// The activity panel says "Connected" on connecting; the page check's leaves it alone.
     bool saysConnected = true;
+    /// The connection panel shows the state on connecting, before the next tick; the download search's does.
+    bool showsStateOnConnect = false;
     /// The end of a response sets HeaderStripped; the link resolution's leaves it alone.
     bool marksHeader = true;
 };

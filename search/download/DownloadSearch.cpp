@@ -12,9 +12,8 @@ namespace {
 
 SocketRow socketRow()
 {
-    return {QStringLiteral("SFD"),      QStringLiteral("SFDSock"),
-            QStringLiteral("SFDTimer"), 100,
-            QStringLiteral("Text12"),   {}};
+    return {QStringLiteral("SFD"),    QStringLiteral("SFDSock"),    QStringLiteral("SFDTimer"), 100,
+            QStringLiteral("Text12"), {.showsStateOnConnect = true}};
 }
 
 } // namespace

@@ -176,6 +176,14 @@ TEST(FetchSession, SettingsSilenceConnectedAndLeaveTheFlagAlone)
     EXPECT_FALSE(shared.HeaderStripped);
 }
 
+TEST(FetchSession, SettingShowsTheConnectedStateWithoutWaitingForATick)
+{
+    ReceiveState shared;
+    Exchange exchange(shared, {.showsStateOnConnect = true});
+    exchange.session.connected();
+    EXPECT_THAT(exchange.log, ElementsAre("panel 1 'Connected'", "panel 2 'Connected'", "socket sends GET"));
+}
+
 TEST(FetchSession, SendsNothingWhenTheRequestCannotBeBuilt)
 {
     ReceiveState shared;
