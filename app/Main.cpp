@@ -8,6 +8,7 @@
 
 #include "common/local_pages.h"
 #include "common/numbers.h"
+#include "common/request_text.h"
 #include "icons/icons.h"
 #include "platform/HiddenText.h"
 #include "platform/Registry.h"
@@ -157,8 +158,8 @@ bool Main::load()
     layout_ = std::make_unique<FormLayout>(*this, placedControls(*centralWidget()), [this] { Form_Resize(); });
     changeSize_.Init(*layout_);
 
-    for (const auto& [name, text] : {std::pair<std::string_view, std::string>("blank.html", blankFramePage()),
-                                     std::pair<std::string_view, std::string>("blank.htm", blankPage())}) {
+    for (const auto& [name, text] : {std::pair<std::string_view, std::string>(kBlankFrameName, blankFramePage()),
+                                     std::pair<std::string_view, std::string>(kBlankPageName, blankPage())}) {
         const std::string path = pathInFolder(programFolder(), name);
         if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
             showFileError(nullptr, toText(path), reason);
@@ -185,7 +186,7 @@ std::string Main::settingsPath() const
 
 bool Main::isDirect() const
 {
-    return ProxySwitch->text() == kOff;
+    return routeFor(ProxySwitch->text()) == Route::Direct;
 }
 
 std::optional<RuntimeError> Main::readProxy()

@@ -29,8 +29,8 @@ public:
     bool ReadValue(const std::string& psSection, const std::string& psKey, std::string& psValue);
 
     /// Writes one value; makes the file, the section and the key where they are missing. Texts that would change other
-    /// lines or not be read back as written are refused, and nothing is written: a line end or NUL anywhere, "]" in a
-    /// section, "=" in a key, a key that begins with "[" or ";", a blank section or key.
+    /// lines or be read back as a line of another kind are refused, and nothing is written: a line end or NUL anywhere,
+    /// "]" in a section, "=" in a key, a key that begins with "[" or ";", a blank section or key.
     bool WriteValue(const std::string& psSection, const std::string& psKey, const std::string& psValue);
 
     /// The keys and values of a section, split at the first "=". An entry without "=" is a key with an empty value. A

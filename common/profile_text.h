@@ -45,9 +45,9 @@ std::string withProfileValue(std::string_view text, std::string_view section, st
 std::string withProfileEntries(std::string_view text, std::string_view section,
                                const std::vector<std::pair<std::string, std::string>>& entries);
 
-/// Whether a section, a key or a value can be written so that exactly it is read back as such, and not a line of
-/// another kind: none holds a line end or NUL; a section is not blank and holds no "]"; a key is not blank, holds no
-/// "=" and begins with neither "[" nor ";".
+/// Whether a section, a key or a value can be written and read back as such, and not as a line of another kind: none
+/// holds a line end or NUL; a section is not blank and holds no "]"; a key is not blank, holds no "=" and begins with
+/// neither "[" nor ";". Blanks around any of them are lost on reading, and so is a pair of quotes around a value.
 bool isProfileSection(std::string_view name);
 bool isProfileKey(std::string_view name);
 bool isProfileValue(std::string_view value);
