@@ -42,7 +42,8 @@ int runCrawl(const Options& options)
     if (!data)
         return complain(data.failure());
     // An index of crawled files alone would pass for a whole one.
-    if (const Outcome<IndexPool::Lease> index = IndexPool(*data).borrow(); !index)
+    IndexPool pool(*data);
+    if (const Outcome<IndexPool::Lease> index = pool.borrow(); !index)
         return complain(index.failure());
 
     FtpClient client(address->site);

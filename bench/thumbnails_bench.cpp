@@ -1,0 +1,99 @@
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "services/document_folders.h"
+#include "services/picture_folders.h"
+#include "services/picture_format.h"
+#include "services/thumbnail_cache.h"
+#include "services/thumbnailer.h"
+
+/// Thumbnails of this machine's icons a second: made, with the process under way, and out of the cache.
+
+using namespace quarrynet::services;
+
+namespace {
+
+struct Source
+{
+    PictureFormat format = PictureFormat::Png;
+    std::string content;
+};
+
+/// Some of the machine's icons, drawings and others; 200 at most.
+const std::vector<Source>& sources()
+{
+    static const std::vector<Source> read = [] {
+        std::vector<Source> found;
+        const std::string folder = "/usr/share/icons";
+        const std::vector<Picture> pictures = findPictures(folder);
+        const std::size_t step = pictures.size() / 200 + 1;
+        for (std::size_t i = 0; i < pictures.size(); i += step) {
+            const auto content = readFile(folder + "/" + pictures[i].path, 1 << 20);
+            const auto format = content ? pictureFormat(*content) : std::nullopt;
+            if (format)
+                found.push_back({*format, *content});
+        }
+        return found;
+    }();
+    return read;
+}
+
+/// The cache's answer for picture `number`, made when it is not there.
+bool show(ThumbnailCache& cache, Thumbnailer& thumbnailer, std::size_t number)
+{
+    const Source& source = sources()[number % sources().size()];
+    return cache.get(std::to_string(number), [&] { return thumbnailer.make(source.format, source.content); })
+        .has_value();
+}
+
+/// Either each picture under a new key, or all of them again and again.
+void showAll(benchmark::State& state, bool cold)
+{
+    if (sources().empty()) {
+        state.SkipWithError("this machine has no icons");
+        return;
+    }
+    Thumbnailer thumbnailer(QUARRYNET_THUMBNAILS);
+    ThumbnailCache cache(32 * 1024 * 1024);
+    std::size_t number = 0;
+    for (; number < sources().size(); ++number)
+        benchmark::DoNotOptimize(show(cache, thumbnailer, number));
+    std::size_t shown = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        shown += show(cache, thumbnailer, cold ? number : number % sources().size()) ? 1U : 0U;
+        ++number;
+    }
+    state.counters["shown"] = static_cast<double>(shown);
+    state.SetItemsProcessed(state.iterations());
+}
+
+void thumbnailsCold(benchmark::State& state)
+{
+    showAll(state, true);
+}
+
+void thumbnailsCached(benchmark::State& state)
+{
+    showAll(state, false);
+}
+
+void thumbnailOfANewProcess(benchmark::State& state)
+{
+    for ([[maybe_unused]] auto _ : state) {
+        Thumbnailer thumbnailer(QUARRYNET_THUMBNAILS);
+        ThumbnailCache cache(1 << 20);
+        if (sources().empty() || !show(cache, thumbnailer, 0)) {
+            state.SkipWithError("no thumbnail could be made");
+            return;
+        }
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+} // namespace
+
+BENCHMARK(thumbnailsCold)->Iterations(1000)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(thumbnailsCached)->Iterations(100000)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK(thumbnailOfANewProcess)->Iterations(20)->Unit(benchmark::kMicrosecond)->UseRealTime();
