@@ -171,6 +171,8 @@ bool Main::load()
     setMinimumSize((kDesignWidth + 1) / 2, (kDesignHeight + 1) / 2);
     layout_->setHeight(kDesignHeight * FormLayout::kTwipsPerPixel);
     layout_->setWidth(kDesignWidth * FormLayout::kTwipsPerPixel);
+    sized_ = true;
+    layout_->apply();
 
     STI->halveColumns();
     SPS->halveColumns();
@@ -236,7 +238,9 @@ void Main::Form_Resize()
     if (!layout_)
         return;
     // A size without a ratio leaves the controls where they are; the minimum size keeps a person from reaching one.
-    if (!changeSize_.FormResize(*layout_))
+    const bool placed = !changeSize_.FormResize(*layout_);
+    // The start-up sizes the window several times, and each set of fonts costs time: the last one counts.
+    if (placed && sized_)
         layout_->apply();
 }
 

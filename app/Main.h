@@ -139,6 +139,7 @@ private:
 
     ChangeSize changeSize_;
     std::unique_ptr<FormLayout> layout_;
+    bool sized_ = false; // the start-up has come to the window's size
 };
 
 } // namespace quarrynet

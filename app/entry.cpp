@@ -7,6 +7,7 @@
 #include "app/Main.h"
 #include "app/Tour.h"
 #include "platform/ProgramFolder.h"
+#include "platform/ProgramStyle.h"
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
@@ -32,6 +33,7 @@ std::string manualPage()
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    QApplication::setStyle(new ProgramStyle);
     QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quarrynet"));
 

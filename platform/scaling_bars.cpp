@@ -60,20 +60,24 @@ void TabStrip::fit()
         return;
     fittedSize_ = size();
     fittedPoints_ = wantedPoints_;
-    // In half points: a whole one is a large step at the sizes at which the labels are tight.
-    for (int halves = 2 * wantedPoints_; halves >= 4; --halves) {
+    // In half points: a whole one is a large step at the sizes at which the labels are tight. Every size that is tried
+    // loads a font, so after the wanted one the search goes on at what its result calls for.
+    const int wanted = 2 * wantedPoints_;
+    for (int halves = wanted; halves >= 4;) {
         QFont smaller = font();
         smaller.setPointSizeF(halves / 2.0);
         setFont(smaller);
-        int width = 0;
-        int height = 0;
+        int needed = 1;
+        int high = 1;
         for (int i = 0; i < count(); ++i) {
             const QSize tab = QTabBar::tabSizeHint(i);
-            width += tab.width();
-            height = std::max(height, tab.height());
+            needed += tab.width();
+            high = std::max(high, tab.height());
         }
-        if (width <= this->width() && height <= this->height())
+        if (needed <= width() && high <= height())
             return;
+        const double share = std::min(static_cast<double>(width()) / needed, static_cast<double>(height()) / high);
+        halves = halves == wanted ? std::min(wanted - 1, static_cast<int>(wanted * share)) : halves - 1;
     }
 }
 
