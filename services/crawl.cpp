@@ -219,7 +219,7 @@ Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, s
     Outcome<IndexWriter> writer = IndexWriter::extend(dataFolder);
     if (!writer)
         return writer.failure();
-    const Outcome<Done> removed = writer->removeFileSite(base);
+    Outcome<Done> removed = writer->removeFileSite(base);
     if (!removed)
         return removed;
     const Outcome<std::int64_t> site = writer->addFileSite(base, time);
