@@ -195,6 +195,76 @@ std::string staleTagsBeforeNest()
     return joined({text, times(half, "<"), "<z>", times(half, ">")});
 }
 
+// The shortest name of this number: three bytes for the first ten million, without "<", ">" and the quote.
+std::string shortName(std::size_t number)
+{
+    static const std::string kLetters = [] {
+        std::string letters;
+        for (int byte = 0; byte < 256; ++byte) {
+            const char letter = static_cast<char>(byte);
+            if (letter != '<' && letter != '>' && letter != '"')
+                letters.push_back(letter);
+        }
+        return letters;
+    }();
+    std::string name;
+    do {
+        name.push_back(kLetters[number % kLetters.size()]);
+        number /= kLetters.size();
+    } while (number != 0);
+    return name;
+}
+
+std::string numbered(std::string_view before, std::string_view after)
+{
+    std::string text;
+    for (std::size_t i = 0; text.size() < kHostile; ++i)
+        text.append(before).append(shortName(i)).append(after);
+    return text;
+}
+
+std::string differentNests()
+{
+    return numbered("<<", ">");
+}
+
+std::string differentNestsWithTextBetween()
+{
+    return numbered("<a<", "> ");
+}
+
+std::string differentNestsWithOneLastTag()
+{
+    return numbered("<", "<>");
+}
+
+// All these "<" are looked up among the tags of earlier rounds.
+std::string differentDeepNests()
+{
+    return numbered("<", "<<<<<>");
+}
+
+// Every tag is a round of its own first, and then the end of a nest.
+std::string differentTagsThenNests()
+{
+    const std::string tags = numbered("<", ">");
+    std::string text = tags.substr(0, tags.rfind('<', kHostile / 2));
+    for (std::size_t i = 0; text.size() < kHostile; ++i)
+        text.append("<").append(shortName(2 * i)).append("<").append(shortName(i)).append(">");
+    return text;
+}
+
+// Every nest comes twice, and behind the first ones a part of each stays to end a further nest.
+std::string differentNestsTwice()
+{
+    std::string text;
+    for (std::size_t i = 0; text.size() < kHostile; ++i) {
+        const std::string name = shortName(i);
+        text.append("<<").append(name).append("><<<").append(name).append(">>");
+    }
+    return text;
+}
+
 void hostile(benchmark::State& state, std::string (*make)())
 {
     reduce(state, make());
@@ -226,3 +296,9 @@ HOSTILE(longTagBeforeNest);
 HOSTILE(manyTagsBeforeNest);
 HOSTILE(manyTagsBeforeManyNests);
 HOSTILE(staleTagsBeforeNest);
+HOSTILE(differentNests);
+HOSTILE(differentNestsWithTextBetween);
+HOSTILE(differentNestsWithOneLastTag);
+HOSTILE(differentDeepNests);
+HOSTILE(differentTagsThenNests);
+HOSTILE(differentNestsTwice);

@@ -1,14 +1,10 @@
 #include "search/page/tag_index.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstring>
 
 namespace quarrynet {
 
 namespace {
-
-constexpr std::size_t kFirstSlots = 64;
 
 // Any odd numbers without a pattern.
 constexpr std::uint64_t kLengthFactor = 0x9E3779B97F4A7C15;
@@ -23,41 +19,35 @@ std::uint64_t fold(std::uint64_t a, std::uint64_t b)
 
 } // namespace
 
-TagIndex::TagIndex(std::uint64_t seed) : seed_(seed), slots_(kFirstSlots) {}
+TagIndex::TagIndex(std::uint64_t seed) : seed_(seed) {}
 
 void TagIndex::expect(std::size_t count)
 {
     entries_.reserve(count);
-    slots_.assign(std::bit_ceil(std::max(kFirstSlots, count + count / 2)), Slot());
+    slots_.expect(count);
 }
 
 TagIndex::Key TagIndex::key(std::string_view text) const
 {
     const std::uint32_t hashed = hash(text);
-#ifdef __GNUC__
-    __builtin_prefetch(&slots_[hashed & (slots_.size() - 1)]);
-#endif
+    slots_.prefetch(hashed);
     return {text, hashed};
 }
 
-const TagIndex::Entry* TagIndex::find(std::string_view text) const
+const TagIndex::Entry* TagIndex::find(const Key& key) const
 {
-    const Slot& slot = slots_[slotOf({text, hash(text)})];
-    return slot.entry == 0 ? nullptr : &entries_[slot.entry - 1];
+    const std::uint32_t number = numberOf(key);
+    return number == HashSlots::kNone ? nullptr : &entries_[number - 1];
 }
 
 TagIndex::Entry& TagIndex::at(const Key& key)
 {
-    std::size_t at = slotOf(key);
-    if (slots_[at].entry == 0) {
-        if (3 * entries_.size() >= 2 * slots_.size()) {
-            grow();
-            at = slotOf(key);
-        }
-        entries_.push_back({key.text, 0, 0});
-        slots_[at] = {key.hash, static_cast<std::uint32_t>(entries_.size())};
-    }
-    return entries_[slots_[at].entry - 1];
+    const std::uint32_t number = numberOf(key);
+    if (number != HashSlots::kNone)
+        return entries_[number - 1];
+    entries_.push_back({key.text, 0, 0});
+    slots_.add(key.hash, static_cast<std::uint32_t>(entries_.size()));
+    return entries_.back();
 }
 
 std::uint32_t TagIndex::hash(std::string_view text) const
@@ -74,27 +64,9 @@ std::uint32_t TagIndex::hash(std::string_view text) const
     return static_cast<std::uint32_t>(hashed ^ (hashed >> 32));
 }
 
-std::size_t TagIndex::slotOf(const Key& key) const
+std::uint32_t TagIndex::numberOf(const Key& key) const
 {
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t at = key.hash & mask;
-    while (slots_[at].entry != 0 && (slots_[at].hash != key.hash || entries_[slots_[at].entry - 1].text != key.text))
-        at = (at + 1) & mask;
-    return at;
-}
-
-void TagIndex::grow()
-{
-    std::vector<Slot> slots(2 * slots_.size());
-    for (const Slot& slot : slots_) {
-        if (slot.entry == 0)
-            continue;
-        std::size_t at = slot.hash & (slots.size() - 1);
-        while (slots[at].entry != 0)
-            at = (at + 1) & (slots.size() - 1);
-        slots[at] = slot;
-    }
-    slots_ = std::move(slots);
+    return slots_.find(key.hash, [&](std::uint32_t number) { return entries_[number - 1].text == key.text; });
 }
 
 } // namespace quarrynet

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "search/page/hash_slots.h"
+
 namespace quarrynet {
 
 /// A hash table of tag texts, each with a small record. Made for hundreds of thousands of different tags of one page:
@@ -31,30 +33,23 @@ public:
     /// Makes room for about `count` entries in advance. Only while there are none.
     void expect(std::size_t count);
 
-    /// The key of `text`; its place in the table is fetched into the cache meanwhile. In a large table that is what a
-    /// look-up waits for, so many keys made in advance are looked up much faster.
+    /// The key of `text`; its place in the table is fetched into the cache meanwhile.
     Key key(std::string_view text) const;
 
-    /// The entry of `text`, or null. Valid until the next call of at().
-    const Entry* find(std::string_view text) const;
+    /// The entry of this text, or null. Valid until the next call of at().
+    const Entry* find(const Key& key) const;
+    const Entry* find(std::string_view text) const { return find(key(text)); }
 
-    /// The entry of `text`, made with both numbers 0 where it is missing. Valid until the next call of at().
+    /// The entry of this text, made with both numbers 0 where it is missing. Valid until the next call of at().
     Entry& at(const Key& key);
     Entry& at(std::string_view text) { return at(key(text)); }
 
 private:
-    struct Slot
-    {
-        std::uint32_t hash = 0;
-        std::uint32_t entry = 0; // its index and one; 0: free
-    };
-
     std::uint32_t hash(std::string_view text) const;
-    std::size_t slotOf(const Key& key) const;
-    void grow();
+    std::uint32_t numberOf(const Key& key) const;
 
     std::uint64_t seed_;
-    std::vector<Slot> slots_; // a power of two, at most two thirds of them taken
+    HashSlots slots_;
     std::vector<Entry> entries_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace quarrynet {
 
@@ -29,14 +30,23 @@ std::uint64_t append(std::uint64_t fingerprint, std::uint64_t base, char byte)
     return sum >= kPrime ? sum - kPrime : sum;
 }
 
+/// Neighbouring fingerprints lie at regular distances; as hashes they must not.
+std::uint32_t hashOf(std::uint64_t fingerprint)
+{
+    constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15; // any odd number without a pattern
+    const std::uint64_t hashed = multiply(fingerprint, fingerprint ^ (kFactor >> 3));
+    return static_cast<std::uint32_t>(hashed ^ (hashed >> 32));
+}
+
 } // namespace
 
 TagRemoval::TagRemoval(std::uint64_t base) : base_(base % kPrime), smallPowers_{1}, largePowers_{1}, index_(base) {}
 
-TagRemoval::Round TagRemoval::firstFrom(const std::vector<Round>& rounds, Round round)
+TagRemoval::Round TagRemoval::firstFrom(const ListPool<Round>::List& rounds, Round round) const
 {
-    const auto found = std::lower_bound(rounds.begin(), rounds.end(), round);
-    return found == rounds.end() ? kNever : *found;
+    const std::span<const Round> all = rounds_.of(rounds);
+    const auto found = std::lower_bound(all.begin(), all.end(), round);
+    return found == all.end() ? kNever : *found;
 }
 
 std::optional<std::string> TagRemoval::run(std::string_view text)
@@ -77,14 +87,15 @@ bool TagRemoval::closeTag(std::string_view segment)
     } else {
         text = segment.substr(open);
     }
-    const TagIndex::Entry* const last = index_.find(text);
+    const TagIndex::Key key = index_.key(text);
+    const TagIndex::Entry* const last = index_.find(key);
     if (last == nullptr)
-        return startRound(open == std::string_view::npos ? std::string_view() : segment);
+        return startRound(open == std::string_view::npos ? std::string_view() : segment, key.hash);
     if (open != std::string_view::npos)
         push(segment);
     const Match match = earliest(*last);
     if (match.round == kNever)
-        return startRound({});
+        return startRound({}, key.hash);
     if (match.nested != nullptr && std::string_view(out_).substr(opens_[match.open].at) != match.nested->text)
         return false;
     remove(match);
@@ -141,7 +152,8 @@ TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
     const LastTag& last = lastTags_[entryOfLast.more - 1];
     if (!inTime)
         best.round = firstFrom(last.later, arrivals_.back().round);
-    if (last.nested.empty() || top == 0)
+    const std::span<const NestedRound> nestedRounds = nestedRounds_.of(last.nested);
+    if (nestedRounds.empty() || top == 0)
         return best;
 
     // The bytes that stood here from the start are looked at this once.
@@ -154,12 +166,12 @@ TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
 
     // Those that arrived may be looked at again and again. First round by round: the rounds before the last arrival
     // are past for all of them, so this never goes back.
-    auto entry = std::lower_bound(last.nested.begin(), last.nested.end(), arrivalOf(arrived - 1),
+    auto entry = std::lower_bound(nestedRounds.begin(), nestedRounds.end(), arrivalOf(arrived - 1),
                                   [](const NestedRound& nested, Round round) { return nested.round < round; });
     for (std::size_t steps = 0; steps < arrived; ++steps, ++entry) {
-        if (entry == last.nested.end() || entry->round >= best.round)
+        if (entry == nestedRounds.end() || entry->round >= best.round)
             return best;
-        const NestedTag& tag = *entry->tag;
+        const NestedTag& tag = nestedTags_[entry->tag - 1];
         if (tag.opens > opens_.size())
             continue;
         const std::size_t open = opens_.size() - tag.opens;
@@ -177,48 +189,73 @@ TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
 
 void TagRemoval::consider(std::size_t open, Round arrived, Match& best)
 {
-    const auto found = nestedTags_.find(fingerprintFrom(opens_[open]));
-    if (found == nestedTags_.end() || opens_[open].at + found->second.text.size() != out_.size())
+    const std::uint32_t number = nestedTag(fingerprintFrom(opens_[open]));
+    if (number == HashSlots::kNone)
         return;
-    const Round round = firstFrom(found->second.rounds, arrived);
+    const NestedTag& tag = nestedTags_[number - 1];
+    if (opens_[open].at + tag.text.size() != out_.size())
+        return;
+    const Round round = firstFrom(tag.rounds, arrived);
     if (round < best.round)
-        best = {round, open, &found->second};
+        best = {round, open, &tag};
 }
 
-/// The text from the first open on, with `unread` behind it, becomes the tag of a new round. False when fingerprints
-/// misled.
-bool TagRemoval::startRound(std::string_view unread)
+/// The text from the first open on, with `unread` behind it, becomes the tag of a new round; its last tag has this
+/// hash. False when fingerprints misled.
+bool TagRemoval::startRound(std::string_view unread, std::uint32_t hashOfLast)
 {
+    const std::uint64_t print = appended(fingerprint_, unread);
+    nestedSlots_.prefetch(hashOf(print));
+    const std::size_t opens = opens_.size() + static_cast<std::size_t>(std::count(unread.begin(), unread.end(), '<'));
     std::string_view tag = unread;
     if (!opens_.empty()) {
-        tag = texts_.emplace_back(out_.substr(opens_.front().at).append(unread));
-        out_.resize(opens_.front().at);
+        const std::size_t begin = opens_.front().at;
+        tag = keep(std::string_view(out_).substr(begin), unread);
+        out_.resize(begin);
         opens_.clear();
         arrivals_.clear();
         fingerprint_ = 0;
     }
     ++round_;
     const std::size_t last = tag.rfind('<');
-    TagIndex::Entry& entry = index_.at(tag.substr(last));
+    TagIndex::Entry& entry = index_.at({tag.substr(last), hashOfLast});
     if (last == 0) {
         if (entry.first == 0)
             entry.first = round_;
         else
-            details(entry).later.push_back(round_);
+            rounds_.append(details(entry).later, round_);
         return true;
     }
-    const std::uint64_t print = fingerprint(tag);
-    NestedTag& nested = nestedTags_[print];
-    if (nested.text.empty()) {
-        nested.text = tag;
-        nested.opens = static_cast<std::size_t>(std::count(tag.begin(), tag.end(), '<'));
-        nested.fingerprint = print;
-    } else if (nested.text != tag) {
+    std::uint32_t number = nestedTag(print);
+    if (number == HashSlots::kNone) {
+        nestedTags_.push_back({tag, print, static_cast<std::uint32_t>(opens), {}});
+        number = static_cast<std::uint32_t>(nestedTags_.size());
+        nestedSlots_.add(hashOf(print), number);
+    } else if (nestedTags_[number - 1].text != tag) {
         return false;
     }
-    nested.rounds.push_back(round_);
-    details(entry).nested.push_back({round_, &nested});
+    rounds_.append(nestedTags_[number - 1].rounds, round_);
+    nestedRounds_.append(details(entry).nested, {round_, number});
     return true;
+}
+
+/// The two texts, one behind the other, where they stay in place.
+std::string_view TagRemoval::keep(std::string_view first, std::string_view second)
+{
+    constexpr std::size_t kTogether = 65536;
+    const std::size_t length = first.size() + second.size();
+    if (texts_.empty() || texts_.back().capacity() - texts_.back().size() < length)
+        texts_.emplace_back().reserve(std::max(kTogether, length));
+    std::string& texts = texts_.back();
+    texts.append(first).append(second);
+    return std::string_view(texts).substr(texts.size() - length);
+}
+
+/// The number of the tag with this fingerprint; HashSlots::kNone when there is none.
+std::uint32_t TagRemoval::nestedTag(std::uint64_t fingerprint) const
+{
+    return nestedSlots_.find(hashOf(fingerprint),
+                             [&](std::uint32_t number) { return nestedTags_[number - 1].fingerprint == fingerprint; });
 }
 
 void TagRemoval::remove(const Match& match)
@@ -253,12 +290,12 @@ TagRemoval::Round TagRemoval::arrivalOf(std::size_t open) const
     return std::prev(after)->round;
 }
 
-std::uint64_t TagRemoval::fingerprint(std::string_view text) const
+/// The fingerprint of a text with `text` behind it, from its own.
+std::uint64_t TagRemoval::appended(std::uint64_t fingerprint, std::string_view text) const
 {
-    std::uint64_t value = 0;
     for (const char byte : text)
-        value = append(value, base_, byte);
-    return value;
+        fingerprint = append(fingerprint, base_, byte);
+    return fingerprint;
 }
 
 std::uint64_t TagRemoval::fingerprintFrom(const Open& open)

@@ -5,9 +5,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "search/page/hash_slots.h"
+#include "search/page/list_pool.h"
 #include "search/page/tag_index.h"
 
 namespace quarrynet {
@@ -49,23 +50,24 @@ private:
     struct NestedTag // one with several "<"
     {
         std::string_view text;
-        std::size_t opens = 0;
-        std::uint64_t fingerprint = 0;
-        std::vector<Round> rounds; // in which it was removed, in order
+        std::uint64_t fingerprint;
+        std::uint32_t opens;
+        ListPool<Round>::List rounds; // in which it was removed, in order
     };
 
     struct NestedRound
     {
-        Round round;
-        const NestedTag* tag;
+        Round round = 0;
+        std::uint32_t tag = HashSlots::kNone;
+        bool operator==(const NestedRound&) const = default;
     };
 
     /// What is known of a last tag (a tag's last "<" and what follows) beyond its index entry. There, `first` is the
     /// first round in which it was a tag of its own, and `more` the number of this record; 0 for none.
     struct LastTag
     {
-        std::vector<Round> later;        // further rounds in which it was a tag of its own
-        std::vector<NestedRound> nested; // rounds of tags with several "<" that end with it
+        ListPool<Round>::List later;        // further rounds in which it was a tag of its own
+        ListPool<NestedRound>::List nested; // rounds of tags with several "<" that end with it
     };
 
     struct Open // a "<" whose ">" has not come yet
@@ -89,17 +91,19 @@ private:
 
     static constexpr Round kNever = 0xFFFFFFFF;
 
-    static Round firstFrom(const std::vector<Round>& rounds, Round round); // kNever when there is none
+    Round firstFrom(const ListPool<Round>::List& rounds, Round round) const; // kNever when there is none
     bool closeTag(std::string_view segment);
     void indexTags(std::string_view text);
     void push(std::string_view segment);
     Match earliest(const TagIndex::Entry& last);
     void consider(std::size_t open, Round arrived, Match& best);
-    bool startRound(std::string_view unread);
+    bool startRound(std::string_view unread, std::uint32_t hashOfLast);
+    std::string_view keep(std::string_view first, std::string_view second);
+    std::uint32_t nestedTag(std::uint64_t fingerprint) const;
     void remove(const Match& match);
     LastTag& details(TagIndex::Entry& entry);
     Round arrivalOf(std::size_t open) const;
-    std::uint64_t fingerprint(std::string_view text) const;
+    std::uint64_t appended(std::uint64_t fingerprint, std::string_view text) const;
     std::uint64_t fingerprintFrom(const Open& open);
     std::uint64_t power(std::size_t exponent);
 
@@ -116,8 +120,11 @@ private:
     std::size_t indexed_ = 0; // tags with a single "<" behind this are not noted yet; most pages never need them
     TagIndex index_;
     std::deque<LastTag> lastTags_;
-    std::unordered_map<std::uint64_t, NestedTag> nestedTags_;
-    std::deque<std::string> texts_; // of the tags that do not stand in the page as they are
+    HashSlots nestedSlots_;
+    std::deque<NestedTag> nestedTags_;
+    ListPool<Round> rounds_;
+    ListPool<NestedRound> nestedRounds_;
+    std::deque<std::string> texts_; // of the tags that do not stand in the page as they are, many to a string
 };
 
 } // namespace quarrynet
