@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <ctime>
+#include <sstream>
+
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/write.hpp>
 
 #include "services/markup.h"
 
@@ -11,59 +16,36 @@ namespace quarrynet::services {
 
 namespace {
 
-char lowerAscii(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+namespace http = boost::beast::http;
 
 std::string lowered(std::string_view text)
 {
     std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(), lowerAscii);
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return out;
 }
 
-/// A token of RFC 9110, section 5.6.2.
-bool isToken(std::string_view text)
+std::string_view viewOf(boost::beast::string_view text)
 {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        const char l = lowerAscii(c);
-        return (l >= 'a' && l <= 'z') || (c >= '0' && c <= '9') ||
-               std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
-    });
+    return {text.data(), text.size()};
 }
 
-std::string_view withoutBlanks(std::string_view text)
+/// Line ends are left out: they end a line.
+bool isControl(char c)
 {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-        text.remove_suffix(1);
-    return text;
+    return (static_cast<unsigned char>(c) < 0x20 && c != '\r' && c != '\n') || c == '\x7f';
 }
 
-/// Takes one line off the front of `text`, without its end; nothing when no line end has arrived.
-std::optional<std::string_view> takeLine(std::string_view& text)
+/// Whether the third word of a request line is a version of HTTP that is not spoken here: nothing of that line is known
+/// to the parser, which has refused it.
+bool namesOtherVersion(std::string_view line)
 {
-    const std::size_t end = text.find('\n');
-    if (end == std::string_view::npos)
-        return std::nullopt;
-    std::string_view line = text.substr(0, end);
-    if (!line.empty() && line.back() == '\r')
-        line.remove_suffix(1);
-    text.remove_prefix(end + 1);
-    return line;
-}
-
-std::optional<HttpResponse> checkVersion(std::string_view version)
-{
-    const bool wellFormed = version.size() == 8 && version.substr(0, 5) == "HTTP/" && version[5] >= '0' &&
-                            version[5] <= '9' && version[6] == '.' && version[7] >= '0' && version[7] <= '9';
-    if (!wellFormed)
-        return errorResponse(400, "The request line does not end in an HTTP version.");
-    if (version[5] != '1')
-        return errorResponse(505, "This server speaks HTTP/1.0 and HTTP/1.1.");
-    return std::nullopt;
+    const std::size_t target = line.find(' ') + 1;
+    const std::string_view version = line.substr(std::min(line.find(' ', target), line.size() - 1) + 1, 8);
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isDigit(version[5]) && version[6] == '.' &&
+           isDigit(version[7]) && version != "HTTP/1.0" && version != "HTTP/1.1";
 }
 
 /// Splits the request target (RFC 9112, section 3.2) into the request's host, path and query.
@@ -92,83 +74,24 @@ std::optional<HttpResponse> readTarget(std::string_view target, HttpRequest& req
     return std::nullopt;
 }
 
-std::optional<HttpResponse> readRequestLine(std::string_view line, HttpRequest& request, bool& hostRequired)
-{
-    const std::size_t first = line.find(' ');
-    const std::size_t last = line.rfind(' ');
-    if (first == std::string_view::npos || first == last || !isToken(line.substr(0, first)))
-        return errorResponse(400, "The request line is not a method, a target and a version.");
-    request.method = std::string(line.substr(0, first));
-    const std::string_view version = line.substr(last + 1);
-    if (auto refusal = checkVersion(version))
-        return refusal;
-    hostRequired = version != "HTTP/1.0";
-    const std::string_view target = line.substr(first + 1, last - first - 1);
-    if (target.find_first_of(" \r") != std::string_view::npos)
-        return errorResponse(400, "The request target holds a blank.");
-    return readTarget(target, request);
-}
-
-/// The current time as RFC 9110, section 5.6.7 wants it, whatever the locale.
+/// The current time as RFC 9110, section 5.6.7 wants it. The program never leaves the "C" locale.
 std::string httpDate()
 {
-    constexpr std::array<const char*, 7> kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::time_t now = std::time(nullptr);
     std::tm parts{};
     gmtime_r(&now, &parts);
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%s, %02d %s %04d %02d:%02d:%02d GMT",
-                  kDays[static_cast<std::size_t>(parts.tm_wday)], parts.tm_mday,
-                  kMonths[static_cast<std::size_t>(parts.tm_mon)], parts.tm_year + 1900, parts.tm_hour, parts.tm_min,
-                  parts.tm_sec);
-    return text.data();
+    return {text.data(), std::strftime(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S GMT", &parts)};
 }
 
 } // namespace
-
-std::string_view reasonPhrase(int status)
-{
-    switch (status) {
-    case 200:
-        return "OK";
-    case 304:
-        return "Not Modified";
-    case 400:
-        return "Bad Request";
-    case 403:
-        return "Forbidden";
-    case 404:
-        return "Not Found";
-    case 405:
-        return "Method Not Allowed";
-    case 408:
-        return "Request Timeout";
-    case 414:
-        return "URI Too Long";
-    case 421:
-        return "Misdirected Request";
-    case 431:
-        return "Request Header Fields Too Large";
-    case 500:
-        return "Internal Server Error";
-    case 501:
-        return "Not Implemented";
-    case 503:
-        return "Service Unavailable";
-    case 505:
-        return "HTTP Version Not Supported";
-    default:
-        return "Unknown";
-    }
-}
 
 HttpResponse errorResponse(int status, std::string_view text)
 {
     HttpResponse response;
     response.status = status;
-    const std::string title = std::to_string(status) + " " + std::string(reasonPhrase(status));
+    const std::string title =
+        std::to_string(status) + " " + std::string(viewOf(http::obsolete_reason(static_cast<http::status>(status))));
     response.body = "<!DOCTYPE html>\n<html lang=\"en\"><head><title>" + title + "</title></head>\n<body><h1>" + title +
                     "</h1>\n<div>" + escapeText(text) + "</div></body></html>\n";
     if (status == 405)
@@ -176,61 +99,102 @@ HttpResponse errorResponse(int status, std::string_view text)
     return response;
 }
 
-HeadState readRequestHead(std::string_view received)
+class RequestReader::Parser
 {
-    std::string_view rest = received;
-    // A client may send an empty line before its request (RFC 9112, section 2.2).
-    while (rest.substr(0, 2) == "\r\n" || rest.substr(0, 1) == "\n")
-        takeLine(rest);
-    const std::optional<std::string_view> line = takeLine(rest);
-    if (!line) {
-        if (received.size() > kMaxRequestLine)
+public:
+    Parser()
+    {
+        parser_.skip(true); // no request that is answered here has a body
+        parser_.header_limit(kMaxHead);
+    }
+
+    HeadState take(std::string_view piece)
+    {
+        append(piece);
+        if ((lineSize_ > 0 ? lineSize_ : received_.size()) > kMaxRequestLine)
             return errorResponse(414, "The request line is too long.");
-        return HeadIncomplete{};
-    }
-    if (line->size() > kMaxRequestLine)
-        return errorResponse(414, "The request line is too long.");
-
-    HttpRequest request;
-    bool hostRequired = true;
-    if (auto refusal = readRequestLine(*line, request, hostRequired))
-        return *refusal;
-
-    std::size_t hosts = 0;
-    for (std::size_t fields = 0;; ++fields) {
-        const std::optional<std::string_view> field = takeLine(rest);
-        if (fields > kMaxFields || received.size() - rest.size() > kMaxHead || (!field && received.size() > kMaxHead))
-            return errorResponse(431, "The request's header is too large.");
-        if (!field)
+        boost::beast::error_code error;
+        parsed_ += parser_.put(boost::asio::buffer(received_) + parsed_, error);
+        if (error == http::error::need_more)
             return HeadIncomplete{};
-        if (field->empty())
-            break;
-        const std::size_t colon = field->find(':');
-        if (colon == std::string_view::npos || !isToken(field->substr(0, colon)))
-            return errorResponse(400, "A header line is not a name, a colon and a value.");
-        if (lowered(field->substr(0, colon)) != "host")
-            continue;
-        ++hosts;
-        // The absolute form's host goes before the field's (RFC 9112, section 3.2.2).
-        if (!request.absoluteForm)
-            request.host = hostOfAuthority(withoutBlanks(field->substr(colon + 1)));
+        if (error == http::error::header_limit)
+            return errorResponse(431, "The request's header is too large.");
+        if (error == http::error::bad_version && namesOtherVersion(received_))
+            return errorResponse(505, "This server speaks HTTP/1.0 and HTTP/1.1.");
+        if (error)
+            return errorResponse(400, "The request is not well formed: " + error.message() + ".");
+        return readMessage(parser_.get());
     }
-    if (hosts > 1 || (hosts == 0 && hostRequired))
-        return errorResponse(400, "The request needs exactly one Host line.");
-    return request;
+
+    bool empty() const { return received_.empty(); }
+
+private:
+    void append(std::string_view piece)
+    {
+        for (const char c : piece) {
+            if (received_.empty() && (c == '\r' || c == '\n'))
+                continue;
+            // The parser would refuse control bytes in the target, and keywords that were pasted may have them.
+            if (lineSize_ == 0 && inTarget_ && isControl(c))
+                received_ += encodeComponent({&c, 1});
+            else
+                received_.push_back(c);
+            inTarget_ = inTarget_ || c == ' ';
+            if (c == '\n' && lineSize_ == 0)
+                lineSize_ = received_.size();
+        }
+    }
+
+    static HeadState readMessage(const http::request<http::empty_body>& message)
+    {
+        if (std::distance(message.begin(), message.end()) > static_cast<std::ptrdiff_t>(kMaxFields))
+            return errorResponse(431, "The request's header is too large.");
+        HttpRequest request;
+        request.method = std::string(viewOf(message.method_string()));
+        request.host = hostOfAuthority(viewOf(message[http::field::host]));
+        // The absolute form's host goes before the field's (RFC 9112, section 3.2.2).
+        if (auto refusal = readTarget(viewOf(message.target()), request))
+            return *refusal;
+        const std::size_t hosts = message.count(http::field::host);
+        if (hosts > 1 || (hosts == 0 && message.version() >= 11))
+            return errorResponse(400, "The request needs exactly one Host line.");
+        return request;
+    }
+
+    std::string received_;
+    bool inTarget_ = false;    ///< or behind it
+    std::size_t lineSize_ = 0; ///< of the request line with its end; 0 while that has not arrived
+    std::size_t parsed_ = 0;
+    http::request_parser<http::empty_body> parser_;
+};
+
+RequestReader::RequestReader() : parser_(std::make_unique<Parser>()) {}
+
+RequestReader::~RequestReader() = default;
+
+HeadState RequestReader::take(std::string_view piece)
+{
+    return parser_->take(piece);
+}
+
+bool RequestReader::empty() const
+{
+    return parser_->empty();
 }
 
 std::string responseBytes(const HttpResponse& response, bool headOnly)
 {
-    std::string bytes = "HTTP/1.1 " + std::to_string(response.status) + " ";
-    bytes += reasonPhrase(response.status);
-    bytes += "\r\nDate: " + httpDate();
-    bytes += "\r\nContent-Type: " + response.contentType;
-    bytes += "\r\nContent-Length: " + std::to_string(response.body.size());
-    bytes += "\r\nX-Content-Type-Options: nosniff\r\nConnection: close\r\n";
+    http::response<http::empty_body> message(static_cast<http::status>(response.status), 11);
+    message.set(http::field::date, httpDate());
+    message.set(http::field::content_type, response.contentType);
+    message.content_length(response.body.size());
+    message.set("X-Content-Type-Options", "nosniff");
+    message.keep_alive(false);
     for (const auto& [name, value] : response.fields)
-        bytes.append(name).append(": ").append(value).append("\r\n");
-    bytes += "\r\n";
+        message.insert(name, value);
+    std::ostringstream head;
+    head << message.base();
+    std::string bytes = head.str();
     if (!headOnly)
         bytes += response.body;
     return bytes;

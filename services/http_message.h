@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,9 +9,9 @@
 #include <variant>
 #include <vector>
 
-/// HTTP/1.1 messages as bytes, apart from sockets (RFC 9110, RFC 9112). Written for this project and not taken from a
-/// library because the requests that arrive here carry what people typed without any escaping: a "#", a "&" or a "?"
-/// in the keywords belongs to them, and a library would end or split the query there.
+/// HTTP/1.1 messages as bytes, apart from sockets (RFC 9110, RFC 9112). Boost.Beast reads and writes them, because it
+/// hands out the request target as it was sent: the requests that arrive here carry what people typed without any
+/// escaping, and a "#", a "&" or a "?" in the keywords belongs to them.
 namespace quarrynet::services {
 
 struct HttpRequest
@@ -35,9 +36,6 @@ inline constexpr std::size_t kMaxRequestLine = 16 * 1024;
 inline constexpr std::size_t kMaxHead = 64 * 1024;
 inline constexpr std::size_t kMaxFields = 100;
 
-/// The standard's phrase for a status code, such as "Not Found"; "Unknown" for one that is never sent here.
-std::string_view reasonPhrase(int status);
-
 /// A short page that says what was wrong. `text` is plain text.
 HttpResponse errorResponse(int status, std::string_view text);
 
@@ -46,10 +44,28 @@ struct HeadIncomplete
 {};
 using HeadState = std::variant<HeadIncomplete, HttpRequest, HttpResponse>;
 
-/// Reads a request head from the beginning of what has arrived: not there yet, a request, or the answer that refuses it
-/// (400, 414, 431, 501, 505). Lines may end in CR LF or in LF alone (RFC 9112, section 2.2). Bytes of the
-/// request target are taken as they are, blanks and line ends excepted.
-HeadState readRequestHead(std::string_view received);
+/// Reads one request head, piece by piece as it arrives.
+class RequestReader
+{
+public:
+    RequestReader();
+    ~RequestReader();
+    RequestReader(const RequestReader&) = delete;
+    RequestReader& operator=(const RequestReader&) = delete;
+
+    /// What all pieces up to this one make: not all there yet, a request, or the answer that refuses it (400, 414, 431,
+    /// 501, 505). The last two are final. What follows the head is left out. Lines end in CR LF, and empty ones before
+    /// the request do not count (RFC 9112, section 2.2). The target's bytes are taken as they are, but for control
+    /// bytes, which come out escaped (a tab as "%09"); blanks and a lone CR are refused.
+    HeadState take(std::string_view piece);
+
+    /// Whether nothing of a request has arrived.
+    bool empty() const;
+
+private:
+    class Parser;
+    std::unique_ptr<Parser> parser_;
+};
 
 /// The whole response: status line, Content-Length and "Connection: close" fields, and the body unless `headOnly`.
 /// Nothing is chunked or compressed: the reader takes everything up to the connection's end.

@@ -11,9 +11,9 @@
 
 namespace quarrynet::services {
 
-/// A small HTTP server: one thread moves the bytes of all connections, a few others make the answers. Each connection
-/// carries one request and is closed after its answer, whatever the request asks for, because the connection's end is
-/// what tells the program that the page is complete.
+/// A small HTTP server over Boost.Asio: one thread moves the bytes of all connections, a few others make the answers.
+/// Each connection carries one request and is closed after its answer, whatever the request asks for, because the
+/// connection's end is what tells the program that the page is complete.
 class HttpServer
 {
 public:
@@ -26,7 +26,7 @@ public:
         std::chrono::milliseconds requestTime = std::chrono::seconds(15);
         /// For each further piece of the answer to be taken.
         std::chrono::milliseconds writeTime = std::chrono::seconds(30);
-        /// Further ones wait in the system's queue.
+        /// About so many; further ones wait in the system's queue.
         std::size_t connections = 256;
         unsigned workers = 4;
     };
@@ -43,6 +43,7 @@ public:
         std::string message;
     };
 
+    /// Throws std::system_error when the system has no descriptors left.
     HttpServer();
     explicit HttpServer(Limits limits);
     ~HttpServer();
@@ -52,11 +53,14 @@ public:
     /// Listens at the numeric IPv4 `address`; port 0 picks a free one. The port, or why not. Before run() only.
     std::variant<std::uint16_t, Refusal> listen(const std::string& address, std::uint16_t port, Handler handler);
 
-    /// Serves until stop(). False when the system refuses what serving takes.
+    /// From now on SIGINT and SIGTERM are a stop() instead of the program's end.
+    void stopOnSignals();
+
+    /// Serves until stop(), at once or later, and once only. False when the system refuses what serving takes.
     bool run();
 
-    /// Ends run() soon: answers under way are cut off. From any thread, and from a signal handler.
-    void stop() noexcept;
+    /// Ends run() soon: answers under way are cut off. From any thread, but not from a signal handler.
+    void stop();
 
 private:
     class Loop;

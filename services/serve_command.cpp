@@ -20,25 +20,6 @@ namespace quarrynet::services {
 
 namespace {
 
-HttpServer* runningServer = nullptr;
-
-void endServer(int)
-{
-    runningServer->stop();
-}
-
-void installSignals(HttpServer& server)
-{
-    runningServer = &server;
-    struct sigaction action
-    {};
-    action.sa_handler = endServer;
-    ::sigaction(SIGTERM, &action, nullptr);
-    ::sigaction(SIGINT, &action, nullptr);
-    action.sa_handler = SIG_IGN;
-    ::sigaction(SIGPIPE, &action, nullptr);
-}
-
 /// How to let this program listen below port 1024.
 void explainPermission(std::uint16_t port)
 {
@@ -153,7 +134,8 @@ int runServe(const Options& options)
         std::fprintf(stderr, "quarrynet-services: the proxy cannot listen: %s\n", refusal->message.c_str());
         return 1;
     }
-    installSignals(server);
+    server.stopOnSignals();
+    std::signal(SIGPIPE, SIG_IGN);
     std::printf("quarrynet-services: ready");
     for (const Service& service : services)
         std::printf(" %s=%s", service.name, service.address.empty() ? "-" : service.address.c_str());

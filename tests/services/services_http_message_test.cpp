@@ -13,7 +13,7 @@ namespace {
 HttpRequest requestOf(std::string_view bytes)
 {
     const ExactCopy copy(bytes);
-    const HeadState state = readRequestHead(copy.view());
+    const HeadState state = RequestReader().take(copy.view());
     const auto* request = std::get_if<HttpRequest>(&state);
     EXPECT_NE(request, nullptr) << bytes;
     return request == nullptr ? HttpRequest() : *request;
@@ -23,7 +23,7 @@ HttpRequest requestOf(std::string_view bytes)
 int refusalOf(std::string_view bytes)
 {
     const ExactCopy copy(bytes);
-    const HeadState state = readRequestHead(copy.view());
+    const HeadState state = RequestReader().take(copy.view());
     if (const auto* response = std::get_if<HttpResponse>(&state))
         return response->status;
     return std::holds_alternative<HttpRequest>(state) ? 0 : -1;
@@ -36,7 +36,7 @@ std::string lineRequest(const std::string& line)
 
 } // namespace
 
-TEST(ReadRequestHead, ReadsTheProgramsDirectRequest)
+TEST(RequestReader, ReadsTheProgramsDirectRequest)
 {
     const HttpRequest request = requestOf(
         "GET /search?num=30&hl=en&filter=0&safe=off&q=red++apple HTTP/1.1\r\nHOST: 127.80.0.1\r\n"
@@ -48,7 +48,7 @@ TEST(ReadRequestHead, ReadsTheProgramsDirectRequest)
     EXPECT_FALSE(request.absoluteForm);
 }
 
-TEST(ReadRequestHead, ReadsTheAbsoluteForm)
+TEST(RequestReader, ReadsTheAbsoluteForm)
 {
     const HttpRequest request = requestOf(lineRequest("GET http://Some.Host:8080//a/b?c HTTP/1.1"));
     EXPECT_TRUE(request.absoluteForm);
@@ -60,21 +60,76 @@ TEST(ReadRequestHead, ReadsTheAbsoluteForm)
     EXPECT_EQ(requestOf(lineRequest("GET http://user:pw@h:1/ HTTP/1.0")).host, "h");
 }
 
-TEST(ReadRequestHead, BytesThatWereTypedAreKeptAsTheyAre)
+TEST(RequestReader, BytesThatWereTypedAreKeptAsTheyAre)
 {
-    EXPECT_EQ(requestOf(lineRequest("GET /search?q=c#&a?b%zz\xff\xc3\xa9\"<>\t HTTP/1.1")).query,
-              "q=c#&a?b%zz\xff\xc3\xa9\"<>\t");
-    EXPECT_EQ(requestOf(lineRequest("GET /s?q=a" + std::string(1, '\0') + "b HTTP/1.1")).query,
-              "q=a" + std::string(1, '\0') + "b");
+    EXPECT_EQ(requestOf(lineRequest("GET /search?q=c#&a?b%zz\xff\xc3\xa9\"<> HTTP/1.1")).query,
+              "q=c#&a?b%zz\xff\xc3\xa9\"<>");
+    for (int byte = 0x21; byte < 0x100; ++byte) {
+        std::string typed = "a_b";
+        typed[1] = static_cast<char>(byte);
+        if (byte != 0x7f) {
+            EXPECT_EQ(requestOf(lineRequest("GET /s?q=" + typed + " HTTP/1.1")).query, "q=" + typed) << byte;
+        }
+    }
 }
 
-TEST(ReadRequestHead, LinesMayEndInLfAndBeginWithAnEmptyLine)
+TEST(RequestReader, ControlBytesInTheTargetAreEscaped)
 {
-    EXPECT_EQ(requestOf("\r\nGET / HTTP/1.1\nHost: h\n\n").host, "h");
+    EXPECT_EQ(requestOf(lineRequest("GET /s?q=red\tapple HTTP/1.1")).query, "q=red%09apple");
+    EXPECT_EQ(requestOf(lineRequest("GET /\x01\x1f\x7f"s + '\0' + "?\x02 HTTP/1.1")).path, "/%01%1F%7F%00");
+    for (int byte = 0; byte < 0x20; ++byte) {
+        std::string target = "/a_b";
+        target[2] = static_cast<char>(byte);
+        EXPECT_EQ(refusalOf(lineRequest("GET " + target + " HTTP/1.1")), byte == '\r' || byte == '\n' ? 400 : 0)
+            << byte;
+    }
+    EXPECT_EQ(requestOf("GET / HTTP/1.1\r\nHost:\th\t\r\n\r\n").host, "h");
+    EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost: a\x01\r\n\r\n"), 400);
+    EXPECT_EQ(refusalOf(lineRequest("GET\t/ HTTP/1.1")), 400);
+    EXPECT_EQ(refusalOf(lineRequest("GET / HTTP/1.1\t")), 400);
+}
+
+TEST(RequestReader, EmptyLinesBeforeTheRequestDoNotCount)
+{
+    EXPECT_EQ(requestOf("\r\n\nGET / HTTP/1.1\r\nHost: h\r\n\r\n").host, "h");
+    EXPECT_EQ(refusalOf("\r\n\r\n"), -1);
     EXPECT_EQ(requestOf("GET / HTTP/1.0\r\n\r\n").host, "");
 }
 
-TEST(ReadRequestHead, EveryBeginningIsIncomplete)
+TEST(RequestReader, LinesThatEndInLfAloneAreRefused)
+{
+    EXPECT_EQ(refusalOf("GET / HTTP/1.1\nHost: h\n\n"), 400);
+}
+
+TEST(RequestReader, EmptyUntilAByteOfARequestHasCome)
+{
+    RequestReader reader;
+    EXPECT_TRUE(reader.empty());
+    EXPECT_TRUE(std::holds_alternative<HeadIncomplete>(reader.take("")));
+    EXPECT_TRUE(std::holds_alternative<HeadIncomplete>(reader.take("\r\n")));
+    EXPECT_TRUE(reader.empty());
+    EXPECT_TRUE(std::holds_alternative<HeadIncomplete>(reader.take("G")));
+    EXPECT_FALSE(reader.empty());
+}
+
+TEST(RequestReader, RequestIsTheSameAtEverySplit)
+{
+    const std::string whole = lineRequest("GET http://a.b/s?q=\"c#\t% HTTP/1.1");
+    for (std::size_t first = 0; first <= whole.size(); ++first) {
+        for (std::size_t second = first; second < whole.size(); ++second) {
+            RequestReader reader;
+            ASSERT_TRUE(std::holds_alternative<HeadIncomplete>(reader.take(ExactCopy(whole.substr(0, first)).view())));
+            ASSERT_TRUE(std::holds_alternative<HeadIncomplete>(
+                reader.take(ExactCopy(whole.substr(first, second - first)).view())));
+            const HeadState state = reader.take(ExactCopy(whole.substr(second)).view());
+            const auto* request = std::get_if<HttpRequest>(&state);
+            ASSERT_NE(request, nullptr) << first << " " << second;
+            EXPECT_EQ(request->query, "q=\"c#%09%");
+        }
+    }
+}
+
+TEST(RequestReader, EveryBeginningIsIncomplete)
 {
     const std::string whole = lineRequest("GET /search?q=a HTTP/1.1");
     for (std::size_t size = 0; size < whole.size(); ++size)
@@ -82,7 +137,7 @@ TEST(ReadRequestHead, EveryBeginningIsIncomplete)
     EXPECT_EQ(refusalOf(whole), 0);
 }
 
-TEST(ReadRequestHead, MalformedRequestsAreRefused)
+TEST(RequestReader, MalformedRequestsAreRefused)
 {
     EXPECT_EQ(refusalOf(lineRequest("")), 400);
     EXPECT_EQ(refusalOf(lineRequest("GET")), 400);
@@ -96,14 +151,22 @@ TEST(ReadRequestHead, MalformedRequestsAreRefused)
     EXPECT_EQ(refusalOf(lineRequest("GET http:/// HTTP/1.1")), 400);
     EXPECT_EQ(refusalOf(lineRequest("CONNECT h:443 HTTP/1.1")), 501);
     EXPECT_EQ(refusalOf(lineRequest("GET / HTTP/2.0")), 505);
+    EXPECT_EQ(refusalOf(lineRequest("GET / HTTP/1.2")), 505);
+    EXPECT_EQ(refusalOf(lineRequest("GET /  HTTP/2.0")), 400);
     EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\n\r\n"), 400);
     EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost: a\r\nHost: b\r\n\r\n"), 400);
     EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost: a\r\nno colon\r\n\r\n"), 400);
     EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost : a\r\n\r\n"), 400);
-    EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost: a\r\n folded\r\n\r\n"), 400);
+    EXPECT_EQ(refusalOf("GET / HTTP/1.1\r\nHost: a\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\n"), 400);
 }
 
-TEST(ReadRequestHead, LinesAndHeadersAreBounded)
+TEST(RequestReader, FoldedLineIsOneValue)
+{
+    // RFC 9112, section 5.2: refused, or read as with a blank in place of the fold. This host is nobody's.
+    EXPECT_EQ(requestOf("GET / HTTP/1.1\r\nHost: a\r\n folded\r\n\r\n").host, "a folded");
+}
+
+TEST(RequestReader, LinesAndHeadersAreBounded)
 {
     EXPECT_EQ(refusalOf("GET /" + std::string(kMaxRequestLine, 'a')), 414);
     EXPECT_EQ(refusalOf(lineRequest("GET /" + std::string(kMaxRequestLine, 'a') + " HTTP/1.1")), 414);
@@ -114,10 +177,18 @@ TEST(ReadRequestHead, LinesAndHeadersAreBounded)
     for (std::size_t i = 0; i < kMaxFields + 1; ++i)
         many += "X: y\r\n";
     EXPECT_EQ(refusalOf(many + "\r\n"), 431);
+    for (std::size_t size = kMaxHead - 100; size <= kMaxHead; ++size) {
+        const std::string filling(size, 'a');
+        for (const std::string& field : {"X: " + filling, filling + ":"}) {
+            const int status = refusalOf("GET / HTTP/1.1\r\n" + field + "\r\nHost: h\r\n\r\n");
+            EXPECT_TRUE(status == 0 || status == 431) << size << ": " << status;
+        }
+    }
+    EXPECT_EQ(refusalOf(lineRequest("POST / HTTP/1.1\r\nContent-Length: 18446744073709551615")), 0);
     EXPECT_EQ(refusalOf(lineRequest("GET /" + std::string(8000, 'a') + " HTTP/1.1")), 0);
 }
 
-TEST(ReadRequestHead, RandomBytesNeverFail)
+TEST(RequestReader, RandomBytesNeverFail)
 {
     std::mt19937 random(7);
     const std::string alphabet = "GET /?: HTP1.\r\n\r\nhost\0\xff"s;

@@ -1,3 +1,4 @@
+#include <atomic>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -165,6 +166,76 @@ TEST(HttpServer, MoreClientsThanConnectionsAreAllServed)
         EXPECT_EQ(statusOf(client->receiveAll()), "200");
         client.reset();
     }
+}
+
+TEST(HttpServer, StalledClientsMakeRoomForOthers)
+{
+    HttpServer::Limits limits;
+    limits.connections = 2;
+    limits.requestTime = std::chrono::milliseconds(30);
+    const RunningServer server(echo, limits);
+    const RawClient silent("127.0.0.1", server.port());
+    const RawClient stalled("127.0.0.1", server.port());
+    stalled.send("GET /");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+    EXPECT_EQ(silent.receiveAll(), "");
+    EXPECT_EQ(statusOf(stalled.receiveAll()), "408");
+}
+
+TEST(HttpServer, ClientThatDoesNotReadMakesRoomForOthers)
+{
+    HttpServer::Limits limits;
+    limits.connections = 1;
+    limits.writeTime = std::chrono::milliseconds(30);
+    const RunningServer server(
+        [](const HttpRequest& request) {
+            HttpResponse response;
+            response.body = std::string(request.path == "/large" ? 64 * 1024 * 1024 : 1, 'x');
+            return response;
+        },
+        limits);
+    const RawClient idle("127.0.0.1", server.port());
+    idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+    EXPECT_LT(idle.receiveAll().size(), 64U * 1024 * 1024);
+}
+
+TEST(HttpServer, BytesOfTheTargetReachTheHandlerAsSent)
+{
+    const RunningServer server(echo);
+    const std::string target = "/a\\{b}?q=\"c#\"+%zz&<\xff\xc3\xa9>?#";
+    const std::string answer = server.ask("GET " + target + " HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(answer.substr(answer.find("\r\n\r\n") + 4), target);
+}
+
+TEST(HttpServer, StopWhileAnswersAreBeingMade)
+{
+    std::atomic<int> begun = 0;
+    std::vector<std::unique_ptr<RawClient>> clients;
+    {
+        const RunningServer server([&begun](const HttpRequest& request) {
+            ++begun;
+            begun.notify_all();
+            return echo(request);
+        });
+        for (int i = 0; i < 50; ++i) {
+            clients.push_back(std::make_unique<RawClient>("127.0.0.1", server.port()));
+            clients.back()->send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+        }
+        begun.wait(0);
+    }
+    for (const auto& client : clients) {
+        const std::string status = statusOf(client->receiveAll());
+        EXPECT_TRUE(status.empty() || status == "200") << status;
+    }
+}
+
+TEST(HttpServer, StopBeforeItRunsEndsItAtOnce)
+{
+    HttpServer server;
+    ASSERT_TRUE(std::holds_alternative<std::uint16_t>(server.listen("127.0.0.1", 0, echo)));
+    server.stop();
+    EXPECT_TRUE(server.run());
 }
 
 TEST(HttpServer, PortInUseAndBadAddressAreRefused)

@@ -53,7 +53,7 @@ protected:
 
     HttpResponse ask(const std::string& bytes, Route route)
     {
-        const HeadState head = readRequestHead(ExactCopy(bytes).view());
+        const HeadState head = RequestReader().take(ExactCopy(bytes).view());
         const auto* request = std::get_if<HttpRequest>(&head);
         if (request == nullptr)
             return std::get<HttpResponse>(head);

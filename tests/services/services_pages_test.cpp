@@ -68,7 +68,7 @@ protected:
     /// The body of the answer to a request of the program's.
     std::string fetch(const std::string& host, Route route, const std::string& bytes)
     {
-        const HeadState head = readRequestHead(ExactCopy(bytes).view());
+        const HeadState head = RequestReader().take(ExactCopy(bytes).view());
         const auto* request = std::get_if<HttpRequest>(&head);
         EXPECT_NE(request, nullptr) << bytes;
         if (request == nullptr)
