@@ -53,8 +53,11 @@ void ImageSearch::clearView()
 
 void ImageSearch::showPage(std::string_view name)
 {
-    // The page's pictures travel as its request did.
-    const Endpoint proxy = route() == Route::Proxy ? searchWindow().proxy() : Endpoint{};
+    // The page's pictures travel as its request did. A proxy without a usable host or port leads nowhere (RFC 2606
+    // reserves the name for that); for the view, none would mean the direct way.
+    Endpoint proxy = route() == Route::Proxy ? searchWindow().proxy() : Endpoint{};
+    if (route() == Route::Proxy && (proxy.host.empty() || proxy.port < 1))
+        proxy = {"proxy.invalid", 9};
     ui_->IMGViewer->setProxy(toText(proxy.host), static_cast<quint16>(proxy.port));
     ui_->IMGViewer->navigate(toText(pathInFolder(searchWindow().programFolder(), name)));
 }
