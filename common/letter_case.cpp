@@ -1,7 +1,6 @@
 #include "common/letter_case.h"
 
 #include <cstddef>
-#include <cstdint>
 
 #ifdef _WIN32
 #include <algorithm>
@@ -14,6 +13,8 @@
 #ifdef __APPLE__
 #include <xlocale.h>
 #endif
+
+#include "common/utf8.h"
 
 namespace quarrynet {
 
@@ -74,66 +75,6 @@ char32_t lower(char32_t letter)
     return static_cast<char32_t>(::towlower_l(static_cast<wint_t>(letter), letters()));
 }
 
-struct Decoded
-{
-    char32_t letter;
-    std::size_t length;
-};
-
-/// The letter that `text` begins with: not empty, its first byte not ASCII.
-Decoded decode(std::string_view text)
-{
-    const auto byteAt = [text](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned char lead = byteAt(0);
-    const Decoded asLatin1{lead, 1};
-    std::size_t length = 0;
-    char32_t letter = 0;
-    char32_t least = 0; // smaller ones must be written shorter
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2;
-        letter = lead & 0x1FU;
-        least = 0x80;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        letter = lead & 0x0FU;
-        least = 0x800;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        letter = lead & 0x07U;
-        least = 0x10000;
-    }
-    if (length == 0 || length > text.size())
-        return asLatin1;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byteAt(i) & 0xC0U) != 0x80)
-            return asLatin1;
-        letter = (letter << 6) | (byteAt(i) & 0x3FU);
-    }
-    if (letter < least || letter > 0x10FFFF || (letter >= 0xD800 && letter <= 0xDFFF))
-        return asLatin1;
-    return {letter, length};
-}
-
-void encode(char32_t letter, std::string& out)
-{
-    const auto add = [&out](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
-    if (letter < 0x80) {
-        add(letter);
-    } else if (letter < 0x800) {
-        add(0xC0 | (letter >> 6));
-        add(0x80 | (letter & 0x3F));
-    } else if (letter < 0x10000) {
-        add(0xE0 | (letter >> 12));
-        add(0x80 | ((letter >> 6) & 0x3F));
-        add(0x80 | (letter & 0x3F));
-    } else {
-        add(0xF0 | (letter >> 18));
-        add(0x80 | ((letter >> 12) & 0x3F));
-        add(0x80 | ((letter >> 6) & 0x3F));
-        add(0x80 | (letter & 0x3F));
-    }
-}
-
 bool isAscii(char c)
 {
     return static_cast<unsigned char>(c) < 0x80;
@@ -160,9 +101,10 @@ std::string lowerCase(std::string_view text)
             ++at;
             continue;
         }
-        const Decoded decoded = decode(text.substr(at));
-        encode(lower(decoded.letter), out);
-        at += decoded.length;
+        const Utf8Character latin1{static_cast<unsigned char>(c), 1};
+        const Utf8Character character = utf8Character(text.substr(at)).value_or(latin1);
+        appendUtf8(out, lower(character.number));
+        at += character.length;
     }
     return out;
 }
