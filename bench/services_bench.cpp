@@ -27,7 +27,8 @@ class Machine
 public:
     Machine()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "quarrynet-bench-XXXXXX").string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "quarrynet-bench-").string() + std::string(6, 'X');
         folder_ = ::mkdtemp(pattern.data());
         build();
         index_.emplace(folder_);

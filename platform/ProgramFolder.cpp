@@ -12,7 +12,7 @@ namespace {
 // By trying: permission bits do not tell of read-only file systems, quotas or Windows' access lists.
 bool canWrite(const QString& folder)
 {
-    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral("probe-XXXXXX")));
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral("probe")));
     return probe.open();
 }
 

@@ -236,13 +236,36 @@ TEST(DownloadResults, BrokenPagesGiveTheRowsOfThePlainProcedure)
     }
 }
 
-TEST(DownloadResults, NameAndLinkThatCannotBeCutKeepTheOnesBefore)
+TEST(DownloadResults, NameThatCannotBeCutKeepsTheOneBefore)
+{
+    const DownloadResults results = parse(downloadHead("9", "1 - 3") + downloadEntry("one", "/redir?1") +
+                                          downloadEntry("two", "/redir?2") + "<b>three");
+    ASSERT_EQ(results.rows.size(), 3u);
+    EXPECT_EQ(results.rows[0].name, "one");
+    EXPECT_EQ(results.rows[1].name, "two");
+    EXPECT_EQ(results.rows[2].name, "two");
+    // Only the name is kept: behind the missing "</b>" the rest of the row comes from the first entry.
+    EXPECT_EQ(results.rows[2].description, "Text of one");
+    EXPECT_EQ(results.links[2], "/redir?1");
+}
+
+TEST(DownloadResults, LinkThatCannotBeCutKeepsTheOneBefore)
+{
+    std::string last = downloadEntry("three", "/redir?3");
+    last.erase(last.find("\">get"));
+    const DownloadResults results =
+        parse(downloadHead("9", "1 - 3") + downloadEntry("one", "/redir?1") + downloadEntry("two", "/redir?2") + last);
+    ASSERT_EQ(results.rows.size(), 3u);
+    EXPECT_EQ(results.rows[2].name, "three");
+    EXPECT_EQ(results.rows[2].license, "Free");
+    EXPECT_EQ(results.links, std::vector<std::string>({"/redir?1", "/redir?2", "/redir?2"}));
+}
+
+TEST(DownloadResults, LinkThatCannotBeCutIsEmptyWithNoneBefore)
 {
     const DownloadResults results = parse("main loop Found: <b>9</b> <b>1 - 3</b><b>name</b>");
-    ASSERT_EQ(results.rows.size(), 3u);
-    ASSERT_EQ(results.links.size(), 3u);
-    for (const std::string& link : results.links)
-        EXPECT_EQ(link, "");
+    EXPECT_EQ(results.rows.size(), 3u);
+    EXPECT_EQ(results.links, std::vector<std::string>(3));
 }
 
 TEST(DownloadResults, EachMissingMarkerLeavesRowsAndLinksEqual)

@@ -21,7 +21,8 @@ class TemporaryFolder
 public:
     TemporaryFolder()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "quarrynet-test-XXXXXX").string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "quarrynet-test-").string() + std::string(6, 'X');
         const char* made = ::mkdtemp(pattern.data());
         path_ = made == nullptr ? std::string() : std::string(made);
     }
