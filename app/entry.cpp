@@ -35,7 +35,6 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setStyle(new ProgramStyle);
     QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Quarrynet"));
 
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
