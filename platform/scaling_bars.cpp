@@ -116,20 +116,18 @@ void StatusBar::addPanel(QLabel& panel, int share)
     panel.setParent(this);
     panel.setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     panels_.emplace_back(&panel, share);
+    shares_ += share;
 }
 
 void StatusBar::resizeEvent(QResizeEvent* event)
 {
     constexpr int kGap = 2;
     QStatusBar::resizeEvent(event);
-    int sum = 0;
-    for (const auto& [panel, share] : panels_)
-        sum += share;
     int before = 0;
     for (const auto& [panel, share] : panels_) {
-        const int left = kGap + (width() - kGap) * before / sum;
+        const int left = kGap + (width() - kGap) * before / shares_;
         before += share;
-        const int right = (width() - kGap) * before / sum;
+        const int right = (width() - kGap) * before / shares_;
         panel->setGeometry(left, 0, right - left, height() - 1);
     }
 }

@@ -79,6 +79,7 @@ protected:
 
 private:
     std::vector<std::pair<QLabel*, int>> panels_;
+    int shares_ = 0; // of all panels
 };
 
 } // namespace quarrynet
