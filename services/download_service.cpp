@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "services/markup.h"
-#include "services/query.h"
 #include "services/text_encoding.h"
+#include "services/word_search.h"
 
 namespace quarrynet::services {
 
@@ -152,41 +152,24 @@ HttpResponse DownloadService::searchPage(int page, std::string_view query)
 
 Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)
 {
-    ProgramAnswer answer;
-    answer.start = start;
-    Outcome<IndexPool::Lease> index = index_.borrow();
-    if (!index)
-        return index.failure();
-    const std::string expression = wordExpression(typed);
-    if (expression.empty())
-        return answer;
-
-    Outcome<Statement> count = (*index)->prepare("SELECT count(*) FROM program_text WHERE program_text MATCH ?1");
-    if (!count)
-        return count.failure();
-    count->bind(1, expression);
-    if (count->step() != Statement::Step::Row)
-        return count->failure();
-    answer.total = count->number(0);
-
-    Outcome<Statement> rows = (*index)->prepare(
+    static constexpr WordTable kTable = {
+        "SELECT count(*) FROM program_text WHERE program_text MATCH ?1",
         "SELECT program.name, program.description, program.system, program.size, program.licence, mirror.base, "
         "program.file FROM program_text JOIN program ON program.id = program_text.rowid "
         "JOIN mirror ON mirror.id = program.mirror "
-        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3");
-    if (!rows)
-        return rows.failure();
-    rows->bind(1, expression);
-    rows->bind(2, static_cast<std::int64_t>(kPageSize));
-    rows->bind(3, start);
-    Statement::Step step = rows->step();
-    for (; step == Statement::Step::Row; step = rows->step()) {
-        answer.hits.push_back({std::string(rows->text(0)), std::string(rows->text(1)), std::string(rows->text(2)),
-                               rows->number(3), std::string(rows->text(4)),
-                               std::string(rows->text(5)) + encodePath(rows->text(6))});
-    }
-    if (step == Statement::Step::Failed)
-        return rows->failure();
+        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3",
+        kPageSize,
+    };
+    ProgramAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        answer.hits.push_back({std::string(row.text(0)), std::string(row.text(1)), std::string(row.text(2)),
+                               row.number(3), std::string(row.text(4)),
+                               std::string(row.text(5)) + encodePath(row.text(6))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
     return answer;
 }
 

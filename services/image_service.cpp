@@ -6,9 +6,9 @@
 #include "services/document_folders.h"
 #include "services/markup.h"
 #include "services/picture_format.h"
-#include "services/query.h"
 #include "services/search_page.h"
 #include "services/text_encoding.h"
+#include "services/word_search.h"
 
 namespace quarrynet::services {
 
@@ -153,47 +153,30 @@ HttpResponse ImageService::searchPage(std::string_view query)
 
 Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
 {
-    const auto begin = std::chrono::steady_clock::now();
-    ImageAnswer answer;
-    answer.start = start;
-    Outcome<IndexPool::Lease> index = index_.borrow();
-    if (!index)
-        return index.failure();
-    const std::string expression = wordExpression(typed);
-    if (expression.empty())
-        return answer;
-
-    Outcome<Statement> count = (*index)->prepare("SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1");
-    if (!count)
-        return count.failure();
-    count->bind(1, expression);
-    if (count->step() != Statement::Step::Row)
-        return count->failure();
-    answer.total = count->number(0);
-
     // The same icon of five themes would fill a page, so the best of each name go first, then the second ones, and so
     // on.
-    Outcome<Statement> rows = (*index)->prepare(
+    static constexpr WordTable kTable = {
+        "SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1",
         "WITH found AS MATERIALIZED (SELECT rowid AS id, rank AS score FROM picture_text "
         "WHERE picture_text MATCH ?1 AND rank MATCH 'bm25(4.0, 1.0)'), "
         "turned AS (SELECT found.id AS id, score, row_number() OVER (PARTITION BY stem ORDER BY score, found.id) AS "
         "turn "
         "FROM found JOIN picture ON picture.id = found.id) "
         "SELECT picture.folder, picture.path, picture.version FROM turned JOIN picture ON picture.id = turned.id "
-        "ORDER BY turn, score, turned.id LIMIT ?2 OFFSET ?3");
-    if (!rows)
-        return rows.failure();
-    rows->bind(1, expression);
-    rows->bind(2, static_cast<std::int64_t>(kPageSize));
-    rows->bind(3, start);
-    Statement::Step step = rows->step();
-    for (; step == Statement::Step::Row; step = rows->step()) {
-        std::string address = pictureAddress(host_, rows->number(0), rows->text(1));
-        std::string thumbnail = "/images?q=tbn:" + versionText(rows->number(2)) + ":" + address;
-        answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(rows->text(1)))});
-    }
-    if (step == Statement::Step::Failed)
-        return rows->failure();
+        "ORDER BY turn, score, turned.id LIMIT ?2 OFFSET ?3",
+        kPageSize,
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    ImageAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        std::string address = pictureAddress(host_, row.number(0), row.text(1));
+        std::string thumbnail = "/images?q=tbn:" + versionText(row.number(2)) + ":" + address;
+        answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
 }

@@ -6,9 +6,9 @@
 
 #include "services/document_folders.h"
 #include "services/markup.h"
-#include "services/query.h"
 #include "services/search_page.h"
 #include "services/text_encoding.h"
+#include "services/word_search.h"
 
 namespace quarrynet::services {
 
@@ -93,44 +93,27 @@ HttpResponse WebService::searchPage(std::string_view query)
 
 Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)
 {
-    const auto begin = std::chrono::steady_clock::now();
-    WebAnswer answer;
-    answer.start = start;
-    Outcome<IndexPool::Lease> index = index_.borrow();
-    if (!index)
-        return index.failure();
-    const std::string expression = wordExpression(typed);
-    if (expression.empty())
-        return answer;
-
-    Outcome<Statement> count = (*index)->prepare("SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1");
-    if (!count)
-        return count.failure();
-    count->bind(1, expression);
-    if (count->step() != Statement::Step::Row)
-        return count->failure();
-    answer.total = count->number(0);
-
     // A word in the title says more about a page than one in its text.
-    Outcome<Statement> rows = (*index)->prepare(
+    static constexpr WordTable kTable = {
+        "SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1",
         "SELECT page.address, highlight(web_page_text, 0, char(1), char(2)), "
         "snippet(web_page_text, 1, char(1), char(2), '...', 32) "
         "FROM web_page_text JOIN web_page AS page ON page.id = web_page_text.rowid "
-        "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3");
-    if (!rows)
-        return rows.failure();
-    rows->bind(1, expression);
-    rows->bind(2, static_cast<std::int64_t>(kPageSize));
-    rows->bind(3, start);
-    Statement::Step step = rows->step();
-    for (; step == Statement::Step::Row; step = rows->step()) {
-        std::string address(rows->text(0));
+        "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3",
+        kPageSize,
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    WebAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        std::string address(row.text(0));
         if (!address.empty() && address.front() == '/')
             address.insert(0, base_);
-        answer.hits.push_back({std::move(address), std::string(rows->text(1)), std::string(rows->text(2))});
-    }
-    if (step == Statement::Step::Failed)
-        return rows->failure();
+        answer.hits.push_back({std::move(address), std::string(row.text(1)), std::string(row.text(2))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
 }
