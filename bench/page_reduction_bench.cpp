@@ -16,6 +16,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/pipeline.h"
 #include "search/page/reduction.h"
 
 using namespace quarrynet;
@@ -65,9 +66,8 @@ void sed(benchmark::State& state, const std::string& text)
 {
     const std::filesystem::path file = std::filesystem::temp_directory_path() / "quarrynet-reduction-bench.html";
     std::ofstream(file, std::ios::binary) << text;
-    const std::string command = "sed 's/<[^>]*>//g' '" + file.string() + "' > /dev/null";
     for (auto _ : state) {
-        if (std::system(command.c_str()) != 0)
+        if (!bench::runPipeline({{"sed", "s/<[^>]*>//g", file.string()}}))
             state.SkipWithError("sed failed");
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));

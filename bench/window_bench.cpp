@@ -25,6 +25,7 @@
 #include <QTreeView>
 
 #include "app/Main.h"
+#include "bench/pipeline.h"
 #include "platform/HiddenText.h"
 #include "platform/Shell.h"
 #include "tests/core/page_samples.h"
@@ -146,17 +147,17 @@ private:
     Main main_;
 };
 
-void run(benchmark::State& state, const std::string& command)
+void run(benchmark::State& state, std::initializer_list<bench::Command> commands)
 {
     for (auto _ : state) {
-        if (std::system(command.c_str()) != 0)
+        if (!bench::runPipeline(commands))
             state.SkipWithError("the command failed");
     }
 }
 
-std::string curl(std::string_view target)
+bench::Command curl(std::string_view target)
 {
-    return "curl -s http://127.0.0.1:" + std::to_string(port) + std::string(target);
+    return {"curl", "-s", "http://127.0.0.1:" + std::to_string(port) + std::string(target)};
 }
 
 void checkInWindow(benchmark::State& state)
@@ -172,7 +173,7 @@ void checkInWindow(benchmark::State& state)
 
 void checkByCommands(benchmark::State& state)
 {
-    run(state, curl("/page.html") + " | w3m -dump -T text/html | grep -c quince >/dev/null");
+    run(state, {curl("/page.html"), {"w3m", "-dump", "-T", "text/html"}, {"grep", "-c", "quince"}});
 }
 
 void searchInWindow(benchmark::State& state)
@@ -187,7 +188,7 @@ void searchInWindow(benchmark::State& state)
 
 void searchByCurl(benchmark::State& state)
 {
-    run(state, curl("/search?q=apple") + " >/dev/null");
+    run(state, {curl("/search?q=apple")});
 }
 
 const std::string& response()
@@ -277,7 +278,7 @@ int main(int argc, char** argv)
     }
     const pid_t server = startServer();
     const QApplication application(argc, argv);
-    if (std::system((curl("/search") + " >/dev/null").c_str()) != 0) // the server is ready when it has answered once
+    if (!bench::runPipeline({curl("/search")})) // the server is ready when it has answered once
         return 1;
     const auto add = [](const char* name, auto function) {
         return benchmark::RegisterBenchmark(name, function)->Unit(benchmark::kMillisecond)->UseRealTime();
