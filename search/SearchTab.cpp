@@ -104,7 +104,7 @@ void SearchTab::setReachable(bool reachable)
 void SearchTab::fetch(const std::string& directHost)
 {
     buffer_.setText({});
-    session_.start(window_.isDirect() ? Endpoint{directHost, window_.serviceHosts().port} : window_.proxy());
+    session_.start(window_.target(directHost));
 }
 
 void SearchTab::enableStartButton()

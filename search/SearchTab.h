@@ -69,7 +69,7 @@ protected:
     void fetch(const std::string& directHost);
 
     SearchWindow& searchWindow() { return window_; }
-    Route route() const { return window_.isDirect() ? Route::Direct : Route::Proxy; }
+    Route route() const { return window_.route(); }
 
     /// The request when it could be built; otherwise nothing, after the error box.
     std::optional<std::string> orReport(const Result<std::string>& request);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "common/FetchSession.h"
+#include "common/request_text.h"
 
 namespace quarrynet {
 
@@ -33,6 +34,14 @@ public:
     /// True exactly when the proxy switch reads "off".
     virtual bool isDirect() const = 0;
     virtual Endpoint proxy() const = 0;
+
+    Route route() const { return isDirect() ? Route::Direct : Route::Proxy; }
+
+    /// Where an exchange connects to: `directHost`, or the proxy when that is on.
+    Endpoint target(const std::string& directHost) const
+    {
+        return isDirect() ? Endpoint{directHost, serviceHosts().port} : proxy();
+    }
 
     virtual Shell& shell() = 0;
 

@@ -30,7 +30,7 @@ void LinkResolution::start(const std::string& link)
         return;
     }
     Text14.setText(*path);
-    session_.start(window_.isDirect() ? Endpoint{site(), window_.serviceHosts().port} : window_.proxy());
+    session_.start(window_.target(site()));
     if (!dialog_)
         dialog_ = new Dialog(owner());
     dialog_->load();
@@ -38,7 +38,7 @@ void LinkResolution::start(const std::string& link)
 
 std::optional<std::string> LinkResolution::requestText()
 {
-    return linkRequest(Text14.text(), site(), window_.isDirect() ? Route::Direct : Route::Proxy);
+    return linkRequest(Text14.text(), site(), window_.route());
 }
 
 void LinkResolution::handOver(const std::string& body)
