@@ -1,4 +1,5 @@
 #include "WindowFixture.h"
+#include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
 using namespace quarrynet;
@@ -443,14 +444,7 @@ private:
         QTest::mouseClick(button(), Qt::LeftButton);
     }
 
-    void verifyIdle()
-    {
-        QVERIFY(button()->isEnabled());
-        QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->socketState("SFDSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
-        QCOMPARE(window_->text("ActivityPanel"), QString());
-    }
+    void verifyIdle() { ::verifyIdle(*window_, tabOf(4)); }
 
     QPushButton* button() { return window_->control<QPushButton>("Command4"); }
     QSlider* slider() { return window_->control<QSlider>("Slider3"); }

@@ -1,4 +1,5 @@
 #include "WindowFixture.h"
+#include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
 using namespace quarrynet;
@@ -411,14 +412,7 @@ private:
         QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, place);
     }
 
-    void verifyIdle()
-    {
-        QVERIFY(button()->isEnabled());
-        QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->socketState("SFSSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
-        QCOMPARE(window_->text("ActivityPanel"), QString());
-    }
+    void verifyIdle() { ::verifyIdle(*window_, tabOf(5)); }
 
     QPushButton* button() { return window_->control<QPushButton>("Command5"); }
     QSlider* slider() { return window_->control<QSlider>("Slider4"); }

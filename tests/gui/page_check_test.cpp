@@ -4,6 +4,7 @@
 #include <QTcpSocket>
 
 #include "WindowFixture.h"
+#include "tab_controls.h"
 
 using namespace quarrynet;
 
@@ -519,14 +520,7 @@ private:
         window_->chooseTab(2);
     }
 
-    void verifyIdle()
-    {
-        QVERIFY(button()->isEnabled());
-        QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->socketState("PageSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
-        QCOMPARE(window_->text("ActivityPanel"), QString());
-    }
+    void verifyIdle() { ::verifyIdle(*window_, tabOf(2)); }
 
     QPushButton* button() { return window_->control<QPushButton>("Command2"); }
     QTimer* timer() { return window_->control<QTimer>("SPSTimer"); }

@@ -121,3 +121,13 @@ inline QByteArray pageOf(const TabControls& tab)
         qFatal("no test data %s", tab.page);
     return file.readAll();
 }
+
+/// The tab is as an exchange leaves it: button on, timer off, socket closed, panels at rest.
+inline void verifyIdle(WindowFixture& window, const TabControls& tab)
+{
+    QVERIFY(window.control<QPushButton>(tab.button)->isEnabled());
+    QVERIFY(!window.control<QTimer>(tab.timer)->isActive());
+    QCOMPARE(window.socketState(tab.socket), 0);
+    QCOMPARE(window.text("ConnectionPanel"), QStringLiteral("Closed"));
+    QCOMPARE(window.text("ActivityPanel"), QString());
+}
