@@ -29,7 +29,7 @@ ResultHeading cutResultHeading(std::string_view page)
         heading.fault = timeText.error();
         return heading;
     }
-    heading.timeCaption = std::string(*timeText) + " Second/s";
+    heading.timeCaption = std::string(*timeText).append(kTimeUnit);
     return heading;
 }
 

@@ -11,11 +11,14 @@
 /// long it took, and how many pages follow from that.
 namespace quarrynet {
 
+/// What follows the engine's time where it is shown.
+inline constexpr std::string_view kTimeUnit = " Second/s";
+
 /// The captions, each there once it was cut, and the fault that ended the cutting.
 struct ResultHeading
 {
     std::optional<std::string> countCaption; // as the engine wrote it, thousands separators included
-    std::optional<std::string> timeCaption;  // the engine's time and " Second/s"
+    std::optional<std::string> timeCaption;  // the engine's time and kTimeUnit
     std::optional<RuntimeError> fault;
 };
 

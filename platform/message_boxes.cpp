@@ -29,7 +29,7 @@ void showCritical(QWidget* owner, const QString& text)
 
 void showSocketError(QWidget* owner, int number, std::string_view description)
 {
-    const QString text = QStringLiteral("Error occurred.\r\nError #: %1\r\n%2").arg(number).arg(toText(description));
+    const QString text = QStringLiteral("Error occurred.\r\nError #: %1\r\n%2").arg(number).arg(toLine(description));
     show(owner, QMessageBox::Warning, QStringLiteral("Error"), text);
 }
 
@@ -41,7 +41,7 @@ void showRuntimeError(QWidget* owner, RuntimeError error)
 void showFileError(QWidget* owner, const QString& path, const QString& reason)
 {
     const QString fault = toText(runtimeErrorText(RuntimeError::PathFileAccess));
-    showCritical(owner, QStringLiteral("%1\n\n%2\n%3").arg(fault, path, reason));
+    showCritical(owner, QStringLiteral("%1\n\n%2\n%3").arg(fault, toLine(path), reason));
 }
 
 } // namespace quarrynet

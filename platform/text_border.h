@@ -13,9 +13,15 @@ namespace quarrynet {
 /// character of its number.
 QString toText(std::string_view bytes);
 
-/// The beginning of `bytes` as text, as much as one line on the screen can ever show: laying out megabytes that nobody
-/// could read would stop the window.
+/// `bytes` as one line on the screen, for cells, captions, tool tips and whatever else shows words that came from
+/// outside. Control characters, line ends among them, become blanks. Each character that turns the direction of reading
+/// becomes U+FFFD, so that an address cannot be made to read backwards. At most 4,096 UTF-16 units are shown: laying
+/// out megabytes that nobody could read would stop the window. A longer text is cut between two characters and ends in
+/// an ellipsis.
 QString toLine(std::string_view bytes);
+
+/// The same for what is text already.
+QString toLine(QStringView text);
 
 /// Typed text as bytes. What the code page cannot say becomes "?" (on Windows; UTF-8 can say everything but an unpaired
 /// surrogate).

@@ -51,7 +51,7 @@ void DownloadSearch::resetResults(bool)
 {
     // Text13 stays even for a new search: once a page count was seen, every request is a paged one.
     List10.clear();
-    ui_->Label15->setText(QStringLiteral("0"));
+    ui_->Label15->setCaption("0");
     ui_->ListView3->clear();
 }
 
@@ -82,7 +82,7 @@ void DownloadSearch::Text12_Change()
         return;
     }
     if (results.countCaption)
-        ui_->Label15->setText(toLine(*results.countCaption));
+        ui_->Label15->setCaption(*results.countCaption);
     apply(results.paging, Text13);
     List10.setItems(std::move(results.links));
 }

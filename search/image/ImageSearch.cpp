@@ -75,8 +75,8 @@ void ImageSearch::resetResults(bool newSearch)
 {
     for (HiddenListBox* list : {&List6, &List7, &List8, &List9})
         list->clear();
-    ui_->Label11->setText(QStringLiteral("0"));
-    ui_->Label12->setText(QStringLiteral("0.0 Second/s"));
+    ui_->Label11->setCaption("0");
+    ui_->Label12->setCaption("0.0 Second/s", kTimeUnit);
     if (newSearch)
         onSearch_();
     else
@@ -114,9 +114,9 @@ void ImageSearch::Text9_Change()
     List7.setItems(std::move(results.lists.addresses));
     List8.setItems(std::move(results.lists.thumbnails));
     if (results.countCaption)
-        ui_->Label11->setText(toLine(*results.countCaption));
+        ui_->Label11->setCaption(*results.countCaption);
     if (results.timeCaption)
-        ui_->Label12->setText(toLine(*results.timeCaption));
+        ui_->Label12->setCaption(*results.timeCaption, kTimeUnit);
     if (results.gallery && !writeGallery(*results.gallery))
         return;
     apply(results.paging, Text8);

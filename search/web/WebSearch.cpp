@@ -56,8 +56,8 @@ std::optional<std::string> WebSearch::requestText()
 
 void WebSearch::resetResults(bool newSearch)
 {
-    ui_->Label3->setText(QStringLiteral("0"));
-    ui_->Label5->setText(QStringLiteral("0.0 Second/s"));
+    ui_->Label3->setCaption("0");
+    ui_->Label5->setCaption("0.0 Second/s", kTimeUnit);
     for (HiddenListBox* list : {&List1, &List2, &List3, &List4})
         list->clear();
     ui_->ListView1->clear();
@@ -93,9 +93,9 @@ void WebSearch::Text2_Change()
     List3.setItems(std::move(results.lists.titles));
     List4.setItems(std::move(results.lists.cleanedTitles));
     if (results.countCaption)
-        ui_->Label3->setText(toLine(*results.countCaption));
+        ui_->Label3->setCaption(*results.countCaption);
     if (results.timeCaption)
-        ui_->Label5->setText(toLine(*results.timeCaption));
+        ui_->Label5->setCaption(*results.timeCaption, kTimeUnit);
     apply(results.paging, Text3);
 
     if (results.nothingFound)

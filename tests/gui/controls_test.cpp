@@ -2,6 +2,7 @@
 #include <QTest>
 #include <QWidget>
 
+#include "platform/FigureLabel.h"
 #include "platform/HiddenListBox.h"
 #include "platform/HiddenText.h"
 #include "platform/ListView.h"
@@ -134,6 +135,23 @@ private slots:
         QCOMPARE(list.rows().front().front().size(), std::size_t(50'000'000));
     }
 
+    // The first row's height is every row's; a title of many line ends made the list unusable.
+    void listShowsOneLineACell()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setRows({{"plain"}});
+        const int height = list.sizeHintForRow(0);
+        std::string wrapped;
+        for (int i = 0; i < 4000; ++i)
+            wrapped += "word\r\n";
+        list.setRows({{wrapped + "\xE2\x80\xA8"}, {"\xE2\x80\xAE"}});
+        QCOMPARE(list.sizeHintForRow(0), height);
+        QVERIFY(list.model()->index(0, 0).data().toString().startsWith(QStringLiteral("word  word  word")));
+        QCOMPARE(list.model()->index(1, 0).data().toString(), QStringLiteral("\uFFFD"));
+        QCOMPARE(list.rows()[1].front(), std::string("\xE2\x80\xAE"));
+    }
+
     void listColumnsKeepTheirShare()
     {
         ListView list;
@@ -182,6 +200,34 @@ private slots:
         QCOMPARE(opened.count(), 2);
         QTest::mouseDClick(list.viewport(), Qt::RightButton, {}, row);
         QCOMPARE(opened.count(), 2);
+    }
+
+    void aFigureGivesWayBeforeItsUnit()
+    {
+        constexpr const char* kUnit = " Second/s";
+        FigureLabel label;
+        label.setTextFormat(Qt::PlainText);
+        label.resize(180, 20);
+        label.setCaption("0.25 Second/s", kUnit);
+        QCOMPARE(label.text(), QStringLiteral("0.25 Second/s"));
+        QLabel plain(label.text());
+        plain.resize(label.size());
+        QCOMPARE(label.grab().toImage(), plain.grab().toImage());
+
+        label.setCaption(std::string(100'000, '7') + kUnit, kUnit);
+        QCOMPARE(label.text(), QString(4096, u'7') + QStringLiteral("\u2026 Second/s"));
+        QImage shown = label.grab().toImage();
+        bool unit = false; // the unit's picture ends somewhere in the label
+        for (int sevens = 0; sevens < 60 && !unit; ++sevens) {
+            plain.setText(QString(sevens, u'7') + QStringLiteral("\u2026 Second/s"));
+            unit = plain.grab().toImage() == shown;
+        }
+        QVERIFY(unit);
+
+        label.setCaption("one\r\nline", kUnit);
+        QCOMPARE(label.text(), QStringLiteral("one  line"));
+        label.setCaption({}, kUnit);
+        QCOMPARE(label.text(), QString());
     }
 
     void tabLabelsGiveWayUntilTheyFit()

@@ -48,6 +48,84 @@ private slots:
         }
     }
 
+    void lineEndsAndOtherControlsAreBlanksInALine()
+    {
+        QCOMPARE(toLine("a\r\nb\tc"), QStringLiteral("a  b c"));
+        QCOMPARE(toLine(std::string_view("a\0b", 3)), QStringLiteral("a b"));
+        QCOMPARE(toLine("a\xC2\x85"
+                        "b\xE2\x80\xA8"
+                        "c\xE2\x80\xA9"
+                        "d\x9F"
+                        "e\x7F"),
+                 QStringLiteral("a b c d e "));
+        QCOMPARE(toLine(QStringView(u"a\nb")), QStringLiteral("a b"));
+        QCOMPARE(toLine(""), QString());
+    }
+
+    void everyControlIsABlankAndNothingElseIs()
+    {
+        for (char16_t unit = 0; unit < 0xD800; ++unit) {
+            const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
+            const QChar shown = toLine(QStringView(&unit, 1)).front();
+            if (control != (shown == u' ' && unit != u' '))
+                QFAIL(qPrintable(QStringLiteral("U+%1").arg(unit, 4, 16)));
+        }
+    }
+
+    // An address with U+202E in it read "moc.knab//:ptth" where it went elsewhere.
+    void whatTurnsTheDirectionIsAMark()
+    {
+        QCOMPARE(toLine("http://\xE2\x80\xAEknab"), QStringLiteral("http://\uFFFDknab"));
+        for (const char16_t unit : u"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069") {
+            if (unit != 0)
+                QCOMPARE(toLine(QStringView(&unit, 1)), QStringLiteral("\uFFFD"));
+        }
+        QCOMPARE(toLine(QStringView(u"\u05D0\u0627\u200D")), QStringLiteral("\u05D0\u0627\u200D")); // letters stay
+    }
+
+    void aLineOfTheGreatestLengthIsWhole()
+    {
+        QCOMPARE(toLine(std::string(4096, 'x')), QString(4096, u'x'));
+        QCOMPARE(toLine(std::string(4097, 'x')), QString(4096, u'x') + u'\u2026');
+        QCOMPARE(toLine(std::string(50'000'000, 'x')), QString(4096, u'x') + u'\u2026');
+        QCOMPARE(toLine(QString(50'000'000, u'x')), QString(4096, u'x') + u'\u2026');
+    }
+
+    void aLineEndsBetweenCharacters_data()
+    {
+        QTest::addColumn<QByteArray>("character");
+        QTest::newRow("two bytes") << QByteArray("\xC3\xBC");
+        QTest::newRow("three bytes") << QByteArray("\xE2\x82\xAC");
+        QTest::newRow("four bytes") << QByteArray("\xF0\x9F\x98\x80");
+        QTest::newRow("letter and mark") << QByteArray("e\xCC\x81");
+        QTest::newRow("flag") << QByteArray("\xF0\x9F\x87\xAB\xF0\x9F\x87\xB7");
+    }
+
+    void aLineEndsBetweenCharacters()
+    {
+        QFETCH(QByteArray, character);
+        const QString shown = QString::fromUtf8(character);
+        for (int before = 4096 - 8; before <= 4096; ++before) {
+            const QByteArray bytes = QByteArray(before, 'x') + character.repeated(10'000);
+            const qsizetype whole = (4096 - before) / shown.size();
+            QCOMPARE(toLine(bytes.toStdString()), QString(before, u'x') + shown.repeated(whole) + u'\u2026');
+        }
+    }
+
+    void aPileOfMarksIsCutAndNoSurrogatePairIs()
+    {
+        std::string marks = "e";
+        for (int i = 0; i < 10'000; ++i)
+            marks += "\xCC\x81";
+        QCOMPARE(toLine(marks).size(), 4097);
+        std::string pairs = "e";
+        for (int i = 0; i < 10'000; ++i)
+            pairs += "\xF0\x9D\x85\xA5"; // a combining stem, U+1D165
+        const QString line = toLine(pairs);
+        QCOMPARE(line.size(), 1 + 4094 + 1);
+        QVERIFY(line.chopped(1).back().isLowSurrogate());
+    }
+
     void textGoesRoundTrip()
     {
         const QString text = QStringLiteral("Ünïcode €😀 and ASCII");
