@@ -1,5 +1,7 @@
 #include "platform/webengine/BrowserEngine.h"
 
+#include <optional>
+
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QOpenGLContext>
@@ -18,34 +20,40 @@ namespace quarrynet {
 namespace {
 
 constexpr const char* kFlags = "QTWEBENGINE_CHROMIUM_FLAGS";
-constexpr const char* kNoSandbox = "QTWEBENGINE_DISABLE_SANDBOX";
+constexpr const char* kNoSandbox = "QTWEBENGINE_DISABLE_SANDBOX"; // any value disables it, the empty one too
+constexpr const char* kDebugging = "QTWEBENGINE_REMOTE_DEBUGGING";
 constexpr const char* kProcess = "QTWEBENGINEPROCESS_PATH";
 
-// Sets an environment variable while it lives. The engine reads its options from the environment when it starts; the
-// programs that this one starts must not find them there.
+constexpr const char* kOurFlags = "--disable-gpu --no-first-run --disable-background-networking"
+                                  " --disable-component-update --disable-sync --disable-breakpad";
+
+// Gives an environment variable another value, or none, while it lives. The engine reads its options from the
+// environment when it starts; the programs that this one starts must not find them there.
 class ScopedVariable
 {
     Q_DISABLE_COPY_MOVE(ScopedVariable)
 
 public:
-    ScopedVariable(const char* name, const QByteArray& value)
-        : name_(name), before_(qgetenv(name)), wasSet_(qEnvironmentVariableIsSet(name))
+    ScopedVariable(const char* name, const std::optional<QByteArray>& value) : name_(name)
     {
-        qputenv(name, value);
+        if (qEnvironmentVariableIsSet(name))
+            before_ = qgetenv(name);
+        set(value);
     }
 
-    ~ScopedVariable()
+    ~ScopedVariable() { set(before_); }
+
+private:
+    void set(const std::optional<QByteArray>& value) const
     {
-        if (wasSet_)
-            qputenv(name_, before_);
+        if (value)
+            qputenv(name_, *value);
         else
             qunsetenv(name_);
     }
 
-private:
     const char* name_;
-    QByteArray before_;
-    bool wasSet_;
+    std::optional<QByteArray> before_;
 };
 
 // The program that draws the pages. The engine ends this one when it does not find it.
@@ -78,10 +86,15 @@ std::unique_ptr<PageView> BrowserEngine::makeView(const PageViewHost& host, QWid
         reason = tr("its drawing process is not installed.");
         return nullptr;
     }
-    const Sandbox sandbox = sandboxOfThisSystem();
-    if (sandbox == Sandbox::Refused) {
+    switch (sandboxOfThisSystem()) {
+    case Sandbox::NotForRoot:
+        reason = tr("it has no sandbox when root starts it.");
+        return nullptr;
+    case Sandbox::Refused:
         reason = tr("this system refuses it a sandbox.");
         return nullptr;
+    case Sandbox::Usable:
+        break;
     }
 
     static bool prepared = false;
@@ -90,10 +103,10 @@ std::unique_ptr<PageView> BrowserEngine::makeView(const PageViewHost& host, QWid
         prepareDrawing();
         PictureHandler::registerScheme();
     }
-    const ScopedVariable flags(kFlags, qgetenv(kFlags) +
-                                           " --disable-gpu --no-first-run --disable-background-networking"
-                                           " --disable-component-update --disable-sync --disable-breakpad");
-    const ScopedVariable noSandbox(kNoSandbox, sandbox == Sandbox::NotForRoot ? "1" : qgetenv(kNoSandbox));
+    // Whatever else these variables hold could take the sandbox away or open a port to the page.
+    const ScopedVariable flags(kFlags, kOurFlags);
+    const ScopedVariable sandbox(kNoSandbox, std::nullopt);
+    const ScopedVariable debugging(kDebugging, std::nullopt);
     return std::make_unique<BrowserView>(host, parent);
 }
 

@@ -2,11 +2,11 @@
 
 namespace quarrynet {
 
-/// How the engine may run the processes that read pages.
+/// Whether the processes that read pages get a sandbox. Without one the engine is not used.
 enum class Sandbox
 {
     Usable,
-    NotForRoot, // the engine has to be told to do without: it refuses to run otherwise
+    NotForRoot, // the engine runs as root only when it is told to do without
     Refused,    // the system forbids it to this user: the engine would end the program
 };
 

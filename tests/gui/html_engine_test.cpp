@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QMainWindow>
@@ -10,17 +12,63 @@
 #include <QtTest>
 
 #include "common/local_pages.h"
+#include "ordinary_user.h"
 #include "picture_server.h"
 #include "platform/HtmlView.h"
 
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::HtmlView;
 
+namespace {
+
+constexpr std::array<std::pair<const char*, const char*>, 3> kHostileEnvironment = {
+    {{"QTWEBENGINE_DISABLE_SANDBOX", ""},
+     {"QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox --single-process"},
+     {"QTWEBENGINE_REMOTE_DEBUGGING", "0"}}};
+
+QByteArray processFile(qint64 process, const char* name)
+{
+    QFile file(u"/proc/%1/%2"_s.arg(process).arg(QString::fromLatin1(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// A field of /proc/<process>/status, which is empty where the process is gone.
+QByteArray statusField(qint64 process, const QByteArray& name)
+{
+    const QByteArray status = '\n' + processFile(process, "status");
+    const qsizetype at = status.indexOf('\n' + name + ":\t");
+    return at < 0 ? QByteArray() : status.mid(at + name.size() + 3).split('\n').first();
+}
+
+// The processes that this one started, and theirs, as far as they live.
+QList<qint64> descendants()
+{
+    QHash<qint64, qint64> parents;
+    for (const QString& name : QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (const qint64 process = name.toLongLong(); process > 0)
+            parents.insert(process, statusField(process, "PPid").toLongLong());
+    }
+    QList<qint64> found;
+    for (const qint64 process : parents.keys()) {
+        qint64 up = process;
+        while (up > 0 && up != QCoreApplication::applicationPid())
+            up = parents.value(up);
+        if (up > 0 && process != up)
+            found.append(process);
+    }
+    return found;
+}
+
+} // namespace
+
 /// The view with its plug-in, loaded as the program loads it: late. A test's page says in its title what its script
 /// could do; the title of the engine's view is how it is read back.
 class HtmlEngineTest : public QObject
 {
     Q_OBJECT
+
+public:
+    explicit HtmlEngineTest(const QString& unable) : unable_(unable) {}
 
 private slots:
     void initTestCase();
@@ -29,6 +77,8 @@ private slots:
 
     void engineIsNotLoadedBeforeTheViewIsShown();
     void engineThatCannotStartSaysSo();
+    void processesAreInTheirSandbox();
+    void environmentIsLeftAsItWas();
     void galleryInItsFrameShowsPictures();
     void picturesComeThroughTheProxyOnly();
     void pictureThatDoesNotLoadLeavesItsCaption();
@@ -55,11 +105,13 @@ private:
     QByteArray address(const char* target) const { return server_->address(QString::fromLatin1(target)).toUtf8(); }
     void open(const QByteArray& page, const QString& name = u"images.html"_s);
     QWidget* engine() const;
+    qint64 drawingProcess() const;
     QString title() const { return engine() ? engine()->property("title").toString() : QString(); }
     bool titleBecomes(const QString& expected);
     bool showsColor(Qt::GlobalColor color);
     void click(const QPoint& at, Qt::MouseButton button = Qt::LeftButton);
 
+    QString unable_;
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<PictureServer> server_;
     std::unique_ptr<QMainWindow> window_;
@@ -69,7 +121,14 @@ private:
 
 void HtmlEngineTest::initTestCase()
 {
+    if (!unable_.isEmpty())
+        QSKIP(qPrintable(unable_));
+    if (!ordinary_user::mayMakeNamespaces())
+        QSKIP("This system refuses this user the namespaces that the engine's sandbox consists of");
     QStandardPaths::setTestModeEnabled(true);
+    // What a person's environment may hold. The engine starts with the first page that a test shows.
+    for (const auto& [name, value] : kHostileEnvironment)
+        qputenv(name, value);
 }
 
 void HtmlEngineTest::init()
@@ -111,6 +170,15 @@ QWidget* HtmlEngineTest::engine() const
             return child;
     }
     return nullptr;
+}
+
+qint64 HtmlEngineTest::drawingProcess() const
+{
+    for (const QObject* child : engine()->findChildren<QObject*>()) {
+        if (child->inherits("QWebEnginePage"))
+            return child->property("renderProcessPid").toLongLong();
+    }
+    return 0;
 }
 
 bool HtmlEngineTest::titleBecomes(const QString& expected)
@@ -183,6 +251,28 @@ void HtmlEngineTest::engineThatCannotStartSaysSo()
     QCOMPARE(view_->findChild<QTextBrowser*>()->toPlainText(), u"text"_s);
     if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
         window_->grab().save(qEnvironmentVariable("QUARRYNET_SCREENSHOTS") + u"/engine_refused.png"_s);
+}
+
+void HtmlEngineTest::processesAreInTheirSandbox()
+{
+    open("<title>shown</title>");
+    QVERIFY(titleBecomes(u"shown"_s));
+    QVERIFY(!descendants().isEmpty());
+    for (const qint64 process : descendants()) {
+        const QByteArray command = processFile(process, "cmdline").replace('\0', ' ');
+        QVERIFY2(!command.contains("--no-sandbox"), command.constData());
+    }
+    QVERIFY(descendants().contains(drawingProcess()));
+    QCOMPARE(statusField(drawingProcess(), "Seccomp"), QByteArray("2"));
+    QCOMPARE(statusField(drawingProcess(), "NoNewPrivs"), QByteArray("1"));
+}
+
+void HtmlEngineTest::environmentIsLeftAsItWas()
+{
+    for (const auto& [name, value] : kHostileEnvironment) {
+        QVERIFY(qEnvironmentVariableIsSet(name));
+        QCOMPARE(qgetenv(name), QByteArray(value));
+    }
 }
 
 void HtmlEngineTest::galleryInItsFrameShowsPictures()
@@ -460,13 +550,8 @@ void HtmlEngineTest::engineThatEndsIsReplaced()
 {
     open("<title>shown</title><p>text");
     QVERIFY(titleBecomes(u"shown"_s));
-    qint64 process = 0;
-    for (const QObject* child : engine()->findChildren<QObject*>()) {
-        if (child->inherits("QWebEnginePage"))
-            process = child->property("renderProcessPid").toLongLong();
-    }
-    QVERIFY(process > 0);
-    ::kill(static_cast<pid_t>(process), SIGKILL);
+    QVERIFY(drawingProcess() > 0);
+    ::kill(static_cast<pid_t>(drawingProcess()), SIGKILL);
     QTRY_VERIFY_WITH_TIMEOUT(view_->findChild<QTextBrowser*>(), 30000);
     QVERIFY(!engine());
     QVERIFY(!view_->hasBrowser());
@@ -474,5 +559,12 @@ void HtmlEngineTest::engineThatEndsIsReplaced()
     QCOMPARE(view_->findChild<QTextBrowser*>()->toPlainText(), u"text"_s);
 }
 
-QTEST_MAIN(HtmlEngineTest)
+int main(int argc, char** argv)
+{
+    const QString unable = ordinary_user::become(argv);
+    QApplication application(argc, argv);
+    HtmlEngineTest test(unable);
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "html_engine_test.moc"

@@ -8,6 +8,10 @@
 #include "picture_server.h"
 #include "platform/HtmlView.h"
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::HtmlView;
 
@@ -23,6 +27,7 @@ private slots:
     void pageIsKeptUntilTheViewIsShown();
     void missingPluginIsNoMatterToTalkAbout();
     void brokenPluginIsNamedInTheView();
+    void rootGetsThePlainView();
     void galleryInItsFrameShowsPicturesAndCaptions();
     void pictureThatDoesNotLoadLeavesCaptionAndLink();
     void samePageIsReadAnew();
@@ -119,6 +124,24 @@ void HtmlViewTest::brokenPluginIsNamedInTheView()
     QVERIFY(view_->message().startsWith(u"The browser view cannot start: "_s));
     QVERIFY(view_->findChild<QWidget*>(u"EngineMessage"_s)->isVisible());
     QCOMPARE(plain().toPlainText(), u"text"_s);
+}
+
+// The engine has no sandbox there.
+void HtmlViewTest::rootGetsThePlainView()
+{
+#ifdef Q_OS_UNIX
+    const QString folder = QCoreApplication::applicationDirPath();
+    if (QDir(folder).entryList({u"*quarrynet_webengine*"_s}).isEmpty())
+        QSKIP("The plug-in was not built");
+    if (geteuid() != 0)
+        QSKIP("Somebody else runs this test");
+    view_->setEngineFolders({folder});
+    open("<p>text");
+    QVERIFY(!view_->property("browser").toBool());
+    QCOMPARE(view_->message().section(u'\n', 0, 0),
+             u"The browser view cannot start: it has no sandbox when root starts it."_s);
+    QCOMPARE(plain().toPlainText(), u"text"_s);
+#endif
 }
 
 void HtmlViewTest::galleryInItsFrameShowsPicturesAndCaptions()

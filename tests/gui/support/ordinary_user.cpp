@@ -1,0 +1,59 @@
+#include "ordinary_user.h"
+
+#include <grp.h>
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace ordinary_user {
+
+namespace {
+
+constexpr uid_t kNobody = 65534;
+constexpr const char* kStartedAgain = "QUARRYNET_TEST_HOME"; // the home, which the first start made
+
+} // namespace
+
+QString become(char* const* arguments)
+{
+    if (geteuid() != 0)
+        return {};
+    if (qEnvironmentVariableIsSet(kStartedAgain))
+        return QStringLiteral("The tests are root's still, after they gave that up");
+    const QByteArray program = QFile::encodeName(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget());
+    QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-XXXXXX";
+    if (mkdtemp(home.data()) == nullptr || chown(home.constData(), kNobody, kNobody) != 0)
+        return QStringLiteral("There is no folder for another user");
+    // A child does the tests, so that somebody is left who may remove its home.
+    const pid_t child = fork();
+    if (child > 0) {
+        int status = 0;
+        waitpid(child, &status, 0);
+        QDir(QString::fromLocal8Bit(home)).removeRecursively();
+        _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
+    }
+    if (child < 0 || setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0)
+        return QStringLiteral("The tests cannot become another user's");
+    for (const char* name : {kStartedAgain, "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
+                             "XDG_CACHE_HOME", "XDG_STATE_HOME"})
+        qputenv(name, home);
+    // Started again, for a process that changed its user may not be looked into, not even by itself.
+    execv(program.constData(), arguments);
+    return QStringLiteral("Root does not get what is tested here, and other users cannot run ") +
+           QFile::decodeName(program);
+}
+
+bool mayMakeNamespaces()
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(unshare(CLONE_NEWUSER) == 0 && unshare(CLONE_NEWPID | CLONE_NEWNET) == 0 ? 0 : 1);
+    int status = 1;
+    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+} // namespace ordinary_user
