@@ -11,6 +11,7 @@
 #include "dialogs/frmAbout.h"
 #include "icons/icons.h"
 #include "platform/HiddenText.h"
+#include "platform/ImageList.h"
 #include "platform/Registry.h"
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
@@ -22,7 +23,7 @@ namespace quarrynet {
 
 namespace {
 
-// A button's name, tool tip and picture; a separator has none.
+// A button's tool tip, which is its name too, and its picture; a separator has none.
 struct ToolbarButton
 {
     const char* toolTip;
@@ -73,13 +74,16 @@ void Main::makeMenus()
 
 void Main::makeToolbar()
 {
+    ImageList1 = new ImageList(this);
+    ImageList1->setObjectName(QStringLiteral("ImageList1"));
     for (std::size_t i = 0; i < kToolbarButtons.size(); ++i) {
         const ToolbarButton& button = kToolbarButtons[i];
         if (!button.toolTip) {
             Toolbar1->addSeparator();
             continue;
         }
-        QAction* action = Toolbar1->addAction(icon(QLatin1String(button.picture)), tr(button.toolTip));
+        ImageList1->add(icon(QLatin1String(button.picture)));
+        QAction* action = Toolbar1->addAction(ImageList1->image(ImageList1->count()), tr(button.toolTip));
         action->setToolTip(tr(button.toolTip));
         const int index = static_cast<int>(i) + 1;
         connect(action, &QAction::triggered, this, [this, index] { Toolbar1_ButtonClick(index); });

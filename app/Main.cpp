@@ -1,5 +1,6 @@
 #include "app/Main.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QMenuBar>
@@ -57,7 +58,8 @@ Main::Main(const Surroundings& surroundings) : surroundings_(surroundings), regi
 {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral("Quarrynet"));
-    setWindowIcon(icon(QStringLiteral("quarrynet")));
+    // The application's, so that the dialogs and boxes have it too.
+    QApplication::setWindowIcon(icon(QStringLiteral("quarrynet")));
     resize(kDesignWidth, kDesignHeight);
     makeControls();
     makeMenus();
@@ -155,7 +157,9 @@ bool Main::load()
         }
     }
 
-    layout_ = std::make_unique<FormLayout>(*this, placedControls(*centralWidget()), [this] { Form_Resize(); });
+    const std::vector<QWidget*> controls = placedControls(*centralWidget());
+    fitFont(*this, controls);
+    layout_ = std::make_unique<FormLayout>(*this, controls, [this] { Form_Resize(); });
     changeSize_.Init(*layout_);
 
     for (const auto& [name, text] : {std::pair<std::string_view, std::string>(kBlankFrameName, blankFramePage()),

@@ -22,6 +22,7 @@ namespace quarrynet {
 class DownloadSearch;
 class FileSearch;
 class HiddenText;
+class ImageList;
 class ImageSearch;
 class PageCheck;
 class Registry;
@@ -126,6 +127,7 @@ private:
     HiddenText* ProxySwitch = nullptr;
     TabStrip* TabStrip1 = nullptr;
     ToolBar* Toolbar1 = nullptr;
+    ImageList* ImageList1 = nullptr;
     StatusBar* StatusBar1 = nullptr;
     QLabel* ConnectionPanel = nullptr;
     QLabel* ActivityPanel = nullptr;

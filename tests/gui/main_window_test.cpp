@@ -4,12 +4,14 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
 
 #include "WindowFixture.h"
 #include "common/local_pages.h"
+#include "platform/ImageList.h"
 
 using namespace quarrynet;
 
@@ -164,6 +166,36 @@ private slots:
             QVERIFY(!buttons[i]->icon().isNull());
             QVERIFY(window.control<QToolBar>("Toolbar1")->widgetForAction(buttons[i])->isVisible());
         }
+    }
+
+    void theImageListHoldsThePicturesOfTheButtons()
+    {
+        WindowFixture window;
+        window.start();
+        auto* images = window.control<ImageList>("ImageList1");
+        QCOMPARE(images->count(), 6);
+        const QList<QAction*> buttons = window.control<QToolBar>("Toolbar1")->actions();
+        int number = 0;
+        for (const int button : {2, 4, 6, 7, 8, 9}) {
+            const QIcon shown = buttons[button - 1]->icon();
+            QVERIFY(!shown.isNull());
+            QCOMPARE(images->image(++number).pixmap(24, 24).toImage(), shown.pixmap(24, 24).toImage());
+        }
+        QVERIFY(images->image(0).isNull());
+        QVERIFY(images->image(7).isNull());
+    }
+
+    // Set on the window alone, it did not reach boxes and dialogs without an owner.
+    void everyWindowHasTheProgramsIcon()
+    {
+        WindowFixture window;
+        window.start();
+        const QImage emblem = window.main().windowIcon().pixmap(32, 32).toImage();
+        QVERIFY(!emblem.isNull());
+        const QMessageBox box;
+        const QDialog dialog;
+        QCOMPARE(box.windowIcon().pixmap(32, 32).toImage(), emblem);
+        QCOMPARE(dialog.windowIcon().pixmap(32, 32).toImage(), emblem);
     }
 
     void menusHaveTheirEntriesInOrder()

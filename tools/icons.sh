@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Draws icons/pictures/NAME-WIDTH.png from icons/drawings/NAME.svg. To be run after a drawing has changed: the pictures
+# are kept, so that neither the build nor the program needs something that draws SVG.
+set -euo pipefail
+cd "$(dirname "$0")/../icons"
+. ../tools/packages.sh
+install_missing librsvg2-bin optipng
+
+# The widths are those that are shown at 1, 1.5 and 2 pixels to a point, and some for larger windows.
+draw() {
+    local name=$1 width
+    shift
+    for width in "$@"; do
+        rsvg-convert --width "$width" --keep-aspect-ratio "drawings/$name.svg" --output "pictures/$name-$width.png"
+        optipng -quiet -o5 -strip all "pictures/$name-$width.png"
+    done
+}
+
+rm -f pictures/*.png
+for name in about help mail proxy stop webpage; do
+    draw "$name" 16 24 36 48 72 128
+done
+draw quarrynet 16 24 32 48 64 96 128 256
+draw waiting 64 96 128
+draw terraces 320 480 640
+
+{
+    echo '<RCC>'
+    echo '  <qresource prefix="/icons">'
+    printf '    <file alias="%s">%s</file>\n' $(cd pictures && for file in *.png; do echo "$file pictures/$file"; done)
+    echo '  </qresource>'
+    echo '</RCC>'
+} >icons.qrc
