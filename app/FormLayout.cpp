@@ -1,8 +1,14 @@
 #include "app/FormLayout.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
+#include <QAbstractButton>
+#include <QComboBox>
 #include <QFontInfo>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QScreen>
 
@@ -26,6 +32,34 @@ int toWholePixels(std::int32_t twips)
 double toTwips(int pixels)
 {
     return static_cast<double>(pixels) * FormLayout::kTwipsPerPixel;
+}
+
+double pointSize(const QWidget& widget)
+{
+    return QFontInfo(widget.font()).pointSizeF(); // the font itself may be given in pixels
+}
+
+// The size that the layout shows at the design's width for this one: whole, and even.
+int shownSize(double points)
+{
+    const int whole = static_cast<int>(points);
+    return whole + whole % 2;
+}
+
+void setPointSize(QWidget& widget, double points)
+{
+    QFont font = widget.font();
+    font.setPointSizeF(points);
+    widget.setFont(font);
+}
+
+// A field's own width is no matter: what is typed scrolls in it.
+bool hasRoom(const QWidget& control)
+{
+    const QSize needed = control.sizeHint();
+    if (needed.height() > control.height())
+        return false;
+    return qobject_cast<const QLineEdit*>(&control) || needed.width() <= control.width();
 }
 
 } // namespace
@@ -102,7 +136,7 @@ private:
 };
 
 FormLayout::FormLayout(QMainWindow& form, const std::vector<QWidget*>& controls, std::function<void()> resized)
-    : form_(form), resized_(std::move(resized)), fontSize_(QFontInfo(form.font()).pointSizeF())
+    : form_(form), resized_(std::move(resized)), fontSize_(pointSize(form))
 {
     for (QWidget* control : controls)
         controls_.push_back(std::make_unique<Control>(*control));
@@ -166,6 +200,27 @@ double FormLayout::screenWidth() const
 LayoutControl& FormLayout::control(std::size_t index)
 {
     return *controls_[index];
+}
+
+void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls)
+{
+    std::vector<QWidget*> written;
+    std::copy_if(controls.begin(), controls.end(), std::back_inserter(written), [](const QWidget* control) {
+        return qobject_cast<const QLabel*>(control) || qobject_cast<const QAbstractButton*>(control) ||
+               qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control);
+    });
+    const double wanted = pointSize(form);
+    int size = shownSize(wanted);
+    for (; size > 2; size -= 2) {
+        // Most desktops end here: at the size that the layout sets next anyway, so no font is loaded in vain.
+        if (std::all_of(written.begin(), written.end(), [size](QWidget* control) {
+                setPointSize(*control, size);
+                return hasRoom(*control);
+            }))
+            break;
+    }
+    if (size < wanted)
+        setPointSize(form, size);
 }
 
 } // namespace quarrynet

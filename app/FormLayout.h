@@ -53,4 +53,9 @@ private:
     bool autoRedraw_ = false; // Qt paints every window into a picture of its own, so there is nothing to switch
 };
 
+/// Lowers the form's font where the desktop's is so large that the text of a control would not fit its place in the
+/// design. All sizes of the layout follow from the form's font, so this keeps the texts whole at every size of the form
+/// that keeps the design's proportions. To be called before the layout is recorded.
+void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls);
+
 } // namespace quarrynet

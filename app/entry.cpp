@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <optional>
+#include <string_view>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -28,21 +30,37 @@ std::string manualPage()
     return {};
 }
 
+// Whether only a text is asked for, which needs no display.
+bool asksForText(int argc, char** argv)
+{
+    return std::any_of(argv + 1, argv + argc, [](std::string_view argument) {
+        return argument == "-h" || argument == "--help" || argument == "--help-all" || argument == "-v" ||
+               argument == "--version";
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QApplication application(argc, argv);
-    QApplication::setStyle(new ProgramStyle);
     QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUARRYNET_VERSION));
 
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
     options.addHelpOption();
+    options.addVersionOption();
     const QCommandLineOption tourOption(QStringLiteral("tour"),
                                         QStringLiteral("Take pictures of a tour through the tabs, and end."),
                                         QStringLiteral("folder"));
     options.addOption(tourOption);
+    if (argc > 0 && asksForText(argc, argv)) {
+        const QCoreApplication withoutDisplay(argc, argv);
+        options.process(withoutDisplay); // which ends the program
+    }
+
+    QApplication application(argc, argv);
+    QApplication::setStyle(new ProgramStyle);
     options.process(application);
 
     const ProgramFolder folder = findProgramFolder();

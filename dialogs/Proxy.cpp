@@ -33,6 +33,10 @@ Proxy::Proxy(std::string settingsPath, SwitchSetter setProxySwitch, QWidget* par
 {
     ui_->setupUi(this);
     connect(ui_->Check1, &QCheckBox::toggled, this, &Proxy::Check1_Click);
+    connect(ui_->Check1, &QCheckBox::clicked, this, [this](bool on) {
+        if (on)
+            ui_->Text1->setFocus();
+    });
     connect(ui_->Command1, &QPushButton::clicked, this, &Proxy::Command1_Click);
     connect(ui_->Command2, &QPushButton::clicked, this, &Proxy::Command2_Click);
     Form_Load();

@@ -19,11 +19,16 @@ public:
         const int value = QProxyStyle::pixelMetric(metric, option, widget);
         if (metric != PM_MenuBarVMargin || !widget)
             return value;
+        return std::max(value, (widget->height() - entryHeight(*widget)) / 2 -
+                                   pixelMetric(PM_MenuBarPanelWidth, option, widget));
+    }
+
+    // The height of a menu bar's entries.
+    int entryHeight(const QWidget& bar) const
+    {
         QStyleOptionMenuItem entry;
-        entry.initFrom(widget);
-        const QSize text(0, widget->fontMetrics().height());
-        const int height = sizeFromContents(CT_MenuBarItem, &entry, text, widget).height();
-        return std::max(value, (widget->height() - height) / 2 - pixelMetric(PM_MenuBarPanelWidth, option, widget));
+        entry.initFrom(&bar);
+        return sizeFromContents(CT_MenuBarItem, &entry, QSize(0, bar.fontMetrics().height()), &bar).height();
     }
 };
 
@@ -100,10 +105,16 @@ void ToolBar::resizeEvent(QResizeEvent* event)
 
 MenuBar::MenuBar(int height, QWidget* parent) : QMenuBar(parent)
 {
+    setNativeMenuBar(false); // it would leave the window, whose layout counts on its height
     setFixedHeight(height);
     auto* style = new CentredEntries;
     style->setParent(this);
     setStyle(style);
+    for (double points = QFontInfo(font()).pointSizeF(); points > 1 && style->entryHeight(*this) > height; --points) {
+        QFont smaller = font();
+        smaller.setPointSizeF(points);
+        setFont(smaller);
+    }
 }
 
 StatusBar::StatusBar(QWidget* parent) : QStatusBar(parent)

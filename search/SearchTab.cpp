@@ -72,6 +72,7 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
 void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs)
 {
     startButton_ = &button;
+    button.setAutoDefault(true); // outside a dialog, Enter would not press it otherwise
     connect(&button, &QPushButton::clicked, this, [this] { search(); });
     for (QLineEdit* input : inputs) {
         input->setMaxLength(kLongestInput);

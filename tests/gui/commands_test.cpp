@@ -24,6 +24,25 @@ private slots:
 
     void cleanup() { window_.reset(); }
 
+    void enterPressesTheFocusedStartButton_data() { addTabRows(); }
+
+    void enterPressesTheFocusedStartButton()
+    {
+        QFETCH(int, tag);
+        const TabControls& tab = tabOf(tag);
+        window_->chooseTab(tag);
+        for (const TabControls::Typed& typed : tab.typed) {
+            if (typed.field)
+                window_->type(typed.field, QString::fromLatin1(typed.text));
+        }
+        auto* button = window_->control<QPushButton>(tab.button);
+        button->setFocus();
+        QVERIFY(button->hasFocus());
+        QTest::keyClick(button, Qt::Key_Return);
+        QVERIFY(!button->isEnabled());
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+    }
+
     // Tabs
 
     void aClickOnATabShowsItsFrameAlone_data() { addTabRows(); }

@@ -84,8 +84,8 @@ private slots:
         fresh.start();
         QCOMPARE(fresh.main().size(), kDesign);
         QCOMPARE(fresh.control<QWidget>("STI")->geometry(), QRect(4, 66, 600, 318));
-        QCOMPARE(fresh.control<QWidget>("Text1")->geometry(), QRect(104, 10, 376, 26));
-        QCOMPARE(fresh.control<QWidget>("Command1")->geometry(), QRect(490, 10, 98, 26));
+        QCOMPARE(fresh.control<QWidget>("Text1")->geometry(), QRect(104, 9, 376, 28));
+        QCOMPARE(fresh.control<QWidget>("Command1")->geometry(), QRect(490, 9, 98, 28));
         QCOMPARE(fresh.control<QWidget>("ListView1")->geometry(), QRect(12, 70, 576, 206));
         QCOMPARE(fresh.control<QWidget>("StatusBar1")->geometry(), QRect(0, 386, 608, 22));
     }

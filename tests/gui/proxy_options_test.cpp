@@ -41,6 +41,7 @@ public:
 
     void ok() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command1")), Qt::LeftButton); }
     void cancel() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command2")), Qt::LeftButton); }
+    QWidget* focused() const { return dialog_.focusWidget(); }
     bool isOpen() const { return dialog_.isVisible(); }
 
 private:
@@ -68,6 +69,21 @@ private slots:
         });
         QVERIFY(!QFile::exists(window_->settingsFile()));
         QVERIFY(window_->main().isDirect());
+    }
+
+    void tickingLeadsToTheHost()
+    {
+        window_->start();
+        inOptions([](Options& options) {
+            options.check()->setFocus();
+            options.toggle();
+            QCOMPARE(options.focused(), options.host());
+            options.check()->setFocus();
+            options.toggle();
+            QVERIFY(!options.check()->isChecked());
+            QCOMPARE(options.focused(), options.check());
+            options.cancel();
+        });
     }
 
     void okSwitchesTheProxyOnForTheNextSearch()
