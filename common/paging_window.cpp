@@ -1,5 +1,6 @@
 #include "common/paging_window.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "common/numbers.h"
@@ -27,7 +28,7 @@ Result<PagingWindow> endingAt(const PagingWindow& window, double total)
     const Result<std::int32_t> maximum = roundToInt32(total);
     if (!maximum)
         return maximum.error();
-    return PagingWindow{window.minimum, *maximum, window.value};
+    return windowEndingAt(window, *maximum);
 }
 
 bool endsWithin(const PagingWindow& window, double total)
@@ -36,6 +37,12 @@ bool endsWithin(const PagingWindow& window, double total)
 }
 
 } // namespace
+
+PagingWindow windowEndingAt(const PagingWindow& window, std::int32_t last)
+{
+    const std::int32_t maximum = std::max(1, last);
+    return {window.minimum < maximum ? window.minimum : 1, maximum, std::min(window.value, maximum)};
+}
 
 Result<PagingWindow> widenedWindow(const PagingWindow& window, std::string_view pageTotal)
 {

@@ -19,9 +19,13 @@ struct PagingWindow
     bool operator==(const PagingWindow&) const = default;
 };
 
+/// `window` with `last` as its last page, or 1 where that is less. The value is not above it, and a window that would
+/// begin at or behind its last page begins at 1, so that a person can always go back.
+PagingWindow windowEndingAt(const PagingWindow& window, std::int32_t last);
+
 /// The window after its value changed, for the web and the image search. While the value is below the maximum nothing
 /// changes. At the maximum m, and with the total of result pages in `pageTotal` (decimal text) below m + 9, the maximum
-/// becomes the total, even where that is less than the value; otherwise the window runs from m to m + 9. Fails with
+/// becomes the total, as windowEndingAt() does it; otherwise the window runs from m to m + 9. Fails with
 /// TypeMismatch when the total is needed and no number, with Overflow when a bound does not fit.
 Result<PagingWindow> widenedWindow(const PagingWindow& window, std::string_view pageTotal);
 

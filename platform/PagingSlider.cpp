@@ -29,8 +29,10 @@ PagingWindow PagingSlider::window() const
 void PagingSlider::setWindow(const PagingWindow& window)
 {
     const QSignalBlocker quiet(this);
-    setRange(window.minimum, window.maximum);
-    setValue(window.value);
+    // The toolkit would drop a maximum below the minimum.
+    const PagingWindow shown = windowEndingAt(window, window.maximum);
+    setRange(shown.minimum, shown.maximum);
+    setValue(shown.value);
     setToolTip(QString::number(value()));
     update(); // the blocked signals are also what would have moved the thumb
 }

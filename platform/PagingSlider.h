@@ -19,6 +19,7 @@ public:
     explicit PagingSlider(QWidget* parent = nullptr);
 
     PagingWindow window() const;
+    /// Shows `window`, brought into order by windowEndingAt() where its maximum is not above its minimum.
     void setWindow(const PagingWindow& window);
 
     /// Pages 1 to 10, at page 1, not available.

@@ -165,11 +165,8 @@ void PagedSearch::apply(const PagingOffer& offer, HiddenText& pageTotal)
         pageTotal.setText(*offer.pageTotal);
     if (offer.enableSlider)
         slider_->setEnabled(true);
-    if (offer.sliderMaximum) {
-        PagingWindow window = slider_->window();
-        window.maximum = *offer.sliderMaximum;
-        slider_->setWindow(window);
-    }
+    if (offer.sliderMaximum)
+        slider_->setWindow(windowEndingAt(slider_->window(), *offer.sliderMaximum));
 }
 
 void PagedSearch::search()

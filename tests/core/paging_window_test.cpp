@@ -40,9 +40,37 @@ TEST(WidenedWindow, TotalBelowNineMorePagesBecomesTheMaximum)
     EXPECT_EQ(*widenedWindow(kAtTen, "50"), (PagingWindow{10, 19, 10}));
 }
 
-TEST(WidenedWindow, TotalBelowTheValueStillBecomesTheMaximum)
+TEST(WidenedWindow, TotalBelowTheValueBecomesTheMaximumAndTheValueFollows)
 {
-    EXPECT_EQ(*widenedWindow(kAtTen, "9"), (PagingWindow{1, 9, 10}));
+    EXPECT_EQ(*widenedWindow(kAtTen, "9"), (PagingWindow{1, 9, 9}));
+    EXPECT_EQ(*widenedWindow({10, 19, 19}, "15"), (PagingWindow{10, 15, 15}));
+    EXPECT_EQ(*widenedWindowByLeadingTotal({10, 19, 19}, "15"), (PagingWindow{10, 15, 15}));
+}
+
+// A window of 10 to 6 cannot be shown; the slider kept the minimum and stood still until a new search.
+TEST(WidenedWindow, TotalNotAboveTheMinimumBringsTheFirstPageBack)
+{
+    for (const auto& widened : {widenedWindow({10, 19, 19}, "6"), widenedWindowByLeadingTotal({10, 19, 19}, "6")})
+        EXPECT_EQ(*widened, (PagingWindow{1, 6, 6}));
+    EXPECT_EQ(*widenedWindow({10, 19, 19}, "10"), (PagingWindow{1, 10, 10}));
+    EXPECT_EQ(*widenedWindow({10, 19, 19}, "11"), (PagingWindow{10, 11, 11}));
+    for (const char* none : {"1", "0", "-5", "0.4"})
+        EXPECT_EQ(*widenedWindow({10, 19, 19}, none), (PagingWindow{1, 1, 1})) << none;
+}
+
+TEST(WindowEndingAt, KeepsWhatLiesBelowTheLastPage)
+{
+    EXPECT_EQ(windowEndingAt({1, 10, 1}, 6), (PagingWindow{1, 6, 1}));
+    EXPECT_EQ(windowEndingAt({10, 19, 12}, 14), (PagingWindow{10, 14, 12}));
+    EXPECT_EQ(windowEndingAt({10, 19, 12}, 19), (PagingWindow{10, 19, 12}));
+}
+
+TEST(WindowEndingAt, BeginsAtOneWhereNothingWouldBeLeft)
+{
+    EXPECT_EQ(windowEndingAt({10, 19, 12}, 6), (PagingWindow{1, 6, 6}));
+    EXPECT_EQ(windowEndingAt({10, 19, 12}, 10), (PagingWindow{1, 10, 10}));
+    EXPECT_EQ(windowEndingAt({1, 10, 4}, 1), (PagingWindow{1, 1, 1}));
+    EXPECT_EQ(windowEndingAt({10, 19, 12}, std::numeric_limits<std::int32_t>::min()), (PagingWindow{1, 1, 1}));
 }
 
 TEST(WidenedWindow, FractionsAreRoundedHalvesToEven)

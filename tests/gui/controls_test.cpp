@@ -113,6 +113,24 @@ private slots:
         QCOMPARE(slider.value(), 8);
     }
 
+    void sliderCanBeMovedWhereTheTotalShrankBelowItsWindow()
+    {
+        PagingSlider slider;
+        slider.setEnabled(true);
+        slider.show();
+        slider.setWindow({10, 19, 12});
+        QSignalSpy paged(&slider, &PagingSlider::paged);
+        slider.setWindow({10, 6, 12});
+        QCOMPARE(slider.window(), (PagingWindow{1, 6, 6}));
+        QCOMPARE(slider.toolTip(), QStringLiteral("6"));
+        QCOMPARE(paged.count(), 0);
+        QTest::keyClick(&slider, Qt::Key_Left);
+        QCOMPARE(slider.value(), 5);
+        QTest::keyClick(&slider, Qt::Key_Home);
+        QCOMPARE(slider.value(), 1);
+        QCOMPARE(paged.count(), 2);
+    }
+
     void listShowsRowsAndEmptyCells()
     {
         ListView list;
