@@ -3,6 +3,7 @@
 #ifdef Q_OS_WIN
 #include <winsock2.h>
 #else
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 #endif
@@ -16,8 +17,8 @@ void ResetWitness::watch(qintptr descriptor)
     forget();
     WSAPROTOCOL_INFOW info;
     if (::WSADuplicateSocketW(static_cast<SOCKET>(descriptor), ::GetCurrentProcessId(), &info) == 0) {
-        descriptor_ = static_cast<qintptr>(
-            ::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, &info, 0, WSA_FLAG_OVERLAPPED));
+        descriptor_ = static_cast<qintptr>(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
+                                                        &info, 0, WSA_FLAG_OVERLAPPED | WSA_FLAG_NO_HANDLE_INHERIT));
     }
 }
 
@@ -42,7 +43,8 @@ void ResetWitness::forget()
 void ResetWitness::watch(qintptr descriptor)
 {
     forget();
-    descriptor_ = ::dup(static_cast<int>(descriptor));
+    // A program started meanwhile must not hold the connection open.
+    descriptor_ = ::fcntl(static_cast<int>(descriptor), F_DUPFD_CLOEXEC, 0);
 }
 
 bool ResetWitness::sawReset() const

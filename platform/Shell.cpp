@@ -7,6 +7,11 @@
 #ifdef _WIN32
 #include <shellapi.h>
 #include <windows.h>
+#elif defined(__linux__)
+#include <climits>
+#include <linux/close_range.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #endif
 
 #include <QFile>
@@ -19,6 +24,17 @@
 namespace quarrynet {
 
 namespace {
+
+/// Keeps what this program and the libraries in it have open from the program that is started next: a connection that
+/// another program holds too does not end with this one. What is opened here is opened so already; this stands in for
+/// what is not, and for what this program was started with. (A detached process runs no modifier of ours.)
+void keepDescriptors()
+{
+#if defined(__linux__) && defined(SYS_close_range)
+    // Older systems do not know the call, and leave everything as it was opened.
+    ::syscall(SYS_close_range, static_cast<unsigned>(STDERR_FILENO + 1), UINT_MAX, CLOSE_RANGE_CLOEXEC);
+#endif
+}
 
 void handToDesktop(const QString& target)
 {
@@ -37,6 +53,7 @@ void handToDesktop(const QString& target)
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
+    keepDescriptors();
     process.startDetached();
 #endif
 }
@@ -63,6 +80,7 @@ bool startProgram(const std::string& path)
 {
     if (path.empty() || path.find('\0') != std::string::npos)
         return false;
+    keepDescriptors();
     return QProcess::startDetached(QFile::decodeName(QByteArray::fromStdString(path)), QStringList());
 }
 

@@ -6,7 +6,7 @@ bool WindowFixture::load()
 {
     if (hosts.webSearch.empty())
         hosts = {"127.0.0.1", "127.0.0.1", "127.0.0.1", "127.0.0.1", service.port()};
-    main_ = std::make_unique<quarrynet::Main>(quarrynet::Surroundings{hosts, shell, folder().toStdString(),
+    main_ = std::make_unique<quarrynet::Main>(quarrynet::Surroundings{hosts, *opener, folder().toStdString(),
                                                                       "http://help.example/", "http://home.example/",
                                                                       "mailto:author@home.example"});
     control<quarrynet::HtmlView>("IMGViewer")->setEngineFolders(engineFolders);

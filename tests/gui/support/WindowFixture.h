@@ -72,6 +72,8 @@ public:
     RecordingShell shell;
     BoxWatcher boxes;
     quarrynet::ServiceHosts hosts;
+    /// What opens addresses: `shell`, unless a test brings its own.
+    quarrynet::Shell* opener = &shell;
     /// Where the browser engine's plug-in is looked for; nowhere, so that the plain view shows what the tests look at.
     QStringList engineFolders;
 
