@@ -11,6 +11,9 @@
 /// the same (see profile_text.h). File names and texts are bytes in the system's code page.
 namespace quarrynet {
 
+/// The largest file that is read or written, in bytes. A larger one, and what is no regular file, is a failure.
+inline constexpr std::size_t kLargestProfile = std::size_t{16} << 20;
+
 /// What a call brought: `text` is what it put in the caller's buffer, as many characters as it reported; `error` is the
 /// system's error code (errno, or GetLastError), 0 when there is none to tell.
 struct ProfileReply

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -58,8 +59,8 @@ struct Content
 Content readAll(const std::string& file)
 {
     Content content;
-    // A pipe in the file's place must not make the open wait.
-    const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    // A pipe in the file's place must not make the open wait, and a terminal there must not become this process's.
+    const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!input) {
         content.error = lastError();
         return content;
@@ -73,12 +74,20 @@ Content readAll(const std::string& file)
         content.error = static_cast<std::uint32_t>(S_ISDIR(state.st_mode) ? EISDIR : EINVAL);
         return content;
     }
+    if (state.st_size > static_cast<off_t>(kLargestProfile)) {
+        content.error = EFBIG;
+        return content;
+    }
     content.state = state;
     std::size_t length = 0;
     content.text.resize(static_cast<std::size_t>(state.st_size) + 1);
     while (true) {
+        if (length > kLargestProfile) { // it grew meanwhile, or its file system does not tell the size
+            content.error = EFBIG;
+            break;
+        }
         if (length == content.text.size())
-            content.text.resize(2 * length);
+            content.text.resize(std::min(2 * length, kLargestProfile + 1));
         const ssize_t count = ::read(input.number(), content.text.data() + length, content.text.size() - length);
         if (count < 0 && errno == EINTR)
             continue;
@@ -167,6 +176,8 @@ ProfileWrite change(const std::string& name, Change changed)
     if (content.error != 0 && content.error != ENOENT)
         return {false, content.error};
     const std::string text = changed(content.text);
+    if (text.size() > kLargestProfile)
+        return {false, EFBIG};
     const std::uint32_t error = replaceFile(file, text, content.state);
     return {error == 0, error};
 }

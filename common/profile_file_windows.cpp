@@ -7,11 +7,23 @@ namespace quarrynet {
 
 namespace {
 
-/// Runs a call that fills a buffer and returns how many characters it put there.
+/// ERROR_FILE_TOO_LARGE for a file beyond the bound, 0 for every other one; the call itself judges those.
+DWORD sizeFault(const std::string& file)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (::GetFileAttributesExA(file.c_str(), GetFileExInfoStandard, &data) == 0)
+        return 0;
+    return data.nFileSizeHigh != 0 || data.nFileSizeLow > kLargestProfile ? ERROR_FILE_TOO_LARGE : 0;
+}
+
+/// Runs a call that fills a buffer from `file` and returns how many characters it put there.
 template <class Call>
-ProfileReply fill(std::size_t capacity, Call call)
+ProfileReply fill(const std::string& file, std::size_t capacity, Call call)
 {
     ProfileReply reply;
+    reply.error = sizeFault(file);
+    if (reply.error != 0)
+        return reply;
     reply.text.resize(capacity);
     ::SetLastError(0); // a success leaves the code of an earlier failure standing
     const DWORD count = call(reply.text.data(), static_cast<DWORD>(capacity));
@@ -20,9 +32,14 @@ ProfileReply fill(std::size_t capacity, Call call)
     return reply;
 }
 
-ProfileWrite written(BOOL done)
+/// Runs a call that changes `file`.
+template <class Call>
+ProfileWrite write(const std::string& file, Call call)
 {
-    return {done != 0, done != 0 ? 0 : static_cast<std::uint32_t>(::GetLastError())};
+    if (const DWORD fault = sizeFault(file))
+        return {false, fault};
+    const bool done = call() != 0;
+    return {done, done ? 0 : static_cast<std::uint32_t>(::GetLastError())};
 }
 
 } // namespace
@@ -30,21 +47,21 @@ ProfileWrite written(BOOL done)
 ProfileReply readProfileValue(const std::string& file, const std::string& section, const std::string& key,
                               std::size_t capacity)
 {
-    return fill(capacity, [&](char* buffer, DWORD size) {
+    return fill(file, capacity, [&](char* buffer, DWORD size) {
         return ::GetPrivateProfileStringA(section.c_str(), key.c_str(), "", buffer, size, file.c_str());
     });
 }
 
 ProfileReply readProfileSection(const std::string& file, const std::string& section, std::size_t capacity)
 {
-    return fill(capacity, [&](char* buffer, DWORD size) {
+    return fill(file, capacity, [&](char* buffer, DWORD size) {
         return ::GetPrivateProfileSectionA(section.c_str(), buffer, size, file.c_str());
     });
 }
 
 ProfileReply readProfileSectionNames(const std::string& file, std::size_t capacity)
 {
-    return fill(capacity,
+    return fill(file, capacity,
                 [&](char* buffer, DWORD size) { return ::GetPrivateProfileSectionNamesA(buffer, size, file.c_str()); });
 }
 
@@ -53,7 +70,8 @@ ProfileWrite writeProfileValue(const std::string& file, const std::string& secti
 {
     if (!isProfileSection(section) || !isProfileKey(key) || !isProfileValue(value))
         return {false, ERROR_INVALID_PARAMETER};
-    return written(::WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), file.c_str()));
+    return write(
+        file, [&] { return ::WritePrivateProfileStringA(section.c_str(), key.c_str(), value.c_str(), file.c_str()); });
 }
 
 ProfileWrite writeProfileSection(const std::string& file, const std::string& section,
@@ -67,7 +85,7 @@ ProfileWrite writeProfileSection(const std::string& file, const std::string& sec
     }
     if (!writable)
         return {false, ERROR_INVALID_PARAMETER};
-    return written(::WritePrivateProfileSectionA(section.c_str(), text.c_str(), file.c_str()));
+    return write(file, [&] { return ::WritePrivateProfileSectionA(section.c_str(), text.c_str(), file.c_str()); });
 }
 
 std::string systemMessage(std::uint32_t error, std::size_t capacity)

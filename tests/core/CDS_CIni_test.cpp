@@ -1,7 +1,9 @@
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -13,6 +15,7 @@
 #endif
 
 #include "common/CDS_CIni.h"
+#include "common/profile_file.h"
 
 using namespace quarrynet;
 using testing::ElementsAre;
@@ -348,6 +351,98 @@ TEST_F(Ini, UnreadableFileOrFolderIsAFailureWithADescription)
     EXPECT_FALSE(store_.WriteValue("A", "k", "2"));
     EXPECT_EQ(store_.LastErrorDescription(), "Permission denied");
     EXPECT_EQ(content(), "[A]\nk=1\n");
+}
+
+namespace {
+
+/// Every operation fails with `description`, and the text in `value` stays.
+void expectAllFail(CDS_CIni& store, const std::string& description)
+{
+    std::string value = "kept";
+    std::vector<std::string> keys = {"kept"};
+    std::vector<std::string> values = {"kept"};
+    EXPECT_FALSE(store.ReadValue("A", "k", value));
+    EXPECT_EQ(store.LastErrorDescription(), description);
+    EXPECT_EQ(value, "kept");
+    EXPECT_FALSE(store.ReadSection("A", keys, values));
+    EXPECT_THAT(keys, ElementsAre("kept"));
+    EXPECT_FALSE(store.Enum_SectionNames(keys));
+    EXPECT_FALSE(store.WriteValue("A", "k", "v"));
+    EXPECT_EQ(store.LastErrorDescription(), description);
+    EXPECT_FALSE(store.WriteSection("A", {"k"}, {"v"}));
+    EXPECT_EQ(store.LastErrorDescription(), description);
+}
+
+} // namespace
+
+TEST_F(Ini, SparseFileOfFourTerabytesIsAFailure)
+{
+    put("[A]\nk=1\n");
+    std::error_code refused;
+    fs::resize_file(path_, std::uintmax_t{4} << 40, refused);
+    if (refused)
+        GTEST_SKIP() << "the file system holds no such file";
+    expectAllFail(store_, "File too large");
+    EXPECT_EQ(fs::file_size(path_), std::uintmax_t{4} << 40);
+    EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(Ini, BoundIsTheLastSizeThatIsReadAndWritten)
+{
+    const std::string head = "[A]\nk=1\n;";
+    put(head + std::string(kLargestProfile - head.size(), 'x'));
+    std::string value;
+    EXPECT_TRUE(store_.ReadValue("A", "k", value));
+    EXPECT_TRUE(store_.WriteValue("A", "k", "2"));
+    EXPECT_FALSE(store_.WriteValue("A", "k", "23")) << "one byte more could not be read back";
+    EXPECT_EQ(store_.LastErrorDescription(), "File too large");
+    ASSERT_TRUE(store_.ReadValue("A", "k", value));
+    EXPECT_EQ(value, "2");
+    put(head + std::string(kLargestProfile - head.size() + 1, 'x'));
+    expectAllFail(store_, "File too large");
+}
+
+TEST_F(Ini, DevicesAreFailures)
+{
+    for (const char* device : {"/dev/zero", "/dev/null", "/dev/tty"}) {
+        std::error_code ignored;
+        fs::remove(path_, ignored);
+        fs::create_symlink(device, path_);
+        std::string value;
+        EXPECT_FALSE(store_.ReadValue("A", "k", value)) << device;
+        EXPECT_FALSE(store_.WriteValue("A", "k", "v")) << device;
+        EXPECT_TRUE(fs::is_symlink(path_)) << device;
+    }
+}
+
+TEST_F(Ini, LinksInACircleAreAFailure)
+{
+    fs::create_symlink("other.ini", path_);
+    fs::create_symlink("Quarrynet.ini", folder_ / "other.ini");
+    expectAllFail(store_, "Too many levels of symbolic links");
+    EXPECT_TRUE(fs::is_symlink(path_));
+}
+
+TEST_F(Ini, FileThatChangesItsSizeMeanwhileIsReadOrRefused)
+{
+    std::atomic<bool> over = false;
+    put("[A]\nk=1\n");
+    std::thread changing([&] {
+        const std::string more(4096, ';');
+        while (!over) {
+            std::ofstream(path_, std::ios::binary | std::ios::app) << more;
+            std::error_code ignored;
+            if (fs::file_size(path_, ignored) > (kLargestProfile / 4))
+                fs::resize_file(path_, 8, ignored);
+        }
+    });
+    for (int i = 0; i < 300; ++i) {
+        std::string value;
+        const bool read = store_.ReadValue("A", "k", value);
+        EXPECT_EQ(value, read ? "1" : "");
+    }
+    over = true;
+    changing.join();
 }
 
 TEST_F(Ini, PipeInItsPlaceDoesNotWait)
