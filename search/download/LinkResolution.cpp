@@ -45,6 +45,7 @@ void LinkResolution::handOver(const std::string& body)
 {
     const Result<std::optional<std::string>> address = downloadAddress(body);
     if (!address) {
+        exchangeEnded(); // nothing waits any more behind the message
         showRuntimeError(owner(), address.error());
         return;
     }

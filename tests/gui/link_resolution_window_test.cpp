@@ -246,11 +246,14 @@ private slots:
     {
         QFETCH(QByteArray, page);
         fill({kLink});
+        bool waitingBehindTheMessage = true;
+        window_->boxes.beforeAnswer = [&](QMessageBox&) { waitingBehindTheMessage = waiting(); };
         window_->service.answerWith(page);
         click(0);
         QTRY_COMPARE_WITH_TIMEOUT(window_->boxes.texts(),
                                   QStringList{tr("Run-time error '5':\n\nInvalid procedure call or argument")},
                                   kPatience);
+        QVERIFY(!waitingBehindTheMessage);
         QTRY_VERIFY(!waiting());
         QVERIFY(window_->shell.opened.empty());
         QCOMPARE(window_->socketState("DownSock"), 0);
