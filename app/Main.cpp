@@ -1,5 +1,7 @@
 #include "app/Main.h"
 
+#include <limits>
+
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -29,6 +31,8 @@ namespace {
 
 constexpr const char* kOn = "on";
 constexpr const char* kOff = "off";
+constexpr const char* kHostSection = "ProxyHost";
+constexpr const char* kPortSection = "ProxyPort";
 constexpr const char* kKey = "Value";
 
 constexpr int kDesignWidth = 608;
@@ -150,10 +154,8 @@ bool Main::load()
                 const QSignalBlocker once(ProxySwitch);
                 ProxySwitch->setText(kOn);
             }
-            if (const auto fault = readProxy()) {
-                showRuntimeError(nullptr, *fault);
+            if (!readProxy(nullptr))
                 return false;
-            }
         }
     }
 
@@ -195,16 +197,24 @@ bool Main::isDirect() const
     return routeFor(ProxySwitch->text()) == Route::Direct;
 }
 
-std::optional<RuntimeError> Main::readProxy()
+bool Main::readProxy(QWidget* owner)
 {
-    settings_.ReadValue("ProxyHost", kKey, CurrentProxyHost);
+    // A value that is missing or empty leaves its variable alone, and must not leave the last proxy's there.
+    std::string host;
     std::string port;
-    settings_.ReadValue("ProxyPort", kKey, port);
+    settings_.ReadValue(kHostSection, kKey, host);
+    settings_.ReadValue(kPortSection, kKey, port);
+    CurrentProxyHost = host;
     const Result<std::int16_t> number = roundToInt16(leadingNumber(port));
-    if (!number)
-        return number.error();
+    if (!number) {
+        const QString reason = tr("Section [%1]: the port must not be greater than %2.")
+                                   .arg(QLatin1String(kPortSection))
+                                   .arg(std::numeric_limits<std::int16_t>::max());
+        showSettingError(owner, number.error(), toText(settingsPath()), reason);
+        return false;
+    }
     CurrentProxyPort = *number;
-    return std::nullopt;
+    return true;
 }
 
 void Main::ProxySwitch_Change()
@@ -217,8 +227,9 @@ void Main::ProxySwitch_Change()
     if (value != kOn)
         return;
     ProxySwitch->setText(kOn);
-    if (const auto fault = readProxy())
-        showRuntimeError(this, *fault);
+    // The options dialog is still open when its OK brings this about.
+    QWidget* dialog = QApplication::activeModalWidget();
+    readProxy(dialog ? dialog : this);
 }
 
 void Main::showConnection(std::string_view caption)

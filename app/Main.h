@@ -98,7 +98,10 @@ private:
     void joinTabs();
 
     std::string settingsPath() const;
-    std::optional<RuntimeError> readProxy();
+
+    /// Takes host and port from the settings. False when the port does not fit; the box that says so, `owner`'s, has
+    /// been answered then.
+    bool readProxy(QWidget* owner);
 
     // Handlers and commands, named control and event.
     void Form_Resize();

@@ -40,8 +40,12 @@ void showRuntimeError(QWidget* owner, RuntimeError error)
 
 void showFileError(QWidget* owner, const QString& path, const QString& reason)
 {
-    const QString fault = toText(runtimeErrorText(RuntimeError::PathFileAccess));
-    showCritical(owner, QStringLiteral("%1\n\n%2\n%3").arg(fault, toLine(path), reason));
+    showSettingError(owner, RuntimeError::PathFileAccess, path, reason);
+}
+
+void showSettingError(QWidget* owner, RuntimeError error, const QString& path, const QString& reason)
+{
+    showCritical(owner, QStringLiteral("%1\n\n%2\n%3").arg(toText(runtimeErrorText(error)), toLine(path), reason));
 }
 
 } // namespace quarrynet

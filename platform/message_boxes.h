@@ -24,6 +24,9 @@ void showSocketError(QWidget* owner, int number, std::string_view description);
 /// A step that could not be carried out: critical icon.
 void showRuntimeError(QWidget* owner, RuntimeError error);
 
+/// A setting that cannot be used: critical icon, with the settings file and what is wrong with which setting.
+void showSettingError(QWidget* owner, RuntimeError error, const QString& path, const QString& reason);
+
 /// A file or folder that the program needs and cannot write: critical icon, with the path and the reason.
 void showFileError(QWidget* owner, const QString& path, const QString& reason);
 

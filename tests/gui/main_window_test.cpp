@@ -324,7 +324,10 @@ private slots:
         const QByteArray settings = "[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=h\n[ProxyPort]\nValue=32768\n";
         window.writeSettings(settings);
         QVERIFY(!window.load());
-        QCOMPARE(window.boxes.texts(), QStringList{tr("Run-time error '6':\n\nOverflow")});
+        QCOMPARE(window.boxes.texts(),
+                 QStringList{tr("Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
+                                "greater than 32767.")
+                                 .arg(window.settingsFile())});
         QCOMPARE(window.boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
         QCOMPARE(window.boxes.boxes()[0].icon, QMessageBox::Critical);
         QCOMPARE(contentOf(window.settingsFile()), settings);

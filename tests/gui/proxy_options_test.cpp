@@ -3,6 +3,11 @@
 #include <QDir>
 #include <QFile>
 
+#ifndef Q_OS_WIN
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 #include "DialogDriver.h"
 #include "common/CDS_CIni.h"
 #include "tab_controls.h"
@@ -237,6 +242,10 @@ private slots:
         if (onBefore)
             window_->writeSettings(settings("on", "127.0.0.1", "8080"));
         window_->start();
+        QString owner;
+        window_->boxes.beforeAnswer = [&owner](QMessageBox& box) {
+            owner = box.parentWidget() ? box.parentWidget()->objectName() : QString();
+        };
         inOptions([onBefore](Options& options) {
             if (!onBefore)
                 options.toggle();
@@ -244,7 +253,11 @@ private slots:
             options.ok();
             QVERIFY(!options.isOpen());
         });
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '6':\n\nOverflow")});
+        QCOMPARE(window_->boxes.texts(),
+                 QStringList{tr("Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
+                                "greater than 32767.")
+                                 .arg(window_->settingsFile())});
+        QCOMPARE(owner, QStringLiteral("Proxy"));
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Critical);
         QCOMPARE(window_->main().proxy().port, onBefore ? 8080 : 0);
         QCOMPARE(saved("ProxySwitch"), std::string("on"));
@@ -410,6 +423,89 @@ private slots:
         });
         QCOMPARE(window_->main().proxy().host, std::string("first.example")); // only OK takes it over
     }
+
+    void whatReadsEmptyIsEmpty_data()
+    {
+        QTest::addColumn<QByteArray>("host");
+        QTest::addColumn<QByteArray>("port");
+        QTest::addColumn<QString>("boxHost");
+        QTest::addColumn<QString>("boxPort");
+        QTest::newRow("blank host") << QByteArray("  ") << QByteArray("9090") << QString() << QStringLiteral("9090");
+        QTest::newRow("quotes around nothing")
+            << QByteArray("\"\"") << QByteArray("9090") << QString() << QStringLiteral("9090");
+        QTest::newRow("blank port") << QByteArray("new.example") << QByteArray(" ") << QStringLiteral("new.example")
+                                    << QString();
+    }
+
+    // The dialog does not let a field be empty, but a blank in it is no host either.
+    void whatReadsEmptyIsEmpty()
+    {
+        QFETCH(QByteArray, host);
+        QFETCH(QByteArray, port);
+        QFETCH(QString, boxHost);
+        QFETCH(QString, boxPort);
+        window_->writeSettings(settings("on", "old.example", "8080"));
+        window_->start();
+        QCOMPARE(window_->main().proxy().host, std::string("old.example"));
+        inOptions([&](Options& options) {
+            options.host()->setText(QString::fromLatin1(host));
+            options.port()->setText(QString::fromLatin1(port));
+            options.ok();
+        });
+        QCOMPARE(window_->main().proxy().host, boxHost.toStdString());
+        QCOMPARE(window_->main().proxy().port, boxPort.toInt());
+        inOptions([&](Options& options) {
+            QCOMPARE(options.host()->text(), boxHost);
+            QCOMPARE(options.port()->text(), boxPort);
+            // A tick brings the saved values back over whatever stands in the fields.
+            options.toggle();
+            options.toggle();
+            QCOMPARE(options.host()->text(), boxHost);
+            QCOMPARE(options.port()->text(), boxPort);
+            options.cancel();
+        });
+    }
+
+#ifndef Q_OS_WIN
+    void aSettingsFileOfAnyKindEndsNothing_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const char* kind : {"sparse", "pipe", "device", "folder", "circle"})
+            QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+
+    void aSettingsFileOfAnyKindEndsNothing()
+    {
+        QFETCH(QString, kind);
+        const QString path = window_->settingsFile();
+        const QByteArray name = QFile::encodeName(path);
+        if (kind == QStringLiteral("sparse")) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            if (!file.resize(qint64{4} << 40))
+                QSKIP("the file system holds no such file");
+        } else if (kind == QStringLiteral("pipe")) {
+            QCOMPARE(::mkfifo(name.constData(), 0600), 0);
+        } else if (kind == QStringLiteral("device")) {
+            QCOMPARE(::symlink("/dev/zero", name.constData()), 0);
+        } else if (kind == QStringLiteral("folder")) {
+            QVERIFY(QDir().mkpath(path));
+        } else {
+            QCOMPARE(::symlink("Quarrynet.ini", name.constData()), 0);
+        }
+        window_->start();
+        QVERIFY(window_->main().isDirect());
+        inOptions([](Options& options) {
+            QVERIFY(!options.check()->isChecked());
+            options.toggle();
+            options.fill(QStringLiteral("proxy.example"), QStringLiteral("8080"));
+            options.ok();
+            QVERIFY(!options.isOpen());
+        });
+        QCOMPARE(window_->boxes.texts(), QStringList()); // a failed write is not reported
+        QVERIFY(window_->main().proxy().host.empty());
+    }
+#endif
 
 private:
     /// Opens the dialog as a person does, works it, and returns when it is closed.
