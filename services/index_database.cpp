@@ -3,6 +3,9 @@
 #include <filesystem>
 #include <sys/stat.h>
 
+#include "services/current_task.h"
+#include "services/excerpt.h"
+
 namespace quarrynet::services {
 
 namespace {
@@ -39,6 +42,13 @@ CREATE UNIQUE INDEX picture_path ON picture(folder, path);
 CREATE VIRTUAL TABLE picture_text USING fts5(name, place, content='picture', content_rowid='id',
     tokenize='porter unicode61 remove_diacritics 2');
 )";
+
+std::function<bool()> timeIsUp(std::chrono::milliseconds time)
+{
+    return [deadline = std::chrono::steady_clock::now() + time] {
+        return CurrentTask::abandoned() || std::chrono::steady_clock::now() >= deadline;
+    };
+}
 
 } // namespace
 
@@ -91,9 +101,20 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
         if (!idle_.empty()) {
             Lease lease(*this, std::move(idle_.back()), generation);
             idle_.pop_back();
+            lease->stopWhen(timeIsUp(queryTime_));
             return lease;
         }
     }
+    Outcome<std::unique_ptr<Database>> made = connect();
+    if (!made)
+        return made.failure();
+    Lease lease(*this, std::move(*made), generation);
+    lease->stopWhen(timeIsUp(queryTime_));
+    return lease;
+}
+
+Outcome<std::unique_ptr<Database>> IndexPool::connect()
+{
     Outcome<Database> opened = Database::open(path_, Database::Access::Read);
     if (!opened)
         return opened.failure();
@@ -102,11 +123,15 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
         return layout.failure();
     if (*layout != kIndexLayout)
         return Failure{"the index is of another version; \"quarrynet-services index\" makes a new one"};
-    return Lease(*this, std::make_unique<Database>(std::move(*opened)), generation);
+    const Outcome<Done> added = addExcerpt(*opened);
+    if (!added)
+        return added.failure();
+    return std::make_unique<Database>(std::move(*opened));
 }
 
 void IndexPool::giveBack(std::unique_ptr<Database> database, std::uint64_t generation)
 {
+    database->stopWhen(nullptr);
     const std::lock_guard lock(mutex_);
     if (generation == generation_)
         idle_.push_back(std::move(database));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -29,11 +30,16 @@ Outcome<std::int64_t> indexLayout(Database& database);
 /// Makes the tables in an empty database.
 Outcome<Done> createTables(Database& database);
 
+/// A search fails when it has taken so long: no document and no words hold the others up for longer.
+inline constexpr std::chrono::milliseconds kMaxQueryTime = std::chrono::seconds(2);
+
 /// Connections for reading, one for each search under way, kept for the next one.
 class IndexPool
 {
 public:
-    explicit IndexPool(const std::string& dataFolder) : path_(indexPath(dataFolder)) {}
+    explicit IndexPool(const std::string& dataFolder, std::chrono::milliseconds queryTime = kMaxQueryTime)
+        : path_(indexPath(dataFolder)), queryTime_(queryTime)
+    {}
 
     /// A borrowed connection; goes back when it ends.
     class Lease
@@ -57,13 +63,17 @@ public:
         std::uint64_t generation_;
     };
 
-    /// A connection to the index that is there now; a Failure that says what to do when there is none.
+    /// Returns a connection to the index that is there now, or a Failure that says what to do when there is none. Its
+    /// statements fail when the query time, counted from now, is over, or when this thread's task (CurrentTask) is
+    /// abandoned. It has excerpt().
     Outcome<Lease> borrow();
 
 private:
+    Outcome<std::unique_ptr<Database>> connect();
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
     std::string path_;
+    std::chrono::milliseconds queryTime_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Database>> idle_;
     std::uint64_t generation_ = 0; ///< of the file that idle_ belongs to

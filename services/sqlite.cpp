@@ -9,8 +9,14 @@ namespace {
 // Nobody writes to an index that is in use; should another program do, it is waited for.
 constexpr int kBusyMilliseconds = 5000;
 
+// Steps of SQLite's machine between two questions whether to go on. One step can work through a long document, so they
+// are few.
+constexpr int kStepsBetweenQuestions = 16;
+
 Failure describeFault(sqlite3* handle)
 {
+    if (sqlite3_errcode(handle) == SQLITE_INTERRUPT)
+        return Failure{"it took too long"};
     return Failure{std::string("the index database says: ") + sqlite3_errmsg(handle)};
 }
 
@@ -41,6 +47,11 @@ void Statement::bind(int parameter, const std::optional<std::int64_t>& number)
         bind(parameter, *number);
     else
         sqlite3_bind_null(handle_.get(), parameter);
+}
+
+void Statement::bindPointer(int parameter, void* pointer, const char* type)
+{
+    sqlite3_bind_pointer(handle_.get(), parameter, pointer, type, nullptr);
 }
 
 Statement::Step Statement::step()
@@ -138,6 +149,16 @@ Outcome<Done> Database::execute(const char* sql)
 std::int64_t Database::lastRowId() const
 {
     return sqlite3_last_insert_rowid(handle_.get());
+}
+
+void Database::stopWhen(std::function<bool()> stop)
+{
+    *stop_ = std::move(stop);
+    const auto ask = [](void* question) { return (*static_cast<std::function<bool()>*>(question))() ? 1 : 0; };
+    if (*stop_)
+        sqlite3_progress_handler(handle_.get(), kStepsBetweenQuestions, ask, stop_.get());
+    else
+        sqlite3_progress_handler(handle_.get(), 0, nullptr, nullptr);
 }
 
 } // namespace quarrynet::services

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,8 @@ public:
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
     void bind(int parameter, const std::optional<std::int64_t>& number); // nothing is NULL
+    /// For SQL functions that hand out an interface of C; `type` is what SQLite's documentation names.
+    void bindPointer(int parameter, void* pointer, const char* type);
 
     Step step();
 
@@ -76,6 +79,10 @@ public:
 
     std::int64_t lastRowId() const;
 
+    /// From now on `stop` is asked again and again while a statement of this connection runs, on the thread that runs
+    /// it; once it returns true, the statement fails. Without a function nothing is asked.
+    void stopWhen(std::function<bool()> stop);
+
 private:
     struct Close
     {
@@ -83,6 +90,7 @@ private:
     };
     explicit Database(sqlite3* handle) : handle_(handle) {}
 
+    std::unique_ptr<std::function<bool()>> stop_ = std::make_unique<std::function<bool()>>();
     std::unique_ptr<sqlite3, Close> handle_;
 };
 

@@ -96,8 +96,7 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
     // A word in the title says more about a page than one in its text.
     static constexpr WordTable kTable = {
         "SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1",
-        "SELECT page.address, highlight(web_page_text, 0, char(1), char(2)), "
-        "snippet(web_page_text, 1, char(1), char(2), '...', 32) "
+        "SELECT page.address, excerpt(web_page_text, 0, 64), excerpt(web_page_text, 1, 32) "
         "FROM web_page_text JOIN web_page AS page ON page.id = web_page_text.rowid "
         "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3",
         kPageSize,

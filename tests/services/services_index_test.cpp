@@ -1,9 +1,13 @@
+#include <atomic>
+#include <chrono>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "service_support.h"
+#include "services/current_task.h"
 #include "services/file_service.h"
 #include "services/index_database.h"
 #include "services/index_writer.h"
@@ -146,6 +150,62 @@ TEST_F(Index, OnlyOneWriterAtATime)
     const Outcome<IndexWriter> second = IndexWriter::begin(data_.path());
     ASSERT_FALSE(second);
     EXPECT_NE(second.failure().message.find("another"), std::string::npos);
+}
+
+namespace {
+
+/// Runs for ever, unless something ends it.
+Outcome<Done> runEndlessly(IndexPool& pool)
+{
+    Outcome<IndexPool::Lease> index = pool.borrow();
+    if (!index)
+        return index.failure();
+    return (*index)->execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT 1 FROM n) SELECT count(*) FROM n");
+}
+
+} // namespace
+
+TEST_F(Index, AQueryEndsWhenItsTimeIsUpAndTheConnectionServesTheNext)
+{
+    ASSERT_TRUE(build(stanza("red", "apple")));
+    IndexPool pool(data_.path(), std::chrono::milliseconds(20));
+    const Outcome<Done> result = runEndlessly(pool);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.failure().message, "it took too long");
+    IndexPool usual(data_.path());
+    EXPECT_EQ(find(usual, "apple").size(), 1U);
+}
+
+TEST_F(Index, AQueryEndsWhenItsTaskIsAbandoned)
+{
+    ASSERT_TRUE(build(stanza("red", "apple")));
+    IndexPool pool(data_.path(), std::chrono::hours(1));
+    std::atomic<bool> abandoned = false;
+    std::atomic<bool> begun = false;
+    std::thread asker([&] {
+        const CurrentTask task(abandoned);
+        begun = true;
+        begun.notify_all();
+        EXPECT_FALSE(runEndlessly(pool));
+    });
+    begun.wait(false);
+    abandoned = true;
+    asker.join();
+    EXPECT_FALSE(CurrentTask::abandoned());
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, PagesThatRepeatAWordAreFoundLikeOthers)
+{
+    std::string page = "<title>repeats</title>";
+    for (int i = 0; i < 30000; ++i)
+        page += "a b ";
+    for (int i = 0; i < 30; ++i)
+        input_.write("docs/" + std::to_string(i) + ".html", page);
+    ASSERT_TRUE(build("", {input_.path() + "/docs"}));
+    // Where the cost is the square of the matches, one such page takes many seconds.
+    IndexPool pool(data_.path(), std::chrono::seconds(60));
+    EXPECT_EQ(find(pool, "a b \"a b\" \"b a\"").size(), 30U);
 }
 
 TEST_F(Index, FolderThatIsNotThereIsAFailure)
