@@ -110,7 +110,10 @@ public:
     }
 
 private:
-    std::size_t room(std::size_t at) const { return kMaxExcerptBytes - std::min<std::size_t>(at - begin_, kMaxExcerptBytes); }
+    std::size_t room(std::size_t at) const
+    {
+        return kMaxExcerptBytes - std::min<std::size_t>(at - begin_, kMaxExcerptBytes);
+    }
 
     int take(int flags, std::size_t begin, std::size_t end)
     {

@@ -182,20 +182,25 @@ bool RequestReader::empty() const
     return parser_->empty();
 }
 
-std::string responseBytes(const HttpResponse& response, bool headOnly)
+std::string responseHead(const HttpResponse& response)
 {
     http::response<http::empty_body> message(static_cast<http::status>(response.status), 11);
     message.set(http::field::date, httpDate());
     message.set(http::field::content_type, response.contentType);
-    message.content_length(response.body.size());
+    message.content_length(response.file ? response.file->size() : response.body.size());
     message.set("X-Content-Type-Options", "nosniff");
     message.keep_alive(false);
     for (const auto& [name, value] : response.fields)
         message.insert(name, value);
     std::ostringstream head;
     head << message.base();
-    std::string bytes = head.str();
-    if (!headOnly)
+    return head.str();
+}
+
+std::string responseBytes(const HttpResponse& response, bool headOnly)
+{
+    std::string bytes = responseHead(response);
+    if (!headOnly && response.file == nullptr)
         bytes += response.body;
     return bytes;
 }

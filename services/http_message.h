@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "services/open_file.h"
+
 /// HTTP/1.1 messages as bytes, apart from sockets (RFC 9110, RFC 9112). Boost.Beast reads and writes them, because it
 /// hands out the request target as it was sent: the requests that arrive here carry what people typed without any
 /// escaping, and a "#", a "&" or a "?" in the keywords belongs to them.
@@ -29,6 +31,7 @@ struct HttpResponse
     std::string contentType = "text/html; charset=utf-8";
     std::string body;
     std::vector<std::pair<std::string, std::string>> fields = {};
+    std::shared_ptr<const OpenFile> file = nullptr; ///< whose content is the body instead, when there is one
 };
 
 /// A longer request line is answered with 414, a longer head with 431.
@@ -67,8 +70,11 @@ private:
     std::unique_ptr<Parser> parser_;
 };
 
-/// The whole response: status line, Content-Length and "Connection: close" fields, and the body unless `headOnly`.
-/// Nothing is chunked or compressed: the reader takes everything up to the connection's end.
+/// Returns the status line and the fields, with the length of the body and "Connection: close", up to the empty line
+/// before the body. Nothing is chunked or compressed: the reader takes everything up to the connection's end.
+std::string responseHead(const HttpResponse& response);
+
+/// Returns the whole response; without its body when `headOnly`. A body that is a file is left out.
 std::string responseBytes(const HttpResponse& response, bool headOnly);
 
 /// The lower-case host of "host", "host:port" or "[address]:port".

@@ -1,36 +1,28 @@
 #include "services/http_server.h"
 
-#include <array>
+#include <algorithm>
 #include <csignal>
 #include <fcntl.h>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include <boost/asio/executor_work_guard.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/signal_set.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <boost/asio/thread_pool.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
+
+#include "services/http_loop.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-namespace asio = boost::asio;
-using asio::ip::tcp;
-using boost::system::error_code;
-
-// After the answer the client may still be sending, and closing then would reset the connection and lose the answer:
-// what it sends is read and thrown away for so long and so much.
-constexpr auto kDrainTime = std::chrono::seconds(2);
-constexpr std::size_t kDrainBytes = 1024 * 1024;
-
 /// When the system has no descriptors left, a further connection is tried so much later.
 constexpr auto kAcceptPause = std::chrono::milliseconds(100);
+
+/// What the system may hold of an answer that the client does not take. By default it takes megabytes.
+constexpr int kSendBuffer = 128 * 1024;
+
+/// Clients that have ended their side of the connection may still want an answer, but most are gone: so many at each
+/// address wait for one, after all others.
+constexpr std::size_t kEndedClients = 4;
 
 /// Keeps a socket from the processes that are started here: a connection that they held would not end in time.
 void keepFromChildren(int descriptor)
@@ -38,183 +30,84 @@ void keepFromChildren(int descriptor)
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
-std::string answerTo(const HttpServer::Handler& handler, const HttpRequest& request)
+} // namespace
+
+HttpServer::Loop::~Loop()
 {
-    const bool headOnly = request.method == "HEAD";
-    try {
-        if (request.method != "GET" && !headOnly)
-            return responseBytes(errorResponse(405, "Only GET and HEAD are answered here."), false);
-        return responseBytes(handler(request), headOnly);
-    } catch (const std::exception&) {
-        return responseBytes(errorResponse(500, "The answer could not be made."), headOnly);
+    for (const auto& listener : listeners_) {
+        listener->acceptor.reset();
+        listener->waiting.clear();
+        listener->ended.clear();
     }
 }
 
-} // namespace
-
-class HttpServer::Loop
+void HttpServer::Loop::hold(Listener& listener, std::size_t bytes)
 {
-public:
-    explicit Loop(Limits limits) : limits_(limits) {}
+    listener.held += bytes;
+    held_ += bytes;
+    mostHeld_ = std::max(mostHeld_, held_);
+}
 
-    std::variant<std::uint16_t, Refusal> listen(const std::string& address, std::uint16_t port, Handler handler);
-    void stopOnSignals();
-    bool run();
-    void stop() { io_.stop(); }
-
-private:
-    class Session;
-
-    struct Listener
-    {
-        tcp::acceptor acceptor;
-        Handler handler;
-        bool accepting = false;
-    };
-
-    void accept(Listener& listener);
-    void acceptAll();
-
-    Limits limits_;
-    bool running_ = false;
-    std::size_t sessions_ = 0;
-    asio::io_context io_{1}; // sessions that are still held here end with it, before what they use
-    asio::signal_set signals_{io_};
-    asio::steady_timer acceptPause_{io_};
-    std::vector<std::unique_ptr<Listener>> listeners_;
-    asio::thread_pool* workers_ = nullptr; ///< while run() runs
-};
-
-/// One connection. What is under way holds the session; when nothing is, it ends, and the connection with it.
-class HttpServer::Loop::Session : public std::enable_shared_from_this<Session>
+void HttpServer::Loop::release(Listener& listener, std::size_t bytes)
 {
-public:
-    Session(Loop& loop, const Handler& handler, tcp::socket socket)
-        : loop_(loop), handler_(handler), stream_(std::move(socket)), requestTimer_(loop.io_)
-    {
-        ++loop_.sessions_;
-    }
-    ~Session()
-    {
-        --loop_.sessions_;
-        if (loop_.running_)
-            loop_.acceptAll();
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+    listener.held -= bytes;
+    held_ -= bytes;
+    dispatch(listener);
+}
 
-    void start()
-    {
-        // The stream's own timeout would close the connection, and there would be no saying why.
-        requestTimer_.expires_after(loop_.limits_.requestTime);
-        requestTimer_.async_wait([weak = weak_from_this()](error_code error) {
-            if (const auto self = weak.lock(); self && !error)
-                self->expire();
-        });
-        receive();
+/// Has answers made as long as there are places for them.
+void HttpServer::Loop::dispatch(Listener& listener)
+{
+    if (!running_ || listener.dispatching)
+        return;
+    listener.dispatching = true;
+    const std::size_t share = limits_.answerBytes / listeners_.size();
+    while (listener.making.size() < limits_.workers && listener.held < share) {
+        const std::shared_ptr<Session> session = next(listener);
+        if (session == nullptr)
+            break;
+        session->make();
     }
-
-private:
-    void expire()
-    {
-        if (!reading_)
-            return;
-        late_ = true;
-        stream_.cancel();
+    listener.dispatching = false;
+    // Answers that probably nobody takes make room.
+    if (listener.waiting.empty())
+        return;
+    for (Session* session : listener.making) {
+        if (session->client() != Client::Waits)
+            session->abandon();
     }
+}
 
-    void receive()
-    {
-        stream_.async_read_some(asio::buffer(piece_), [self = shared_from_this()](error_code error, std::size_t count) {
-            self->received(error, count);
-        });
-    }
-
-    void received(error_code error, std::size_t count)
-    {
-        HeadState head = reader_.take({piece_.data(), count});
-        if (std::holds_alternative<HeadIncomplete>(head)) {
-            if (!error && !late_) {
-                receive();
-                return;
-            }
-            if (reader_.empty())
-                return;
-            if (late_)
-                head = errorResponse(408, "The request took too long to arrive.");
-            else if (error == asio::error::eof)
-                head = errorResponse(400, "The request is incomplete.");
-            else
-                return;
+/// Takes the next session that still wants an answer out of the queues; null when there is none.
+std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& listener)
+{
+    while (!listener.waiting.empty()) {
+        const std::shared_ptr<Session> session = listener.waiting.front();
+        if (session->client() == Client::Waits) {
+            listener.waiting.pop_front();
+            return session;
         }
-        reading_ = false;
-        requestTimer_.cancel();
-        if (auto* request = std::get_if<HttpRequest>(&head))
-            answer(std::move(*request));
-        else
-            send(responseBytes(std::get<HttpResponse>(head), false));
+        setAside(listener, session);
     }
+    if (listener.ended.empty())
+        return nullptr;
+    std::shared_ptr<Session> session = std::move(listener.ended.front());
+    listener.ended.pop_front();
+    return session;
+}
 
-    void answer(HttpRequest request)
-    {
-        asio::post(*loop_.workers_, [self = shared_from_this(), asked = std::move(request)]() mutable {
-            std::string bytes = answerTo(self->handler_, asked);
-            asio::io_context& io = self->loop_.io_;
-            asio::post(io,
-                       [back = std::move(self), made = std::move(bytes)]() mutable { back->send(std::move(made)); });
-        });
-    }
-
-    void send(std::string bytes)
-    {
-        answer_ = std::move(bytes);
-        sendRest();
-    }
-
-    void sendRest()
-    {
-        stream_.expires_after(loop_.limits_.writeTime);
-        stream_.async_write_some(
-            asio::buffer(answer_) + sent_,
-            [self = shared_from_this()](error_code error, std::size_t count) { self->sent(error, count); });
-    }
-
-    void sent(error_code error, std::size_t count)
-    {
-        if (error)
-            return;
-        sent_ += count;
-        if (sent_ < answer_.size()) {
-            sendRest();
-            return;
-        }
-        answer_ = std::string();
-        stream_.socket().shutdown(tcp::socket::shutdown_send, error);
-        stream_.expires_after(kDrainTime);
-        drain();
-    }
-
-    void drain()
-    {
-        stream_.async_read_some(asio::buffer(piece_), [self = shared_from_this()](error_code error, std::size_t count) {
-            self->drained_ += count;
-            if (!error && self->drained_ < kDrainBytes)
-                self->drain();
-        });
-    }
-
-    Loop& loop_;
-    const Handler& handler_;
-    boost::beast::tcp_stream stream_;
-    asio::steady_timer requestTimer_;
-    RequestReader reader_;
-    std::array<char, 16 * 1024> piece_;
-    bool reading_ = true;
-    bool late_ = false;
-    std::string answer_;
-    std::size_t sent_ = 0;
-    std::size_t drained_ = 0;
-};
+/// Takes a session whose client has ended its side, or is gone, out of the queue of those that wait.
+void HttpServer::Loop::setAside(Listener& listener, const std::shared_ptr<Session>& session)
+{
+    const std::shared_ptr<Session> kept = session;
+    std::erase(listener.waiting, kept);
+    if (kept->client() == Client::Gone)
+        return;
+    if (listener.ended.size() < kEndedClients)
+        listener.ended.push_back(kept);
+    else
+        kept->send({responseBytes(errorResponse(503, "Too many requests wait for an answer."), false)});
+}
 
 std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const std::string& address,
                                                                           std::uint16_t port, Handler handler)
@@ -229,6 +122,10 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
         keepFromChildren(acceptor.native_handle());
         acceptor.set_option(tcp::acceptor::reuse_address(true), error);
     }
+    if (!error) {
+        // Connections have it from the socket that accepts them.
+        acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
+    }
     if (!error)
         acceptor.bind({ip, port}, error);
     if (!error)
@@ -242,7 +139,9 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
             fault = ListenFault::InUse;
         return Refusal{fault, address + ":" + std::to_string(port) + ": " + error.message()};
     }
-    listeners_.push_back(std::make_unique<Listener>(Listener{std::move(acceptor), std::move(handler)}));
+    listeners_.push_back(std::make_unique<Listener>());
+    listeners_.back()->acceptor.emplace(std::move(acceptor));
+    listeners_.back()->handler = std::move(handler);
     return name.port();
 }
 
@@ -259,7 +158,7 @@ void HttpServer::Loop::stopOnSignals()
 void HttpServer::Loop::accept(Listener& listener)
 {
     listener.accepting = true;
-    listener.acceptor.async_accept([this, &listener](error_code error, tcp::socket socket) {
+    listener.acceptor->async_accept([this, &listener](error_code error, tcp::socket socket) {
         listener.accepting = false;
         if (error) {
             acceptPause_.expires_after(kAcceptPause);
@@ -271,7 +170,7 @@ void HttpServer::Loop::accept(Listener& listener)
         }
         keepFromChildren(socket.native_handle());
         socket.set_option(tcp::no_delay(true), error); // a connection without it is merely slower
-        std::make_shared<Session>(*this, listener.handler, std::move(socket))->start();
+        std::make_shared<Session>(*this, listener, std::move(socket))->start();
         acceptAll();
     });
 }
@@ -279,7 +178,7 @@ void HttpServer::Loop::accept(Listener& listener)
 void HttpServer::Loop::acceptAll()
 {
     for (const auto& listener : listeners_) {
-        if (!listener->accepting && sessions_ < limits_.connections)
+        if (!listener->accepting && listener->sessions < limits_.connections)
             accept(*listener);
     }
 }
@@ -288,7 +187,7 @@ bool HttpServer::Loop::run()
 {
     std::unique_ptr<asio::thread_pool> workers;
     try {
-        workers = std::make_unique<asio::thread_pool>(limits_.workers);
+        workers = std::make_unique<asio::thread_pool>(limits_.workers * std::max<std::size_t>(1, listeners_.size()));
     } catch (const std::system_error&) {
         return false;
     }
@@ -305,6 +204,10 @@ bool HttpServer::Loop::run()
         }
     }
     running_ = false;
+    for (const auto& listener : listeners_) {
+        for (Session* session : listener->making)
+            session->abandon();
+    }
     workers->stop();
     workers->join();
     return true;
@@ -335,6 +238,11 @@ bool HttpServer::run()
 void HttpServer::stop()
 {
     loop_->stop();
+}
+
+std::size_t HttpServer::mostHeld() const
+{
+    return loop_->mostHeld();
 }
 
 } // namespace quarrynet::services

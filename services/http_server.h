@@ -14,10 +14,14 @@ namespace quarrynet::services {
 /// A small HTTP server over Boost.Asio: one thread moves the bytes of all connections, a few others make the answers.
 /// Each connection carries one request and is closed after its answer, whatever the request asks for, because the
 /// connection's end is what tells the program that the page is complete.
+///
+/// Each address that is listened at has places of its own, for connections, for answers in the making and for their
+/// bytes, so that whatever clients do at one address, the others go on answering.
 class HttpServer
 {
 public:
     /// Makes the answer to a GET or HEAD request; called from several threads at once. What it throws becomes a 500.
+    /// While it runs, CurrentTask::abandoned() says whether anybody still waits for it.
     using Handler = std::function<HttpResponse(const HttpRequest&)>;
 
     struct Limits
@@ -26,9 +30,15 @@ public:
         std::chrono::milliseconds requestTime = std::chrono::seconds(15);
         /// For each further piece of the answer to be taken.
         std::chrono::milliseconds writeTime = std::chrono::seconds(30);
-        /// About so many; further ones wait in the system's queue.
-        std::size_t connections = 256;
+        /// For the whole answer to be taken.
+        std::chrono::milliseconds answerTime = std::chrono::minutes(5);
+        /// At each address; further ones wait in the system's queue.
+        std::size_t connections = 64;
+        /// Answers in the making at each address.
         unsigned workers = 4;
+        /// For all answers together, in bytes held in memory; each address has its share. No further answer is made
+        /// while a share is used up, so that at most `workers` answers go beyond it.
+        std::size_t answerBytes = 64 * 1024 * 1024;
     };
 
     enum class ListenFault : std::uint8_t
@@ -59,8 +69,12 @@ public:
     /// Serves until stop(), at once or later, and once only. False when the system refuses what serving takes.
     bool run();
 
-    /// Ends run() soon: answers under way are cut off. From any thread, but not from a signal handler.
+    /// Ends run() soon: answers under way are cut off, and those in the making are told that they are abandoned. From
+    /// any thread, but not from a signal handler.
     void stop();
+
+    /// Returns the most bytes of answers that were held at once; to be called when run() is over.
+    std::size_t mostHeld() const;
 
 private:
     class Loop;

@@ -1,8 +1,18 @@
 #include "services/thumbnail_cache.h"
 
+#include <chrono>
 #include <utility>
 
+#include "services/current_task.h"
+
 namespace quarrynet::services {
+
+namespace {
+
+/// Whoever waits asks so often whether anybody still wants the thumbnail.
+constexpr std::chrono::milliseconds kAskInterval(50);
+
+} // namespace
 
 std::size_t ThumbnailCache::sizeOf(const Entry& entry)
 {
@@ -30,7 +40,10 @@ ThumbnailCache::Thumbnail ThumbnailCache::get(const std::string& key, const std:
 {
     {
         std::unique_lock lock(mutex_);
-        made_.wait(lock, [&] { return underWay_.count(key) == 0; });
+        while (!made_.wait_for(lock, kAskInterval, [&] { return underWay_.count(key) == 0; })) {
+            if (CurrentTask::abandoned())
+                return std::nullopt;
+        }
         const auto found = places_.find(key);
         if (found != places_.end()) {
             entries_.splice(entries_.begin(), entries_, found->second);
@@ -47,7 +60,8 @@ ThumbnailCache::Thumbnail ThumbnailCache::get(const std::string& key, const std:
     };
     try {
         Thumbnail thumbnail = make();
-        finish(&thumbnail);
+        // Work that was given up says nothing about the picture.
+        finish(CurrentTask::abandoned() ? nullptr : &thumbnail);
         return thumbnail;
     } catch (...) {
         finish(nullptr);

@@ -22,8 +22,8 @@ public:
     /// `bytes` bounds the keys and thumbnails together.
     explicit ThumbnailCache(std::size_t bytes) : limit_(bytes) {}
 
-    /// What is kept for `key`, or what `make` gives, which is then kept. Who asks for a key that is being made waits
-    /// for it.
+    /// Returns what is kept for `key`, or what `make` gives, which is then kept. Who asks for a key that is being made
+    /// waits for it. Where this thread's task (CurrentTask) is abandoned, nothing is returned or kept.
     Thumbnail get(const std::string& key, const std::function<Thumbnail()>& make);
 
     /// What is held now, as the limit counts it.

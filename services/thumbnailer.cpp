@@ -13,6 +13,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "services/current_task.h"
+
 extern char** environ;
 
 namespace quarrynet::services {
@@ -23,6 +25,9 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
 constexpr std::size_t kMaxThumbnail = 1024 * 1024;
+
+/// Whoever waits asks so often whether anybody still wants the thumbnail.
+constexpr std::chrono::milliseconds kAskInterval(50);
 
 } // namespace
 
@@ -86,10 +91,16 @@ public:
 private:
     bool wait(short events, Clock::time_point deadline) const
     {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-        pollfd watched{socket_, events, 0};
-        const int count = left <= 0 ? 0 : ::poll(&watched, 1, static_cast<int>(left));
-        return count > 0 || (count < 0 && errno == EINTR);
+        while (!CurrentTask::abandoned()) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            if (left.count() <= 0)
+                return false;
+            pollfd watched{socket_, events, 0};
+            const int count = ::poll(&watched, 1, static_cast<int>(std::min(left, kAskInterval).count()));
+            if (count != 0)
+                return count > 0 || errno == EINTR;
+        }
+        return false;
     }
 
     bool send(std::string_view bytes, Clock::time_point deadline) const
@@ -130,7 +141,10 @@ std::unique_ptr<Thumbnailer::Process> Thumbnailer::borrow()
 {
     {
         std::unique_lock lock(mutex_);
-        returned_.wait(lock, [this] { return lent_ < limits_.processes; });
+        while (!returned_.wait_for(lock, kAskInterval, [this] { return lent_ < limits_.processes; })) {
+            if (CurrentTask::abandoned())
+                return nullptr;
+        }
         ++lent_;
         if (!idle_.empty()) {
             std::unique_ptr<Process> process = std::move(idle_.back());
@@ -146,6 +160,8 @@ std::optional<std::string> Thumbnailer::make(PictureFormat format, std::string_v
     if (content.size() > kMaxPicture)
         return std::nullopt;
     std::unique_ptr<Process> process = borrow();
+    if (process == nullptr)
+        return std::nullopt;
     std::string thumbnail;
     const bool answered = process->ask(format, content, Clock::now() + limits_.time, thumbnail);
     if (!answered)

@@ -34,12 +34,13 @@ public:
     Thumbnailer(const Thumbnailer&) = delete;
     Thumbnailer& operator=(const Thumbnailer&) = delete;
 
-    /// A PNG or JPEG picture of at most 120 by 120 pixels; nothing when there is none to be had. From any thread.
+    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or nothing when there is none to be had or this
+    /// thread's task (CurrentTask) is abandoned. From any thread.
     std::optional<std::string> make(PictureFormat format, std::string_view content);
 
 private:
     class Process;
-    std::unique_ptr<Process> borrow();
+    std::unique_ptr<Process> borrow(); ///< null: the task was abandoned
 
     std::string program_;
     Limits limits_;

@@ -92,6 +92,13 @@ public:
 
     void endSending() const { ::shutdown(socket_, SHUT_WR); }
 
+    /// The connection is broken off, not closed, when the object ends.
+    void resetAtEnd() const
+    {
+        const linger none{1, 0};
+        ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
+    }
+
     /// Everything up to the server's end of the connection.
     std::string receiveAll() const
     {

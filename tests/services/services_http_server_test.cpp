@@ -6,23 +6,32 @@
 #include <gtest/gtest.h>
 
 #include "service_support.h"
+#include "services/current_task.h"
 #include "services/http_server.h"
 
 using namespace quarrynet::services;
 
 namespace {
 
-/// A server on a free port, running on a thread of its own for as long as the object lives.
+/// A server on free ports, running on a thread of its own until stop(), or for as long as the object lives.
 class RunningServer
 {
 public:
-    explicit RunningServer(HttpServer::Handler handler, HttpServer::Limits limits = {}) : server_(limits)
+    explicit RunningServer(HttpServer::Handler handler, HttpServer::Limits limits = {})
+        : RunningServer(std::vector<HttpServer::Handler>{std::move(handler)}, limits)
+    {}
+    RunningServer(const std::vector<HttpServer::Handler>& handlers, HttpServer::Limits limits) : server_(limits)
     {
-        port_ = std::get<std::uint16_t>(server_.listen("127.0.0.1", 0, std::move(handler)));
+        for (const HttpServer::Handler& handler : handlers)
+            ports_.push_back(std::get<std::uint16_t>(server_.listen("127.0.0.1", 0, handler)));
         thread_ = std::thread([this] { healthy_ = server_.run(); });
     }
-    ~RunningServer()
+    ~RunningServer() { stop(); }
+
+    void stop()
     {
+        if (!thread_.joinable())
+            return;
         server_.stop();
         thread_.join();
         EXPECT_TRUE(healthy_);
@@ -30,16 +39,17 @@ public:
 
     std::string ask(std::string_view bytes) const
     {
-        const RawClient client("127.0.0.1", port_);
+        const RawClient client("127.0.0.1", ports_[0]);
         client.send(bytes);
         return client.receiveAll();
     }
 
-    std::uint16_t port() const { return port_; }
+    std::uint16_t port(std::size_t listener = 0) const { return ports_[listener]; }
+    std::size_t mostHeld() const { return server_.mostHeld(); }
 
 private:
     HttpServer server_;
-    std::uint16_t port_ = 0;
+    std::vector<std::uint16_t> ports_;
     bool healthy_ = false;
     std::thread thread_;
 };
@@ -49,6 +59,14 @@ HttpResponse echo(const HttpRequest& request)
     HttpResponse response;
     response.body = request.path + "?" + request.query;
     return response;
+}
+
+/// Works on an answer until nobody wants it any more.
+HttpResponse workInVain()
+{
+    while (!CurrentTask::abandoned())
+        std::this_thread::yield();
+    return {};
 }
 
 std::string statusOf(const std::string& response)
@@ -198,6 +216,151 @@ TEST(HttpServer, ClientThatDoesNotReadMakesRoomForOthers)
     idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
     EXPECT_LT(idle.receiveAll().size(), 64U * 1024 * 1024);
+}
+
+TEST(HttpServer, AClientThatReadsTooSlowlyMakesRoomForOthers)
+{
+    HttpServer::Limits limits;
+    limits.connections = 1;
+    limits.writeTime = std::chrono::hours(1);
+    limits.answerTime = std::chrono::milliseconds(30);
+    const RunningServer server(
+        [](const HttpRequest& request) {
+            HttpResponse response;
+            response.body = std::string(request.path == "/large" ? 64 * 1024 * 1024 : 1, 'x');
+            return response;
+        },
+        limits);
+    const RawClient idle("127.0.0.1", server.port());
+    idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+}
+
+TEST(HttpServer, RequestsOfClientsThatAreGoneDoNotHoldOthersUp)
+{
+    HttpServer::Limits limits;
+    limits.workers = 1;
+    limits.connections = 8;
+    const RunningServer server(
+        [](const HttpRequest& request) { return request.path == "/dropped" ? workInVain() : echo(request); }, limits);
+    for (int i = 0; i < 300; ++i)
+        RawClient("127.0.0.1", server.port()).send("GET /dropped HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+}
+
+TEST(HttpServer, AnAnswerInTheMakingIsAbandonedWhenItsClientIsGone)
+{
+    std::atomic<int> begun = 0;
+    std::atomic<int> ended = 0;
+    const RunningServer server([&](const HttpRequest&) {
+        begun = 1;
+        begun.notify_all();
+        HttpResponse response = workInVain();
+        ended = 1;
+        ended.notify_all();
+        return response;
+    });
+    {
+        const RawClient client("127.0.0.1", server.port());
+        client.send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+        begun.wait(0);
+        client.resetAtEnd();
+    }
+    ended.wait(0);
+}
+
+TEST(HttpServer, StopAbandonsAnswersInTheMaking)
+{
+    std::atomic<int> begun = 0;
+    RunningServer server([&](const HttpRequest&) {
+        begun = 1;
+        begun.notify_all();
+        return workInVain();
+    });
+    const RawClient client("127.0.0.1", server.port());
+    client.send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    begun.wait(0);
+    server.stop();
+}
+
+TEST(HttpServer, EachAddressHasPlacesOfItsOwn)
+{
+    HttpServer::Limits limits;
+    limits.connections = 2;
+    limits.workers = 1;
+    const RunningServer server({[](const HttpRequest&) { return workInVain(); }, echo}, limits);
+    const std::string request = "GET / HTTP/1.1\r\nHost: h\r\n\r\n";
+    const RawClient busy("127.0.0.1", server.port(0));
+    busy.send(request);
+    const RawClient silent("127.0.0.1", server.port(0));
+    const RawClient waiting("127.0.0.1", server.port(0));
+    waiting.send(request);
+    const RawClient other("127.0.0.1", server.port(1));
+    other.send(request);
+    EXPECT_EQ(statusOf(other.receiveAll()), "200");
+}
+
+TEST(HttpServer, AnswersTogetherHaveABudget)
+{
+    constexpr std::size_t kBody = 1024 * 1024;
+    HttpServer::Limits limits;
+    limits.answerBytes = 4 * kBody;
+    limits.workers = 2;
+    RunningServer server(
+        [](const HttpRequest&) {
+            HttpResponse response;
+            response.body = std::string(kBody, 'x');
+            return response;
+        },
+        limits);
+    std::vector<std::unique_ptr<RawClient>> clients;
+    for (int i = 0; i < 40; ++i) {
+        clients.push_back(std::make_unique<RawClient>("127.0.0.1", server.port()));
+        clients.back()->send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    }
+    for (const auto& client : clients)
+        EXPECT_GT(client->receiveAll().size(), kBody);
+    server.stop();
+    EXPECT_LE(server.mostHeld(), limits.answerBytes + limits.workers * (kBody + 1000));
+}
+
+TEST(HttpServer, FilesAreStreamed)
+{
+    const TemporaryFolder folder;
+    std::string large;
+    for (int i = 0; large.size() < 20 * 1024 * 1024; ++i)
+        large += std::to_string(i);
+    folder.write("large", large);
+    RunningServer server([&folder](const HttpRequest&) {
+        HttpResponse response;
+        response.file = openBeneath(folder.path(), "large");
+        return response;
+    });
+    const std::string answer = server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    const std::size_t body = answer.find("\r\n\r\n");
+    ASSERT_NE(body, std::string::npos);
+    EXPECT_TRUE(answer.substr(body + 4) == large);
+    EXPECT_NE(answer.find("Content-Length: " + std::to_string(large.size()) + "\r\n"), std::string::npos);
+    const std::string head = server.ask("HEAD / HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_NE(head.find("Content-Length: " + std::to_string(large.size()) + "\r\n"), std::string::npos);
+    EXPECT_EQ(head.substr(head.size() - 4), "\r\n\r\n");
+    server.stop();
+    EXPECT_LT(server.mostHeld(), 200U * 1024);
+}
+
+TEST(HttpServer, AFileThatBecameShorterEndsTheAnswerEarly)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("file", std::string(500000, 'x'));
+    const RunningServer server([&](const HttpRequest&) {
+        HttpResponse response;
+        response.file = openBeneath(folder.path(), "file");
+        std::filesystem::resize_file(path, 100000);
+        return response;
+    });
+    const std::string answer = server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_NE(answer.find("Content-Length: 500000\r\n"), std::string::npos);
+    EXPECT_EQ(answer.size() - answer.find("\r\n\r\n") - 4, 100000U);
 }
 
 TEST(HttpServer, BytesOfTheTargetReachTheHandlerAsSent)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "services/current_task.h"
 #include "services/thumbnail_cache.h"
 
 using namespace quarrynet::services;
@@ -87,4 +88,23 @@ TEST(ThumbnailCache, AFaultWhileMakingLeavesTheKeyFree)
     EXPECT_THROW((void)counted.cache.get("a", []() -> ThumbnailCache::Thumbnail { throw std::runtime_error("x"); }),
                  std::runtime_error);
     EXPECT_EQ(counted.get("a", "1"), "1");
+}
+
+TEST(ThumbnailCache, WhatWasAbandonedIsNotKeptAndNotWaitedFor)
+{
+    Counted counted(1 << 20);
+    std::atomic<bool> abandoned = true;
+    {
+        const CurrentTask task(abandoned);
+        (void)counted.get("a", std::nullopt);
+        (void)counted.cache.get("b", [&]() -> ThumbnailCache::Thumbnail {
+            std::thread([&] {
+                const CurrentTask other(abandoned);
+                EXPECT_EQ(counted.get("b", "never made"), std::nullopt);
+            }).join();
+            return "1";
+        });
+    }
+    EXPECT_EQ(counted.get("a", "2"), "2");
+    EXPECT_EQ(counted.get("b", "3"), "3");
 }

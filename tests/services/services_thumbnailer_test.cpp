@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <sys/stat.h>
@@ -7,6 +8,7 @@
 
 #include "../core/test_data.h"
 #include "service_support.h"
+#include "services/current_task.h"
 #include "services/thumbnailer.h"
 
 /// The thumbnails, made by the program quarrynet-thumbnails itself.
@@ -198,6 +200,26 @@ TEST(Thumbnailer, AProgramThatNeverAnswersIsReplacedWhenItsTimeIsUp)
     Thumbnailer thumbnailer(silent, {std::chrono::milliseconds(50), 1});
     EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, sample("png")));
     EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, std::string(10'000'000, 'x')));
+}
+
+TEST(Thumbnailer, WhoeverWaitsGivesUpWhenTheTaskIsAbandoned)
+{
+    const TemporaryFolder folder;
+    const std::string silent = folder.write("silent", "#!/bin/sh\nexec cat >/dev/null\n");
+    ::chmod(silent.c_str(), 0755);
+    // One waits for the answer, the others for the one process.
+    Thumbnailer thumbnailer(silent, {std::chrono::hours(1), 1});
+    std::atomic<bool> abandoned = false;
+    std::vector<std::thread> threads;
+    threads.reserve(3);
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&] {
+            const CurrentTask task(abandoned);
+            EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, sample("png")));
+        });
+    abandoned = true;
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 TEST(Thumbnailer, AProgramThatIsMissingOrEndsOrSaysTooMuchGivesNone)
