@@ -13,6 +13,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "services/child_process.h"
 #include "services/current_task.h"
 
 extern char** environ;
@@ -40,15 +41,14 @@ public:
     explicit Process(const std::string& program)
     {
         int ends[2] = {-1, -1};
-        if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0)
+        if (!makeSocketPair(ends))
             return;
-        ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-        ::fcntl(ends[1], F_SETFD, FD_CLOEXEC);
         ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
         posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        closeOtherDescriptors(actions);
         std::string name = program;
         std::array<char*, 2> arguments{name.data(), nullptr};
         if (::posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments.data(), environ) != 0)

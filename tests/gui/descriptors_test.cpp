@@ -1,8 +1,8 @@
-#include <QAction>
-#include <QFile>
-
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <QAction>
+#include <QFile>
 
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
@@ -101,8 +101,7 @@ QString DescriptorsTest::foreign()
 void DescriptorsTest::fillDownloads()
 {
     const std::string link = "/redir?a=1&destUrl=http%3A%2F%2Fx%2Fy";
-    window_->service.answerWith(
-        QByteArray::fromStdString(downloadHead("1", "1 - 1") + downloadEntry("Program", link)));
+    window_->service.answerWith(QByteArray::fromStdString(downloadHead("1", "1 - 1") + downloadEntry("Program", link)));
     window_->chooseTab(4);
     window_->type("Text10", QStringLiteral("apple"));
     QTest::mouseClick(window_->control<QPushButton>("Command4"), Qt::LeftButton);

@@ -64,7 +64,8 @@ private:
 class RawClient
 {
 public:
-    RawClient(const std::string& address, std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0))
+    RawClient(const std::string& address, std::uint16_t port)
+        : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
     {
         sockaddr_in name{};
         name.sin_family = AF_INET;
