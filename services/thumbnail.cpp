@@ -1,10 +1,14 @@
 #include "services/thumbnail.h"
 
 #include <algorithm>
+#include <optional>
 
 #include <QBuffer>
+#include <QFont>
+#include <QFontDatabase>
 #include <QImage>
 #include <QImageReader>
+#include <QRawFont>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -17,6 +21,7 @@ constexpr qint64 kMaxPixels = 100'000'000;
 constexpr int kMaxElements = 200'000;
 constexpr int kMaxDepth = 200; // drawing goes as deep as the elements do
 constexpr int kJpegQuality = 85;
+constexpr int kMaxFontFamilies = 32;
 
 const char* readerName(PictureFormat format)
 {
@@ -40,15 +45,29 @@ QSize fitted(QSize size)
     return size.scaled(kSide, kSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
-/// Whether this is an element that shows a picture from elsewhere.
+/// Whether the reader of drawings will take `address` for a raster picture that stands in the drawing itself. It goes
+/// by the last "base64," and reads what follows in whatever format that is.
+bool isOwnRasterPicture(QStringView address)
+{
+    constexpr QLatin1String kCode("base64,");
+    const qsizetype code = address.indexOf(kCode);
+    if (!address.startsWith(QLatin1String("data:")) || code < 0 || address.lastIndexOf(kCode) != code)
+        return false;
+    const QByteArray content = QByteArray::fromBase64(address.mid(code + kCode.size()).toLatin1());
+    const std::optional<PictureFormat> format =
+        pictureFormat({content.constData(), static_cast<std::size_t>(content.size())});
+    return format && *format != PictureFormat::Svg;
+}
+
+/// Whether this is an element that shows a picture from elsewhere, or another drawing.
 bool leadsOutside(const QXmlStreamReader& reader)
 {
     if (reader.name().compare(QLatin1String("image"), Qt::CaseInsensitive) != 0)
         return false;
     const QXmlStreamAttributes attributes = reader.attributes();
     return std::any_of(attributes.begin(), attributes.end(), [](const QXmlStreamAttribute& attribute) {
-        return attribute.name() == QLatin1String("href") &&
-               !attribute.value().trimmed().startsWith(QLatin1String("data:"));
+        return attribute.name().compare(QLatin1String("href"), Qt::CaseInsensitive) == 0 &&
+               !isOwnRasterPicture(attribute.value());
     });
 }
 
@@ -77,6 +96,24 @@ QImage readPicture(PictureFormat format, const QByteArray& content)
 }
 
 } // namespace
+
+void loadPictureReaders()
+{
+    (void)QImageReader::supportedImageFormats(); // asks all of them
+    // A font's file is open for as long as something uses the font.
+    static QList<QRawFont> fonts;
+    QStringList families = QFontDatabase::families().mid(0, kMaxFontFamilies);
+    families += {QStringLiteral("Sans Serif"), QStringLiteral("Serif"), QStringLiteral("Monospace")};
+    for (const QString& family : families) {
+        for (const QFont::Weight weight : {QFont::Normal, QFont::Bold}) {
+            for (const bool italic : {false, true})
+                fonts += QRawFont::fromFont(QFont(family, -1, weight, italic));
+        }
+    }
+    constexpr const char* kAll =
+        "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><text y='9'>A</text></svg>";
+    (void)makeThumbnail(PictureFormat::Svg, kAll);
+}
 
 QByteArray selfContainedSvg(const QByteArray& content)
 {

@@ -11,8 +11,12 @@ namespace quarrynet::services {
 /// reasonable. Needs a QGuiApplication for the letters in drawings.
 QByteArray makeThumbnail(PictureFormat format, const QByteArray& content);
 
-/// An SVG text without what makes its reader open files: references to pictures outside of it, style sheets and
-/// document types. Empty when it is not well formed, or too large or too deep to be drawn.
+/// Loads the readers of all formats, and the fonts that drawings may use, so that makeThumbnail() opens no file.
+void loadPictureReaders();
+
+/// Returns an SVG text without what makes its reader open files: references to pictures outside of it, style sheets,
+/// document types, and pictures within it that are none of the raster formats, by their content, for such a picture
+/// would be read as a drawing of its own. Empty when it is not well formed, or too large or too deep to be drawn.
 QByteArray selfContainedSvg(const QByteArray& content);
 
 } // namespace quarrynet::services

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <grp.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <QGuiApplication>
 #include <QImageReader>
 
+#include "services/confinement.h"
 #include "services/thumbnail.h"
 
 /// quarrynet-thumbnails: reads pictures from its standard input and writes thumbnails to its standard output until the
@@ -52,23 +52,6 @@ bool writeAll(const char* from, std::size_t size)
     return true;
 }
 
-/// Gives up what a picture's reader never needs: other files that are open, root's rights, memory without end.
-bool confine()
-{
-    if (::geteuid() == 0) {
-        constexpr uid_t kNobody = 65534;
-        if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)
-            return false;
-    }
-#if !defined(__SANITIZE_ADDRESS__) // which reserves terabytes of addresses
-    const rlimit memory{std::size_t{1} << 30U, std::size_t{1} << 30U};
-    if (::setrlimit(RLIMIT_AS, &memory) != 0)
-        return false;
-#endif
-    const rlimit none{0, 0};
-    return ::setrlimit(RLIMIT_CORE, &none) == 0 && ::setrlimit(RLIMIT_FSIZE, &none) == 0;
-}
-
 /// Should the services be killed while a picture keeps this process busy, nobody else would end it.
 void allowMoreTime()
 {
@@ -98,6 +81,7 @@ int main(int argc, char** argv)
     for (int descriptor = STDERR_FILENO + 1; descriptor < kMaxInherited; ++descriptor)
         ::close(descriptor);
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("QT_NO_GLIB", "1", 1); // its event loops need more of the system
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type == QtCriticalMsg || type == QtFatalMsg)
             std::fprintf(stderr, "quarrynet-thumbnails: %s\n", qUtf8Printable(text));
@@ -107,7 +91,8 @@ int main(int argc, char** argv)
     if (std::freopen("/dev/null", "w", stderr) == nullptr)
         return 1;
     QImageReader::setAllocationLimit(kMaxImageMegabytes);
-    if (!confine())
+    loadPictureReaders();
+    if (!confineProcess())
         return 1;
     for (;;) {
         std::array<char, 5> head{};

@@ -154,11 +154,13 @@ private slots:
         setDesktopFont();
         WindowFixture window;
         window.start();
-        Proxy options(window.settingsFile().toStdString(), [](const std::string&) {}, &window.main());
+        Proxy options(
+            window.settingsFile().toStdString(), [](const std::string&) {}, &window.main());
         options.findChild<QCheckBox*>(QStringLiteral("Check1"))->setChecked(true);
         checkDialog(options);
         const std::unique_ptr<Registry> registry = systemRegistry();
-        frmAbout about(*registry, [](const std::string&) { return true; }, &window.main());
+        frmAbout about(
+            *registry, [](const std::string&) { return true; }, &window.main());
         checkDialog(about);
         Dialog wait(&window.main());
         wait.load();

@@ -23,8 +23,11 @@ const std::vector<Announced>& announcements()
     static const std::vector<Announced> kAll = {
         {1, webPage("1,234"), webPage("185"), {1, 6, 6}, "&start=120&"},
         {3, imagePage("1,234"), imagePage("56"), {1, 6, 6}, "&start=40&"},
-        {4, downloadHead("300", "1 - 1") + downloadEntry("a"), downloadHead("150", "1 - 1") + downloadEntry("a"),
-         {1, 6, 6}, "/3120-20-0-5-5.html"},
+        {4,
+         downloadHead("300", "1 - 1") + downloadEntry("a"),
+         downloadHead("150", "1 - 1") + downloadEntry("a"),
+         {1, 6, 6},
+         "/3120-20-0-5-5.html"},
         {5, filePage(20), filePage(20), {10, 19, 11}, "&f=181"},
     };
     return kAll;

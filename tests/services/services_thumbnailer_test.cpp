@@ -1,6 +1,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 #include <thread>
 
@@ -72,6 +73,20 @@ std::string nested(int count)
         text += "<g>";
     for (int i = 0; i < count; ++i)
         text += "</g>";
+    return text;
+}
+
+std::string base64(const std::string& bytes)
+{
+    constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        std::uint32_t group = 0;
+        for (std::size_t i = 0; i < 3; ++i)
+            group = group << 8U | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0U);
+        for (std::size_t i = 0; i < 4; ++i)
+            text.push_back(at + i > bytes.size() ? '=' : kDigits[group >> (18U - 6U * i) & 63U]);
+    }
     return text;
 }
 
@@ -150,6 +165,64 @@ TEST_F(Thumbnails, DrawingsShowNoOtherFiles)
                                                   "<!DOCTYPE svg [<!ENTITY i \"" + image + "\">]>" + drawing("&i;"));
             EXPECT_TRUE(!entity || entity == empty) << image;
         }
+    }
+}
+
+TEST_F(Thumbnails, DrawingsWithinDrawingsShowNothing)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.write("secret.png", sample("png"));
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::others_exec,
+                                 std::filesystem::perm_options::add);
+    const auto empty = thumbnailer_.make(PictureFormat::Svg, drawing(""));
+    const auto image = [](const std::string& address) {
+        return "<image xlink:href='" + address + "' width='40' height='40'/>";
+    };
+    const std::string inner = drawing(image(file));
+    const std::string picture = "R0lGODdhAQABAIABAP8AAAAAACwAAAAAAQABAAACAkQBADs=";
+    for (const std::string& address :
+         {"data:image/svg+xml;base64," + base64(inner), "data:image/gif;base64," + base64(inner),
+          "data:;base64," + base64(" \n<?xml version='1.0'?>" + inner),
+          "data:image/gif;base64," + picture + "base64," + base64(inner), "data:image/svg+xml;base64," + base64("GIF8"),
+          std::string("data:image/svg+xml,%3Csvg/%3E"), std::string("data:"), std::string("data"),
+          "data.base64," + base64(inner)}) {
+        EXPECT_EQ(thumbnailer_.make(PictureFormat::Svg, drawing(image(address))), empty) << address;
+    }
+    const std::string twice = "<image href='data:image/gif;base64," + picture + "' xlink:href='" + file +
+                              "' width='40' "
+                              "height='40'/>";
+    EXPECT_EQ(thumbnailer_.make(PictureFormat::Svg, drawing(twice)), empty);
+}
+
+TEST_F(Thumbnails, TheProcessIsConfined)
+{
+    ASSERT_TRUE(thumbnailer_.make(PictureFormat::Png, sample("png")));
+    std::size_t confined = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream file(entry.path() / "status");
+        const std::string status((std::istreambuf_iterator<char>(file)), {});
+        if (status.find("\nPPid:\t" + std::to_string(::getpid()) + "\n") == std::string::npos)
+            continue;
+        EXPECT_NE(status.find("\nSeccomp:\t2\n"), std::string::npos) << status;
+        EXPECT_NE(status.find("\nNoNewPrivs:\t1\n"), std::string::npos) << status;
+        EXPECT_EQ(status.find("\nUid:\t0\t"), std::string::npos) << status;
+        ++confined;
+    }
+    EXPECT_EQ(confined, 1U);
+}
+
+TEST_F(Thumbnails, LettersAreDrawnInFontsThatWereLoadedBefore)
+{
+    const auto letter = [this](const std::string& text, const std::string& style) {
+        return thumbnailer_.make(PictureFormat::Svg,
+                                 drawing("<text y='30' font-size='30' " + style + ">" + text + "</text>"));
+    };
+    for (const std::string style : {"", "font-family='Serif'", "font-family='Helvetica, sans-serif'",
+                                    "font-family='Nobody has this'", "font-weight='bold' font-style='italic'"}) {
+        const auto wide = letter("W", style);
+        EXPECT_TRUE(wide);
+        EXPECT_NE(wide, letter("", style)) << style;
+        EXPECT_NE(wide, letter("i", style)) << style;
     }
 }
 
