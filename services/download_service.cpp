@@ -152,12 +152,22 @@ HttpResponse DownloadService::searchPage(int page, std::string_view query)
 
 Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)
 {
+    // The program with the typed name, then those whose names begin with it, short ones first, then by rank: a word in
+    // the name says more than one in the description. Companions go behind the others of both kinds. Numbers make the
+    // order of equal ones certain, so that pages neither repeat nor lose any.
     static constexpr WordTable kTable = {
+        "name",
         "SELECT count(*) FROM program_text WHERE program_text MATCH ?1",
+        "WITH begun AS MATERIALIZED (SELECT id, name = ?4 AS whole FROM program WHERE name >= ?4 AND name < ?5), "
+        "found AS (SELECT rowid AS id, rank AS score FROM program_text "
+        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)'), "
+        "shown AS MATERIALIZED (SELECT found.id AS id, coalesce(whole, 0) AS whole, begun.id AS begun, "
+        "found.id >= ?6 AS companion, score FROM found LEFT JOIN begun ON begun.id = found.id "
+        "ORDER BY coalesce(whole, 0) DESC, begun.id IS NULL, begun.id, found.id >= ?6, score, found.id LIMIT ?2 OFFSET "
+        "?3) "
         "SELECT program.name, program.description, program.system, program.size, program.licence, mirror.base, "
-        "program.file FROM program_text JOIN program ON program.id = program_text.rowid "
-        "JOIN mirror ON mirror.id = program.mirror "
-        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3",
+        "program.file FROM shown JOIN program ON program.id = shown.id JOIN mirror ON mirror.id = program.mirror "
+        "ORDER BY whole DESC, begun IS NULL, begun, companion, score, shown.id",
         kPageSize,
     };
     ProgramAnswer answer;

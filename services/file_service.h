@@ -8,6 +8,7 @@
 
 #include "services/http_message.h"
 #include "services/index_database.h"
+#include "services/query.h"
 
 namespace quarrynet::services {
 
@@ -15,7 +16,7 @@ namespace quarrynet::services {
 struct FileHit
 {
     std::string name;
-    std::string address; ///< on its FTP server, as opened; a directory's ends in "/"
+    std::string address; ///< on its server, as opened: on a mirror with the mirror's scheme; a directory's ends in "/"
     std::string parent;  ///< address of the directory that it lies in
     std::optional<std::int64_t> size = std::nullopt;
     bool directory = false;
@@ -28,9 +29,9 @@ struct FileAnswer
     bool more = false; ///< there are further pages
 };
 
-/// The FTP file search, twenty results a page:
-///   /cgi-bin/s?...&q=WORDS[&f=N]    names that hold every word somewhere, from the Nth on, counted from 1
-///   /cgi-bin/s?...&q=ftp://...[&f=N]  what lies in that directory
+/// The file search, twenty results a page:
+///   /cgi-bin/s?...&q=WORDS[&f=N]      names that hold every word somewhere, from the Nth on, counted from 1
+///   /cgi-bin/s?...&q=ADDRESS[&f=N]    what lies in the directory with that http, https or ftp address
 class FileService
 {
 public:
@@ -45,8 +46,7 @@ public:
 
 private:
     HttpResponse searchPage(std::string_view query);
-    Outcome<FileAnswer> run(Database& index, const std::string& source, const std::string& condition,
-                            const std::vector<std::string>& values, std::int64_t start);
+    Outcome<FileAnswer> findNames(Database& index, const NameQuery& names, std::int64_t start);
     Outcome<FileAnswer> listDirectory(Database& index, std::string_view address, std::int64_t start);
 
     IndexPool& index_;
@@ -58,8 +58,8 @@ std::string fileResultsPage(const FileAnswer& answer, std::string_view typed);
 /// A name inside an element of the page, escaped so that it spells none of the layout's marks.
 std::string fileNameText(std::string_view name);
 
-/// The address of `path`, not escaped, below `base`, which is. It is escaped so that the program can cut it out of the
-/// page: besides what a path may not hold, the word "class" has one escaped letter.
-std::string ftpAddress(std::string_view base, std::string_view path);
+/// Returns the address of `path`, not escaped, below `base`, which is. It is escaped so that the program can cut it out
+/// of the page: besides what a path may not hold, the word "class" has one escaped letter.
+std::string addressBelow(std::string_view base, std::string_view path);
 
 } // namespace quarrynet::services

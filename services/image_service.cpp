@@ -154,16 +154,17 @@ HttpResponse ImageService::searchPage(std::string_view query)
 Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
 {
     // The same icon of five themes would fill a page, so the best of each name go first, then the second ones, and so
-    // on.
+    // on; of these the picture with the typed name, then those whose names begin with it.
     static constexpr WordTable kTable = {
+        "name",
         "SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1",
         "WITH found AS MATERIALIZED (SELECT rowid AS id, rank AS score FROM picture_text "
         "WHERE picture_text MATCH ?1 AND rank MATCH 'bm25(4.0, 1.0)'), "
         "turned AS (SELECT found.id AS id, score, row_number() OVER (PARTITION BY stem ORDER BY score, found.id) AS "
-        "turn "
+        "turn, CASE WHEN stem = ?4 THEN 0 WHEN stem >= ?4 AND stem < ?5 THEN 1 ELSE 2 END AS named "
         "FROM found JOIN picture ON picture.id = found.id) "
         "SELECT picture.folder, picture.path, picture.version FROM turned JOIN picture ON picture.id = turned.id "
-        "ORDER BY turn, score, turned.id LIMIT ?2 OFFSET ?3",
+        "ORDER BY turn, named, score, turned.id LIMIT ?2 OFFSET ?3",
         kPageSize,
     };
     const auto begin = std::chrono::steady_clock::now();

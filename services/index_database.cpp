@@ -11,28 +11,32 @@ namespace quarrynet::services {
 namespace {
 
 // The texts stand in ordinary tables, and the full-text tables hold only what finds them. Rows of file_entry are
-// numbered in the order in which a search shows them, so that a search that finds many need not sort them. A file_site
-// is crawled at a time in seconds since 1970, or 0 when its files come from the package lists.
+// numbered in the order in which a search shows them, so that a search that finds many need not sort them; those of
+// program in the order of the ones whose names begin with what was typed. A page has the names of its packages. A
+// file_site is crawled at a time in seconds since 1970, or 0 when its files come from the package lists.
 constexpr const char* kTables = R"(
 CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 
 CREATE TABLE web_page(id INTEGER PRIMARY KEY, address TEXT NOT NULL, title TEXT NOT NULL, description TEXT NOT NULL);
 CREATE VIRTUAL TABLE web_page_text USING fts5(title, description, content='web_page', content_rowid='id',
     tokenize='porter unicode61 remove_diacritics 2');
+CREATE TABLE page_name(name TEXT NOT NULL COLLATE NOCASE, page INTEGER NOT NULL, PRIMARY KEY(name, page)) WITHOUT ROWID;
 
 CREATE TABLE mirror(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE);
-CREATE TABLE program(id INTEGER PRIMARY KEY, name TEXT NOT NULL, description TEXT NOT NULL, system TEXT NOT NULL,
+CREATE TABLE program(id INTEGER PRIMARY KEY, name TEXT NOT NULL COLLATE NOCASE, description TEXT NOT NULL, system TEXT NOT NULL,
     size INTEGER NOT NULL, licence TEXT NOT NULL, mirror INTEGER NOT NULL, file TEXT NOT NULL);
 CREATE INDEX program_file ON program(file);
+CREATE INDEX program_name ON program(name);
 CREATE VIRTUAL TABLE program_text USING fts5(name, description, content='program', content_rowid='id',
     tokenize='porter unicode61 remove_diacritics 2');
 
 CREATE TABLE file_site(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE, crawled INTEGER NOT NULL);
 CREATE TABLE file_folder(id INTEGER PRIMARY KEY, site INTEGER NOT NULL, path TEXT NOT NULL);
-CREATE TABLE file_entry(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, name TEXT NOT NULL, size INTEGER,
-    directory INTEGER NOT NULL);
+CREATE TABLE file_entry(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, name TEXT NOT NULL COLLATE NOCASE,
+    size INTEGER, directory INTEGER NOT NULL);
 CREATE INDEX file_folder_path ON file_folder(path);
 CREATE INDEX file_entry_folder ON file_entry(folder);
+CREATE INDEX file_entry_name ON file_entry(name);
 CREATE VIRTUAL TABLE file_name USING fts5(name, content='file_entry', content_rowid='id', tokenize='trigram');
 
 CREATE TABLE picture_folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);

@@ -18,11 +18,14 @@ namespace quarrynet::services {
 std::string indexPath(const std::string& dataFolder);
 
 /// Goes up whenever the tables change; an index of another layout has to be made anew.
-inline constexpr int kIndexLayout = 3;
+inline constexpr int kIndexLayout = 4;
 
 /// Files of the package lists are numbered from here on, those of crawled sites below it: whoever crawled a server
-/// wants to see its files first.
+/// wants to see its files before others that answer as well.
 inline constexpr std::int64_t kFirstPackageFile = std::int64_t{1} << 40;
+
+/// Programs that go with another one are numbered from here on.
+inline constexpr std::int64_t kFirstCompanion = std::int64_t{1} << 40;
 
 /// The layout of an index; fails for a file that is no database.
 Outcome<std::int64_t> indexLayout(Database& database);

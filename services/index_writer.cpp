@@ -67,6 +67,7 @@ struct IndexWriter::Parts
         FolderRow,
         PageRow,
         PageTextRow,
+        PageNameRow,
         MirrorRow,
         ProgramRow,
         ProgramTextRow,
@@ -149,9 +150,10 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
         "INSERT INTO folder(path) VALUES (?1)",
         "INSERT INTO web_page(address, title, description) VALUES (?1, ?2, ?3)",
         "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)",
+        "INSERT OR IGNORE INTO page_name(name, page) VALUES (?1, ?2)",
         "INSERT INTO mirror(base) VALUES (?1)",
-        "INSERT INTO program(name, description, system, size, licence, mirror, file) "
-        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)",
+        "INSERT INTO program(id, name, description, system, size, licence, mirror, file) "
+        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)",
         "INSERT INTO program_text(rowid, name, description) VALUES (?1, ?2, ?3)",
         "INSERT INTO file_site(base, crawled) VALUES (?1, ?2)",
         "INSERT INTO file_folder(site, path) VALUES (?1, ?2)",
@@ -260,12 +262,16 @@ Outcome<std::int64_t> IndexWriter::addFolder(const std::string& path)
     return parts_->insertRow(Parts::FolderRow, path);
 }
 
-Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view title, std::string_view description)
+Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view title, std::string_view description,
+                                   const std::vector<std::string>& names)
 {
     const Outcome<std::int64_t> row = parts_->insertRow(Parts::PageRow, address, title, description);
     if (!row)
         return row.failure();
-    return parts_->insert(Parts::PageTextRow, *row, title, description);
+    Outcome<Done> result = parts_->insert(Parts::PageTextRow, *row, title, description);
+    for (auto name = names.begin(); result && name != names.end(); ++name)
+        result = parts_->insert(Parts::PageNameRow, *name, *row);
+    return result;
 }
 
 Outcome<std::int64_t> IndexWriter::addMirror(std::string_view base)
@@ -273,14 +279,11 @@ Outcome<std::int64_t> IndexWriter::addMirror(std::string_view base)
     return parts_->insertRow(Parts::MirrorRow, base);
 }
 
-Outcome<Done> IndexWriter::addProgram(const Program& program)
+Outcome<Done> IndexWriter::addProgram(std::int64_t number, const Program& program)
 {
-    const Outcome<std::int64_t> row =
-        parts_->insertRow(Parts::ProgramRow, program.name, program.description, program.system, program.size,
-                          program.licence, program.mirror, program.file);
-    if (!row)
-        return row.failure();
-    return parts_->insert(Parts::ProgramTextRow, *row, program.name, program.description);
+    Outcome<Done> result = parts_->insert(Parts::ProgramRow, number, program.name, program.description, program.system,
+                                          program.size, program.licence, program.mirror, program.file);
+    return result ? parts_->insert(Parts::ProgramTextRow, number, program.name, program.description) : result;
 }
 
 Outcome<std::int64_t> IndexWriter::addFileSite(std::string_view base, std::int64_t crawled)

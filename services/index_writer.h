@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "services/outcome.h"
 #include "services/picture_folders.h"
@@ -70,12 +71,15 @@ public:
     Outcome<std::int64_t> addFolder(const std::string& path);
 
     /// `address` is a whole address, or for a page that the web service serves itself a path. Texts are UTF-8 without
-    /// control characters.
-    Outcome<Done> addPage(std::string_view address, std::string_view title, std::string_view description);
+    /// control characters. `names` are what the page is known by, such as the packages whose home page it is.
+    Outcome<Done> addPage(std::string_view address, std::string_view title, std::string_view description,
+                          const std::vector<std::string>& names = {});
 
     /// A mirror's address, ending in "/"; its number.
     Outcome<std::int64_t> addMirror(std::string_view base);
-    Outcome<Done> addProgram(const Program& program);
+    /// `number` says where searches show it among the programs whose names begin with what was typed: smaller ones
+    /// first. Companions of other programs are numbered from kFirstCompanion on.
+    Outcome<Done> addProgram(std::int64_t number, const Program& program);
 
     /// A server's address, ending in "/"; its number. `crawled` as in the table.
     Outcome<std::int64_t> addFileSite(std::string_view base, std::int64_t crawled);

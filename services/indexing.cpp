@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "services/document_folders.h"
+#include "services/home_pages.h"
 #include "services/html_document.h"
 #include "services/index_writer.h"
 #include "services/markup.h"
@@ -12,6 +13,7 @@
 #include "services/picture_folders.h"
 #include "services/pool_files.h"
 #include "services/program_texts.h"
+#include "services/programs.h"
 
 namespace quarrynet::services {
 
@@ -59,7 +61,8 @@ public:
 
     /// `base` is the address of the mirror that has it; empty when none is known.
     void addPackage(const Package& package, const std::string& base);
-    void addPoolFiles();
+    /// Writes what the packages were gathered for.
+    void writePackages();
     void addFolder(const std::string& folder);
     void addPictureFolder(const std::string& folder);
 
@@ -78,6 +81,8 @@ private:
 
     IndexWriter& writer_;
     std::map<std::string, std::int64_t, std::less<>> mirrors_;
+    HomePages homePages_;
+    Programs programs_;
     PoolFiles poolFiles_;
     const std::function<void(const std::string&)>& progress_;
     IndexCounts counts_;
@@ -90,11 +95,7 @@ void Run::addPackage(const Package& package, const std::string& base)
         return;
     if (++counts_.packages % kProgressStep == 0)
         progress_(withSeparators(static_cast<std::int64_t>(counts_.packages)) + " packages");
-    if (package.homepage.substr(0, 7) == "http://" || package.homepage.substr(0, 8) == "https://") {
-        const std::string title = package.summary.empty() ? package.name : package.name + " - " + package.summary;
-        note(writer_.addPage(tidyAddress(package.homepage), title, package.description));
-        ++counts_.homePages;
-    }
+    homePages_.add(package);
     if (!base.empty() && !package.file.empty())
         addProgram(package, base);
 }
@@ -110,14 +111,20 @@ void Run::addProgram(const Package& package, const std::string& base)
         }
         mirror = mirrors_.emplace(base, *number).first;
     }
-    note(writer_.addProgram({package.name, package.summary, systemOf(package.architecture), package.size,
-                             licenceOf(package.section), mirror->second, package.file}));
+    programs_.add({package.name, package.summary, systemOf(package.architecture), package.size,
+                   licenceOf(package.section), mirror->second, package.file},
+                  package.source);
     poolFiles_.add(base, package.file, package.size);
-    ++counts_.programs;
 }
 
-void Run::addPoolFiles()
+void Run::writePackages()
 {
+    counts_.homePages = homePages_.size();
+    counts_.programs = programs_.size();
+    if (!fault_)
+        note(homePages_.write(writer_));
+    if (!fault_)
+        note(programs_.write(writer_));
     if (!fault_)
         note(poolFiles_.write(writer_));
 }
@@ -192,7 +199,7 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
         if (!read)
             return read.failure();
     }
-    run.addPoolFiles();
+    run.writePackages();
     for (const std::string& folder : sources.folders)
         run.addFolder(folder);
     for (const std::string& folder : sources.pictureFolders)

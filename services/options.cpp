@@ -1,7 +1,9 @@
 #include "services/options.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <variant>
 
 #include "services/http_message.h"
@@ -49,6 +51,14 @@ std::map<std::string, Target> targetsOf(Options& options)
             {"--port", &options.port},
             {"--proxy-address", &options.proxyAddress},
             {"--proxy-port", &options.proxyPort}};
+}
+
+/// The addresses of its files begin with a mirror's, so it has to say how it is spoken to.
+bool isMirrorAddress(std::string_view text)
+{
+    const std::size_t scheme = std::min(text.find("://"), text.size());
+    const std::string_view name = text.substr(0, scheme);
+    return text.size() > scheme + 3 && (name == "http" || name == "https" || name == "ftp");
 }
 
 std::optional<Failure> store(const Target& target, const std::string& name, const std::string& value)
@@ -109,6 +119,8 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
         if (const std::optional<Failure> fault = store(target->second, name, value))
             return *fault;
     }
+    if (!options.mirror.empty() && !isMirrorAddress(options.mirror))
+        return Failure{"--mirror takes an http, https or ftp address, not \"" + options.mirror + "\""};
     if (options.command == Options::Command::Crawl && options.crawlAddress.empty())
         return Failure{"crawl needs an address, such as ftp://host/path"};
     return options;

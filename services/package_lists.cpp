@@ -112,8 +112,9 @@ void StanzaReader::takeLine(std::string_view line)
     while (!value.empty() && (value.front() == ' ' || value.front() == '\t'))
         value.remove_prefix(1);
 
-    const std::array<std::pair<std::string_view, std::string*>, 6> kept{{{"Package", &package_.name},
+    const std::array<std::pair<std::string_view, std::string*>, 7> kept{{{"Package", &package_.name},
                                                                          {"Homepage", &package_.homepage},
+                                                                         {"Source", &package_.source},
                                                                          {"Section", &package_.section},
                                                                          {"Architecture", &package_.architecture},
                                                                          {"Filename", &package_.file},
@@ -139,8 +140,12 @@ void StanzaReader::endStanza()
 {
     if (!package_.name.empty()) {
         for (std::string* text : {&package_.name, &package_.summary, &package_.description, &package_.homepage,
-                                  &package_.section, &package_.architecture, &package_.file})
+                                  &package_.source, &package_.section, &package_.architecture, &package_.file})
             *text = oneLine(*text);
+        // A version may follow: "Source: vim (2:9.0.1378-2)".
+        package_.source.resize(std::min(package_.source.find(' '), package_.source.size()));
+        if (package_.source.empty())
+            package_.source = package_.name;
         take_(package_);
     }
     package_ = Package();

@@ -18,6 +18,7 @@ struct Package
     std::string summary;     ///< the description's first line
     std::string description; ///< its other lines
     std::string homepage;
+    std::string source;  ///< name of the source package; its own when it does not say
     std::string section; ///< with its area: "games", "non-free/sound"
     std::string architecture;
     std::string file; ///< path below the mirror's base, such as "pool/main/h/hello/hello_2.10-3_amd64.deb"

@@ -17,12 +17,6 @@ std::size_t stemLength(std::string_view name)
 
 } // namespace
 
-std::string ftpBase(std::string_view base)
-{
-    const std::size_t scheme = base.find("://");
-    return "ftp://" + std::string(scheme == std::string_view::npos ? base : base.substr(scheme + 3));
-}
-
 std::size_t PoolFiles::folderNumber(std::size_t site, std::string_view path)
 {
     const std::string key = std::to_string(site) + "/" + std::string(path);
@@ -50,10 +44,9 @@ void PoolFiles::add(std::string_view base, std::string_view file, std::int64_t s
     const std::size_t split = slash == std::string_view::npos ? 0 : slash + 1;
     if (split == file.size())
         return;
-    const std::string address = ftpBase(base);
-    auto site = std::find(sites_.begin(), sites_.end(), address);
+    auto site = std::find(sites_.begin(), sites_.end(), base);
     if (site == sites_.end())
-        site = sites_.insert(sites_.end(), address);
+        site = sites_.insert(sites_.end(), std::string(base));
     const auto number = static_cast<std::size_t>(site - sites_.begin());
     entries_.push_back({folderNumber(number, file.substr(0, split)), std::string(file.substr(split)), size, false});
 }

@@ -10,11 +10,11 @@
 
 namespace quarrynet::services {
 
-/// The files that the package lists name, and the directories that they lie in, as one FTP server for each mirror.
+/// The files that the package lists name, and the directories that they lie in, as one site for each mirror.
 class PoolFiles
 {
 public:
-    /// `base` is the mirror's address, ending in "/"; `file` the path below it.
+    /// `base` is the mirror's address with its scheme, ending in "/"; `file` the path below it.
     void add(std::string_view base, std::string_view file, std::int64_t size);
 
     /// Writes them in the order in which searches show them: short names, which a typed text covers best, go first, and
@@ -42,8 +42,5 @@ private:
     std::vector<Entry> entries_;
     std::map<std::string, std::size_t, std::less<>> folderNumbers_; ///< by site number, "/" and path
 };
-
-/// A mirror's address on FTP: "ftp://" and what follows the scheme of `base`.
-std::string ftpBase(std::string_view base);
 
 } // namespace quarrynet::services

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "services/package_names.h"
 #include "services/text_encoding.h"
 
 namespace quarrynet::services {
@@ -12,10 +13,17 @@ namespace {
 constexpr std::size_t kMaxTerms = 32;
 constexpr std::size_t kMaxTermBytes = 200;
 
+// Almost any name begins with one letter that is typed.
+constexpr std::size_t kMinNameCharacters = 2;
+
+// Behind every other character, so behind all that follows a beginning.
+constexpr std::string_view kLastCharacter = "\xF4\x8F\xBF\xBF";
+
 struct Term
 {
     std::string text;
     bool excluded = false;
+    bool phrase = false;
 };
 
 bool isBlank(char c)
@@ -65,6 +73,7 @@ std::vector<Term> splitTerms(std::string_view text)
             text.remove_prefix(1);
             length = std::min(text.find('"'), text.size());
             term.text = std::string(text.substr(0, length));
+            term.phrase = true;
             text.remove_prefix(std::min(length + 1, text.size()));
         } else {
             while (length < text.size() && !isBlank(text[length]))
@@ -95,13 +104,35 @@ std::string likePattern(std::string_view text)
     return pattern;
 }
 
-} // namespace
+std::string lowered(std::string text)
+{
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return text;
+}
 
-std::string wordExpression(std::string_view typed)
+/// The wanted words with `divider` between them; empty where they cannot be a name.
+std::string joined(const std::vector<Term>& terms, char divider)
+{
+    std::string name;
+    for (const Term& term : terms) {
+        if (term.excluded)
+            continue;
+        if (term.phrase)
+            return {};
+        if (!name.empty())
+            name.push_back(divider);
+        name += term.text;
+    }
+    return name.size() > kMaxTermBytes || countCharacters(name) < kMinNameCharacters ? std::string() : name;
+}
+
+/// The full-text expression for the terms, and for what `name` says, where that is not empty.
+std::string expressionOf(const std::vector<Term>& terms, const std::string& name)
 {
     std::string wanted;
     std::string excluded;
-    for (const Term& term : splitTerms(toUtf8(typed))) {
+    for (const Term& term : terms) {
         if (!hasWord(term.text))
             continue;
         if (term.excluded) {
@@ -112,9 +143,37 @@ std::string wordExpression(std::string_view typed)
             wanted += quoted(term.text);
         }
     }
+    if (!wanted.empty() && !name.empty())
+        wanted = "(" + wanted + ") OR (" + name + ")";
     if (wanted.empty() || excluded.empty())
         return wanted;
     return "(" + wanted + ") NOT (" + excluded + ")";
+}
+
+} // namespace
+
+std::string wordExpression(std::string_view typed)
+{
+    return expressionOf(splitTerms(toUtf8(typed)), {});
+}
+
+WordQuery wordQuery(std::string_view typed, std::string_view nameColumn)
+{
+    const std::vector<Term> terms = splitTerms(toUtf8(typed));
+    WordQuery query;
+    query.name = lowered(joined(terms, '-'));
+    if (!query.name.empty())
+        query.nameEnd = query.name + std::string(kLastCharacter);
+    std::vector<std::string> words;
+    for (const Term& term : terms)
+        words.push_back(lowered(term.text));
+    query.companions = asksForCompanions(words);
+    // The index has the words of a name only: of "g++" it would look for all names that begin with "g".
+    std::string beginning;
+    if (!query.name.empty() && hasWord(query.name.substr(query.name.size() - 1)))
+        beginning = std::string(nameColumn) + " : ^ " + quoted(joined(terms, ' ')) + " *";
+    query.expression = expressionOf(terms, beginning);
+    return query;
 }
 
 NameQuery nameQuery(std::string_view typed)
@@ -132,6 +191,12 @@ NameQuery nameQuery(std::string_view typed)
         if (word.empty())
             continue;
         ++terms;
+        if (query.first.empty()) {
+            query.first = std::string(word);
+            query.firstEnd = query.first + std::string(kLastCharacter);
+        } else {
+            query.otherPatterns.push_back(likePattern(word));
+        }
         if (countCharacters(word) < 3) {
             query.patterns.push_back(likePattern(word));
         } else {

@@ -93,12 +93,24 @@ HttpResponse WebService::searchPage(std::string_view query)
 
 Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)
 {
-    // A word in the title says more about a page than one in its text.
+    // Pages that are known by the typed name go first, then those by names that begin with it, short ones first, then
+    // the others by rank: a word in the title says more about a page than one in its text. The texts are cut for the
+    // pages that are shown only. Numbers make the order of equal ones certain, so that pages neither repeat nor lose
+    // any.
     static constexpr WordTable kTable = {
+        "title",
         "SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1",
+        "WITH named AS MATERIALIZED (SELECT page, min(length(name)) AS length FROM page_name "
+        "WHERE name >= ?4 AND name < ?5 GROUP BY page), "
+        "found AS (SELECT rowid AS id, rank AS score FROM web_page_text "
+        "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)'), "
+        "shown AS MATERIALIZED (SELECT found.id AS id, length, score FROM found "
+        "LEFT JOIN named ON named.page = found.id "
+        "ORDER BY length IS NULL, length, score, found.id LIMIT ?2 OFFSET ?3) "
         "SELECT page.address, excerpt(web_page_text, 0, 64), excerpt(web_page_text, 1, 32) "
-        "FROM web_page_text JOIN web_page AS page ON page.id = web_page_text.rowid "
-        "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)' ORDER BY rank LIMIT ?2 OFFSET ?3",
+        "FROM web_page_text CROSS JOIN shown ON shown.id = web_page_text.rowid "
+        "CROSS JOIN web_page AS page ON page.id = shown.id WHERE web_page_text MATCH ?1 "
+        "ORDER BY length IS NULL, length, score, shown.id",
         kPageSize,
     };
     const auto begin = std::chrono::steady_clock::now();

@@ -12,16 +12,19 @@
 /// one page of them read.
 namespace quarrynet::services {
 
-/// Where a search looks. Neither text ever holds anything that was typed.
+/// Where a search looks. No text here ever holds anything that was typed.
 struct WordTable
 {
-    const char* count; ///< SQL that counts the matches of ?1
-    const char* rows;  ///< SQL that gives the matches of ?1, best first, ?2 of them after the first ?3
+    const char* nameColumn; ///< column of the full-text table that has the names
+    const char* count;      ///< SQL that counts the matches of ?1
+    /// SQL that gives the matches of ?1, best first, ?2 of them after the first ?3. Names from ?4 to ?5 begin with what
+    /// was typed; both are NULL when that can be no name. Rows numbered from ?6 on go behind others.
+    const char* rows;
     std::int64_t pageSize;
 };
 
-/// How many rows match `typed` (UTF-8, as people typed it); none where it holds no word. Those of the page after the
-/// first `start` are handed to `take`, best first.
+/// Returns how many rows match `typed` (as people typed it, see wordQuery()); none where it holds no word. Gives those
+/// of the page after the first `start` to `take`, best first.
 Outcome<std::int64_t> searchWords(IndexPool& pool, const WordTable& table, std::string_view typed, std::int64_t start,
                                   const std::function<void(Statement&)>& take);
 

@@ -292,7 +292,7 @@ TEST(StoreCrawl, IsFoundByTheFileSearchAndReplacesTheCrawlBefore)
     const TemporaryFolder input;
     IndexSources sources;
     sources.packageFiles = {input.write("list", "Package: a\nFilename: pool/apple_1.deb\nSize: 1\n")};
-    sources.mirror = "http://h/";
+    sources.mirror = "ftp://h/";
     const auto quiet = [](const std::string&) {};
     ASSERT_TRUE(buildIndex(data.path(), sources, quiet));
     IndexPool pool(data.path());

@@ -4,8 +4,8 @@
 
 #include "service_support.h"
 #include "services/file_service.h"
+#include "services/index_writer.h"
 #include "services/indexing.h"
-#include "services/pool_files.h"
 
 using namespace quarrynet::services;
 
@@ -30,7 +30,7 @@ protected:
         EXPECT_TRUE(answer);
         std::vector<std::string> addresses;
         for (const FileHit& hit : answer->hits)
-            addresses.push_back(hit.address.substr(std::string("ftp://mirror.example/d/").size()));
+            addresses.push_back(hit.address.substr(std::string("http://mirror.example/d/").size()));
         return addresses;
     }
 
@@ -94,11 +94,90 @@ TEST_F(Files, PagesDivideTheResultsWithoutGapOrOverlap)
 TEST_F(Files, DirectoryAddressListsItsContent)
 {
     build({"pool/a/one.deb", "pool/a/two.deb", "pool/b/three.deb"});
-    EXPECT_EQ(find("ftp://mirror.example/d/pool/"), (Names{"pool/a/", "pool/b/"}));
-    EXPECT_EQ(find("ftp://mirror.example/d/pool/a/"), (Names{"pool/a/one.deb", "pool/a/two.deb"}));
-    EXPECT_EQ(find("ftp://mirror.example/d/"), (Names{"pool/"}));
-    EXPECT_EQ(find("ftp://mirror.example/d/none/"), Names());
-    EXPECT_EQ(find("ftp://other.example/"), Names());
+    EXPECT_EQ(find("http://mirror.example/d/pool/"), (Names{"pool/a/", "pool/b/"}));
+    EXPECT_EQ(find("http://mirror.example/d/pool/a/"), (Names{"pool/a/one.deb", "pool/a/two.deb"}));
+    EXPECT_EQ(find("http://mirror.example/d/"), (Names{"pool/"}));
+    for (const char* address : {"http://mirror.example/d/none/", "ftp://mirror.example/d/pool/", "ftp://other.example/",
+                                "http://", "https://one.deb"})
+        EXPECT_EQ(find(address), Names()) << address;
+}
+
+// Of a site below another one only the outer one was asked.
+TEST_F(Files, DirectoryOfASiteBelowAnotherOneIsListed)
+{
+    Outcome<IndexWriter> writer = IndexWriter::begin(data_.path());
+    ASSERT_TRUE(writer);
+    std::int64_t number = 1;
+    for (const char* base : {"ftp://h/", "ftp://h/pub/"}) {
+        const Outcome<std::int64_t> site = writer->addFileSite(base, 1);
+        const Outcome<std::int64_t> folder = writer->addFileFolder(*site, "");
+        ASSERT_TRUE(writer->addFile(number++, {*folder, std::string("in ") + base, 5, false}));
+    }
+    ASSERT_TRUE(writer->commit());
+    for (const char* base : {"ftp://h/", "ftp://h/pub/"}) {
+        const Outcome<FileAnswer> answer = service_.search(base, 0);
+        ASSERT_TRUE(answer);
+        ASSERT_EQ(answer->hits.size(), 1U) << base;
+        EXPECT_EQ(answer->hits[0].name, std::string("in ") + base);
+    }
+}
+
+// "ftp://" stood before the addresses of mirrors that speak HTTP only.
+TEST_F(Files, MirrorsKeepTheirScheme)
+{
+    for (const std::string mirror :
+         {"http://mirror.example/d/", "https://mirror.example/d/", "ftp://mirror.example/d/"}) {
+        const Outcome<IndexCounts> counts =
+            buildIndex(data_.path(), {{input_.write("list", "Package: p\nFilename: pool/apple_1.deb\n")}, mirror, {}},
+                       [](const std::string&) {});
+        ASSERT_TRUE(counts) << counts.failure().message;
+        const Outcome<FileAnswer> file = service_.search("apple", 0);
+        ASSERT_EQ(file->hits.size(), 1U);
+        EXPECT_EQ(file->hits[0].address, mirror + "pool/apple_1.deb");
+        const Outcome<FileAnswer> directory = service_.search("pool", 0);
+        ASSERT_EQ(directory->hits.size(), 1U);
+        EXPECT_EQ(directory->hits[0].address, mirror + "pool/");
+        EXPECT_EQ(service_.search(mirror + "pool/", 0)->hits.size(), 1U);
+    }
+}
+
+TEST_F(Files, TypedNameThenBeginningsThenTheRest)
+{
+    build({"pool/agit_1.deb", "pool/digit_1.deb", "pool/gitk_1.deb", "pool/git_1.deb", "pool/gitaa_1.deb",
+           "pool/git.tar", "pool/gitlab-git_1.deb"});
+    EXPECT_EQ(find("git"), (Names{"pool/git_1.deb", "pool/git.tar", "pool/gitk_1.deb", "pool/gitaa_1.deb",
+                                  "pool/gitlab-git_1.deb", "pool/agit_1.deb", "pool/digit_1.deb"}));
+    EXPECT_EQ(find("GIT").front(), "pool/git_1.deb");
+    // All words have to be there, wherever the name begins.
+    EXPECT_EQ(find("git lab"), (Names{"pool/gitlab-git_1.deb"}));
+    EXPECT_EQ(find("1 git k"), (Names{"pool/gitk_1.deb"}));
+    EXPECT_EQ(find("g t a"), (Names{"pool/gitaa_1.deb", "pool/git.tar", "pool/gitlab-git_1.deb", "pool/agit_1.deb"}));
+}
+
+TEST_F(Files, PagesOverBeginningsAndTheRestHoldEachNameOnce)
+{
+    Names files;
+    for (int i = 0; i < 33; ++i) {
+        files.push_back("pool/apple" + std::to_string(i) + ".deb");
+        files.push_back("pool/pineapple" + std::to_string(i) + ".deb");
+    }
+    build(files);
+    for (const std::string typed : {"apple", "apple deb", "ap le", "a"}) {
+        Names all;
+        for (int start = 0; start < 100; start += 20) {
+            const Names page = find(typed, start);
+            EXPECT_EQ(service_.search(typed, start)->more, start < 60) << typed << start;
+            all.insert(all.end(), page.begin(), page.end());
+        }
+        EXPECT_EQ(std::set<std::string>(all.begin(), all.end()).size(), 66U) << typed;
+        ASSERT_EQ(all.size(), 66U) << typed;
+        for (std::size_t i = 0; i < all.size(); ++i)
+            EXPECT_EQ(all[i].substr(0, 10) == "pool/apple", i < 33) << typed << all[i];
+    }
+    // Pages need not begin where the program lets them begin.
+    EXPECT_EQ(find("apple", 30).size(), 20U);
+    EXPECT_EQ(find("apple", 65).size(), 1U);
+    EXPECT_EQ(find("apple", 66), Names());
 }
 
 TEST_F(Files, OtherPathsAreNotFoundAndTheFrontPageIs)
@@ -113,10 +192,4 @@ TEST_F(Files, PathsThatNameNoFileAreLeftOut)
     build({"pool/a/", "/", "//x.deb"});
     EXPECT_EQ(find("x.deb"), (Names{"x.deb"}));
     EXPECT_EQ(find("a"), Names());
-}
-
-TEST(FtpBase, TakesThePlaceOfTheScheme)
-{
-    EXPECT_EQ(ftpBase("https://h/d/"), "ftp://h/d/");
-    EXPECT_EQ(ftpBase("ftp://h/"), "ftp://h/");
 }

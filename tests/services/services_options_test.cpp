@@ -50,6 +50,9 @@ TEST(ParseOptions, NamesWhatItDoesNotUnderstand)
     EXPECT_NE(parseOptions({"dance"}).failure().message.find("dance"), std::string::npos);
     EXPECT_NE(parseOptions({"serve", "--folder", "x"}).failure().message.find("--folder"), std::string::npos);
     EXPECT_NE(parseOptions({"serve", "--port"}).failure().message.find("--port"), std::string::npos);
+    for (const char* mirror : {"mirror.example/d/", "http://", "file:///d/", "://h/"})
+        EXPECT_NE(parseOptions({"index", "--mirror", mirror}).failure().message.find(mirror), std::string::npos);
+    EXPECT_TRUE(parseOptions({"index", "--mirror", "https://mirror.example/d"}));
     for (const char* port : {"65536", "-1", "x", "", "99999999999"})
         EXPECT_FALSE(parseOptions({"serve", "--port", port})) << port;
 }

@@ -61,6 +61,16 @@ TEST(StanzaReader, ReadsFieldsAndContinuationLines)
     EXPECT_EQ(packages[1].size, 0);
 }
 
+TEST(StanzaReader, SourcePackageIsNamedWithoutItsVersion)
+{
+    const std::vector<Package> packages = readText("Package: vim-doc\nSource: vim (2:9.0-1)\n\n"
+                                                   "Package: idle\nSource:  python3\n\nPackage: sed\n");
+    ASSERT_EQ(packages.size(), 3U);
+    EXPECT_EQ(packages[0].source, "vim");
+    EXPECT_EQ(packages[1].source, "python3");
+    EXPECT_EQ(packages[2].source, "sed");
+}
+
 TEST(StanzaReader, EmptyTextGivesNothing)
 {
     EXPECT_TRUE(readText("").empty());

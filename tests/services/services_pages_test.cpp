@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "common/address_check.h"
 #include "search/download/link_resolution.h"
 #include "search/download/request.h"
 #include "search/download/results.h"
@@ -57,11 +58,10 @@ protected:
             router_.add(host, service);
     }
 
-    void build(const std::string& stanzas)
+    void build(const std::string& stanzas, const std::string& mirror = "http://mirror.example/class/")
     {
         const Outcome<IndexCounts> counts =
-            buildIndex(data_.path(), {{input_.write("list", stanzas)}, "http://mirror.example/class/", {}},
-                       [](const std::string&) {});
+            buildIndex(data_.path(), {{input_.write("list", stanzas)}, mirror, {}}, [](const std::string&) {});
         ASSERT_TRUE(counts) << counts.failure().message;
     }
 
@@ -202,7 +202,7 @@ TEST_F(Pages, PlainPackagesAreReadBackWhole)
     readFilePages("apple");
     readFilePages("app le_1");
     readFilePages("_1");
-    readFilePages("ftp://mirror.example/class/pool/main/a/");
+    readFilePages("http://mirror.example/class/pool/main/a/");
 }
 
 TEST_F(Pages, FirstPageFormsAreReadBackWhole)
@@ -223,7 +223,27 @@ TEST_F(Pages, FirstPageFormsAreReadBackWhole)
         ASSERT_EQ(files.rows.size(), 1U);
         EXPECT_EQ(files.rows[0].name, "redirpick-class_1.0_amd64.deb");
         EXPECT_EQ(decodePercent(files.rows[0].path),
-                  "ftp://mirror.example/class/pool/r/redir/redirpick-class_1.0_amd64.deb");
+                  "http://mirror.example/class/pool/r/redir/redirpick-class_1.0_amd64.deb");
+    }
+}
+
+// The program reaches back over "a href=ftp" from the scheme's colon, whatever the scheme.
+TEST_F(Pages, AddressesOfEverySchemeAreReadBackAndCanBeOpened)
+{
+    for (const std::string scheme : {"http", "https", "ftp"}) {
+        const std::string mirror = scheme + "://mirror.example/class/";
+        build(stanza("apple", "an apple", "pool/a b/apple+class_1.deb"), mirror);
+        for (const char* typed : {"apple", "pool", "a b"})
+            readFilePages(typed);
+        readFilePages(mirror + "pool/");
+        const auto only = [&](const char* typed) {
+            const FileResults read = parseFileResults(
+                fetch(kFileHost, Route::Direct, *fileRequest(typed, std::nullopt, kFileHost, Route::Direct)));
+            EXPECT_EQ(read.rows.size(), 1U) << typed;
+            return openableAddress(read.rows.empty() ? "" : read.rows[0].path).value_or("");
+        };
+        EXPECT_EQ(only("apple"), scheme + "://mirror.example/cl%61ss/pool/a%20b/apple+cl%61ss_1.deb");
+        EXPECT_EQ(only("pool"), scheme + "://mirror.example/cl%61ss/pool/");
     }
 }
 
@@ -322,16 +342,17 @@ TEST_F(Pages, CrawledNamesAreReadBackAndSurviveANewIndex)
     const FileResults read = parseFileResults(body);
     ASSERT_FALSE(read.fault);
     ASSERT_EQ(read.rows.size(), 12U);
-    EXPECT_EQ(read.rows[0].name, "&#32;apple");
-    EXPECT_EQ(read.rows[0].size, "5 bytes");
+    // The very name first, then crawled names that begin with it, then the other crawled ones.
+    EXPECT_EQ(read.rows[0].name, "apple_1.deb");
     EXPECT_EQ(read.rows[1].name, "apple not&#32;found");
-    EXPECT_EQ(read.rows[4].name, "apple=:%41");
-    EXPECT_EQ(read.rows[4].path, "ftp://127.0.0.1:2121/not%20found/%3Cdir%3E/c++%20cl%61ss/apple=:%2541");
-    EXPECT_EQ(read.rows[5].size, "");
-    EXPECT_EQ(read.rows[6].name, "apple_1.deb");
-    EXPECT_EQ(read.rows[7].name, "&#32;apple");
-    EXPECT_EQ(read.rows[7].path, "ftp://127.0.0.1:2121/not%20found/%3Cdir%3E/c%2B%2B%20cl%61ss/%20apple/");
-    EXPECT_EQ(read.rows[7].size, "<Dir>");
+    EXPECT_EQ(read.rows[3].name, "apple=:%41");
+    EXPECT_EQ(read.rows[3].path, "ftp://127.0.0.1:2121/not%20found/%3Cdir%3E/c++%20cl%61ss/apple=:%2541");
+    EXPECT_EQ(read.rows[4].size, "");
+    EXPECT_EQ(read.rows[5].name, "&#32;apple");
+    EXPECT_EQ(read.rows[5].size, "5 bytes");
+    EXPECT_EQ(read.rows[10].name, "&#32;apple");
+    EXPECT_EQ(read.rows[10].path, "ftp://127.0.0.1:2121/not%20found/%3Cdir%3E/c%2B%2B%20cl%61ss/%20apple/");
+    EXPECT_EQ(read.rows[10].size, "<Dir>");
     // The link of a directory row leads to what lies in it.
     EXPECT_EQ(files_.search("ftp://127.0.0.1:2121/not found/<dir>/c++ class/", 0)->hits.size(), 11U);
 }

@@ -149,7 +149,7 @@ TEST_F(Program, IndexesServesAndEndsCleanly)
         EXPECT_NE(ask("127.80.0.3", portOf(ready, "download"), "/3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
                   std::string::npos);
         EXPECT_NE(ask("127.80.0.4", portOf(ready, "file"), "/cgi-bin/s?t=f&d=&l=en&m=20&q=apple")
-                      .find("ftp://mirror.example/apple.deb"),
+                      .find("http://mirror.example/apple.deb"),
                   std::string::npos);
         const std::uint16_t proxy = portOf(ready, "proxy");
 #ifdef QUARRYNET_WITH_IMAGES

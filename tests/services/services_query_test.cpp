@@ -51,6 +51,53 @@ TEST(WordExpression, WordsMustAllOccur)
     EXPECT_EQ(names.find(wordExpression("apple car")), 0);
 }
 
+TEST(WordQuery, NamesThatBeginWithWhatWasTypedAreFoundToo)
+{
+    Names names("porter unicode61");
+    names.add("python3 requests");
+    names.add("the python requests");
+    names.add("requests");
+    const WordQuery query = wordQuery("Python", "text");
+    EXPECT_EQ(query.name, "python");
+    EXPECT_LT("python3", query.nameEnd);
+    EXPECT_LT(std::string("python\xf0\x9f\x98\x80"), query.nameEnd);
+    EXPECT_EQ(names.find(query.expression), 2);
+    EXPECT_EQ(names.find(wordQuery("pyth", "text").expression), 1);
+    EXPECT_EQ(wordQuery("python3  reque", "text").name, "python3-reque");
+    EXPECT_EQ(names.find(wordQuery("python3 reque", "text").expression), 1);
+    EXPECT_EQ(names.find(wordQuery("pyth -requests", "text").expression), 0);
+    EXPECT_EQ(wordQuery("pyth -requests", "text").name, "pyth");
+}
+
+TEST(WordQuery, WhatCanBeNoNameIsLookedForAsWordsOnly)
+{
+    for (const std::string typed : {"\"py\"", "p", "", "-python", "-", "\xc3\xa9"}) {
+        EXPECT_EQ(wordQuery(typed, "text").name, "") << typed;
+        EXPECT_EQ(wordQuery(typed, "text").expression, wordExpression(typed)) << typed;
+    }
+    EXPECT_EQ(wordQuery("g++", "text").name, "g++");
+    EXPECT_EQ(wordQuery("g++", "text").expression, wordExpression("g++"));
+    EXPECT_EQ(wordQuery(std::string(200, 'a'), "text").name.size(), 200U);
+    EXPECT_EQ(wordQuery(std::string(201, 'a'), "text").name, "");
+}
+
+TEST(WordQuery, RandomTextIsNeverRefused)
+{
+    Names names("porter unicode61");
+    names.add("apple");
+    std::mt19937 random(5);
+    const std::string bytes("\"*^:-+()ab \t\0\xc3\xa9\xff{}.", 20);
+    for (int round = 0; round < 20000; ++round) {
+        std::string typed;
+        for (auto length = random() % 12; length > 0; --length)
+            typed.push_back(bytes[random() % bytes.size()]);
+        const std::string expression = wordQuery(typed, "text").expression;
+        if (!expression.empty()) {
+            EXPECT_GE(names.find(expression), 0) << typed << " as " << expression;
+        }
+    }
+}
+
 TEST(WordExpression, QuotedWordsAreAPhrase)
 {
     Names names("unicode61");
