@@ -214,9 +214,10 @@ Outcome<Crawl> crawl(std::string_view start, const CrawlLimits& limits, const Cr
     return Crawler(start, limits, tools).run();
 }
 
-Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, std::int64_t time, Crawl crawl)
+Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, std::int64_t time, Crawl crawl,
+                         const std::function<bool()>& again)
 {
-    Outcome<IndexWriter> writer = IndexWriter::extend(dataFolder);
+    Outcome<IndexWriter> writer = IndexWriter::extend(dataFolder, again);
     if (!writer)
         return writer.failure();
     Outcome<Done> removed = writer->removeFileSite(base);

@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <thread>
@@ -7,24 +8,14 @@
 #include "services/crawl.h"
 #include "services/data_folder.h"
 #include "services/index_database.h"
-#include "services/index_writer.h"
 #include "services/markup.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-/// Another run that is writing the index is waited for: a long crawl must not be lost to it.
-Outcome<Done> storeWithPatience(const std::string& dataFolder, const std::string& base, Crawl found)
-{
-    constexpr int kTries = 120;
-    for (int i = 0; i < kTries; ++i) {
-        if (IndexLock::take(dataFolder))
-            break;
-        std::this_thread::sleep_for(std::chrono::seconds(1));
-    }
-    return storeCrawl(dataFolder, base, static_cast<std::int64_t>(std::time(nullptr)), std::move(found));
-}
+constexpr int kLockTries = 120;
+constexpr std::chrono::seconds kLockPause{1};
 
 } // namespace
 
@@ -61,7 +52,17 @@ int runCrawl(const Options& options)
                                 " names at " + base;
     const std::size_t refused = found->refused;
     const std::string cut = found->cut;
-    const Outcome<Done> stored = storeWithPatience(*data, base, std::move(*found));
+    // A long crawl must not be lost to another run that is writing the index.
+    int tries = 0;
+    const Outcome<Done> stored =
+        storeCrawl(*data, base, static_cast<std::int64_t>(std::time(nullptr)), std::move(*found), [&] {
+            if (++tries >= kLockTries)
+                return false;
+            if (tries == 1)
+                tell("waiting for another quarrynet-services that is writing the index");
+            std::this_thread::sleep_for(kLockPause);
+            return true;
+        });
     if (!stored)
         return complain(stored.failure());
     tell(summary);

@@ -1,10 +1,14 @@
 #include <chrono>
 #include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "services/commands.h"
 #include "services/data_folder.h"
 #include "services/index_database.h"
 #include "services/indexing.h"
+#include "services/own_program.h"
 
 namespace quarrynet::services {
 
@@ -22,12 +26,17 @@ int runIndex(const Options& options)
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
-    if (sources.folders.empty())
-        sources.folders = {"/usr/share/doc", "/usr/local/share/doc", QUARRYNET_MANUAL_FOLDER};
-    if (sources.pictureFolders.empty())
-        sources.pictureFolders = {"/usr/share/icons",     "/usr/share/pixmaps", "/usr/share/backgrounds",
-                                  "/usr/share/images",    "/usr/share/doc",     QUARRYNET_ICON_FOLDER,
-                                  QUARRYNET_MANUAL_FOLDER};
+    const std::string manual = manualFolder(ownProgram());
+    const auto addUsual = [&manual](std::vector<std::string>& folders, std::vector<std::string> usual) {
+        if (!folders.empty())
+            return;
+        folders = std::move(usual);
+        if (!manual.empty())
+            folders.push_back(manual);
+    };
+    addUsual(sources.folders, {"/usr/share/doc", "/usr/local/share/doc"});
+    addUsual(sources.pictureFolders, {"/usr/share/icons", "/usr/share/pixmaps", "/usr/share/backgrounds",
+                                      "/usr/share/images", "/usr/share/doc"});
     if (!kHasImageSearch)
         sources.pictureFolders.clear();
 

@@ -34,15 +34,21 @@ bool flush(const std::string& path)
 
 } // namespace
 
-Outcome<IndexLock> IndexLock::take(const std::string& dataFolder)
+Outcome<IndexLock> IndexLock::take(const std::string& dataFolder, const std::function<bool()>& again)
 {
     const std::string path = (std::filesystem::path(dataFolder) / "index.lock").string();
     const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
     if (descriptor < 0)
         return Failure{"cannot write in " + dataFolder + ": " + std::strerror(errno)};
     IndexLock lock(descriptor);
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0)
-        return Failure{"another quarrynet-services is writing the index in " + dataFolder};
+    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno != EWOULDBLOCK)
+            return Failure{"cannot lock the index in " + dataFolder + ": " + std::strerror(errno)};
+        if (!again || !again())
+            return Failure{"another quarrynet-services is writing the index in " + dataFolder};
+    }
     return lock;
 }
 
@@ -225,17 +231,16 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 
 Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder)
 {
-    return start(dataFolder, false);
+    return start(dataFolder, IndexLock::take(dataFolder), false);
 }
 
-Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder)
+Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder, const std::function<bool()>& again)
 {
-    return start(dataFolder, true);
+    return start(dataFolder, IndexLock::take(dataFolder, again), true);
 }
 
-Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, bool fromOld)
+Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld)
 {
-    Outcome<IndexLock> lock = IndexLock::take(dataFolder);
     if (!lock)
         return lock.failure();
     auto parts = std::make_unique<Parts>(Parts{dataFolder, indexPath(dataFolder) + ".new", std::move(*lock)});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,8 +39,9 @@ struct FileEntry
 class IndexLock
 {
 public:
-    /// Fails when another process holds the data folder's lock.
-    static Outcome<IndexLock> take(const std::string& dataFolder);
+    /// Takes the data folder's lock. While another process holds it, `again` is asked whether to try once more; it may
+    /// wait before it answers. Without `again`, and for faults that no waiting mends, fails at once.
+    static Outcome<IndexLock> take(const std::string& dataFolder, const std::function<bool()>& again = {});
 
     IndexLock(IndexLock&& other) noexcept;
     IndexLock& operator=(IndexLock&& other) noexcept;
@@ -60,8 +62,9 @@ public:
     /// A new, empty index. What was crawled is taken over from the old one at the end.
     static Outcome<IndexWriter> begin(const std::string& dataFolder);
 
-    /// A copy of the index that is there, to be changed; a new one when there is none of this layout.
-    static Outcome<IndexWriter> extend(const std::string& dataFolder);
+    /// A copy of the index that is there, to be changed; a new one when there is none of this layout. `again` as for
+    /// IndexLock::take().
+    static Outcome<IndexWriter> extend(const std::string& dataFolder, const std::function<bool()>& again = {});
 
     IndexWriter(IndexWriter&&) noexcept;
     IndexWriter& operator=(IndexWriter&&) = delete;
@@ -102,7 +105,7 @@ public:
 
 private:
     struct Parts;
-    static Outcome<IndexWriter> start(const std::string& dataFolder, bool fromOld);
+    static Outcome<IndexWriter> start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld);
     explicit IndexWriter(std::unique_ptr<Parts> parts);
 
     std::unique_ptr<Parts> parts_;

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <optional>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -150,6 +151,35 @@ TEST_F(Index, OnlyOneWriterAtATime)
     const Outcome<IndexWriter> second = IndexWriter::begin(data_.path());
     ASSERT_FALSE(second);
     EXPECT_NE(second.failure().message.find("another"), std::string::npos);
+}
+
+TEST_F(Index, LockIsWaitedForWhileAnotherHoldsIt)
+{
+    int asked = 0;
+    std::optional<Outcome<IndexLock>> first = IndexLock::take(data_.path());
+    ASSERT_TRUE(*first);
+    EXPECT_FALSE(IndexLock::take(data_.path(), [&asked] { return ++asked < 3; }));
+    EXPECT_EQ(asked, 3);
+    const Outcome<IndexLock> second = IndexLock::take(data_.path(), [&] {
+        ++asked;
+        first.reset();
+        return true;
+    });
+    EXPECT_TRUE(second);
+    EXPECT_EQ(asked, 4);
+}
+
+TEST_F(Index, LockIsNotWaitedForWhereNoWaitingMends)
+{
+    int asked = 0;
+    const auto again = [&asked] { return ++asked < 3; };
+    EXPECT_FALSE(IndexLock::take(data_.path() + "/none", again));
+    input_.write("index.lock/file", "");
+    const Outcome<IndexLock> blocked = IndexLock::take(input_.path(), again);
+    ASSERT_FALSE(blocked);
+    EXPECT_NE(blocked.failure().message.find(input_.path()), std::string::npos);
+    EXPECT_FALSE(IndexWriter::extend(input_.path(), again));
+    EXPECT_EQ(asked, 0);
 }
 
 namespace {

@@ -249,6 +249,35 @@ TEST_F(Program, CrawlSaysWhyItCannot)
     EXPECT_EQ(start({"crawl", "--data", data(), "http://h/"}).wait(), 1);
 }
 
+// It waited two minutes for a lock that could not be taken.
+TEST_F(Program, CrawlThatCannotWriteTheIndexSaysSo)
+{
+    index();
+    std::filesystem::remove(data() + "/index.lock");
+    std::filesystem::create_directory(data() + "/index.lock");
+    const TestServer server([](int socket) {
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+            return MadeUpFtp::Reply{226, "type=file;size=5; crawled apple.zip\r\n"};
+        });
+    });
+    Running crawl = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(crawl.wait(), 1);
+    EXPECT_NE(crawl.errors().find(data()), std::string::npos) << crawl.errors();
+    EXPECT_EQ(crawl.errors().find("waiting"), std::string::npos) << crawl.errors();
+}
+
+// The folders of the project's own pictures and manual were built in.
+TEST_F(Program, HoldsNoPathOfTheSourceTree)
+{
+    if (std::string_view(QUARRYNET_BUILD_TYPE) != "Release")
+        GTEST_SKIP() << "debug information names the source files";
+    std::ifstream file(QUARRYNET_SERVICES, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    ASSERT_NE(content.find("Usage: quarrynet-services"), std::string::npos);
+    // The compiler stores short texts in pieces of sixteen bytes.
+    EXPECT_EQ(content.find(std::string_view(QUARRYNET_SOURCE_FOLDER).substr(0, 16)), std::string::npos);
+}
+
 TEST_F(Program, CrawledFilesAreFoundByAServerThatRuns)
 {
     index();
