@@ -73,11 +73,12 @@ HtmlView::HtmlView(QWidget* parent)
 
 HtmlView::~HtmlView() = default;
 
-void HtmlView::navigate(const QString& path)
+void HtmlView::navigate(const QString& path, std::vector<GalleryPicture> pictures)
 {
     url_ = QUrl::fromLocalFile(path);
+    gallery_ = std::move(pictures);
     if (view_)
-        view_->showPage(path);
+        view_->showPage(path, gallery_);
     emit urlChanged();
 }
 
@@ -158,7 +159,7 @@ void HtmlView::takeView(std::unique_ptr<PageView> view)
     setFocusProxy(&view_->widget());
     view_->widget().show();
     if (!url_.isEmpty())
-        view_->showPage(url_.toLocalFile());
+        view_->showPage(url_.toLocalFile(), gallery_);
 }
 
 void HtmlView::activate(const QByteArray& address)

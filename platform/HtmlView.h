@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QStringList>
 #include <QUrl>
@@ -35,8 +36,9 @@ public:
     explicit HtmlView(QWidget* parent = nullptr);
     ~HtmlView() override;
 
-    /// Shows the page at `path`, reading it anew if it is shown already.
-    void navigate(const QString& path);
+    /// Shows the page at `path`, reading it anew if it is shown already. `pictures` are the gallery that the page
+    /// shows, for a view that reads no pages.
+    void navigate(const QString& path, std::vector<GalleryPicture> pictures = {});
     QUrl url() const { return url_; }
 
     /// Pictures come through this HTTP proxy from now on; directly where `host` is empty.
@@ -68,6 +70,7 @@ private:
     PageViewHost host();
 
     QUrl url_;
+    std::vector<GalleryPicture> gallery_; // that the page shows
     QStringList engineFolders_;
     PictureFetcher pictures_;
     QVBoxLayout* layout_;

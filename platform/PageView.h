@@ -3,9 +3,11 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QByteArray>
 #include <QObject>
+#include <QSize>
 #include <QString>
 #include <QtPlugin>
 
@@ -16,12 +18,23 @@ class QWidget;
 /// no code with the program but these interfaces.
 namespace quarrynet {
 
-/// A picture as its server sent it; without bytes where there is none.
+/// A raster picture as its server sent it; without bytes where there is none.
 struct Picture
 {
     QByteArray bytes;
-    QByteArray type; // media type, empty where the server named none
+    QByteArray type; // media type, one of those of common/raster_head.h, as the content tells it
+    QSize size;      // in pixels
 };
+
+/// A picture of a gallery. The bytes are those of the results page, of any kind and length.
+struct GalleryPicture
+{
+    std::string address;   // of the whole picture, without its scheme
+    std::string thumbnail; // address of the small one
+};
+
+/// No view fetches more pictures than this for one page. A page of results has ten.
+inline constexpr int kMaxPagePictures = 32;
 
 /// Where a page's pictures come from. A view fetches nothing from the net by itself.
 class PictureSource
@@ -30,7 +43,7 @@ public:
     virtual ~PictureSource() = default;
 
     /// Fetches the picture at an http or https address. `done` runs once, later; not at all when `context` is gone by
-    /// then.
+    /// then, which also ends the fetching.
     virtual void fetch(const QUrl& address, QObject* context, std::function<void(const Picture&)> done) = 0;
 };
 
@@ -56,8 +69,9 @@ public:
     virtual QWidget& widget() = 0;
 
     /// Shows the local page at `path`, anew if it is shown already. The page may show the program's own pages of its
-    /// folder in its frames, and nothing else of the file system.
-    virtual void showPage(const QString& path) = 0;
+    /// folder in its frames, and nothing else of the file system. `pictures` are the gallery that the page shows; a
+    /// view that reads no pages shows them alone.
+    virtual void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) = 0;
 };
 
 /// The object that the plug-in exports.
@@ -72,4 +86,4 @@ public:
 
 } // namespace quarrynet
 
-Q_DECLARE_INTERFACE(quarrynet::PageEngine, "quarrynet.PageEngine/1")
+Q_DECLARE_INTERFACE(quarrynet::PageEngine, "quarrynet.PageEngine/2")

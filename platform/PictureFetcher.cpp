@@ -1,36 +1,44 @@
 #include "platform/PictureFetcher.h"
 
 #include <chrono>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QTimer>
 
+#include "common/raster_head.h"
+
 namespace quarrynet {
 
 namespace {
 
-constexpr qint64 kMaxBytes = 16 << 20;
 constexpr int kMaxRedirects = 5;
+// How long a picture may stand still, and how long it may take in all.
 constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(30);
+constexpr std::chrono::milliseconds kWholeTime = std::chrono::seconds(60);
 
-bool isHttp(const QUrl& address)
+bool isFetchable(const QUrl& address)
 {
     return address.isValid() && !address.host().isEmpty() &&
-           (address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https"));
+           (address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https")) &&
+           address.toEncoded().size() <= PictureFetcher::kMaxAddress;
 }
 
+// What the server calls it does not matter: the content decides, as it would in a decoder.
 Picture pictureOf(QNetworkReply& reply)
 {
     if (reply.error() != QNetworkReply::NoError)
         return {};
-    QByteArray type = reply.header(QNetworkRequest::ContentTypeHeader).toByteArray();
-    type = type.left(type.indexOf(';') < 0 ? type.size() : type.indexOf(';')).trimmed().toLower();
-    // A server that does not know what it serves says the second; what is called a page is none of a page's pictures.
-    if (!type.isEmpty() && !type.startsWith("image/") && type != "application/octet-stream")
+    const QByteArray bytes = reply.readAll();
+    const std::optional<RasterHead> head = readRasterHead({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+    if (!head || static_cast<quint64>(head->width) * head->height > static_cast<quint64>(PictureFetcher::kMaxPixels))
         return {};
-    return {reply.readAll(), type};
+    const std::string_view type = mediaType(head->format);
+    return {bytes, QByteArray(type.data(), static_cast<qsizetype>(type.size())),
+            QSize(static_cast<int>(head->width), static_cast<int>(head->height))};
 }
 
 } // namespace
@@ -50,25 +58,54 @@ void PictureFetcher::setProxy(const QString& host, quint16 port)
 
 void PictureFetcher::fetch(const QUrl& address, QObject* context, std::function<void(const Picture&)> done)
 {
-    if (!isHttp(address)) {
+    if (!isFetchable(address) || waiting_.size() >= kMaxWaiting) {
         QTimer::singleShot(0, context, [done = std::move(done)] { done({}); });
         return;
     }
-    QNetworkRequest request(address);
+    waiting_.push_back({address, context, std::move(done)});
+    startNext();
+}
+
+void PictureFetcher::startNext()
+{
+    while (running_ < kAtOnce && !waiting_.empty()) {
+        const Order order = std::move(waiting_.front());
+        waiting_.pop_front();
+        if (order.context)
+            start(order);
+    }
+}
+
+void PictureFetcher::start(const Order& order)
+{
+    QNetworkRequest request(order.address);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(kMaxRedirects);
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     request.setTransferTimeout(static_cast<int>(kPatience.count()));
+    // The toolkit would name itself and the person's language, and unpack what was packed small.
+    request.setRawHeader("User-Agent", "Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)");
+    request.setRawHeader("Accept", "*/*");
+    request.setRawHeader("Accept-Language", "*");
+    request.setRawHeader("Accept-Encoding", "identity");
 
     QNetworkReply* reply = network_.get(request);
+    ++running_;
     connect(reply, &QNetworkReply::readyRead, reply, [reply] {
         if (reply->bytesAvailable() > kMaxBytes)
             reply->abort();
     });
-    connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
-    connect(reply, &QNetworkReply::finished, context, [reply, done = std::move(done)] { done(pictureOf(*reply)); });
+    QTimer::singleShot(kWholeTime, reply, &QNetworkReply::abort);
+    connect(order.context, &QObject::destroyed, reply, &QNetworkReply::abort);
+    connect(reply, &QNetworkReply::finished, this, [this, reply, context = order.context, done = order.done] {
+        --running_;
+        reply->deleteLater();
+        if (context)
+            done(pictureOf(*reply));
+        startNext();
+    });
 }
 
 } // namespace quarrynet

@@ -1,20 +1,15 @@
 #include "platform/PlainPageView.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
-#include <string_view>
 #include <utility>
 
 #include <QBuffer>
-#include <QFile>
-#include <QFileInfo>
 #include <QImageReader>
-#include <QTextBlock>
+#include <QTextBlockFormat>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextImageFormat>
 
-#include "common/local_pages.h"
 #include "platform/text_border.h"
 #include "platform/view_keys.h"
 
@@ -22,45 +17,50 @@ namespace quarrynet {
 
 namespace {
 
-// Larger pictures are made smaller: the page is a gallery of thumbnails, and a hostile one could fill the memory.
-constexpr int kMaxPictureSide = 1024;
+// Larger pictures are made smaller: they are thumbnails, and all of them together have to fit into memory.
+constexpr int kMaxPictureSide = 512;
 
-std::optional<QByteArray> contentOf(const QString& path)
+constexpr int kMargin = 12; // below each picture, in pixels
+
+// The name of a picture in the document. Links have the picture's number for their address.
+QUrl pictureName(std::size_t number)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.readAll();
+    return {QStringLiteral("picture:%1").arg(number)};
 }
 
-// The program's own page that the first frame of a frame page shows.
-std::optional<std::string_view> framedPage(const QByteArray& page)
+// A page writes the "&" of an address so; a browser reads it as the page meant it.
+std::string readAmpersands(std::string_view written)
 {
-    const qsizetype frame = page.indexOf("<frame ");
-    if (frame < 0)
-        return std::nullopt;
-    constexpr std::array<std::string_view, 2> kPages = {kBlankPageName, kGalleryPageName};
-    const auto found = std::find_if(kPages.begin(), kPages.end(), [&page, frame](std::string_view name) {
-        return page.indexOf(QByteArray("src=").append(name.data(), static_cast<qsizetype>(name.size())) + '>', frame) >=
-               0;
-    });
-    return found == kPages.end() ? std::nullopt : std::optional(*found);
-}
-
-// The time to lay a paragraph out grows with the square of its longest word: a caption of a megabyte would stop the
-// window.
-constexpr int kMaxParagraph = 4000;
-
-void shortenParagraphs(QTextDocument& document)
-{
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        if (block.length() <= kMaxParagraph)
-            continue;
-        QTextCursor cursor(block);
-        cursor.setPosition(block.position() + kMaxParagraph);
-        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        cursor.removeSelectedText();
+    constexpr std::string_view kWritten = "&amp;";
+    std::string text;
+    text.reserve(written.size());
+    for (std::size_t from = 0; from < written.size();) {
+        const std::size_t at = std::min(written.find(kWritten, from), written.size());
+        text.append(written.substr(from, at - from));
+        if (at < written.size())
+            text.push_back('&');
+        from = at + kWritten.size();
     }
+    return text;
+}
+
+QImage decoded(const Picture& picture)
+{
+    QByteArray bytes = picture.bytes;
+    QBuffer buffer(&bytes);
+    // "image/png" is the reader's "png". It must not choose for itself: among what it can read are drawings that load
+    // other files.
+    QImageReader reader(&buffer, picture.type.mid(picture.type.indexOf('/') + 1));
+    reader.setAutoDetectImageFormat(false);
+    reader.setDecideFormatFromContent(false);
+    const QSize largest(kMaxPictureSide, kMaxPictureSide);
+    const bool large = picture.size.width() > largest.width() || picture.size.height() > largest.height();
+    if (large)
+        reader.setScaledSize(picture.size.scaled(largest, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    const QImage image = reader.read();
+    if (image.width() > largest.width() || image.height() > largest.height())
+        return image.scaled(largest, Qt::KeepAspectRatio);
+    return image;
 }
 
 } // namespace
@@ -71,57 +71,75 @@ PlainPageView::PlainPageView(PageViewHost host, QWidget* parent) : QTextBrowser(
     setContextMenuPolicy(Qt::NoContextMenu);
     setAcceptDrops(false);
     setUndoRedoEnabled(false);
-    connect(this, &QTextBrowser::anchorClicked, this,
-            [this](const QUrl& address) { host_.linkActivated(address.toEncoded()); });
+    connect(this, &QTextBrowser::anchorClicked, this, &PlainPageView::activate);
 }
 
-void PlainPageView::showPage(const QString& path)
+void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryPicture>& pictures)
 {
-    QByteArray page = contentOf(path).value_or(QByteArray());
-    if (const std::optional<std::string_view> name = framedPage(page)) {
-        const QString framed = QFileInfo(path).absolutePath() + QLatin1Char('/') +
-                               QString::fromLatin1(name->data(), static_cast<qsizetype>(name->size()));
-        page = contentOf(framed).value_or(QByteArray());
-    }
     fetches_ = std::make_unique<QObject>();
-    // A document of its own, which also drops the pictures of the page before; shortened before anything lays it out.
+    links_.clear();
+    // A document of its own, which also drops the pictures of the gallery before.
     auto* document = new QTextDocument(this);
     document->setUndoRedoEnabled(false);
     document->setDefaultFont(font());
-    document->setHtml(toText({page.constData(), static_cast<std::size_t>(page.size())}));
-    shortenParagraphs(*document);
+
+    QTextBlockFormat paragraph;
+    paragraph.setAlignment(Qt::AlignHCenter);
+    paragraph.setBottomMargin(kMargin);
+    QTextCursor cursor(document);
+    const std::size_t shown = std::min(pictures.size(), static_cast<std::size_t>(kMaxPagePictures));
+    for (std::size_t i = 0; i < shown; ++i) {
+        const std::string address = "http://" + readAmpersands(pictures[i].address);
+        links_.push_back(QByteArray::fromStdString(address));
+        QTextCharFormat link;
+        link.setAnchor(true);
+        link.setAnchorHref(QString::number(i));
+        link.setForeground(palette().link());
+        link.setFontUnderline(true);
+        QTextImageFormat image;
+        image.merge(link);
+        image.setName(pictureName(i).toString());
+        if (i == 0)
+            cursor.setBlockFormat(paragraph);
+        else
+            cursor.insertBlock(paragraph);
+        cursor.insertImage(image);
+        cursor.insertText(QChar(QChar::LineSeparator) + toLine(address), link);
+    }
     setDocument(document);
     delete std::exchange(shown_, document);
+
+    for (std::size_t i = 0; i < shown; ++i) {
+        const QUrl thumbnail(toText(readAmpersands(pictures[i].thumbnail)));
+        host_.pictures.fetch(thumbnail, fetches_.get(), [this, i](const Picture& picture) { showPicture(i, picture); });
+    }
 }
 
-QVariant PlainPageView::loadResource(int type, const QUrl& name)
+QVariant PlainPageView::loadResource(int type, const QUrl& /*name*/)
 {
     if (type != QTextDocument::ImageResource)
         return {};
-    // A picture until its own is there, and for what the net has none of: without any, the document would look for a
-    // file of that name. It is kept in the document, so that it is asked for once.
+    // A picture until its own is there. Without any, the document would look for a file of that name.
     QPixmap none(1, 1);
     none.fill(Qt::transparent);
-    document()->addResource(QTextDocument::ImageResource, name, none);
-    if (fetches_)
-        host_.pictures.fetch(name, fetches_.get(),
-                             [this, name](const Picture& picture) { showPicture(name, picture); });
     return none;
 }
 
-void PlainPageView::showPicture(const QUrl& name, const Picture& picture)
+void PlainPageView::showPicture(std::size_t number, const Picture& picture)
 {
-    QByteArray bytes = picture.bytes;
-    QBuffer buffer(&bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (size.width() > kMaxPictureSide || size.height() > kMaxPictureSide)
-        reader.setScaledSize(size.scaled(kMaxPictureSide, kMaxPictureSide, Qt::KeepAspectRatio));
-    const QImage image = reader.read();
+    const QImage image = picture.bytes.isEmpty() ? QImage() : decoded(picture);
     if (image.isNull())
         return;
-    document()->addResource(QTextDocument::ImageResource, name, QPixmap::fromImage(image));
+    document()->addResource(QTextDocument::ImageResource, pictureName(number), QPixmap::fromImage(image));
     document()->markContentsDirty(0, document()->characterCount());
+}
+
+void PlainPageView::activate(const QUrl& link)
+{
+    bool isNumber = false;
+    const std::size_t number = link.toString().toULongLong(&isNumber);
+    if (isNumber && number < links_.size())
+        host_.linkActivated(links_[number]);
 }
 
 bool PlainPageView::event(QEvent* event)

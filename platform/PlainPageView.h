@@ -1,13 +1,16 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include <QTextBrowser>
 
 #include "platform/PageView.h"
 
 namespace quarrynet {
 
-/// The view without a browser engine: texts, links and pictures of a page, no scripts and no styles of others. Of a
-/// page with frames it shows the first one.
+/// The view without a browser engine: the pictures of the gallery, each with its address as caption and link. It reads
+/// no page, so nothing in one can do anything to it.
 class PlainPageView : public QTextBrowser, public PageView
 {
     Q_OBJECT
@@ -17,7 +20,7 @@ public:
     PlainPageView(PageViewHost host, QWidget* parent);
 
     QWidget& widget() override { return *this; }
-    void showPage(const QString& path) override;
+    void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) override;
 
 protected:
     QVariant loadResource(int type, const QUrl& name) override;
@@ -25,12 +28,14 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void showPicture(const QUrl& name, const Picture& picture);
+    void showPicture(std::size_t number, const Picture& picture);
+    void activate(const QUrl& link);
 
     PageViewHost host_;
-    // What is fetched for the page that is shown; a new page begins a new one, and what comes for the old is dropped.
+    std::vector<QByteArray> links_;
+    // What is fetched for the gallery that is shown; a new one begins anew, and what comes for the old is dropped.
     std::unique_ptr<QObject> fetches_;
-    QTextDocument* shown_ = nullptr; // the last page's document, ours to delete
+    QTextDocument* shown_ = nullptr; // the last gallery's document, ours to delete
 };
 
 } // namespace quarrynet

@@ -112,7 +112,7 @@ void BrowserView::restrict()
     settings->setUnknownUrlSchemePolicy(QWebEngineSettings::DisallowUnknownUrlSchemes);
 }
 
-void BrowserView::showPage(const QString& path)
+void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture>& /*pictures*/)
 {
     guard_->allowPage(path);
     setUrl(QUrl::fromLocalFile(path));

@@ -24,7 +24,7 @@ public:
     ~BrowserView() override;
 
     QWidget& widget() override { return *this; }
-    void showPage(const QString& path) override;
+    void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) override;
 
 protected:
     void childEvent(QChildEvent* event) override;

@@ -88,7 +88,7 @@ void PictureHandler::requestStarted(QWebEngineUrlRequestJob* job)
         buffer->setData(picture.bytes);
         buffer->open(QIODevice::ReadOnly);
         connect(job, &QObject::destroyed, buffer, &QObject::deleteLater);
-        job->reply(picture.type.isEmpty() ? QByteArrayLiteral("application/octet-stream") : picture.type, buffer);
+        job->reply(picture.type, buffer);
     });
 }
 

@@ -1,5 +1,7 @@
 #include "search/image/ImageSearch.h"
 
+#include <utility>
+
 #include "common/local_pages.h"
 #include "platform/Shell.h"
 #include "platform/local_files.h"
@@ -51,7 +53,7 @@ void ImageSearch::clearView()
     showPage(kBlankFrameName);
 }
 
-void ImageSearch::showPage(std::string_view name)
+void ImageSearch::showPage(std::string_view name, std::vector<GalleryPicture> pictures)
 {
     // The page's pictures travel as its request did. A proxy without a usable host or port leads nowhere (RFC 2606
     // reserves the name for that); for the view, none would mean the direct way.
@@ -59,7 +61,15 @@ void ImageSearch::showPage(std::string_view name)
     if (route() == Route::Proxy && (proxy.host.empty() || proxy.port < 1))
         proxy = {"proxy.invalid", 9};
     ui_->IMGViewer->setProxy(toText(proxy.host), static_cast<quint16>(proxy.port));
-    ui_->IMGViewer->navigate(toText(pathInFolder(searchWindow().programFolder(), name)));
+    ui_->IMGViewer->navigate(toText(pathInFolder(searchWindow().programFolder(), name)), std::move(pictures));
+}
+
+std::vector<GalleryPicture> ImageSearch::shownPictures() const
+{
+    std::vector<GalleryPicture> pictures;
+    for (std::size_t i = 0; i < List8.items().size(); ++i)
+        pictures.push_back({i < List7.items().size() ? List7.items()[i] : std::string(), List8.items()[i]});
+    return pictures;
 }
 
 std::optional<std::string> ImageSearch::requestText()
@@ -134,7 +144,7 @@ bool ImageSearch::writeGallery(const std::string& gallery)
             return false;
         }
     }
-    showPage(kGalleryFrameName);
+    showPage(kGalleryFrameName, shownPictures());
     return true;
 }
 

@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "platform/HiddenListBox.h"
+#include "platform/PageView.h"
 #include "search/SearchTab.h"
 
 namespace quarrynet {
@@ -43,7 +45,8 @@ protected:
 private:
     void Text9_Change();
     bool writeGallery(const std::string& gallery);
-    void showPage(std::string_view name);
+    void showPage(std::string_view name, std::vector<GalleryPicture> pictures = {});
+    std::vector<GalleryPicture> shownPictures() const;
 
     std::unique_ptr<Ui::ImageSearch> ui_;
     HiddenText Text8;

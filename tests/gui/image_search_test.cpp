@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <QTextBrowser>
 
 #include "WindowFixture.h"
 #include "platform/ListView.h"
@@ -222,6 +223,17 @@ private slots:
         QTRY_VERIFY(window_->service.requestLines().contains(paged));
     }
 
+    void thumbnailsAreShownWithTheirAddresses()
+    {
+        window_->service.answerWith(resultsPage(2, "2"));
+        search();
+        QTRY_COMPARE(shownPage(), QStringLiteral("new.html"));
+        const auto* plain = window_->control<HtmlView>("IMGViewer")->findChild<QTextBrowser*>();
+        QVERIFY(plain);
+        QTRY_VERIFY(plain->toPlainText().contains(QStringLiteral("http://pics.example/p1.jpg")));
+        QVERIFY(plain->toPlainText().endsWith(QStringLiteral("http://pics.example/p2.jpg")));
+    }
+
     void thumbnailsComeOverHttpAsTheSearchDid()
     {
         // Through the proxy, because a thumbnail's address has no port of its own.
@@ -260,6 +272,8 @@ private slots:
         QTest::newRow("no blank") << QByteArray("src=/images?q=tbn:a:b");
         QTest::newRow("ten thousand") << QByteArray("src=/images?q=tbn:a:b ").repeated(10'000);
         QTest::newRow("one of a megabyte") << "src=/images?q=tbn:a:" + QByteArray(1'000'000, 'x') + " <b>1</b>";
+        QTest::newRow("1,000 nested tables")
+            << resultsPage(1, "1").replace("p1.jpg", "p1.jpg\">" + QByteArray("<table><tr><td>").repeated(1000));
         QTest::newRow("NULs") << QByteArray("src=/images?q=tbn\0:\0:\0 \0", 24);
     }
 

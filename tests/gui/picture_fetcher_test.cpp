@@ -1,6 +1,10 @@
 #include <memory>
 #include <optional>
+#include <utility>
 
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtEndian>
 #include <QtTest>
 
 #include "picture_server.h"
@@ -18,13 +22,18 @@ private slots:
     void init();
 
     void pictureComesWithItsType();
-    void typeLosesItsParameters();
-    void pictureWithoutTypeIsTaken();
+    void contentTellsTheType();
     void refusalsGiveNothing_data();
     void refusalsGiveNothing();
     void otherSchemesAreNotAsked_data();
     void otherSchemesAreNotAsked();
-    void hugePictureIsGivenUp();
+    void pictureOfTooManyBytesIsGivenUp();
+    void pictureOfTooManyPixelsIsGivenUp();
+    void packedPictureIsNotUnpacked();
+    void headWithoutAnEndIsGivenUp();
+    void longAddressIsNotAsked();
+    void fewAreFetchedAtOnce();
+    void serversLearnNothingOfThisSystem();
     void redirectIsFollowedWithinTheNet();
     void redirectInARingEnds();
     void proxyGetsTheWholeAddress();
@@ -52,7 +61,7 @@ Picture PictureFetcherTest::fetch(const QString& address)
     fetcher_->fetch(QUrl(address), this, [&result](const Picture& picture) { result = picture; });
     const bool notAtOnce = !result.has_value();
     if (!QTest::qWaitFor([&result] { return result.has_value(); }, 20000) || !notAtOnce)
-        return {"no answer", {}};
+        return {"no answer", {}, {}};
     return *result;
 }
 
@@ -64,24 +73,27 @@ void PictureFetcherTest::pictureComesWithItsType()
     QCOMPARE(picture.type, QByteArray("image/png"));
 }
 
-void PictureFetcherTest::typeLosesItsParameters()
+void PictureFetcherTest::contentTellsTheType()
 {
-    server_->answer("/a", "HTTP/1.0 200 OK\r\nContent-Type: Image/GIF; charset=x\r\n\r\nGIF89a\0");
-    QCOMPARE(fetch(server_->address(u"/a"_s)).type, QByteArray("image/gif"));
-}
-
-void PictureFetcherTest::pictureWithoutTypeIsTaken()
-{
-    server_->answer("/a", "HTTP/1.0 200 OK\r\n\r\nbytes");
-    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, QByteArray("bytes"));
+    for (const char* header : {"Content-Type: Image/GIF; charset=x\r\n", "Content-Type: text/html\r\n", ""}) {
+        server_->answer("/a", "HTTP/1.0 200 OK\r\n" + QByteArray(header) + "\r\n" + PictureServer::png(Qt::red));
+        const Picture picture = fetch(server_->address(u"/a"_s));
+        QCOMPARE(picture.type, QByteArray("image/png"));
+        QCOMPARE(picture.size, QSize(90, 60));
+    }
 }
 
 void PictureFetcherTest::refusalsGiveNothing_data()
 {
     QTest::addColumn<QByteArray>("answer");
-    QTest::newRow("missing") << QByteArray("HTTP/1.1 404 Not Found\r\nContent-Type: image/png\r\n\r\nx");
-    QTest::newRow("password") << QByteArray("HTTP/1.1 401 x\r\nWWW-Authenticate: Basic realm=\"x\"\r\n\r\nx");
-    QTest::newRow("proxy password") << QByteArray("HTTP/1.1 407 x\r\nProxy-Authenticate: Basic realm=\"x\"\r\n\r\nx");
+    const QByteArray picture = PictureServer::png(Qt::red);
+    const QByteArray drawing = "<svg xmlns=\"http://www.w3.org/2000/svg\"><image href=\"file:///dev/zero\"/></svg>";
+    QTest::newRow("missing") << "HTTP/1.1 404 Not Found\r\nContent-Type: image/png\r\n\r\n" + picture;
+    QTest::newRow("password") << "HTTP/1.1 401 x\r\nWWW-Authenticate: Basic realm=\"x\"\r\n\r\n" + picture;
+    QTest::newRow("proxy password") << "HTTP/1.1 407 x\r\nProxy-Authenticate: Basic realm=\"x\"\r\n\r\n" + picture;
+    QTest::newRow("drawing") << "HTTP/1.1 200 OK\r\nContent-Type: image/svg+xml\r\n\r\n" + drawing;
+    QTest::newRow("drawing with a name") << "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n" + drawing;
+    QTest::newRow("other format") << QByteArray("HTTP/1.1 200 OK\r\nContent-Type: image/bmp\r\n\r\nBM\0\0", 47);
     QTest::newRow("page") << QByteArray("HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\n<html>");
     QTest::newRow("script") << QByteArray("HTTP/1.1 200 OK\r\nContent-Type: text/javascript\r\n\r\nx");
     QTest::newRow("cut") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 10\r\nContent-Type: image/png\r\n\r\nx");
@@ -113,12 +125,113 @@ void PictureFetcherTest::otherSchemesAreNotAsked()
     QCOMPARE(fetch(address).bytes, QByteArray());
 }
 
-void PictureFetcherTest::hugePictureIsGivenUp()
+void PictureFetcherTest::pictureOfTooManyBytesIsGivenUp()
 {
-    server_->answer("/a", "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n" + QByteArray(17 << 20, 'x'));
+    const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n";
+    const QByteArray full = PictureServer::png(Qt::red).leftJustified(PictureFetcher::kMaxBytes, 'x');
+    server_->answer("/a", head + full + 'x');
     QCOMPARE(fetch(server_->address(u"/a"_s)).bytes.size(), 0);
-    server_->answer("/b", "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n" + QByteArray(16 << 20, 'x'));
-    QCOMPARE(fetch(server_->address(u"/b"_s)).bytes.size(), 16 << 20);
+    server_->answer("/b", head + full);
+    QCOMPARE(fetch(server_->address(u"/b"_s)).bytes.size(), PictureFetcher::kMaxBytes);
+}
+
+void PictureFetcherTest::pictureOfTooManyPixelsIsGivenUp()
+{
+    const auto png = [](quint32 width, quint32 height) {
+        QByteArray bytes = PictureServer::png(Qt::red);
+        qToBigEndian(width, bytes.data() + 16);
+        qToBigEndian(height, bytes.data() + 20);
+        return "HTTP/1.1 200 OK\r\n\r\n" + bytes;
+    };
+    server_->answer("/a", png(PictureFetcher::kMaxPixels / 1024, 1024));
+    QVERIFY(!fetch(server_->address(u"/a"_s)).bytes.isEmpty());
+    server_->answer("/b", png(PictureFetcher::kMaxPixels / 1024, 1025));
+    QVERIFY(fetch(server_->address(u"/b"_s)).bytes.isEmpty());
+    server_->answer("/c", png(0xFFFFFFFF, 0xFFFFFFFF));
+    QVERIFY(fetch(server_->address(u"/c"_s)).bytes.isEmpty());
+}
+
+void PictureFetcherTest::packedPictureIsNotUnpacked()
+{
+    QByteArray packed = qCompress(PictureServer::png(Qt::red)).mid(4);
+    server_->answer("/a", "HTTP/1.1 200 OK\r\nContent-Encoding: deflate\r\n\r\n" + packed);
+    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, QByteArray());
+}
+
+void PictureFetcherTest::headWithoutAnEndIsGivenUp()
+{
+    server_->answer("/a", "HTTP/1.1 200 OK\r\nX: " + QByteArray(PictureFetcher::kMaxBytes, 'x'));
+    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, QByteArray());
+}
+
+void PictureFetcherTest::longAddressIsNotAsked()
+{
+    const QString start = server_->address(u"/"_s);
+    const auto ofLength = [&start](qsizetype length) { return start.leftJustified(length, u'x'); };
+    const QByteArray longest = ofLength(PictureFetcher::kMaxAddress).mid(start.size() - 1).toLatin1();
+    server_->answerWithPicture(longest, Qt::red);
+    QVERIFY(!fetch(ofLength(PictureFetcher::kMaxAddress)).bytes.isEmpty());
+    QVERIFY(fetch(ofLength(PictureFetcher::kMaxAddress + 1)).bytes.isEmpty());
+    QCOMPARE(server_->requests.size(), 1);
+}
+
+// A server that answers nobody, until its connections are broken.
+class SilentServer : public QObject
+{
+public:
+    SilentServer()
+    {
+        connect(&server_, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* connection = server_.nextPendingConnection())
+                connections.append(connection);
+        });
+        server_.listen(QHostAddress::LocalHost);
+    }
+
+    QString address() const { return u"http://127.0.0.1:%1/"_s.arg(server_.serverPort()); }
+    void breakAll()
+    {
+        for (QTcpSocket* connection : std::exchange(connections, {}))
+            connection->abort();
+    }
+
+    QList<QTcpSocket*> connections;
+
+private:
+    QTcpServer server_;
+};
+
+void PictureFetcherTest::fewAreFetchedAtOnce()
+{
+    // Each at a host of its own: the toolkit's own bound is one for each host.
+    SilentServer silent;
+    auto context = std::make_unique<QObject>();
+    int answered = 0;
+    const int room = PictureFetcher::kAtOnce + PictureFetcher::kMaxWaiting;
+    for (int i = 0; i < room + 5; ++i)
+        fetcher_->fetch(QUrl(silent.address().replace(u"127.0.0.1"_s, u"127.0.0.%1"_s.arg(i + 1))), context.get(),
+                        [&answered](const Picture& picture) {
+                            QVERIFY(picture.bytes.isEmpty());
+                            ++answered;
+                        });
+    QTRY_COMPARE(answered, 5); // there was no room for the last
+    server_->answerWithPicture("/a", Qt::red);
+    // Who asked for them goes, and so do they: the next one finds its place free.
+    context.reset();
+    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, PictureServer::png(Qt::red));
+    QCOMPARE(answered, 5);
+    QVERIFY(silent.connections.size() <= PictureFetcher::kAtOnce);
+}
+
+void PictureFetcherTest::serversLearnNothingOfThisSystem()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::Icelandic));
+    fetch(server_->address(u"/a"_s));
+    QLocale::setDefault(before);
+    const QList<QByteArray> lines = server_->requests.value(0).toLower().split('\n');
+    QVERIFY(lines.contains("user-agent: mozilla/4.0 (compatible; msie 5.00; windows 98)\r"));
+    QVERIFY(lines.contains("accept-language: *\r"));
 }
 
 void PictureFetcherTest::redirectIsFollowedWithinTheNet()
