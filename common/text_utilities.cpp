@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <iterator>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -13,11 +14,8 @@ namespace {
 // Up to this length a search text is looked for with find(), which may cost its length for each byte of the text.
 constexpr std::size_t kShortSearch = 32;
 
-// How many bytes may pass for each byte of the source once replacements form new matches. A shorter replacement makes
-// the text shrink and so costs time only; one that does not may make it grow, and memory with it.
-constexpr std::size_t kPassesShrinking = 16;
-constexpr std::size_t kPassesGrowing = 4;
-constexpr std::size_t kMebibyte = std::size_t{1} << 20;
+// What replacements that stand on earlier ones may sum up to in a text that grows: it need never end.
+constexpr std::size_t kMostFormed = std::size_t{64} << 20;
 
 /// Knuth, Morris and Pratt's automaton for one search text. Its state is how many bytes of the search text the bytes
 /// read so far end with.
@@ -55,22 +53,9 @@ std::string replaceInOnePass(std::string_view source, std::string_view sought, s
 {
     std::string out;
     std::size_t from = 0;
-    if (sought.size() <= kShortSearch) {
-        for (std::size_t at = source.find(sought); at != std::string_view::npos; at = source.find(sought, from)) {
-            out.append(source, from, at - from).append(replacement);
-            from = at + sought.size();
-        }
-        return out.append(source, from);
-    }
-    const Matcher matcher(sought);
-    std::size_t state = 0;
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        state = matcher.next(state, source[i]);
-        if (state == sought.size()) {
-            out.append(source, from, i + 1 - sought.size() - from).append(replacement);
-            from = i + 1;
-            state = 0;
-        }
+    for (std::size_t at = source.find(sought); at != std::string_view::npos; at = source.find(sought, from)) {
+        out.append(source, from, at - from).append(replacement);
+        from = at + sought.size();
     }
     return out.append(source, from);
 }
@@ -91,56 +76,83 @@ bool canJoin(std::string_view sought, std::string_view replacement)
     return false;
 }
 
-/// Reads `settled`, then `rest`, and keeps the result as a stack of bytes, each with the automaton's state behind it. A
-/// match is popped and its replacement read as if it came next, so the earliest match is always the one replaced.
-/// Nothing when too many bytes pass.
-std::optional<std::string> replaceOnStack(std::string settled, std::string_view rest, std::string_view sought,
-                                          std::string_view replacement, std::size_t bytesLeft)
+/// The text during the replacements: `out` is free of matches, and what follows it is `unread`, its next byte last, and
+/// then the rest of the source. So the first match of the whole text is always the first one that `out` ends with.
+class Rewriting
 {
-    const Matcher matcher(sought);
-    // What the match and its replacement begin with alike may stay on the stack.
-    const auto [soughtEnd, replacementEnd] =
-        std::mismatch(sought.begin(), sought.end(), replacement.begin(), replacement.end());
-    const auto kept = static_cast<std::size_t>(soughtEnd - sought.begin());
-    const std::string_view added = replacement.substr(kept);
+public:
+    Rewriting(std::string_view source, std::string_view sought, std::string_view replacement)
+        : source_(source)
+        , sought_(sought)
+        , replacement_(replacement)
+        , kept_(static_cast<std::size_t>(
+              std::mismatch(sought.begin(), sought.end(), replacement.begin(), replacement.end()).first -
+              sought.begin()))
+        , backwards_(replacement.rbegin(), replacement.rend() - static_cast<std::ptrdiff_t>(kept_))
+        , joins_(canJoin(sought, replacement))
+    {}
 
-    std::string out = std::move(settled);
-    std::vector<std::uint32_t> states;
-    states.reserve(out.size() + rest.size() + 1);
-    states.push_back(0);
-    for (const char byte : out)
-        states.push_back(static_cast<std::uint32_t>(matcher.next(states.back(), byte)));
-
-    std::vector<std::size_t> reading; // how far each replacement under way has been read; the innermost is last
-    std::size_t at = 0;
-    while (true) {
-        char byte = 0;
-        if (!reading.empty()) {
-            if (reading.back() == added.size()) {
-                reading.pop_back();
+    /// The text without a match, or nothing once replacements that stand on earlier ones sum up to more than `most`
+    /// bytes.
+    std::optional<std::string> run(std::size_t most)
+    {
+        std::size_t searched = 0; // from here on nothing but the source follows, and no match has been looked for
+        for (std::size_t at = source_.find(sought_); at != std::string_view::npos;
+             at = source_.find(sought_, searched)) {
+            leapTo(at);
+            read_ = searched = at + sought_.size();
+            if (!joins_) {
+                out_.append(replacement_);
                 continue;
             }
-            byte = added[reading.back()++];
-            if (reading.back() == added.size())
-                reading.pop_back();
-        } else if (at < rest.size()) {
-            byte = rest[at++];
-        } else {
-            return out;
+            out_.append(replacement_, 0, kept_);
+            unread_ = backwards_;
+            // A match that the replacement is part of ends within it or so soon behind it.
+            while (!unread_.empty() || (read_ - searched < sought_.size() - 1 && read_ < source_.size())) {
+                readByte();
+                if (out_.back() != sought_.back() || !std::string_view(out_).ends_with(sought_))
+                    continue;
+                if (replacement_.size() > most)
+                    return std::nullopt;
+                most -= replacement_.size();
+                out_.resize(out_.size() - sought_.size() + kept_);
+                unread_.append(backwards_);
+                searched = read_;
+            }
         }
-        if (bytesLeft-- == 0)
-            return std::nullopt;
-        const std::size_t state = matcher.next(states.back(), byte);
-        out.push_back(byte);
-        states.push_back(static_cast<std::uint32_t>(state));
-        if (state == sought.size()) {
-            out.resize(out.size() - sought.size() + kept);
-            states.resize(out.size() + 1);
-            if (!added.empty())
-                reading.push_back(0);
+        return std::move(out_.append(source_, read_));
+    }
+
+private:
+    /// Takes the source up to `at`, or gives back what was read behind it.
+    void leapTo(std::size_t at)
+    {
+        if (at >= read_)
+            out_.append(source_, read_, at - read_);
+        else
+            out_.resize(out_.size() - (read_ - at));
+    }
+
+    void readByte()
+    {
+        if (unread_.empty()) {
+            out_.push_back(source_[read_++]);
+        } else {
+            out_.push_back(unread_.back());
+            unread_.pop_back();
         }
     }
-}
+
+    std::string_view source_;
+    std::string_view sought_;
+    std::string_view replacement_;
+    std::size_t kept_;      // how many bytes a match and its replacement begin with alike: they stay where they are
+    std::string backwards_; // the rest of the replacement
+    bool joins_;
+    std::string out_;
+    std::string unread_;
+    std::size_t read_ = 0; // of the source
+};
 
 } // namespace
 
@@ -157,45 +169,24 @@ std::string ReplaceFirstInstance(std::string_view SourceString, std::string_view
 
 std::string FindReplace(std::string_view SourceString, std::string_view SearchString, std::string_view ReplaceString)
 {
-    if (SearchString.empty())
-        return {};
-    if (SearchString == ReplaceString || SearchString.size() > SourceString.size())
-        return std::string(SourceString);
-    if (!canJoin(SearchString, ReplaceString) || containsText(ReplaceString, SearchString))
-        return replaceInOnePass(SourceString, SearchString, ReplaceString);
-
-    const std::size_t passes = ReplaceString.size() < SearchString.size() ? kPassesShrinking : kPassesGrowing;
-    const std::size_t budget = passes * (SourceString.size() + kMebibyte);
-    std::string out;
-    std::string_view rest = SourceString;
-    if (SearchString.size() <= kShortSearch) {
-        // As long as no replacement forms a match with its neighbours, jumping from match to match is the same.
-        const std::size_t reach = SearchString.size() - 1;
-        std::string joint;
-        while (true) {
-            const std::size_t at = rest.find(SearchString);
-            if (at == std::string_view::npos)
-                return out.append(rest);
-            out.append(rest, 0, at);
-            rest.remove_prefix(at + SearchString.size());
-            const std::size_t tail = std::min(reach, out.size());
-            joint.assign(out, out.size() - tail).append(ReplaceString).append(rest, 0, reach);
-            out.append(ReplaceString);
-            if (joint.find(SearchString) != std::string::npos)
-                break;
-        }
-        // The automaton reads the bytes before the joint as settled, so they must end in front of its match.
-        const std::size_t unsettled = std::min(out.size(), ReplaceString.size() + reach);
-        std::string again(out, out.size() - unsettled);
-        out.resize(out.size() - unsettled);
-        again.append(rest);
-        if (std::optional<std::string> done =
-                replaceOnStack(std::move(out), again, SearchString, ReplaceString, budget))
-            return *std::move(done);
-    } else if (std::optional<std::string> done = replaceOnStack({}, rest, SearchString, ReplaceString, budget)) {
+    // A text that does not grow comes to an end by itself.
+    const bool grows = ReplaceString.size() > SearchString.size();
+    const std::size_t most = grows ? kMostFormed : std::numeric_limits<std::size_t>::max();
+    if (std::optional<std::string> done = FindReplaceWithin(SourceString, SearchString, ReplaceString, most))
         return *std::move(done);
-    }
     return replaceInOnePass(SourceString, SearchString, ReplaceString);
+}
+
+std::optional<std::string> FindReplaceWithin(std::string_view SourceString, std::string_view SearchString,
+                                             std::string_view ReplaceString, std::size_t most)
+{
+    if (SearchString.empty())
+        return std::string();
+    if (SearchString == ReplaceString)
+        return std::string(SourceString);
+    if (containsText(ReplaceString, SearchString))
+        return replaceInOnePass(SourceString, SearchString, ReplaceString);
+    return Rewriting(SourceString, SearchString, ReplaceString).run(most);
 }
 
 bool containsText(std::string_view text, std::string_view sought)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,13 +16,20 @@ std::string ReplaceFirstInstance(std::string_view SourceString, std::string_view
 /// together with its neighbours is replaced too: two blanks replaced by one leave no two blanks side by side. An empty
 /// search text gives the empty text; a replacement equal to the search text gives the source.
 ///
-/// The time is proportional to the text as long as replacements form no new matches, and then to the bytes that pass
-/// through, replacements included. Two cases are bounded, because the texts may come out of a page:
-/// - the replacement holds the search text (replacing for ever would never end),
-/// - replacements form new matches, and too many bytes would pass through: 16 times the source and a mebibyte where the
-///   replacement is shorter than the search text (never reached with one of at most 15 bytes), else 4 times.
-/// Both give what one single pass from left to right gives, in which replaced text is not looked at again.
+/// That is the result for every call that comes to an end. Two kinds of calls do not, or not before memory does, and
+/// give what one single pass from left to right gives, in which replaced text is not looked at again:
+/// - the replacement holds the search text,
+/// - the replacement is longer than the search text, and replacements that stand on earlier ones sum up to more than
+///   64 MiB.
+///
+/// Memory is that of the texts. The time is that of the source and of the replacements made, with a factor of the
+/// search text's length at worst. Where the two are of equal length, they may be as many as the source's length squared
+/// ("ab" by "ba"), so whoever takes one of them from outside calls FindReplaceWithin.
 std::string FindReplace(std::string_view SourceString, std::string_view SearchString, std::string_view ReplaceString);
+
+/// As FindReplace, but nothing once replacements that stand on earlier ones sum up to more than `most` bytes.
+std::optional<std::string> FindReplaceWithin(std::string_view SourceString, std::string_view SearchString,
+                                             std::string_view ReplaceString, std::size_t most);
 
 /// Whether `sought` occurs in `text`; the empty text occurs in every text. The time is proportional to the two lengths
 /// together, whatever they hold.
