@@ -1,14 +1,16 @@
 #include "common/page_cutter.h"
 
+#include <algorithm>
+
+#include "common/memory.h"
+
 namespace quarrynet {
 
-namespace {
+PageCutter::PageCutter(std::string_view page) : PageCutter(page, textAllowance()) {}
 
-constexpr std::size_t kFloor = std::size_t{16} << 20;
-
-} // namespace
-
-PageCutter::PageCutter(std::string_view page) : page_(page), left_(kFloor + 4 * page.size()) {}
+PageCutter::PageCutter(std::string_view page, std::size_t allowance)
+    : page_(page), left_(std::max(allowance, 4 * page.size()))
+{}
 
 Result<std::string> PageCutter::cut(Position start, Position length)
 {

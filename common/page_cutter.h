@@ -15,10 +15,13 @@ namespace quarrynet {
 class PageCutter
 {
 public:
+    /// With an allowance of four times the page's length or textAllowance(), whichever is more.
     explicit PageCutter(std::string_view page);
 
-    /// As `cut`, but as a text of its own. Fails with OutOfMemory when the texts exceed the allowance, 16 MiB and four
-    /// times the page's length.
+    /// With `allowance` bytes in textAllowance()'s place.
+    PageCutter(std::string_view page, std::size_t allowance);
+
+    /// As `cut`, but as a text of its own. Fails with OutOfMemory when the texts exceed the allowance.
     Result<std::string> cut(Position start, Position length);
 
     /// Counts a text that was made otherwise; false when it exceeds the allowance.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "common/cutting.h"
+#include "common/memory.h"
 #include "common/text_utilities.h"
 
 namespace quarrynet {
@@ -11,7 +13,10 @@ namespace quarrynet {
 namespace {
 
 constexpr std::string_view kPathWord = "redir";
-constexpr std::size_t kLongestPath = std::size_t{16} << 20;
+
+// What may be replaced anew because a replacement formed it, in bytes. An honest link has none of that; a page's author
+// can make one that takes the square of its length.
+constexpr std::size_t kMostFormed = std::size_t{64} << 20;
 
 std::size_t countPathWords(std::string_view text)
 {
@@ -27,9 +32,13 @@ std::size_t countPathWords(std::string_view text)
 Result<std::string> redirectPath(std::string_view link)
 {
     const std::string_view tail = cutFrom(link, findMarker(link, "%2F", 1) + 3);
-    if (link.size() > kLongestPath || countPathWords(link) * tail.size() > kLongestPath - link.size())
+    const std::size_t longest = textAllowance();
+    if (link.size() > longest || countPathWords(link) * tail.size() > longest - link.size())
         return RuntimeError::OutOfMemory;
-    return FindReplace(link, kPathWord, tail);
+    std::optional<std::string> path = FindReplaceWithin(link, kPathWord, tail, kMostFormed);
+    if (!path)
+        return RuntimeError::OutOfMemory;
+    return *std::move(path);
 }
 
 std::string linkRequest(std::string_view path, std::string_view host, Route route)

@@ -11,7 +11,8 @@
 namespace quarrynet {
 
 /// The request path for `link`: every "redir" in it gives way to what follows the link's first "%2F" (without one, to
-/// the link from its third byte on). Fails with OutOfMemory when that makes a path of more than 16 MiB.
+/// the link from its third byte on). Fails with OutOfMemory when that makes a path longer than textAllowance(), or when
+/// more than 64 MiB are replaced anew because replacements formed them.
 Result<std::string> redirectPath(std::string_view link);
 
 /// The request for `path` at the directory `host`. Line breaks in the path, which comes out of a page, are left out:

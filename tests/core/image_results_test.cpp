@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/memory.h"
 #include "search/image/gallery.h"
 #include "search/image/results.h"
 #include "tests/core/page_samples.h"
@@ -154,7 +155,8 @@ TEST(ImageResults, BytesOfThePageReachTheGalleryUnchanged)
 
 TEST(ImageResults, TextsThatAllReachToTheSameEndRunOutOfMemory)
 {
-    const ImageResults results = parse(repeated("src=/images?q=tbn:a:", 100000) + std::string(4 << 20, 'x') + " ");
+    const ImageResults results =
+        parse(repeated("src=/images?q=tbn:a:", 100) + std::string(textAllowance() / 8, 'x') + " ");
     EXPECT_EQ(results.fault, RuntimeError::OutOfMemory);
     EXPECT_FALSE(results.gallery);
 }

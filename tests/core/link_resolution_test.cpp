@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "common/memory.h"
 #include "search/download/link_resolution.h"
 #include "tests/core/page_samples.h"
 #include "tests/core/test_data.h"
@@ -50,8 +51,31 @@ TEST(RedirectPath, PathBeyondItsBoundIsOutOfMemory)
 {
     EXPECT_EQ(redirectPath(repeated("redir", 100000) + "%2F" + std::string(1000000, 'x')).error(),
               RuntimeError::OutOfMemory);
-    EXPECT_EQ(redirectPath(std::string(std::size_t{17} << 20, 'x')).error(), RuntimeError::OutOfMemory);
+    const std::size_t tail = textAllowance() / 2000;
+    EXPECT_EQ(redirectPath(repeated("redir", 2000) + "%2F" + std::string(tail, 'x')).error(),
+              RuntimeError::OutOfMemory);
     EXPECT_EQ(redirectPath(repeated("redir", 1000) + "%2F" + std::string(10000, 'x'))->size(), 10010003u);
+}
+
+TEST(RedirectPath, LinkOf26KilobytesIsAPath)
+{
+    const std::string link = repeated("redir", 2600) + "%2F" + std::string(13000, 'x');
+    EXPECT_EQ(redirectPath(link)->size(), 2600U * 13000 + 13003);
+}
+
+TEST(RedirectPath, TailThatFormsThePathWordIsReplacedAgain)
+{
+    EXPECT_EQ(*redirectPath("rredir%2Fedir"), "edir%2Fedir");
+    // Each "r" passes the "edir"s behind it.
+    const std::string ends = "%2Fedirr";
+    const std::string link = std::string(200, 'r') + repeated("edir", 100) + ends;
+    std::string plain = link;
+    for (std::size_t at = plain.find("redir"); at != std::string::npos; at = plain.find("redir"))
+        plain.replace(at, 5, "edirr");
+    EXPECT_TRUE(*redirectPath(link) == plain);
+    // The same ten thousand times as long takes a hundred million times as many steps.
+    EXPECT_EQ(redirectPath(std::string(2000000, 'r') + repeated("edir", 1000000) + ends).error(),
+              RuntimeError::OutOfMemory);
 }
 
 TEST(LinkRequest, DirectAndProxied)

@@ -206,6 +206,14 @@ TEST(WebResults, TitlesThatAllReachToTheSameEndRunOutOfMemory)
     EXPECT_EQ(results.rows, 0u);
 }
 
+TEST(WebResults, PageOf26KilobytesIsRead)
+{
+    // Every title reaches to the page's end.
+    const WebResults results = parse(heading("1") + repeated("<p><a href=http://a>", 1300) + "</a>");
+    EXPECT_FALSE(results.fault == RuntimeError::OutOfMemory);
+    EXPECT_EQ(results.lists.addresses.size(), 1300U);
+}
+
 TEST(WebResults, MarkersWithoutAnythingElseAreAFault)
 {
     EXPECT_EQ(parse(repeated("<p><a", 200000)).fault, RuntimeError::InvalidProcedureCall);

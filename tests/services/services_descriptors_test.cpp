@@ -117,8 +117,7 @@ TEST(Descriptors, ProgramsOfARunningServiceHaveNone)
         Thumbnailer thumbnailer(listingProgram(folder), {std::chrono::seconds(60), 1});
         (void)thumbnailer.make(PictureFormat::Png, "x"); // ends with the program
         ofThumbnails = foreign(folder);
-        (void)readProgramOutput({"ls", "-l", "/proc/self/fd"},
-                                [&](std::string_view piece) { ofOutput.append(piece); });
+        (void)readProgramOutput({"ls", "-l", "/proc/self/fd"}, [&](std::string_view piece) { ofOutput.append(piece); });
         kept = inheritable(before);
         return HttpResponse();
     }));
