@@ -51,14 +51,41 @@ bool filterSystemCalls()
     const auto allowIf = [&](int call, const scmp_arg_cmp& condition) {
         made = made && seccomp_rule_add_array(filter, SCMP_ACT_ALLOW, call, 1, &condition) == 0;
     };
-    for (const int call :
-         {SCMP_SYS(read), SCMP_SYS(readv), SCMP_SYS(write), SCMP_SYS(writev), SCMP_SYS(lseek), SCMP_SYS(close),
-          SCMP_SYS(poll), SCMP_SYS(ppoll), SCMP_SYS(eventfd2), SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(madvise),
-          SCMP_SYS(brk), SCMP_SYS(futex), SCMP_SYS(set_robust_list), SCMP_SYS(rseq), SCMP_SYS(gettid), SCMP_SYS(getpid),
-          SCMP_SYS(sched_yield), SCMP_SYS(sched_getaffinity), SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres),
-          SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(gettimeofday), SCMP_SYS(time), SCMP_SYS(getrandom),
-          SCMP_SYS(getrusage), SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn),
-          SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(exit), SCMP_SYS(exit_group)})
+    for (const int call : {SCMP_SYS(read),
+                           SCMP_SYS(readv),
+                           SCMP_SYS(write),
+                           SCMP_SYS(writev),
+                           SCMP_SYS(lseek),
+                           SCMP_SYS(close),
+                           SCMP_SYS(poll),
+                           SCMP_SYS(ppoll),
+                           SCMP_SYS(eventfd2),
+                           SCMP_SYS(munmap),
+                           SCMP_SYS(mremap),
+                           SCMP_SYS(madvise),
+                           SCMP_SYS(brk),
+                           SCMP_SYS(futex),
+                           SCMP_SYS(set_robust_list),
+                           SCMP_SYS(rseq),
+                           SCMP_SYS(gettid),
+                           SCMP_SYS(getpid),
+                           SCMP_SYS(sched_yield),
+                           SCMP_SYS(sched_getaffinity),
+                           SCMP_SYS(clock_gettime),
+                           SCMP_SYS(clock_getres),
+                           SCMP_SYS(clock_nanosleep),
+                           SCMP_SYS(nanosleep),
+                           SCMP_SYS(gettimeofday),
+                           SCMP_SYS(time),
+                           SCMP_SYS(getrandom),
+                           SCMP_SYS(getrusage),
+                           SCMP_SYS(rt_sigaction),
+                           SCMP_SYS(rt_sigprocmask),
+                           SCMP_SYS(rt_sigreturn),
+                           SCMP_SYS(sigaltstack),
+                           SCMP_SYS(restart_syscall),
+                           SCMP_SYS(exit),
+                           SCMP_SYS(exit_group)})
         allow(call);
     // Memory that code could be put in is none of a picture's.
     allowIf(SCMP_SYS(mmap), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0));

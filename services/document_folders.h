@@ -1,30 +1,40 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace quarrynet::services {
 
-/// The real path of the regular file at `relative` below the folder `root`, or nothing when there is no such file that
-/// may be served: not outside the folder, by whatever ".." or symbolic link, and no hidden file or one in a hidden
-/// folder. For a folder its "index.html". `relative` is decoded and has "/" between its parts; any bytes.
-std::optional<std::string> servedFile(const std::string& root, std::string_view relative);
+/// What a walk through a folder passed over because it could not be read.
+struct LeftOut
+{
+    std::size_t count = 0;
+    std::string first; ///< one of them, and why
 
-/// The content of a file of at most `maxBytes`; nothing when it is larger or cannot be read.
-std::optional<std::string> readFile(const std::string& path, std::size_t maxBytes);
+    void add(std::string_view path, std::string_view reason);
+    void add(const LeftOut& others);
+};
 
-/// The media type by the name's ending; "application/octet-stream" when it is unknown.
-std::string_view mediaType(std::string_view path);
+/// Folders deeper than this are left out.
+inline constexpr std::size_t kMaxFolderDepth = 64;
 
 /// Gives the path, relative to `root`, of every file below it whose name `wanted` takes; in no particular order.
-/// Symbolic links are not followed, hidden files and folders and what cannot be read are passed over.
-void findFiles(const std::string& root, const std::function<bool(std::string_view)>& wanted,
-               const std::function<void(const std::string&)>& take);
+/// Symbolic links, hidden files and folders, and files with a further name (hard links) are passed over. What cannot be
+/// read is left out, and the walk goes on behind it. A `root` that does not exist has no files.
+LeftOut findFiles(const std::string& root, const std::function<bool(std::string_view)>& wanted,
+                  const std::function<void(const std::string&)>& take);
 
 /// findFiles() for the HTML files.
-void findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take);
+LeftOut findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take);
+
+/// Returns the media type of an HTML file by its name's ending.
+std::string_view pageType(std::string_view path);
+
+/// Returns the media type of a file that HTML pages show: a picture by its content, a style sheet by its ending and for
+/// being text. Empty for any other file. `beginning` is the file's, kPictureBeginning bytes of it.
+std::string_view shownType(std::string_view path, std::string_view beginning);
 
 /// Whether `path` ends in `ending`, which is in lower case; ASCII letters compare without case.
 bool hasEnding(std::string_view path, std::string_view ending);

@@ -1,7 +1,6 @@
 #include "services/image_service.h"
 
 #include <chrono>
-#include <sys/stat.h>
 
 #include "services/document_folders.h"
 #include "services/markup.h"
@@ -83,14 +82,6 @@ std::string versionText(std::int64_t version)
 HttpResponse missingPicture()
 {
     return errorResponse(404, "There is no such picture.");
-}
-
-HttpResponse pictureResponse(std::string_view mediaType, std::string content)
-{
-    HttpResponse response;
-    response.contentType = std::string(mediaType);
-    response.body = std::move(content);
-    return response;
 }
 
 } // namespace
@@ -182,10 +173,11 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
     return answer;
 }
 
-/// The file of the picture at "FOLDER/PATH", escapes and all, that the index has and the folder still has inside.
-Outcome<std::optional<std::string>> ImageService::fileAt(std::string_view place)
+/// Opens the file of the picture at "FOLDER/PATH", escapes and all, that the index has and the folder still has inside;
+/// null when there is none.
+Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view place)
 {
-    const std::optional<std::string> none;
+    const std::shared_ptr<const OpenFile> none;
     const std::size_t slash = place.find('/');
     const std::optional<int> number =
         slash == std::string_view::npos ? std::nullopt : wholeNumber(place.substr(0, slash));
@@ -204,30 +196,27 @@ Outcome<std::optional<std::string>> ImageService::fileAt(std::string_view place)
     row->bind(2, path);
     if (row->step() != Statement::Step::Row)
         return none;
-    return servedFile(std::string(row->text(0)), path);
+    return openBeneath(std::string(row->text(0)), path);
 }
 
 HttpResponse ImageService::thumbnail(std::string_view place)
 {
-    const Outcome<std::optional<std::string>> file = fileAt(place);
-    if (!file)
-        return errorResponse(503, "The thumbnail cannot be served: " + file.failure().message + ".");
-    struct stat status
-    {};
-    if (thumbnailer_ == nullptr || !file->has_value() || ::stat((*file)->c_str(), &status) != 0)
+    const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
+    if (!found)
+        return errorResponse(503, "The thumbnail cannot be served: " + found.failure().message + ".");
+    const OpenFile* file = found->get();
+    if (thumbnailer_ == nullptr || file == nullptr || file->size() > kMaxPicture)
         return missingPicture();
-    const std::string key = **file + '\0' + std::to_string(status.st_mtim.tv_sec) + '.' +
-                            std::to_string(status.st_mtim.tv_nsec) + '.' + std::to_string(status.st_size);
-    std::optional<std::string> made = cache_.get(key, [&]() -> std::optional<std::string> {
-        const std::optional<std::string> content = readFile(**file, kMaxPicture);
-        const std::optional<PictureFormat> format = content ? pictureFormat(*content) : std::nullopt;
-        return format ? thumbnailer_->make(*format, *content) : std::nullopt;
+    std::optional<std::string> made = cache_.get(file->version(), [&]() -> std::optional<std::string> {
+        const std::optional<PictureFormat> format = pictureFormat(file->beginning(kPictureBeginning));
+        return format ? thumbnailer_->make(*format, *file) : std::nullopt;
     });
     if (!made)
         return missingPicture();
+    HttpResponse response;
     const bool png = pictureFormat(*made) == PictureFormat::Png;
-    HttpResponse response =
-        pictureResponse(mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg), std::move(*made));
+    response.contentType = mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg);
+    response.body = std::move(*made);
     // A changed picture has another address.
     response.fields.emplace_back("Cache-Control", "max-age=86400");
     return response;
@@ -235,14 +224,16 @@ HttpResponse ImageService::thumbnail(std::string_view place)
 
 HttpResponse ImageService::picture(std::string_view place)
 {
-    const Outcome<std::optional<std::string>> file = fileAt(place);
-    if (!file)
-        return errorResponse(503, "The picture cannot be served: " + file.failure().message + ".");
-    std::optional<std::string> content = *file ? readFile(**file, kMaxPicture) : std::nullopt;
-    const std::optional<PictureFormat> format = content ? pictureFormat(*content) : std::nullopt;
+    const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
+    if (!found)
+        return errorResponse(503, "The picture cannot be served: " + found.failure().message + ".");
+    const std::optional<PictureFormat> format =
+        *found == nullptr ? std::nullopt : pictureFormat((*found)->beginning(kPictureBeginning));
     if (!format)
         return missingPicture();
-    HttpResponse response = pictureResponse(mediaTypeOf(*format), std::move(*content));
+    HttpResponse response;
+    response.file = *found;
+    response.contentType = mediaTypeOf(*format);
     // A drawing may hold scripts, and load pictures and styles from anywhere.
     if (*format == PictureFormat::Svg)
         response.fields.emplace_back("Content-Security-Policy",

@@ -55,7 +55,7 @@ private:
     HttpResponse searchPage(std::string_view query);
     HttpResponse thumbnail(std::string_view place);
     HttpResponse picture(std::string_view place);
-    Outcome<std::optional<std::string>> fileAt(std::string_view place);
+    Outcome<std::shared_ptr<const OpenFile>> fileAt(std::string_view place);
 
     IndexPool& index_;
     std::string host_;

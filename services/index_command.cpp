@@ -24,6 +24,7 @@ int runIndex(const Options& options)
     if (options.ifNeeded && IndexPool(*data).borrow())
         return 0;
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
+    sources.force = options.force;
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
     const std::string manual = manualFolder(ownProgram());
@@ -51,6 +52,9 @@ int runIndex(const Options& options)
                  "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents and %zu "
                  "pictures in %.1f seconds\n",
                  counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures, seconds);
+    if (counts->leftOut.count > 0)
+        std::fprintf(stderr, "quarrynet-services: %zu could not be read and were left out, such as %s\n",
+                     counts->leftOut.count, counts->leftOut.first.c_str());
     return 0;
 }
 

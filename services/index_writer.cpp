@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "services/index_database.h"
+#include "services/text_encoding.h"
 
 namespace quarrynet::services {
 
@@ -71,6 +72,7 @@ struct IndexWriter::Parts
     enum Insert : std::size_t
     {
         FolderRow,
+        DocumentRow,
         PageRow,
         PageTextRow,
         PageNameRow,
@@ -154,6 +156,7 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
         return result;
     constexpr std::array<std::string_view, InsertCount> kInserts{
         "INSERT INTO folder(path) VALUES (?1)",
+        "INSERT INTO document(folder, path) VALUES (?1, ?2)",
         "INSERT INTO web_page(address, title, description) VALUES (?1, ?2, ?3)",
         "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)",
         "INSERT OR IGNORE INTO page_name(name, page) VALUES (?1, ?2)",
@@ -267,9 +270,16 @@ Outcome<std::int64_t> IndexWriter::addFolder(const std::string& path)
     return parts_->insertRow(Parts::FolderRow, path);
 }
 
+Outcome<Done> IndexWriter::addDocument(std::int64_t folder, std::string_view path)
+{
+    return parts_->insert(Parts::DocumentRow, folder, path);
+}
+
 Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view title, std::string_view description,
                                    const std::vector<std::string>& names)
 {
+    title = clipUtf8(title, kMaxIndexedName);
+    description = clipUtf8(description, kMaxIndexedText);
     const Outcome<std::int64_t> row = parts_->insertRow(Parts::PageRow, address, title, description);
     if (!row)
         return row.failure();
@@ -286,9 +296,12 @@ Outcome<std::int64_t> IndexWriter::addMirror(std::string_view base)
 
 Outcome<Done> IndexWriter::addProgram(std::int64_t number, const Program& program)
 {
-    Outcome<Done> result = parts_->insert(Parts::ProgramRow, number, program.name, program.description, program.system,
-                                          program.size, program.licence, program.mirror, program.file);
-    return result ? parts_->insert(Parts::ProgramTextRow, number, program.name, program.description) : result;
+    const std::string_view name = clipUtf8(program.name, kMaxIndexedName);
+    const std::string_view description = clipUtf8(program.description, kMaxIndexedName);
+    Outcome<Done> result = parts_->insert(
+        Parts::ProgramRow, number, name, description, clipUtf8(program.system, kMaxIndexedName), program.size,
+        clipUtf8(program.licence, kMaxIndexedName), program.mirror, program.file);
+    return result ? parts_->insert(Parts::ProgramTextRow, number, name, description) : result;
 }
 
 Outcome<std::int64_t> IndexWriter::addFileSite(std::string_view base, std::int64_t crawled)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -13,6 +14,10 @@
 #include "services/sqlite.h"
 
 namespace quarrynet::services {
+
+/// Longer texts are clipped: a title or a name, and the text that a page is found by.
+inline constexpr std::size_t kMaxIndexedName = 1000;
+inline constexpr std::size_t kMaxIndexedText = 128 * 1024;
 
 /// A program that the download search offers. Texts are UTF-8 without control characters.
 struct Program
@@ -72,6 +77,9 @@ public:
 
     /// A folder whose pages the web service serves; its number, which stands in their addresses.
     Outcome<std::int64_t> addFolder(const std::string& path);
+
+    /// A page of that folder, its path not escaped: the pages that are served at all.
+    Outcome<Done> addDocument(std::int64_t folder, std::string_view path);
 
     /// `address` is a whole address, or for a page that the web service serves itself a path. Texts are UTF-8 without
     /// control characters. `names` are what the page is known by, such as the packages whose home page it is.

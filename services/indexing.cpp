@@ -1,27 +1,32 @@
 #include "services/indexing.h"
 
+#include <array>
 #include <map>
 #include <optional>
+#include <tuple>
 #include <unordered_map>
 
 #include "services/document_folders.h"
 #include "services/home_pages.h"
 #include "services/html_document.h"
+#include "services/index_database.h"
 #include "services/index_writer.h"
 #include "services/markup.h"
+#include "services/open_file.h"
 #include "services/package_lists.h"
 #include "services/picture_folders.h"
 #include "services/pool_files.h"
 #include "services/program_texts.h"
 #include "services/programs.h"
+#include "services/text_encoding.h"
 
 namespace quarrynet::services {
 
 namespace {
 
 constexpr std::size_t kProgressStep = 10000;
+constexpr std::size_t kMaxAddress = 2048;
 constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
-constexpr std::size_t kMaxPageText = 128 * 1024;
 
 /// The mirrors of the machine's own package lists: which one has which file.
 class Mirrors
@@ -95,13 +100,20 @@ void Run::addPackage(const Package& package, const std::string& base)
         return;
     if (++counts_.packages % kProgressStep == 0)
         progress_(withSeparators(static_cast<std::int64_t>(counts_.packages)) + " packages");
-    homePages_.add(package);
+    if (package.homepage.size() <= kMaxAddress)
+        homePages_.add(package);
+    else
+        counts_.leftOut.add(clipUtf8(package.homepage, 100), "no address is so long");
     if (!base.empty() && !package.file.empty())
         addProgram(package, base);
 }
 
 void Run::addProgram(const Package& package, const std::string& base)
 {
+    if (!poolFiles_.add(base, package.file, package.size)) {
+        counts_.leftOut.add(clipUtf8(package.file, 100), "no file of a package has so long a path");
+        return;
+    }
     auto mirror = mirrors_.find(base);
     if (mirror == mirrors_.end()) {
         const Outcome<std::int64_t> number = writer_.addMirror(base);
@@ -114,7 +126,6 @@ void Run::addProgram(const Package& package, const std::string& base)
     programs_.add({package.name, package.summary, systemOf(package.architecture), package.size,
                    licenceOf(package.section), mirror->second, package.file},
                   package.source);
-    poolFiles_.add(base, package.file, package.size);
 }
 
 void Run::writePackages()
@@ -131,13 +142,18 @@ void Run::writePackages()
 
 void Run::addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative)
 {
-    const std::optional<std::string> file = servedFile(folder, relative);
-    const std::optional<std::string> page = file ? readFile(*file, kMaxPage) : std::nullopt;
-    if (fault_ || !page)
+    if (fault_)
         return;
-    HtmlDocument document = readHtml(*page, kMaxPageText);
+    const std::shared_ptr<const OpenFile> file = openBeneath(folder, relative);
+    const std::optional<std::string> page = file == nullptr ? std::nullopt : file->content(kMaxPage);
+    if (!page) {
+        counts_.leftOut.add(folder + "/" + relative, file == nullptr ? "it cannot be opened" : "it is too long");
+        return;
+    }
+    HtmlDocument document = readHtml(*page, kMaxIndexedText);
     if (document.title.empty())
         document.title = collapseBlanks(relative);
+    note(writer_.addDocument(folderNumber, relative));
     note(writer_.addPage("/doc/" + std::to_string(folderNumber) + "/" + encodePath(relative), document.title,
                          document.text));
     ++counts_.documents;
@@ -153,7 +169,8 @@ void Run::addFolder(const std::string& folder)
         return;
     }
     const std::size_t before = counts_.documents;
-    findHtmlFiles(folder, [&](const std::string& relative) { addDocument(*number, folder, relative); });
+    counts_.leftOut.add(
+        findHtmlFiles(folder, [&](const std::string& relative) { addDocument(*number, folder, relative); }));
     progress_(withSeparators(static_cast<std::int64_t>(counts_.documents - before)) + " pages in " + folder);
 }
 
@@ -161,7 +178,7 @@ void Run::addPictureFolder(const std::string& folder)
 {
     if (fault_)
         return;
-    const std::vector<Picture> pictures = findPictures(folder);
+    const std::vector<Picture> pictures = findPictures(folder, counts_.leftOut);
     if (pictures.empty())
         return;
     const Outcome<std::int64_t> number = writer_.addPictureFolder(folder);
@@ -173,6 +190,29 @@ void Run::addPictureFolder(const std::string& folder)
         note(writer_.addPicture(*number, picture));
     counts_.pictures += pictures.size();
     progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
+}
+
+/// Fails when the index in use has much more than these counts. One that cannot be read has nothing to lose.
+Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& counts)
+{
+    Outcome<Database> old = Database::open(indexPath(dataFolder), Database::Access::Read);
+    if (!old)
+        return Done{};
+    const std::array<std::tuple<const char*, const char*, std::size_t>, 3> kinds{
+        {{"web pages", "SELECT count(*) FROM web_page", counts.homePages + counts.documents},
+         {"programs", "SELECT count(*) FROM program", counts.programs},
+         {"pictures", "SELECT count(*) FROM picture", counts.pictures}}};
+    for (const auto& [kind, sql, now] : kinds) {
+        Outcome<Statement> row = old->prepare(sql);
+        if (!row || row->step() != Statement::Step::Row)
+            continue;
+        const std::int64_t before = row->number(0);
+        if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
+            return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +
+                           " instead of " + withSeparators(before) +
+                           "; the one in use stays, and --force replaces it all the same"};
+    }
+    return Done{};
 }
 
 } // namespace
@@ -206,6 +246,11 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
         run.addPictureFolder(folder);
     if (run.fault())
         return *run.fault();
+    if (!sources.force) {
+        const Outcome<Done> rich = compareWithOld(dataFolder, run.counts());
+        if (!rich)
+            return rich.failure();
+    }
     progress("putting the index in its place");
     const Outcome<Done> committed = writer->commit();
     if (!committed)

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "services/document_folders.h"
 #include "services/outcome.h"
 
 namespace quarrynet::services {
@@ -21,6 +23,8 @@ struct IndexSources
     std::vector<std::string> folders = {};
     /// Folders of pictures. One that does not exist is passed over.
     std::vector<std::string> pictureFolders = {};
+    /// Whether the index is taken however little it has.
+    bool force = false;
 };
 
 struct IndexCounts
@@ -30,10 +34,17 @@ struct IndexCounts
     std::size_t programs = 0;
     std::size_t documents = 0;
     std::size_t pictures = 0;
+    LeftOut leftOut; ///< what could not be read, or is beyond a bound
 };
 
-/// Makes a new index in the data folder; the old one stays in use until the new one is whole. `progress` is told what
-/// is under way, in plain text lines without a line end.
+/// A new index must have so much of the web pages, programs and pictures that the one in use has, each counted alone,
+/// where that has at least kMinCompared of them.
+inline constexpr double kLeastShare = 0.5;
+inline constexpr std::int64_t kMinCompared = 100;
+
+/// Makes a new index in the data folder; the old one stays in use until the new one is whole. What cannot be read is
+/// left out and counted. Fails when the new index would be much poorer than the one in use (kLeastShare). `progress` is
+/// told what is under way, in plain text lines without a line end.
 Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
                                 const std::function<void(const std::string&)>& progress);
 

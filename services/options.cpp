@@ -102,6 +102,10 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
             options.ifNeeded = true;
             continue;
         }
+        if (arguments[i] == "--force" && options.command == Options::Command::Index) {
+            options.force = true;
+            continue;
+        }
         if (options.command == Options::Command::Crawl && arguments[i].substr(0, 1) != "-") {
             if (!options.crawlAddress.empty())
                 return Failure{"crawl takes one address"};
@@ -143,6 +147,7 @@ Options of all:
 
 Options of index:
   --if-needed                do nothing when there is an index that can be used
+  --force                    replace the index in use even by one that has much less
   --packages FILE            a file of package stanzas instead of the machine's package lists; may be repeated
   --mirror ADDRESS           the address that the packages of these files are found under
   --folder FOLDER            a folder of HTML pages instead of the installed documentation; may be repeated

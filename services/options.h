@@ -25,6 +25,7 @@ struct Options
 
     // index
     bool ifNeeded = false;
+    bool force = false;
     std::vector<std::string> packageFiles;
     std::string mirror;
     std::vector<std::string> folders;        ///< empty: the usual ones

@@ -180,16 +180,18 @@ std::string spacedWords(std::string_view text)
     return spaced.size() == text.size() ? spaced : std::string(text) + " " + spaced;
 }
 
-std::vector<Picture> findPictures(const std::string& root)
+std::vector<Picture> findPictures(const std::string& root, LeftOut& left)
 {
     std::map<std::string, Candidate> best;
-    findFiles(root, hasPictureName, [&](const std::string& path) {
+    left.add(findFiles(root, hasPictureName, [&](const std::string& path) {
         std::error_code error;
         const fs::path file = fs::path(root) / path;
         Candidate candidate;
         candidate.path = path;
         candidate.bytes = fs::file_size(file, error);
         const fs::file_time_type changed = error ? fs::file_time_type() : fs::last_write_time(file, error);
+        if (error)
+            left.add(file.string(), error.message());
         if (error || candidate.bytes == 0)
             return;
         Taken taken = withoutSizes(path);
@@ -201,7 +203,7 @@ std::vector<Picture> findPictures(const std::string& root)
         const auto [place, isNew] = best.try_emplace(std::move(taken.group), candidate);
         if (!isNew && std::tuple(place->second.quality(), path) < std::tuple(candidate.quality(), place->second.path))
             place->second = std::move(candidate);
-    });
+    }));
     std::vector<Picture> pictures;
     pictures.reserve(best.size());
     const std::string rootWords = spacedWords(toUtf8((fs::path(root) / "").parent_path().filename().string()));

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "services/document_folders.h"
+
 namespace quarrynet::services {
 
 /// A picture in a folder, with the texts that it is found by. Paths are bytes, the texts are UTF-8.
@@ -19,7 +21,8 @@ struct Picture
 
 /// The pictures below `root`, ordered by their paths. Of a picture that an icon theme has in several sizes only the
 /// best one: a drawing, else the largest.
-std::vector<Picture> findPictures(const std::string& root);
+/// Adds what the walk through them could not read to `left`.
+std::vector<Picture> findPictures(const std::string& root, LeftOut& left);
 
 /// What the path of a picture has in common with those of its other sizes: parts such as "48x48", "48" (for the usual
 /// icon sizes) and "scalable" are left out, and so is a "-48x48" or "@2x" at the end of the name, and the ending.

@@ -9,9 +9,6 @@ namespace quarrynet::services {
 
 namespace {
 
-// Licences and notes of drawing programs stand before the first element.
-constexpr std::size_t kSvgHead = 64 * 1024;
-
 bool begins(std::string_view content, std::string_view beginning)
 {
     return content.substr(0, beginning.size()) == beginning;
@@ -24,7 +21,7 @@ bool isSvg(std::string_view content)
     content.remove_prefix(std::min(content.find_first_not_of(" \t\r\n"), content.size()));
     if (!begins(content, "<"))
         return false;
-    const std::string_view head = content.substr(0, kSvgHead);
+    const std::string_view head = content.substr(0, kPictureBeginning);
     return head.find("<svg") != std::string_view::npos || head.find(":svg") != std::string_view::npos;
 }
 

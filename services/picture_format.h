@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -20,6 +21,10 @@ enum class PictureFormat : std::uint8_t
 /// The kind by what the file's bytes say, whatever its name says; nothing for any other file. SVG is known by its
 /// beginning: an XML text that holds the element, not compressed.
 std::optional<PictureFormat> pictureFormat(std::string_view content);
+
+/// So many bytes of a file's beginning are enough for pictureFormat(). Licences and notes of drawing programs stand
+/// before the first element of an SVG text.
+inline constexpr std::size_t kPictureBeginning = 64 * 1024;
 
 /// The media type, such as "image/png".
 std::string_view mediaTypeOf(PictureFormat format);

@@ -9,6 +9,8 @@ namespace quarrynet::services {
 
 namespace {
 
+constexpr std::size_t kNodeBytes = 80; ///< what an entry or a folder takes besides its text
+
 /// How much of a name says what it is: version and architecture follow the first "_".
 std::size_t stemLength(std::string_view name)
 {
@@ -31,24 +33,30 @@ std::size_t PoolFiles::folderNumber(std::size_t site, std::string_view path)
         const std::size_t parent = folderNumber(site, whole.substr(0, split));
         entries_.push_back({parent, std::string(whole.substr(split)), 0, true});
     }
+    bytes_ += 2 * (path.size() + kNodeBytes);
     folders_.push_back({site, std::string(path)});
     folderNumbers_.emplace(key, folders_.size() - 1);
     return folders_.size() - 1;
 }
 
-void PoolFiles::add(std::string_view base, std::string_view file, std::int64_t size)
+bool PoolFiles::add(std::string_view base, std::string_view file, std::int64_t size)
 {
     while (!file.empty() && file.front() == '/')
         file.remove_prefix(1);
     const std::size_t slash = file.rfind('/');
     const std::size_t split = slash == std::string_view::npos ? 0 : slash + 1;
     if (split == file.size())
-        return;
+        return true;
+    if (file.size() > kMaxPoolPath || bytes_ > kMaxPoolBytes ||
+        static_cast<std::size_t>(std::count(file.begin(), file.end(), '/')) > kMaxPoolLevels)
+        return false;
+    bytes_ += file.size() - split + kNodeBytes;
     auto site = std::find(sites_.begin(), sites_.end(), base);
     if (site == sites_.end())
         site = sites_.insert(sites_.end(), std::string(base));
     const auto number = static_cast<std::size_t>(site - sites_.begin());
     entries_.push_back({folderNumber(number, file.substr(0, split)), std::string(file.substr(split)), size, false});
+    return true;
 }
 
 Outcome<Done> PoolFiles::write(IndexWriter& writer)

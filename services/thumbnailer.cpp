@@ -26,6 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
 constexpr std::size_t kMaxThumbnail = 1024 * 1024;
+constexpr std::size_t kPiece = 64 * 1024;
 
 /// Whoever waits asks so often whether anybody still wants the thumbnail.
 constexpr std::chrono::milliseconds kAskInterval(50);
@@ -71,13 +72,22 @@ public:
     Process& operator=(const Process&) = delete;
 
     /// False when the process is of no more use. An empty thumbnail is an answer, too.
-    bool ask(PictureFormat format, std::string_view content, Clock::time_point deadline, std::string& thumbnail)
+    bool ask(PictureFormat format, std::size_t pictureSize, const Source& source, Clock::time_point deadline,
+             std::string& thumbnail)
     {
         std::string head(1, static_cast<char>(format));
         for (const unsigned shift : {24U, 16U, 8U, 0U})
-            head.push_back(static_cast<char>(static_cast<unsigned char>(content.size() >> shift)));
+            head.push_back(static_cast<char>(static_cast<unsigned char>(pictureSize >> shift)));
+        if (process_ <= 0 || !send(head, deadline))
+            return false;
+        for (std::size_t sent = 0; sent < pictureSize;) {
+            const std::string_view piece = source(sent);
+            if (piece.empty() || !send(piece, deadline))
+                return false;
+            sent += piece.size();
+        }
         std::string length(4, '\0');
-        if (process_ <= 0 || !send(head, deadline) || !send(content, deadline) || !receive(length, deadline))
+        if (!receive(length, deadline))
             return false;
         std::size_t size = 0;
         for (const char c : length)
@@ -157,13 +167,29 @@ std::unique_ptr<Thumbnailer::Process> Thumbnailer::borrow()
 
 std::optional<std::string> Thumbnailer::make(PictureFormat format, std::string_view content)
 {
-    if (content.size() > kMaxPicture)
+    return make(format, content.size(), [content](std::size_t offset) { return content.substr(offset); });
+}
+
+std::optional<std::string> Thumbnailer::make(PictureFormat format, const OpenFile& file)
+{
+    const auto size = static_cast<std::size_t>(file.size());
+    std::string piece;
+    return make(format, size, [&](std::size_t offset) {
+        piece.resize(std::min(kPiece, size - offset));
+        piece.resize(file.read(offset, piece.data(), piece.size()));
+        return std::string_view(piece);
+    });
+}
+
+std::optional<std::string> Thumbnailer::make(PictureFormat format, std::size_t size, const Source& source)
+{
+    if (size > kMaxPicture)
         return std::nullopt;
     std::unique_ptr<Process> process = borrow();
     if (process == nullptr)
         return std::nullopt;
     std::string thumbnail;
-    const bool answered = process->ask(format, content, Clock::now() + limits_.time, thumbnail);
+    const bool answered = process->ask(format, size, source, Clock::now() + limits_.time, thumbnail);
     if (!answered)
         process.reset();
     {

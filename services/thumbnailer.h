@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "services/open_file.h"
 #include "services/picture_format.h"
 
 namespace quarrynet::services {
@@ -37,9 +39,15 @@ public:
     /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or nothing when there is none to be had or this
     /// thread's task (CurrentTask) is abandoned. From any thread.
     std::optional<std::string> make(PictureFormat format, std::string_view content);
+    /// The same for a file, which is never in memory as a whole.
+    std::optional<std::string> make(PictureFormat format, const OpenFile& file);
 
 private:
+    /// Gives the bytes of a picture from an offset on: some of them, or all; none when there is a fault.
+    using Source = std::function<std::string_view(std::size_t offset)>;
+
     class Process;
+    std::optional<std::string> make(PictureFormat format, std::size_t size, const Source& source);
     std::unique_ptr<Process> borrow(); ///< null: the task was abandoned
 
     std::string program_;

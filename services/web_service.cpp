@@ -6,6 +6,7 @@
 
 #include "services/document_folders.h"
 #include "services/markup.h"
+#include "services/picture_format.h"
 #include "services/search_page.h"
 #include "services/text_encoding.h"
 #include "services/word_search.h"
@@ -14,7 +15,9 @@ namespace quarrynet::services {
 
 namespace {
 
-constexpr std::size_t kMaxServedFile = 64 * 1024 * 1024;
+/// Pages are foreign: they may show what lies beside them, and do nothing.
+constexpr std::string_view kPagePolicy =
+    "default-src 'none'; img-src 'self' data:; style-src 'self' 'unsafe-inline'; sandbox";
 
 constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
 <html lang="en">
@@ -129,6 +132,24 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
     return answer;
 }
 
+/// The folder of a document, and whether the index has the document as a page; nothing for a folder that it has not.
+Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folder, std::string_view path)
+{
+    const std::optional<Place> none;
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    Outcome<Statement> row = (*index)->prepare(
+        "SELECT path, EXISTS (SELECT 1 FROM document WHERE folder = ?1 AND path = ?2) FROM folder WHERE id = ?1");
+    if (!row)
+        return row.failure();
+    row->bind(1, folder);
+    row->bind(2, path);
+    if (row->step() != Statement::Step::Row)
+        return none;
+    return std::optional<Place>({std::string(row->text(0)), row->number(1) != 0});
+}
+
 HttpResponse WebService::document(std::string_view path)
 {
     const std::size_t slash = std::min(path.find('/'), path.size());
@@ -136,23 +157,21 @@ HttpResponse WebService::document(std::string_view path)
     HttpResponse missing = errorResponse(404, "There is no such document.");
     if (!number || slash == path.size())
         return missing;
-    Outcome<IndexPool::Lease> index = index_.borrow();
-    if (!index)
-        return errorResponse(503, "The documents cannot be served: " + index.failure().message + ".");
-    Outcome<Statement> folder = (*index)->prepare("SELECT path FROM folder WHERE id = ?1");
-    if (!folder)
-        return errorResponse(503, folder.failure().message);
-    folder->bind(1, static_cast<std::int64_t>(*number));
-    if (folder->step() != Statement::Step::Row)
-        return missing;
-    const std::optional<std::string> file =
-        servedFile(std::string(folder->text(0)), decodePercent(path.substr(slash + 1)));
-    std::optional<std::string> content = file ? readFile(*file, kMaxServedFile) : std::nullopt;
-    if (!content)
-        return missing;
+    std::string relative = decodePercent(path.substr(slash + 1));
+    if (relative.empty() || relative.back() == '/')
+        relative += "index.html";
+    const Outcome<std::optional<Place>> place = placeOf(*number, relative);
+    if (!place)
+        return errorResponse(503, "The documents cannot be served: " + place.failure().message + ".");
     HttpResponse response;
-    response.contentType = std::string(mediaType(*file));
-    response.body = std::move(*content);
+    response.file = *place ? openBeneath((*place)->folder, relative) : nullptr;
+    if (response.file == nullptr)
+        return missing;
+    response.contentType =
+        (*place)->isPage ? pageType(relative) : shownType(relative, response.file->beginning(kPictureBeginning));
+    if (response.contentType.empty())
+        return missing;
+    response.fields.emplace_back("Content-Security-Policy", kPagePolicy);
     return response;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,7 @@ struct WebAnswer
 
 /// The web search, thirty results a page, and the documents that it serves itself:
 ///   /search?...&start=N&...&q=WORDS   a page of results; q is the last parameter and is taken to its end
-///   /doc/FOLDER/PATH                  a file below an indexed folder
+///   /doc/FOLDER/PATH                  an indexed page, or a picture or style sheet below its folder
 class WebService
 {
 public:
@@ -44,8 +45,15 @@ public:
     Outcome<WebAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
+    struct Place
+    {
+        std::string folder;
+        bool isPage = false; ///< a page of the index; else it can only be what a page shows
+    };
+
     HttpResponse searchPage(std::string_view query);
     HttpResponse document(std::string_view path);
+    Outcome<std::optional<Place>> placeOf(std::int64_t folder, std::string_view path);
 
     IndexPool& index_;
     std::string base_;

@@ -92,8 +92,8 @@ TEST(Confinement, NoOtherProcessIsTouched)
 TEST(Confinement, NoMemoryBecomesCode)
 {
     EXPECT_EQ(confined([] {
-                  void* page = ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS,
-                                      -1, 0);
+                  void* page =
+                      ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
                   return refused(page == MAP_FAILED ? -1 : 0);
               }),
               kRefused);

@@ -9,6 +9,7 @@
 
 #include "service_support.h"
 #include "services/current_task.h"
+#include "services/download_service.h"
 #include "services/file_service.h"
 #include "services/index_database.h"
 #include "services/index_writer.h"
@@ -28,6 +29,15 @@ std::string stanza(const std::string& name, const std::string& summary)
 }
 
 void quiet(const std::string&) {}
+
+/// So many folders, one in the other.
+std::string slashes(int levels)
+{
+    std::string path;
+    for (int i = 0; i < levels; ++i)
+        path += "f/";
+    return path;
+}
 
 std::vector<std::string> find(IndexPool& pool, std::string_view words)
 {
@@ -236,6 +246,62 @@ TEST_F(Index, PagesThatRepeatAWordAreFoundLikeOthers)
     // Where the cost is the square of the matches, one such page takes many seconds.
     IndexPool pool(data_.path(), std::chrono::seconds(60));
     EXPECT_EQ(find(pool, "a b \"a b\" \"b a\"").size(), 30U);
+}
+
+TEST_F(Index, WhatCannotBeReadIsLeftOutAndTold)
+{
+    input_.write("docs/good.html", "apple");
+    input_.write("docs/huge.html", std::string(16 * 1024 * 1024 + 1, 'x'));
+    const Outcome<IndexCounts> counts = build(stanza("red", "an apple"), {input_.path() + "/docs"});
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->documents, 1U);
+    EXPECT_EQ(counts->leftOut.count, 1U);
+    EXPECT_NE(counts->leftOut.first.find("huge.html: it is too long"), std::string::npos) << counts->leftOut.first;
+}
+
+TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
+{
+    std::string many;
+    for (int i = 0; i < 100; ++i)
+        many += stanza("p" + std::to_string(i), "apple");
+    std::string half;
+    for (int i = 0; i < 50; ++i)
+        half += stanza("p" + std::to_string(i), "apple");
+    ASSERT_TRUE(build(many));
+    const Outcome<IndexCounts> poorer = build(stanza("p", "apple"));
+    ASSERT_FALSE(poorer);
+    EXPECT_NE(poorer.failure().message.find("1 web pages instead of 100"), std::string::npos)
+        << poorer.failure().message;
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple").size(), 30U);
+    EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));
+    EXPECT_TRUE(build(half));
+    EXPECT_TRUE(build(stanza("p", "apple")));
+    ASSERT_TRUE(build(many));
+    IndexSources forced{{input_.write("list", stanza("p", "apple"))}};
+    forced.force = true;
+    EXPECT_TRUE(buildIndex(data_.path(), forced, quiet));
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
+{
+    const std::string list =
+        input_.write("list", "Package: a\nDescription: " + std::string(100000, 'x') + "\nFilename: pool/a.deb\n\n" +
+                                 "Package: b\nFilename: " + slashes(20000) + "b.deb\n\nPackage: c\nFilename: " +
+                                 std::string(5000, 'c') + "\n\nPackage: d\nFilename: " + slashes(30) + "d.deb\n\n");
+    IndexSources sources{{list}};
+    sources.mirror = "http://m/";
+    const Outcome<IndexCounts> counts = buildIndex(data_.path(), sources, quiet);
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 4U);
+    EXPECT_EQ(counts->programs, 2U);
+    EXPECT_EQ(counts->leftOut.count, 2U);
+    IndexPool pool(data_.path());
+    FileService files(pool);
+    EXPECT_EQ(files.search("d.deb", 0)->hits.size(), 1U);
+    EXPECT_EQ(files.search("b.deb", 0)->hits.size(), 0U);
+    EXPECT_LE(DownloadService(pool).search("a", 0)->hits.at(0).description.size(), kMaxIndexedName);
 }
 
 TEST_F(Index, FolderThatIsNotThereIsAFailure)

@@ -9,10 +9,18 @@ using namespace quarrynet::services;
 
 namespace {
 
+std::vector<Picture> picturesIn(const std::string& root)
+{
+    LeftOut left;
+    std::vector<Picture> pictures = findPictures(root, left);
+    EXPECT_EQ(left.count, 0U) << left.first;
+    return pictures;
+}
+
 std::vector<std::string> pathsIn(const std::string& root)
 {
     std::vector<std::string> paths;
-    for (const Picture& picture : findPictures(root))
+    for (const Picture& picture : picturesIn(root))
         paths.push_back(picture.path);
     return paths;
 }
@@ -63,7 +71,7 @@ TEST(FindPictures, GivesWordsOfNamesAndFolders)
     folder.write("my pictures/Red\x01"
                  "Car-symbolic.png",
                  "x");
-    const std::vector<Picture> pictures = findPictures(folder.path() + "/my pictures/");
+    const std::vector<Picture> pictures = picturesIn(folder.path() + "/my pictures/");
     ASSERT_EQ(pictures.size(), 1U);
     EXPECT_EQ(pictures[0].name, "Red Car-symbolic.png");
     EXPECT_EQ(pictures[0].place, "my pictures ");
@@ -83,14 +91,14 @@ TEST(FindPictures, PassesOverWhatIsHiddenLinkedEmptyOrNoPicture)
     std::filesystem::create_directory_symlink("..", folder.path() + "/up");
     std::filesystem::create_directory(folder.path() + "/folder.png");
     EXPECT_EQ(pathsIn(folder.path()), (std::vector<std::string>{"seen.png"}));
-    EXPECT_TRUE(findPictures(folder.path() + "/none").empty());
+    EXPECT_TRUE(picturesIn(folder.path() + "/none").empty());
 }
 
 TEST(FindPictures, ChangedFilesHaveAnotherVersion)
 {
     const TemporaryFolder folder;
     const std::string file = folder.write("a.png", "x");
-    const std::int64_t before = findPictures(folder.path()).at(0).version;
+    const std::int64_t before = picturesIn(folder.path()).at(0).version;
     std::filesystem::last_write_time(file, std::filesystem::last_write_time(file) + std::chrono::seconds(1));
-    EXPECT_NE(findPictures(folder.path()).at(0).version, before);
+    EXPECT_NE(picturesIn(folder.path()).at(0).version, before);
 }
