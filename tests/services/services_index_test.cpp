@@ -262,11 +262,12 @@ TEST_F(Index, WhatCannotBeReadIsLeftOutAndTold)
 TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
 {
     std::string many;
-    for (int i = 0; i < 100; ++i)
-        many += stanza("p" + std::to_string(i), "apple");
     std::string half;
-    for (int i = 0; i < 50; ++i)
-        half += stanza("p" + std::to_string(i), "apple");
+    for (int i = 0; i < 100; ++i) {
+        const std::string number = std::to_string(i);
+        many += stanza(number, "apple");
+        half += i < 50 ? stanza(number, "apple") : "";
+    }
     ASSERT_TRUE(build(many));
     const Outcome<IndexCounts> poorer = build(stanza("p", "apple"));
     ASSERT_FALSE(poorer);
@@ -286,17 +287,20 @@ TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
 
 TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
 {
-    const std::string list =
-        input_.write("list", "Package: a\nDescription: " + std::string(100000, 'x') + "\nFilename: pool/a.deb\n\n" +
-                                 "Package: b\nFilename: " + slashes(20000) + "b.deb\n\nPackage: c\nFilename: " +
-                                 std::string(5000, 'c') + "\n\nPackage: d\nFilename: " + slashes(30) + "d.deb\n\n");
+    std::string stanzas = "Package: a\nDescription: ";
+    stanzas.append(100000, 'x').append("\nFilename: pool/a.deb\n\nPackage: b\nFilename: ");
+    stanzas.append(slashes(20000)).append("b.deb\n\nPackage: c\nFilename: ").append(5000, 'c');
+    stanzas.append("\n\nPackage: d\nHomepage: http://h/").append(5000, 'd');
+    stanzas.append("\nFilename: ").append(slashes(30)).append("d.deb\n\n");
+    const std::string list = input_.write("list", stanzas);
     IndexSources sources{{list}};
     sources.mirror = "http://m/";
     const Outcome<IndexCounts> counts = buildIndex(data_.path(), sources, quiet);
     ASSERT_TRUE(counts);
     EXPECT_EQ(counts->packages, 4U);
     EXPECT_EQ(counts->programs, 2U);
-    EXPECT_EQ(counts->leftOut.count, 2U);
+    EXPECT_EQ(counts->homePages, 0U);
+    EXPECT_EQ(counts->leftOut.count, 3U);
     IndexPool pool(data_.path());
     FileService files(pool);
     EXPECT_EQ(files.search("d.deb", 0)->hits.size(), 1U);
