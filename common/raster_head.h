@@ -23,8 +23,8 @@ struct RasterHead
     std::uint32_t height;
 };
 
-/// JPEG pictures with more scans than this are refused: a decoder goes over all pixels for each of them, and each can be
-/// a few bytes long. Encoders make about ten.
+/// JPEG pictures with more scans than this are refused: a decoder goes over all pixels for each of them, and each can
+/// be a few bytes long. Encoders make about ten.
 inline constexpr int kMaxJpegScans = 64;
 
 /// Reads the head of a picture. `bytes` are the whole picture; its format is told by its content alone. Returns nothing

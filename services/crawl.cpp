@@ -21,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kMaxFailures = 3; // one after the other
 constexpr std::size_t kProgressStep = 100;
 constexpr std::size_t kMaxPath = 4096;
+constexpr std::size_t kNodeBytes = 96; ///< what a kept text takes besides its bytes, roughly
 
 /// What the directories above one another listed: the size and a hash of each text.
 struct Ancestor
@@ -106,6 +107,7 @@ private:
     std::deque<Pending> pending_;
     std::set<std::string> entered_; ///< "unique" facts
     std::vector<Link> links_;
+    std::size_t bytes_ = 0; ///< as the limit counts them
     Crawl crawl_;
 };
 
@@ -161,6 +163,10 @@ void Crawler::take(const Pending& place, const FtpDirectory& directory)
             crawl_.cut = "it has more names than are taken";
             return;
         }
+        if (bytes_ >= limits_.bytes) {
+            crawl_.cut = "its names take more memory than is taken";
+            return;
+        }
         if (names.insert(entry.name).second)
             takeEntry(place, crawl_.folders.size() - 1, entry, self);
     }
@@ -171,11 +177,19 @@ void Crawler::takeEntry(const Pending& place, std::size_t folder, const FtpEntry
 {
     const bool isDirectory = entry.kind == FtpEntry::Kind::Directory;
     crawl_.files.push_back({folder, entry.name, entry.size, isDirectory});
-    if (entry.kind == FtpEntry::Kind::Link)
+    bytes_ += entry.name.size() + kNodeBytes;
+    if (entry.kind == FtpEntry::Kind::Link) {
         links_.push_back({crawl_.files.size() - 1, entry.target});
+        bytes_ += entry.target.size() + kNodeBytes;
+    }
     const bool isNew = isDirectory && (entry.unique.empty() || entered_.insert(entry.unique).second);
-    if (isNew && place.depth < limits_.depth && place.path.size() + entry.name.size() < kMaxPath)
+    if (isDirectory)
+        bytes_ += entry.unique.size() + kNodeBytes;
+    if (isNew && place.depth < limits_.depth && place.path.size() + entry.name.size() < kMaxPath) {
         pending_.push_back({place.path + entry.name + "/", place.depth + 1, self});
+        // It is a folder of the result later.
+        bytes_ += 2 * (pending_.back().path.size() + kNodeBytes);
+    }
 }
 
 /// Links get the kind and size of what they lead to, as far as that was seen. A link to a link stays unknown.
@@ -186,10 +200,12 @@ void Crawler::resolveLinks()
     std::set<std::size_t> isLink;
     for (const Link& link : links_)
         isLink.insert(link.file);
-    std::unordered_map<std::string, std::size_t> places;
+    // By hashes, because the paths are much longer than the names that are kept.
+    const auto pathOf = [this](const CrawledFile& file) { return start_ + crawl_.folders[file.folder] + file.name; };
+    std::unordered_map<std::size_t, std::size_t> places;
     for (std::size_t i = 0; i < crawl_.files.size(); ++i) {
         if (isLink.count(i) == 0)
-            places.emplace(start_ + crawl_.folders[crawl_.files[i].folder] + crawl_.files[i].name, i);
+            places.emplace(std::hash<std::string>()(pathOf(crawl_.files[i])), i);
     }
     const std::string startFolder = start_.substr(0, start_.empty() ? 0 : start_.size() - 1);
     for (const Link& link : links_) {
@@ -197,8 +213,8 @@ void Crawler::resolveLinks()
         const std::optional<std::string> path = linkedPath(start_ + crawl_.folders[file.folder], link.target);
         if (!path || link.target.empty())
             continue;
-        const auto found = places.find(*path);
-        if (found != places.end()) {
+        const auto found = places.find(std::hash<std::string>()(*path));
+        if (found != places.end() && pathOf(crawl_.files[found->second]) == *path) {
             file.directory = crawl_.files[found->second].directory;
             file.size = crawl_.files[found->second].size;
         } else {

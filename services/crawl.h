@@ -19,7 +19,8 @@ struct CrawlLimits
     std::size_t depth = 32; ///< directories below the first one
     std::size_t entries = 1'000'000;
     std::chrono::seconds time = std::chrono::minutes(60);
-    std::uint32_t rate = 10; ///< listings a second at most
+    std::uint32_t rate = 10;               ///< listings a second at most
+    std::size_t bytes = 256 * 1024 * 1024; ///< of memory for what is kept of the listings
 };
 
 /// What a crawl needs from the world.

@@ -13,7 +13,7 @@ namespace quarrynet::services {
 
 namespace {
 
-constexpr std::size_t kMaxListing = 32 * 1024 * 1024;
+constexpr std::size_t kMaxListing = 16 * 1024 * 1024;
 constexpr long kConnectSeconds = 15;
 constexpr long kStallSeconds = 20;
 constexpr long kListingSeconds = 300;
@@ -71,6 +71,10 @@ Outcome<FtpDirectory> FtpClient::list(std::string_view path)
     const CURLcode result = curl_easy_perform(curl);
     if (result == CURLE_OK) {
         directory.entries = hasMlsd_ ? readMlsd(directory.listing) : readList(directory.listing);
+        if (directory.entries.size() > kMaxListedEntries) {
+            directory = FtpDirectory();
+            directory.refused = true;
+        }
         return directory;
     }
     long code = 0;

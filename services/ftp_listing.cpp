@@ -45,7 +45,7 @@ std::vector<FtpEntry> readLines(std::string_view listing,
                                 const std::function<std::optional<FtpEntry>(std::string_view)>& readLine)
 {
     std::vector<FtpEntry> entries;
-    while (!listing.empty()) {
+    while (!listing.empty() && entries.size() <= kMaxListedEntries) {
         const std::size_t end = std::min(listing.find('\n'), listing.size());
         std::string_view line = listing.substr(0, end);
         listing.remove_prefix(std::min(end + 1, listing.size()));
@@ -78,7 +78,7 @@ bool takeFact(FtpEntry& entry, std::string_view fact)
         }
     } else if (sameLetters(name, "size")) {
         entry.size = sizeNumber(value);
-    } else if (sameLetters(name, "unique")) {
+    } else if (sameLetters(name, "unique") && value.size() <= kMaxUniqueFact) {
         entry.unique = std::string(value);
     }
     return true;

@@ -29,6 +29,10 @@ struct FtpEntry
 /// Longer lines and names are passed over: no file system has them.
 inline constexpr std::size_t kMaxListingLine = 8 * 1024;
 inline constexpr std::size_t kMaxListedName = 1024;
+/// Longer ones count as if they were not said.
+inline constexpr std::size_t kMaxUniqueFact = 256;
+/// Of a directory that has more, one more than these is read.
+inline constexpr std::size_t kMaxListedEntries = 200'000;
 
 /// The entries of an MLSD listing (RFC 3659, section 7). Lines that say something else, or whose name cannot be one in
 /// a directory, are passed over.

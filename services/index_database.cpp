@@ -1,7 +1,9 @@
 #include "services/index_database.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "services/current_task.h"
 #include "services/excerpt.h"
@@ -83,6 +85,29 @@ IndexPool::Lease::~Lease()
 {
     if (database_ != nullptr)
         pool_->giveBack(std::move(database_), generation_);
+}
+
+IndexPool::~IndexPool()
+{
+    if (folder_ >= 0)
+        ::close(folder_);
+}
+
+void IndexPool::keepFolder()
+{
+#ifdef __linux__
+    const std::string folder = std::filesystem::path(path_).parent_path().string();
+    folder_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::string held = "/proc/self/fd/" + std::to_string(folder_);
+    if (folder_ >= 0 && ::access(held.c_str(), X_OK) == 0)
+        path_ = indexPath(held);
+#endif
+}
+
+void IndexPool::closeIdle()
+{
+    const std::lock_guard lock(mutex_);
+    idle_.clear();
 }
 
 Outcome<IndexPool::Lease> IndexPool::borrow()

@@ -44,6 +44,17 @@ public:
         : path_(indexPath(dataFolder)), queryTime_(queryTime)
     {}
 
+    ~IndexPool();
+    IndexPool(const IndexPool&) = delete;
+    IndexPool& operator=(const IndexPool&) = delete;
+
+    /// Keeps the data folder open, so that the index is found even when this process loses the right to go there.
+    /// Before the first borrow() only. Nothing happens where the system cannot do it.
+    void keepFolder();
+
+    /// Closes the connections that nobody has borrowed: what they opened stays open to them whatever rights are left.
+    void closeIdle();
+
     /// A borrowed connection; goes back when it ends.
     class Lease
     {
@@ -76,6 +87,7 @@ private:
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
     std::string path_;
+    int folder_ = -1; ///< kept open; -1: not so
     std::chrono::milliseconds queryTime_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Database>> idle_;

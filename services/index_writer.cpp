@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -31,6 +32,18 @@ bool flush(const std::string& path)
     const bool flushed = ::fsync(descriptor) == 0;
     ::close(descriptor);
     return flushed;
+}
+
+/// What root makes in somebody's data folder is theirs, so that they, and services that gave up root's rights, can read
+/// it.
+void giveToOwnerOf(const std::string& folder, const std::string& file)
+{
+    struct stat status
+    {};
+    if (::geteuid() != 0 || ::stat(folder.c_str(), &status) != 0 || status.st_uid == 0)
+        return;
+    if (::lchown(file.c_str(), status.st_uid, status.st_gid) != 0)
+        return; // whoever cannot read it says so
 }
 
 } // namespace
@@ -298,9 +311,9 @@ Outcome<Done> IndexWriter::addProgram(std::int64_t number, const Program& progra
 {
     const std::string_view name = clipUtf8(program.name, kMaxIndexedName);
     const std::string_view description = clipUtf8(program.description, kMaxIndexedName);
-    Outcome<Done> result = parts_->insert(
-        Parts::ProgramRow, number, name, description, clipUtf8(program.system, kMaxIndexedName), program.size,
-        clipUtf8(program.licence, kMaxIndexedName), program.mirror, program.file);
+    Outcome<Done> result =
+        parts_->insert(Parts::ProgramRow, number, name, description, clipUtf8(program.system, kMaxIndexedName),
+                       program.size, clipUtf8(program.licence, kMaxIndexedName), program.mirror, program.file);
     return result ? parts_->insert(Parts::ProgramTextRow, number, name, description) : result;
 }
 
@@ -384,6 +397,7 @@ Outcome<Done> IndexWriter::commit()
         return result;
     parts_->close();
     const std::string target = indexPath(parts_->folder);
+    giveToOwnerOf(parts_->folder, parts_->path);
     if (!flush(parts_->path) || std::rename(parts_->path.c_str(), target.c_str()) != 0)
         return Failure{"cannot put the new index in its place: " + std::string(std::strerror(errno))};
     parts_->committed = true;

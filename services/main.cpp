@@ -1,10 +1,13 @@
 #include <cstdio>
+#include <sys/stat.h>
 
 #include "services/commands.h"
 
 int main(int argc, char** argv)
 {
     using namespace quarrynet::services;
+    // What the index holds is its user's alone.
+    ::umask(077);
     const Outcome<Options> options = parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
     if (!options) {
         std::fprintf(stderr, "quarrynet-services: %s\nTry \"quarrynet-services --help\".\n",

@@ -50,7 +50,8 @@ std::map<std::string, Target> targetsOf(Options& options)
             {"--file-address", &options.fileAddress},
             {"--port", &options.port},
             {"--proxy-address", &options.proxyAddress},
-            {"--proxy-port", &options.proxyPort}};
+            {"--proxy-port", &options.proxyPort},
+            {"--user", &options.user}};
 }
 
 /// The addresses of its files begin with a mirror's, so it has to say how it is spoken to.
@@ -168,6 +169,7 @@ Options of serve:
   --port PORT                the port of all services (default 80; 0 picks free ones)
   --proxy-address ADDRESS    where the HTTP proxy to the services listens (default 127.0.0.1)
   --proxy-port PORT          its port (default 8780; 0 picks a free one)
+  --user NAME                whom root becomes when all are listening (default nobody)
 
 When it listens, serve prints one line to the standard output: "quarrynet-services: ready", then for each service its
 name, "=" and its address.

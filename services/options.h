@@ -46,6 +46,7 @@ struct Options
     std::uint16_t port = 80;
     std::string proxyAddress = "127.0.0.1";
     std::uint16_t proxyPort = 8780;
+    std::string user; ///< whom root becomes; empty: nobody
 };
 
 /// Reads the arguments behind the program's name. Options are "--name value" or "--name=value", or

@@ -21,8 +21,9 @@ inline constexpr std::size_t kMaxPoolBytes = 512 * 1024 * 1024;
 class PoolFiles
 {
 public:
-    /// `base` is the mirror's address with its scheme, ending in "/"; `file` the path below it. Returns false, and adds nothing, where
-    /// that is longer or deeper than any package's (kMaxPoolPath, kMaxPoolLevels), or kMaxPoolBytes are used up.
+    /// `base` is the mirror's address with its scheme, ending in "/"; `file` the path below it. Returns false, and adds
+    /// nothing, where that is longer or deeper than any package's (kMaxPoolPath, kMaxPoolLevels), or kMaxPoolBytes are
+    /// used up.
     bool add(std::string_view base, std::string_view file, std::int64_t size);
 
     /// Writes them in the order in which searches show them: short names, which a typed text covers best, go first, and

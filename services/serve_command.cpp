@@ -13,6 +13,7 @@
 #include "services/image_service.h"
 #include "services/index_database.h"
 #include "services/own_program.h"
+#include "services/privileges.h"
 #include "services/router.h"
 #include "services/service_table.h"
 #include "services/thumbnailer.h"
@@ -40,6 +41,23 @@ std::string thumbnailProgram()
     return (ownProgram().parent_path() / "quarrynet-thumbnails").string();
 }
 
+/// Gives up root's rights and capabilities; fails where the index could not be read without them.
+Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexPool& index)
+{
+    const bool asRoot = ::geteuid() == 0;
+    const bool ready = static_cast<bool>(index.borrow());
+    if (asRoot)
+        handOver(dataFolder, user.user, user.group);
+    Outcome<Done> dropped = dropPrivileges(user);
+    if (!dropped || !asRoot)
+        return dropped;
+    index.closeIdle(); // connections of before have root's rights
+    if (ready && !index.borrow())
+        return Failure{"the user " + user.name + " cannot read the index in " + dataFolder +
+                       "; name another one with --user, or another folder with --data"};
+    return dropped;
+}
+
 } // namespace
 
 int runServe(const Options& options)
@@ -49,7 +67,14 @@ int runServe(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", data.failure().message.c_str());
         return 1;
     }
+    Outcome<User> user = ::geteuid() == 0 ? findUser(options.user) : User();
+    if (!user) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", user.failure().message.c_str());
+        return 1;
+    }
     IndexPool index(*data);
+    if (::geteuid() == 0)
+        index.keepFolder();
     if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
         std::fprintf(stderr, "quarrynet-services: %s\n", ready.failure().message.c_str());
 
@@ -76,9 +101,6 @@ int runServe(const Options& options)
                             [&](const std::string& base) {
                                 images.emplace(index, base.substr(std::string_view("http://").size()), &thumbnailer);
                             }});
-        if (::access(thumbnailProgram().c_str(), X_OK) != 0)
-            std::fprintf(stderr, "quarrynet-services: there are no thumbnails without %s\n",
-                         thumbnailProgram().c_str());
     } else {
         std::fprintf(stderr, "quarrynet-services: this build has no image search\n");
     }
@@ -98,6 +120,13 @@ int runServe(const Options& options)
         std::fprintf(stderr, "quarrynet-services: the proxy cannot listen: %s\n", refusal->message.c_str());
         return 1;
     }
+    if (const Outcome<Done> dropped = dropRights(*data, *user, index); !dropped) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", dropped.failure().message.c_str());
+        return 1;
+    }
+    // By whoever this process has become.
+    if (kHasImageSearch && ::access(thumbnailProgram().c_str(), X_OK) != 0)
+        std::fprintf(stderr, "quarrynet-services: there are no thumbnails without %s\n", thumbnailProgram().c_str());
     server.stopOnSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::printf("quarrynet-services: ready");

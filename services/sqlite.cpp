@@ -20,6 +20,30 @@ Failure describeFault(sqlite3* handle)
     return Failure{std::string("the index database says: ") + sqlite3_errmsg(handle)};
 }
 
+/// Leaves a name as it is, of a file that is there already. SQLite itself would resolve all links in it, which takes
+/// the right to look into every folder on the way.
+int nameAsGiven(sqlite3_vfs*, const char* name, int size, char* full)
+{
+    const std::string_view text(name);
+    if (text.size() >= static_cast<std::size_t>(size))
+        return SQLITE_CANTOPEN;
+    full[text.copy(full, text.size())] = '\0';
+    return SQLITE_OK;
+}
+
+/// The system's files, opened by the names that were given.
+const char* filesAsNamed()
+{
+    static sqlite3_vfs files = [] {
+        sqlite3_vfs usual = *sqlite3_vfs_find(nullptr);
+        usual.zName = "quarrynet-as-named";
+        usual.xFullPathname = nameAsGiven;
+        return usual;
+    }();
+    static const bool registered = sqlite3_vfs_register(&files, 0) == SQLITE_OK;
+    return registered ? files.zName : nullptr;
+}
+
 } // namespace
 
 void Statement::Finalize::operator()(sqlite3_stmt* handle) const
@@ -120,7 +144,7 @@ Outcome<Database> Database::open(const std::string& path, Access access)
     const int flags = SQLITE_OPEN_NOMUTEX |
                       (access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     sqlite3* handle = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
+    const int code = sqlite3_open_v2(path.c_str(), &handle, flags, access == Access::Read ? filesAsNamed() : nullptr);
     Database database(handle);
     if (handle == nullptr)
         return Failure{"out of memory while opening " + path};

@@ -1,5 +1,3 @@
-#include "common/raster_head.h"
-
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -7,6 +5,8 @@
 #include <string>
 
 #include <gtest/gtest.h>
+
+#include "common/raster_head.h"
 
 namespace quarrynet {
 

@@ -233,6 +233,58 @@ TEST(Crawl, EndlessDirectoriesEndAtTheLimits)
     EXPECT_NE(found->cut, "");
 }
 
+TEST(Crawl, ListingsTogetherAreBoundedInMemory)
+{
+    // What a hostile server can make long: names, facts, the targets of links, and paths.
+    const std::string longName(1000, 'n');
+    for (const std::string& line :
+         {"type=file; NUMBER" + longName, "type=dir;unique=NUMBER" + std::string(200, 'u') + "; NUMBER",
+          "type=OS.unix=slink:" + std::string(4000, 't') + "; NUMBER", "type=dir; NUMBER" + longName,
+          std::string("type=file; NUMBER")}) {
+        int number = 0;
+        const auto hostile = [&](std::string_view) -> Outcome<FtpDirectory> {
+            std::string listing;
+            for (int i = 0; i < 1000; ++i) {
+                std::string entry = line;
+                for (std::size_t at = entry.find("NUMBER"); at != std::string::npos; at = entry.find("NUMBER"))
+                    entry.replace(at, 6, std::to_string(++number));
+                listing += entry + "\ntype=dir; d" + std::to_string(number) + "\n";
+            }
+            return mlsd(listing);
+        };
+        TestClock clock;
+        CrawlLimits limits;
+        limits.bytes = 1'000'000;
+        const Outcome<Crawl> found = crawl("", limits, clock.tools(hostile));
+        ASSERT_TRUE(found);
+        EXPECT_NE(found->cut.find("memory"), std::string::npos) << found->cut;
+        std::size_t bytes = 0;
+        for (const CrawledFile& file : found->files)
+            bytes += sizeof file + file.name.size();
+        for (const std::string& folder : found->folders)
+            bytes += sizeof folder + folder.size();
+        EXPECT_LT(bytes, limits.bytes + 10'000) << line.substr(0, 40);
+    }
+}
+
+TEST(Crawl, ADirectoryWithTooManyEntriesCountsAsRefused)
+{
+    const TestServer server([](int socket) {
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string& path) -> MadeUpFtp::Reply {
+            if (path.empty())
+                return {226, "type=dir; many\r\ntype=file; one\r\n"};
+            std::string listing;
+            for (std::size_t i = 0; i <= kMaxListedEntries; ++i)
+                listing += "type=file; " + std::to_string(i) + "\n";
+            return {226, listing};
+        });
+    });
+    const Outcome<Crawl> found = crawlSite(server.site());
+    ASSERT_TRUE(found) << found.failure().message;
+    EXPECT_EQ(pathsOf(*found), (std::set<std::string>{"many/", "one"}));
+    EXPECT_EQ(found->refused, 1U);
+}
+
 TEST(Crawl, TheRateIsKept)
 {
     TestClock clock;

@@ -63,6 +63,17 @@ public:
         return line;
     }
 
+    /// The line "NAME:" of what the system says about the process, without the name.
+    std::string status(const std::string& name) const
+    {
+        std::ifstream file("/proc/" + std::to_string(process_) + "/status");
+        for (std::string line; std::getline(file, line);) {
+            if (line.rfind(name + ":", 0) == 0)
+                return line.substr(name.size() + 1);
+        }
+        return "";
+    }
+
     void signal(int number) const { ::kill(process_, number); }
 
     /// The exit status; -1 when a signal ended it.
@@ -102,6 +113,9 @@ protected:
 
     void index()
     {
+        // Root becomes somebody else, who has to get there.
+        std::filesystem::permissions(folder_.path(), std::filesystem::perms::others_exec,
+                                     std::filesystem::perm_options::add);
         folder_.write("pics/sample.png", quarrynet::samples::dataFile("pictures/sample.png"));
         const std::string list = folder_.write(
             "list", "Package: apple\nDescription: a red apple\nHomepage: http://apple.example/\nFilename: apple.deb\n");
@@ -235,6 +249,84 @@ TEST_F(Program, WrongUsageAndUnusableFoldersAreErrors)
     EXPECT_EQ(start({"index", "--data", file + "/below"}).wait(), 1);
     EXPECT_EQ(start({"index", "--data", data(), "--packages", folder_.path() + "/none"}).wait(), 1);
 }
+
+TEST_F(Program, TheDataFolderIsItsUsersAlone)
+{
+    namespace fs = std::filesystem;
+    constexpr fs::perms kOthers = fs::perms::group_all | fs::perms::others_all;
+    index();
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::none);
+    for (const char* name : {"/index.sqlite", "/index.lock"}) {
+        EXPECT_EQ(fs::status(data() + name).permissions() & kOthers, fs::perms::none) << name;
+        fs::permissions(data() + name, fs::perms::others_read | fs::perms::group_read, fs::perm_options::add);
+    }
+    fs::permissions(data(), kOthers, fs::perm_options::add);
+    // What older versions made.
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data()}).wait(), 0);
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::none);
+    EXPECT_EQ(fs::status(data() + "/index.sqlite").permissions() & kOthers, fs::perms::none);
+    // A folder with other things in it is left as it is, its index is not.
+    folder_.write("data/other", "");
+    fs::permissions(data(), fs::perms::others_exec, fs::perm_options::add);
+    fs::permissions(data() + "/index.sqlite", fs::perms::others_read, fs::perm_options::add);
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data()}).wait(), 0);
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::others_exec);
+    EXPECT_EQ(fs::status(data() + "/index.sqlite").permissions() & kOthers, fs::perms::none);
+}
+
+#ifdef __linux__
+
+TEST_F(Program, WhatListeningTookIsGivenUp)
+{
+    index();
+    // Nobody but root gets here any more.
+    std::filesystem::permissions(folder_.path(), std::filesystem::perms::owner_all);
+    Running server = serve();
+    const std::string ready = server.readLine();
+    EXPECT_EQ(server.status("NoNewPrivs"), "\t1");
+    for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapAmb"})
+        EXPECT_EQ(server.status(set), "\t0000000000000000") << set;
+    EXPECT_EQ(server.status("Uid").find("\t0"), std::string::npos) << server.status("Uid");
+    EXPECT_EQ(server.status("Gid").find("\t0"), std::string::npos) << server.status("Gid");
+    const std::string query = "/search?q=apple";
+    EXPECT_NE(ask("127.80.0.1", portOf(ready, "web"), query).find("apple.example"), std::string::npos);
+    // An index that root makes meanwhile is found as well.
+    const std::string list = folder_.write("list", "Package: pear\nHomepage: http://pear.example/\n");
+    Running again({"index", "--data", data(), "--packages", list, "--folder", folder_.path() + "/none", "--pictures",
+                   folder_.path() + "/none"},
+                  folder_.path() + "/errors2");
+    ASSERT_EQ(again.wait(), 0) << again.errors();
+    EXPECT_NE(ask("127.80.0.1", portOf(ready, "web"), "/search?q=pear").find("pear.example"), std::string::npos);
+}
+
+TEST_F(Program, RootBecomesTheUserThatIsNamed)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can become another user";
+    index();
+    Running server = serve({"--user", "daemon"});
+    (void)server.readLine();
+    EXPECT_EQ(server.status("Uid"), "\t1\t1\t1\t1");
+    EXPECT_EQ(serve({"--user", "root"}).wait(), 1);
+    Running unknown({"serve", "--data", data(), "--port", "0", "--proxy-port", "0", "--user", "no such user"},
+                    folder_.path() + "/errors2");
+    EXPECT_EQ(unknown.wait(), 1);
+    EXPECT_NE(unknown.errors().find("no such user"), std::string::npos);
+}
+
+TEST_F(Program, AnIndexThatCannotBeReadWithoutRootIsSaidSo)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can become another user";
+    index();
+    folder_.write("data/other", "");
+    std::filesystem::permissions(data(), std::filesystem::perms::owner_all);
+    Running server = serve();
+    EXPECT_EQ(server.wait(), 1);
+    EXPECT_NE(server.errors().find("the user nobody cannot read the index"), std::string::npos) << server.errors();
+}
+
+#endif
 
 TEST_F(Program, CrawlSaysWhyItCannot)
 {
