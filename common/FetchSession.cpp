@@ -2,10 +2,17 @@
 
 #include <array>
 #include <new>
+#include <string>
 
 #include "common/runtime_error.h"
 
 namespace quarrynet {
+
+namespace {
+
+constexpr int kNoBufferSpace = 10055; // WinSock's number
+
+} // namespace
 
 std::string_view socketStateName(SocketState state)
 {
@@ -68,10 +75,21 @@ void FetchSession::dataArrived()
     try {
         socket_.GetData(shared_.ReceiveBuffer);
     } catch (const std::bad_alloc&) {
-        socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
-        shared_.restart();
-        failed(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
+        giveUp(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
+        return;
     }
+    if (shared_.ReceiveBuffer.size() > shared_.longest) {
+        giveUp(kNoBufferSpace, "No buffer space is available: the response is longer than " +
+                                   std::to_string(shared_.longest >> 20) + " MB");
+    }
+}
+
+void FetchSession::giveUp(int number, std::string_view description)
+{
+    socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
+    shared_.restart();
+    releaseFreedMemory();
+    failed(number, description);
 }
 
 void FetchSession::closed()

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "common/memory.h"
 
 /// The cycle that every search follows: one HTTP/1.1 exchange, written and read by hand. Knows no toolkit and no
 /// network: a socket and a tab are handed in, so every event order, split and overlap can be tried without a window.
@@ -62,6 +65,10 @@ struct ReceiveState
 {
     std::string ReceiveBuffer;
     bool HeaderStripped = false;
+
+    /// The longest response in bytes, header included. One that is longer is given up with an error: only the server's
+    /// close ends a response, and it need never come.
+    std::size_t longest = responseAllowance();
 
     /// What every start command and slider does before it connects.
     void restart();
@@ -130,6 +137,8 @@ public:
     void tick();
 
 private:
+    void giveUp(int number, std::string_view description);
+
     FetchSettings settings_;
     ClientSocket& socket_;
     FetchTab& tab_;

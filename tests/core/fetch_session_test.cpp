@@ -271,6 +271,27 @@ TEST(FetchSession, MemoryRunningOutEndsTheExchangeOnly)
                 ElementsAre("error 7 Out of memory", "socket closes", "panel 1 'Closed'", "button on", "timer off"));
 }
 
+TEST(FetchSession, ResponseBeyondItsBoundIsGivenUp)
+{
+    ReceiveState shared;
+    shared.longest = std::size_t{2} << 20;
+    Exchange web(shared);
+    web.arrive(std::string(shared.longest, 'x'));
+    EXPECT_EQ(shared.ReceiveBuffer.size(), shared.longest);
+    web.log.clear();
+    web.arrive("x");
+    EXPECT_THAT(web.log, ElementsAre("panel 2 'Downloading Data'", "socket closes",
+                                     "error 10055 No buffer space is available: the response is longer than 2 MB",
+                                     "socket closes", "panel 1 'Closed'", "button on", "timer off"));
+    EXPECT_TRUE(shared.ReceiveBuffer.empty());
+    EXPECT_LT(shared.ReceiveBuffer.capacity(), 100U);
+}
+
+TEST(FetchSession, BoundIsAQuarterOfTheMachinesMemory)
+{
+    EXPECT_EQ(ReceiveState().longest, responseAllowance());
+}
+
 TEST(OverlappingExchanges, MixTheirDataInOneBuffer)
 {
     ReceiveState shared;
