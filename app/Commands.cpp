@@ -206,7 +206,42 @@ void Main::stopmnu_Click()
     row.timer->stop();
     row.cleared->clearView();
     row.closed->Close();
+    giveMemoryBack();
     showCritical(this, tr("User cancel the operation"));
+}
+
+void Main::giveMemoryBack()
+{
+    // All exchanges share the buffer, and the stopped one need not have been the only one.
+    for (const TcpClientSocket* socket : findChildren<TcpClientSocket*>()) {
+        if (socket->State() != SocketState::Closed && socket->State() != SocketState::Error)
+            return;
+    }
+    receiveState_.restart();
+    releaseFreedMemory();
+}
+
+void Main::outOfMemory()
+{
+    for (SearchTab* tab : tabs_) {
+        if (tab->socket().State() != SocketState::Closed) {
+            tab->socket().Close();
+            tab->startButton().setEnabled(true);
+            tab->timer().stop();
+        }
+    }
+    // What is shown is what could not be laid out or painted; it would fail again behind the box.
+    const int tag = selectedTag();
+    if (tag >= 1 && tag <= static_cast<int>(tabs_.size())) {
+        SearchTab* front = tabs_[static_cast<std::size_t>(tag) - 1];
+        front->buffer().setText({});
+        front->clearView();
+        front->startButton().setEnabled(true);
+    }
+    giveMemoryBack();
+    showActivity({});
+    showConnection(socketStateName(SocketState::Closed));
+    showRuntimeError(this, RuntimeError::OutOfMemory);
 }
 
 } // namespace quarrynet

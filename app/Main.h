@@ -62,6 +62,10 @@ public:
     /// columns. False when the program cannot go on; the box that says why has been answered then.
     bool load();
 
+    /// Brings all tabs to rest, empties the view of the one in front, and says that memory ran out. For the event that
+    /// could not be handled (see Application).
+    void outOfMemory();
+
     // SearchWindow
     ReceiveState& receiveState() override { return receiveState_; }
     const ServiceHosts& serviceHosts() const override { return surroundings_.hosts; }
@@ -118,6 +122,9 @@ private:
     void stopmnu_Click();
 
     void showAbout(QWidget* owner);
+
+    /// Frees the response that was received so far, unless another exchange is under way.
+    void giveMemoryBack();
     int selectedTag() const;
 
     Surroundings surroundings_;

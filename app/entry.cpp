@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 
+#include "app/Application.h"
 #include "app/Main.h"
 #include "app/Tour.h"
 #include "platform/ProgramFolder.h"
@@ -59,7 +60,7 @@ int main(int argc, char** argv)
         options.process(withoutDisplay); // which ends the program
     }
 
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     QApplication::setStyle(new ProgramStyle);
     options.process(application);
 
@@ -75,6 +76,7 @@ int main(int argc, char** argv)
                                 QUARRYNET_FILE_SEARCH_HOST};
     Main window({hosts, shell, toBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
                  QUARRYNET_AUTHOR_MAIL_URL});
+    QObject::connect(&application, &Application::outOfMemory, &window, &Main::outOfMemory);
     QObject::connect(&window, &Main::cannotGoOn, &application, [] { QCoreApplication::exit(1); });
     if (!window.load())
         return 1;

@@ -19,6 +19,10 @@ void ListViewModel::setRows(std::vector<Row> rows)
 {
     if (rows.empty() && rows_.empty())
         return;
+    // The view lays out all rows in one block, and does not survive where there is none: this finds out before, and
+    // throws what the caller can catch.
+    constexpr std::size_t kLayoutOfARow = 128; // bytes; about twice what it is
+    std::vector<char>().reserve(rows.size() * kLayoutOfARow);
     beginResetModel();
     rows_ = std::move(rows);
     endResetModel();

@@ -1,0 +1,53 @@
+#include "app/Application.h"
+
+#include <new>
+
+namespace quarrynet {
+
+namespace {
+
+constexpr std::size_t kReserve = std::size_t{4} << 20; // a message box, its layout and fonts
+
+std::unique_ptr<std::string> makeReserve()
+{
+    try {
+        return std::make_unique<std::string>(kReserve, '\1');
+    } catch (const std::bad_alloc&) {
+        return nullptr; // the next message may then not come up
+    }
+}
+
+} // namespace
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv), reserve_(makeReserve()) {}
+
+bool Application::notify(QObject* receiver, QEvent* event)
+{
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::bad_alloc&) {
+        // Events of other threads pass here, too.
+        if (!telling_.exchange(true)) {
+            reserve_.reset();
+            try {
+                QMetaObject::invokeMethod(this, &Application::tell, Qt::QueuedConnection);
+            } catch (const std::bad_alloc&) {
+                telling_ = false; // the next event that fails tries again
+            }
+        }
+        return true;
+    }
+}
+
+void Application::tell()
+{
+    try {
+        emit outOfMemory();
+    } catch (const std::bad_alloc&) {
+        // Not even enough to say so; what could be freed on the way is free.
+    }
+    reserve_ = makeReserve();
+    telling_ = false;
+}
+
+} // namespace quarrynet
