@@ -110,12 +110,13 @@ void Main::makeControls()
     StatusBar1 = new StatusBar(centre);
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
     StatusBar1->setGeometry(kStatusBarPlace);
+    // The words go into the descriptions, for a name would stand in the place of the panel's text.
     ConnectionPanel = new QLabel(StatusBar1);
     ConnectionPanel->setObjectName(QStringLiteral("ConnectionPanel"));
-    ConnectionPanel->setAccessibleName(tr("State of the connection"));
+    ConnectionPanel->setAccessibleDescription(tr("State of the connection"));
     ActivityPanel = new QLabel(StatusBar1);
     ActivityPanel->setObjectName(QStringLiteral("ActivityPanel"));
-    ActivityPanel->setAccessibleName(tr("Step of the search"));
+    ActivityPanel->setAccessibleDescription(tr("Step of the search"));
     StatusBar1->addPanel(*ConnectionPanel, 2);
     StatusBar1->addPanel(*ActivityPanel, 3);
 

@@ -156,7 +156,12 @@ void HtmlView::takeView(std::unique_ptr<PageView> view)
     view_ = std::move(view);
     view_->widget().setAccessibleName(accessibleName());
     layout_->addWidget(&view_->widget(), 1);
-    setFocusProxy(&view_->widget());
+    // The view takes this widget's place for the Tab key: made late, it would be the window's last. A focus proxy that
+    // is a child would move this widget behind what follows it, and the key would go round between the two.
+    setTabOrder(this, &view_->widget());
+    setFocusPolicy(Qt::NoFocus);
+    if (hasFocus())
+        view_->widget().setFocus();
     view_->widget().show();
     if (!url_.isEmpty())
         view_->showPage(url_.toLocalFile(), gallery_);
@@ -172,6 +177,12 @@ void HtmlView::activate(const QByteArray& address)
         if (openable->compare(0, scheme.size(), scheme) == 0)
             emit linkActivated(*openable);
     }
+}
+
+void HtmlView::focusInEvent(QFocusEvent* event)
+{
+    if (view_)
+        view_->widget().setFocus(event->reason());
 }
 
 void HtmlView::keyPressEvent(QKeyEvent* event)

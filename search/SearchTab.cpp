@@ -52,7 +52,7 @@ void wireSession(TcpClientSocket& socket, FetchSession& session, QObject& contex
 }
 
 SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent)
-    : QFrame(parent)
+    : CoverableFrame(parent)
     , window_(window)
     , socket_(row.socket, this)
     , buffer_(row.buffer, this)
@@ -83,17 +83,9 @@ void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineE
 
 void SearchTab::setReachable(bool reachable)
 {
-    if (reachable == unreachable_.empty())
+    if (reachable != isCovered())
         return;
-    for (const auto& [control, policy] : unreachable_)
-        control->setFocusPolicy(policy);
-    unreachable_.clear();
-    if (!reachable) {
-        for (auto* control : findChildren<QWidget*>()) {
-            unreachable_.emplace_back(control, control->focusPolicy());
-            control->setFocusPolicy(Qt::NoFocus);
-        }
-    }
+    setCovered(!reachable);
     // Setting the caption anew takes its mnemonic up again.
     const QString caption = startButton_->text();
     startButton_->setText({});

@@ -1,15 +1,13 @@
 #pragma once
 
 #include <optional>
-#include <utility>
-#include <vector>
 
-#include <QFrame>
 #include <QTimer>
 
 #include "common/FetchSession.h"
 #include "common/request_text.h"
 #include "common/result_heading.h"
+#include "platform/CoverableFrame.h"
 #include "platform/HiddenText.h"
 #include "platform/PagingSlider.h"
 #include "platform/TcpClientSocket.h"
@@ -36,7 +34,7 @@ struct SocketRow
 
 /// What the five tabs have in common: a frame of controls, a start button, a socket with its cycle, a state timer, and
 /// the hidden buffer whose change runs the tab's parser.
-class SearchTab : public QFrame, public FetchTab
+class SearchTab : public CoverableFrame, public FetchTab
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(SearchTab)
@@ -92,7 +90,6 @@ private:
     HiddenText buffer_;
     FetchSession session_;
     QPushButton* startButton_ = nullptr;
-    std::vector<std::pair<QWidget*, Qt::FocusPolicy>> unreachable_; // with the policies to give back
 };
 
 /// A tab that lists results page by page: keywords, a slider below the results.

@@ -1,5 +1,7 @@
 #include "search/page/PageCheck.h"
 
+#include <QLabel>
+
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
 #include "search/page/address.h"
@@ -28,6 +30,13 @@ PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
 {
     ui_->setupUi(this);
     setStartButton(*ui_->Command2, {ui_->Text4, ui_->Text5});
+    // The list of modes has no caption on the screen. To assistive tools its name is the mode that is chosen, and what
+    // it is called comes from the label that belongs to it.
+    auto* caption = new QLabel(ui_->Combo1->accessibleName(), this);
+    caption->setObjectName(QStringLiteral("Combo1Caption"));
+    caption->setBuddy(ui_->Combo1);
+    caption->setGeometry({}); // no room in the layout
+    caption->hide();
     ui_->ListView2->setColumns({tr("Keyword"), tr("Found/Not Found")});
     connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
     connect(ui_->Text4, &QLineEdit::returnPressed, this, [this] { ui_->Text5->setFocus(); });

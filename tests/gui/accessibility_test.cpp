@@ -1,0 +1,165 @@
+#include <QAccessible>
+#include <QComboBox>
+
+#include "WindowFixture.h"
+#include "tab_controls.h"
+
+using namespace quarrynet;
+
+namespace {
+
+QAccessibleInterface* interfaceOf(QWidget* control)
+{
+    return QAccessible::queryAccessibleInterface(control);
+}
+
+// The names of the objects that an assistive tool finds when it walks down from `from`, without what is invisible.
+QStringList presentBelow(QAccessibleInterface* from)
+{
+    QStringList names;
+    for (int i = 0; i < from->childCount(); ++i) {
+        QAccessibleInterface* child = from->child(i);
+        if (!child || child->state().invisible)
+            continue;
+        if (child->object())
+            names.append(child->object()->objectName());
+        names += presentBelow(child);
+    }
+    return names;
+}
+
+// What is read out as the caption of a control: the names of the labels that belong to it.
+QString captionOf(QAccessibleInterface* control)
+{
+    QStringList captions;
+    for (const auto& [label, relation] : control->relations(QAccessible::Label)) {
+        if (relation == QAccessible::Label)
+            captions.append(label->text(QAccessible::Name));
+    }
+    return captions.join(u'|');
+}
+
+} // namespace
+
+class AccessibilityTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        window_ = std::make_unique<WindowFixture>();
+        window_->start();
+    }
+
+    // Their names, "State of the connection" and so on, were read out in the place of what they show.
+    void theStatusPanelsAreReadWithTheirTexts()
+    {
+        window_->main().showConnection("Connecting");
+        window_->main().showActivity("Requesting Data");
+        QAccessibleInterface* connection = interfaceOf(window_->control<QLabel>("ConnectionPanel"));
+        QCOMPARE(connection->text(QAccessible::Name), QStringLiteral("Connecting"));
+        QCOMPARE(connection->text(QAccessible::Description), QStringLiteral("State of the connection"));
+        QAccessibleInterface* activity = interfaceOf(window_->control<QLabel>("ActivityPanel"));
+        QCOMPARE(activity->text(QAccessible::Name), QStringLiteral("Requesting Data"));
+        QCOMPARE(activity->text(QAccessible::Description), QStringLiteral("Step of the search"));
+    }
+
+    void figuresAndFieldsBelongToTheirCaptions_data()
+    {
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("Text1") << QStringLiteral("Keyword/s:");
+        QTest::newRow("Label3") << QStringLiteral("Pages Found:");
+        QTest::newRow("Label5") << QStringLiteral("Search Speed:");
+        QTest::newRow("Text4") << QStringLiteral("URL:");
+        QTest::newRow("Text5") << QStringLiteral("Keyword/s:");
+        QTest::newRow("Combo1") << QStringLiteral("Match mode");
+        QTest::newRow("Text7") << QStringLiteral("Keyword/s:");
+        QTest::newRow("Label11") << QStringLiteral("Images Found:");
+        QTest::newRow("Label12") << QStringLiteral("Search Speed:");
+        QTest::newRow("Text10") << QStringLiteral("Keyword/s:");
+        QTest::newRow("Label15") << QStringLiteral("Files Found:");
+        QTest::newRow("Text11") << QStringLiteral("Filename:");
+    }
+
+    void figuresAndFieldsBelongToTheirCaptions()
+    {
+        QFETCH(QString, caption);
+        QCOMPARE(captionOf(interfaceOf(window_->control<QWidget>(QTest::currentDataTag()))), caption);
+    }
+
+    void figuresAreReadWithTheirTexts()
+    {
+        QCOMPARE(interfaceOf(window_->control<QLabel>("Label3"))->text(QAccessible::Name), QStringLiteral("0"));
+        QCOMPARE(interfaceOf(window_->control<QLabel>("Label5"))->text(QAccessible::Name),
+                 QStringLiteral("0.0 Second/s"));
+    }
+
+    void theModeListIsReadWithTheModeThatIsChosen()
+    {
+        window_->chooseTab(2);
+        auto* modes = window_->control<QComboBox>("Combo1");
+        modes->setCurrentIndex(2);
+        QCOMPARE(interfaceOf(modes)->text(QAccessible::Value), QStringLiteral("Exact Search"));
+        QVERIFY(!window_->control<QLabel>("Combo1Caption")->isVisible());
+    }
+
+    // The page check's frame is visible beneath the first from the start.
+    void theCoveredFrameIsNotPresent()
+    {
+        auto* covered = window_->control<QFrame>("SPS");
+        QVERIFY(covered->isVisible());
+        QVERIFY(interfaceOf(covered)->state().invisible);
+        QVERIFY(interfaceOf(covered)->rect().isEmpty());
+        verifyOnlyFrontTabIsPresent(1);
+    }
+
+    void everySwitchShowsTheFrontTabOnly_data()
+    {
+        QTest::addColumn<int>("tag");
+        for (const TabControls& tab : kTabs)
+            QTest::newRow(tab.frame) << tab.tag;
+    }
+
+    void everySwitchShowsTheFrontTabOnly()
+    {
+        QFETCH(int, tag);
+        if (tag == 1)
+            window_->chooseTab(2);
+        window_->chooseTab(tag);
+        verifyOnlyFrontTabIsPresent(tag);
+        window_->chooseTab(tag == 1 ? 2 : 1);
+        verifyOnlyFrontTabIsPresent(tag == 1 ? 2 : 1);
+    }
+
+    // A tool that asks what stands under the pointer.
+    void aPointInTheFrontFrameIsInNoOther_data() { everySwitchShowsTheFrontTabOnly_data(); }
+
+    void aPointInTheFrontFrameIsInNoOther()
+    {
+        QFETCH(int, tag);
+        if (tag != 1)
+            window_->chooseTab(tag);
+        auto* field = window_->control<QLineEdit>(tabOf(tag).typed[0].field);
+        const QPoint at = field->mapToGlobal(field->rect().center());
+        QAccessibleInterface* found = interfaceOf(&window_->main());
+        while (QAccessibleInterface* child = found->childAt(at.x(), at.y()))
+            found = child;
+        QCOMPARE(found->object(), field);
+    }
+
+private:
+    void verifyOnlyFrontTabIsPresent(int tag)
+    {
+        const QStringList present = presentBelow(interfaceOf(&window_->main()));
+        for (const TabControls& tab : kTabs) {
+            for (const char* name : {tab.frame, tab.typed[0].field, tab.button, tab.list})
+                QVERIFY2(present.contains(QLatin1String(name)) == (tab.tag == tag), name);
+        }
+    }
+
+    std::unique_ptr<WindowFixture> window_;
+};
+
+QTEST_MAIN(AccessibilityTest)
+#include "accessibility_test.moc"
