@@ -1,7 +1,10 @@
 #include "platform/ListView.h"
 
 #include <algorithm>
+#include <utility>
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -113,17 +116,49 @@ const std::vector<ListViewModel::Row>& ListView::rows() const
 std::vector<std::size_t> ListView::selectedRows() const
 {
     std::vector<std::size_t> rows;
-    for (const QModelIndex& index : selectionModel()->selectedRows())
-        rows.push_back(static_cast<std::size_t>(index.row()));
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(static_cast<std::size_t>(row));
+    }
     std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
+}
+
+void ListView::mousePressEvent(QMouseEvent* event)
+{
+    releasesDoubleClick_ = false;
+    const QModelIndex pressed = indexAt(event->position().toPoint());
+    const bool selected = pressed.isValid() && selectionModel()->isSelected(pressed);
+    pressed_ = selected ? pressed : QModelIndex();
+    beforePress_ = selected ? selectionModel()->selection() : QItemSelection();
+    QTreeView::mousePressEvent(event);
+}
+
+void ListView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (!std::exchange(releasesDoubleClick_, false)) {
+        QTreeView::mouseReleaseEvent(event);
+        return;
+    }
+    const QItemSelection kept = selectionModel()->selection();
+    QTreeView::mouseReleaseEvent(event);
+    selectionModel()->select(kept, QItemSelectionModel::ClearAndSelect);
 }
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    // The first click has taken the selection apart: without a key it left only its own row, with Ctrl all others.
+    const int row = indexAt(event->position().toPoint()).row();
+    const bool onSelected = pressed_.isValid() && row == pressed_.row();
+    const QItemSelection before = beforePress_;
     QTreeView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton)
-        emit doubleClicked();
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (onSelected)
+        selectionModel()->select(before, QItemSelectionModel::ClearAndSelect);
+    releasesDoubleClick_ = true;
+    emit doubleClicked();
 }
 
 void ListView::mouseMoveEvent(QMouseEvent* event)
@@ -138,7 +173,32 @@ void ListView::keyPressEvent(QKeyEvent* event)
         emit doubleClicked();
         return;
     }
+    if (event->matches(QKeySequence::Copy)) {
+        copySelection();
+        return;
+    }
     QTreeView::keyPressEvent(event);
+}
+
+void ListView::copySelection() const
+{
+    QStringList lines;
+    for (const std::size_t row : selectedRows()) {
+        QStringList cells;
+        for (int column = 0; column < model_->columnCount(); ++column)
+            cells.append(model_->index(static_cast<int>(row), column).data().toString());
+        lines.append(cells.join(u'\t'));
+    }
+    if (!lines.isEmpty())
+        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+}
+
+void ListView::focusInEvent(QFocusEvent* event)
+{
+    QTreeView::focusInEvent(event);
+    const bool tabbed = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (tabbed && model_->rowCount() > 0 && !selectionModel()->hasSelection())
+        setCurrentIndex(model_->index(0, 0));
 }
 
 void ListView::resizeEvent(QResizeEvent* event)

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <QAbstractTableModel>
+#include <QItemSelection>
 #include <QTreeView>
 
 namespace quarrynet {
@@ -34,7 +35,8 @@ private:
 };
 
 /// A list view in report form: columns with headers, whole rows selected, columns keeping their share of the width when
-/// the list is resized.
+/// the list is resized. A double click on one of several selected rows is one on all of them, and leaves them selected.
+/// The copy keys copy the selected rows as they are shown, cells parted by tabs and rows by line feeds.
 class ListView final : public QTreeView
 {
     Q_OBJECT
@@ -65,17 +67,24 @@ signals:
     void mouseMoved();
 
 protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     void shareWidth();
+    void copySelection() const;
 
     ListViewModel* model_ = nullptr;
     std::vector<double> shares_; // each column's width as a part of the list's
     bool sharing_ = false;
+    QItemSelection beforePress_;       // what was selected when a button went down on a selected row
+    QPersistentModelIndex pressed_;    // a cell of that row
+    bool releasesDoubleClick_ = false; // the release to come is a double click's
 };
 
 } // namespace quarrynet

@@ -1,7 +1,9 @@
+#include <QClipboard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
 
+#include "clicks.h"
 #include "platform/FigureLabel.h"
 #include "platform/HiddenListBox.h"
 #include "platform/HiddenText.h"
@@ -200,6 +202,54 @@ private slots:
         QCOMPARE(list.selectedRows(), (std::vector<std::size_t>{0, 2}));
         list.clear();
         QVERIFY(list.selectedRows().empty());
+    }
+
+    void listCopiesRowsAsTheyAreShown()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.setRows({{"a\tb", "c\r\nd"}, {"skipped"}, {"", "e"}, {}});
+        list.show();
+        for (const int row : {3, 0, 2})
+            list.selectionModel()->select(list.model()->index(row, 0),
+                                          QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a b\tc  d\n\te\n\t"));
+    }
+
+    // A list of a single row, the file list: with Ctrl the first press took its only row away.
+    void aSingleSelectionKeepsItsRowThroughADoubleClick()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setSelectionMode(QAbstractItemView::SingleSelection);
+        list.setRows({{"0"}, {"1"}});
+        list.resize(200, 100);
+        list.show();
+        const QPoint row = list.visualRect(list.model()->index(1, 0)).center();
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+        std::vector<std::size_t> opened;
+        connect(&list, &ListView::doubleClicked, this, [&] { opened = list.selectedRows(); });
+        doubleClick(list.viewport(), row, Qt::ControlModifier);
+        QCOMPARE(opened, std::vector<std::size_t>{1});
+        QCOMPARE(list.selectedRows(), std::vector<std::size_t>{1});
+    }
+
+    void rowsThatCameBetweenTheClicksAreNotTakenForTheOldOnes()
+    {
+        ListView list;
+        list.setColumns({QStringLiteral("A")});
+        list.setRows({{"0"}, {"1"}});
+        list.resize(200, 100);
+        list.show();
+        list.selectAll();
+        const QPoint row = list.visualRect(list.model()->index(0, 0)).center();
+        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, row);
+        list.setRows({{"new"}, {"new"}});
+        QMouseEvent second(QEvent::MouseButtonDblClick, row, list.viewport()->mapToGlobal(row), Qt::LeftButton,
+                           Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(list.viewport(), &second);
+        QCOMPARE(list.selectedRows(), std::vector<std::size_t>{0});
     }
 
     void listTakesADoubleClickAndEnterAlike()

@@ -2,6 +2,7 @@
 #include <QFile>
 
 #include "WindowFixture.h"
+#include "clicks.h"
 #include "tests/core/page_samples.h"
 
 using namespace quarrynet;
@@ -161,6 +162,21 @@ private slots:
         QCOMPARE(window_->service.lastRequestLine(), QByteArray("GET /three?n=3%2Fthree HTTP/1.1"));
         QVERIFY(!waiting());
         QCOMPARE(waitBoxes(), 1);
+    }
+
+    // The double click's first press left its own row selected alone, and that one was resolved.
+    void aDoubleClickOnOneOfSeveralSelectedRowsResolvesTheLast()
+    {
+        fill({"/redir?n=1%2Fone", "/redir?n=2%2Ftwo", "/redir?n=3%2Fthree"});
+        window_->service.answerWith("nothing");
+        const auto place = [this](int row) { return list()->visualRect(list()->model()->index(row, 0)).center(); };
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, place(0));
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, Qt::ControlModifier, place(2));
+        doubleClick(list()->viewport(), place(0));
+        QCOMPARE(window_->hidden("Text14"), std::string("/three?n=3%2Fthree"));
+        QTRY_COMPARE(window_->shell.opened.size(), std::size_t(1));
+        QVERIFY(list()->selectionModel()->isRowSelected(0) && list()->selectionModel()->isRowSelected(2));
+        QVERIFY(!list()->selectionModel()->isRowSelected(1));
     }
 
     void secondDoubleClickReplacesTheFirst()

@@ -1,4 +1,8 @@
+#include <QClipboard>
+
 #include "WindowFixture.h"
+#include "clicks.h"
+#include "platform/ListView.h"
 
 using namespace quarrynet;
 
@@ -245,19 +249,65 @@ private slots:
                             "ACCEPT: */*\r\n\r\n"));
     }
 
+    void doubleClickOpensEverySelectedAddress_data()
+    {
+        QTest::addColumn<Qt::KeyboardModifiers>("keys");
+        QTest::newRow("plain") << Qt::KeyboardModifiers();
+        QTest::newRow("Ctrl") << Qt::KeyboardModifiers(Qt::ControlModifier);
+    }
+
+    // The double click's first press took the selection apart: a plain one opened its own row alone, one with Ctrl the
+    // others.
     void doubleClickOpensEverySelectedAddress()
+    {
+        QFETCH(Qt::KeyboardModifiers, keys);
+        window_->service.answerWith(resultsPage(5, "5"));
+        search();
+        QTRY_COMPARE(rows().size(), 5);
+        auto* list = window_->control<ListView>("ListView1");
+        const auto row = [&](int i) { return list->visualRect(list->model()->index(i, 0)).center(); };
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row(3));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(1));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(4));
+        const std::vector<std::string> selected = {"http://site2.example/", "http://site4.example/",
+                                                   "http://site5.example/"};
+        for (int clicks = 0; clicks < 2; ++clicks) {
+            window_->shell.opened.clear();
+            doubleClick(list->viewport(), row(3), keys);
+            QCOMPARE(window_->shell.opened, selected);
+            QCOMPARE(list->selectedRows(), (std::vector<std::size_t>{1, 3, 4}));
+        }
+    }
+
+    void doubleClickOnAnotherRowOpensThatOne()
     {
         window_->service.answerWith(resultsPage(5, "5"));
         search();
         QTRY_COMPARE(rows().size(), 5);
-        auto* list = window_->control<QTreeView>("ListView1");
+        auto* list = window_->control<ListView>("ListView1");
         const auto row = [&](int i) { return list->visualRect(list->model()->index(i, 0)).center(); };
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row(1));
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
-        // The double click's own press has toggled row 3, as on any list; what is selected then is opened.
-        QVERIFY(!window_->shell.opened.empty());
-        QCOMPARE(window_->shell.opened[0], std::string("http://site2.example/"));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row(0));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(1));
+        doubleClick(list->viewport(), row(2));
+        QCOMPARE(window_->shell.opened, std::vector<std::string>{"http://site3.example/"});
+        QCOMPARE(list->selectedRows(), std::vector<std::size_t>{2});
+    }
+
+    void copyKeysCopyAllSelectedRows()
+    {
+        window_->service.answerWith(resultsPage(3, "3"));
+        search();
+        QTRY_COMPARE(rows().size(), 3);
+        auto* list = window_->control<ListView>("ListView1");
+        list->setFocus();
+        QApplication::clipboard()->setText(tr("before"));
+        QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), tr("before")); // nothing is selected
+        QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), tr("http://site1.example/\tTitle 1\n"
+                                                       "http://site2.example/\tTitle 2\n"
+                                                       "http://site3.example/\tTitle 3"));
     }
 
     // A count with markup in it was shown as rich text, and one of megabytes was laid out whole.
