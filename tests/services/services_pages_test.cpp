@@ -366,3 +366,29 @@ TEST_F(Pages, EmptyPagesAreKnownAsSuch)
         readFilePages(typed);
     }
 }
+
+TEST_F(Pages, SearchesThatTakeTooLongAreReadAsPagesWithoutResults)
+{
+    build(stanza("apple", "an apple", "pool/apple_1.deb"));
+    IndexPool hurried(data_.path(), std::chrono::milliseconds(0));
+    WebService web(hurried, std::string("http://") + kWebHost);
+    DownloadService downloads(hurried);
+    FileService files(hurried);
+    const auto bodyOf = [](const HttpResponse& response) {
+        EXPECT_EQ(response.status, 503);
+        EXPECT_NE(response.body.find("it took too long"), std::string::npos) << response.body;
+        return response.body;
+    };
+    const WebResults pages = parseWebResults(bodyOf(web.answer({"GET", kWebHost, "/search", "q=apple", false})));
+    EXPECT_FALSE(pages.fault);
+    EXPECT_TRUE(pages.nothingFound);
+    EXPECT_EQ(pages.rows, 0U);
+    const DownloadResults programs = parseDownloadResults(
+        bodyOf(downloads.answer({"GET", kDownloadHost, "/3120-20-0-1-5.html", "qt=apple&ca=20", false})));
+    EXPECT_TRUE(programs.nothingFound);
+    EXPECT_TRUE(programs.rows.empty());
+    const FileResults found =
+        parseFileResults(bodyOf(files.answer({"GET", kFileHost, "/cgi-bin/s", "t=f&q=apple", false})));
+    EXPECT_FALSE(found.fault);
+    EXPECT_TRUE(found.rows.empty());
+}
