@@ -2,6 +2,7 @@
 
 option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(QUARRYNET_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
 option(QUARRYNET_BUILD_FUZZERS "Build the libFuzzer programs in tests/fuzz (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -38,6 +39,11 @@ endif()
 if(QUARRYNET_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(QUARRYNET_SANITIZE_THREADS)
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
 endif()
 
 if(QUARRYNET_BUILD_FUZZERS)

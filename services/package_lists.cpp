@@ -138,9 +138,10 @@ void StanzaReader::takeLine(std::string_view line)
 
 void StanzaReader::endStanza()
 {
+    package_.name = oneLine(package_.name);
     if (!package_.name.empty()) {
-        for (std::string* text : {&package_.name, &package_.summary, &package_.description, &package_.homepage,
-                                  &package_.source, &package_.section, &package_.architecture, &package_.file})
+        for (std::string* text : {&package_.summary, &package_.description, &package_.homepage, &package_.source,
+                                  &package_.section, &package_.architecture, &package_.file})
             *text = oneLine(*text);
         // A version may follow: "Source: vim (2:9.0.1378-2)".
         package_.source.resize(std::min(package_.source.find(' '), package_.source.size()));

@@ -5,7 +5,7 @@ build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webeng
     libseccomp-dev
     fonts-dejavu-core fonts-liberation"
 run_packages="xdg-utils xvfb xauth"
-test_packages="libgtest-dev libgmock-dev clang-format clang-tidy python3 python3-pyftpdlib vsftpd"
+test_packages="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib vsftpd"
 bench_packages="libbenchmark-dev curl w3m"
 
 as_root() {

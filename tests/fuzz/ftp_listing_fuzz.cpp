@@ -1,0 +1,32 @@
+#include <algorithm>
+
+#include "services/ftp_listing.h"
+#include "tests/fuzz/fuzz_input.h"
+
+using namespace quarrynet;
+using namespace quarrynet::services;
+
+namespace {
+
+void checkEntries(const std::vector<FtpEntry>& entries, std::string_view listing)
+{
+    const auto lines = static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n')) + 1;
+    fuzz::check(entries.size() <= lines, "a line holds one entry at most");
+    for (const FtpEntry& entry : entries) {
+        fuzz::check(!entry.name.empty() && entry.name.size() <= kMaxListedName, "a name has a length");
+        fuzz::check(entry.name != "." && entry.name != "..", "and is no way up");
+        for (const char c : entry.name)
+            fuzz::check(c != '/' && static_cast<unsigned char>(c) >= ' ', "and can stand in a directory");
+        fuzz::check(!entry.size || *entry.size >= 0, "no size is negative");
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string_view listing = fuzz::textOf(data, size);
+    checkEntries(readMlsd(listing), listing);
+    checkEntries(readList(listing), listing);
+    return 0;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+/// What the fuzz targets share: the input as text, cut where a target needs several texts, and a check that stays in
+/// optimised builds.
+namespace quarrynet::fuzz {
+
+inline std::string_view textOf(const std::uint8_t* data, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(data), size};
+}
+
+/// Takes what stands before the first NUL off `rest`; all of it where there is none.
+inline std::string_view takeText(std::string_view& rest)
+{
+    const std::size_t end = rest.find('\0');
+    const std::string_view text = rest.substr(0, end);
+    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    return text;
+}
+
+/// Ends the program where `holds` is false: the fuzzer keeps the input then.
+inline void check(bool holds, const char* what)
+{
+    if (holds)
+        return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+} // namespace quarrynet::fuzz
