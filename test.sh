@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests, twice: optimised with warnings as errors, and under the sanitizers.
-# Options: --quick leaves the sanitizers and the static analysis out.
+# Builds everything and runs all tests, twice: under the address and undefined-behaviour sanitizers, and optimised with
+# warnings as errors. In between the services run under the thread sanitizer, and every reader of what comes from outside
+# meets some seconds of fuzzing.
+# Options: --quick leaves the sanitizers, the fuzzing and the static analysis out.
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
@@ -17,11 +19,13 @@ build_and_test() {
     cmake --preset "$1" >"build-$1.log" 2>&1 || { cat "build-$1.log"; rm -f "build-$1.log"; return 1; }
     rm -f "build-$1.log"
     cmake --build --preset "$1"
-    [ "$1" = asan ] || [ -n "$quick" ] || tools/tidy.sh "$1"
+    [ "$1" != ci ] || [ -n "$quick" ] || tools/tidy.sh "$1"
     ctest --preset "$1"
 }
 
 if [ -z "$quick" ]; then
     build_and_test asan
+    build_and_test tsan
+    build_and_test fuzz
 fi
 build_and_test ci

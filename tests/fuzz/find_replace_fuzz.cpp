@@ -1,3 +1,4 @@
+#include <optional>
 #include <string>
 
 #include "common/text_utilities.h"
@@ -11,19 +12,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string_view source = fuzz::textOf(data, size);
     const std::string_view search = fuzz::takeText(source);
     const std::string_view replacement = fuzz::takeText(source);
-    const std::string result = FindReplace(source, search, replacement);
-    if (search.empty()) {
-        fuzz::check(result.empty(), "an empty search text gives the empty text");
-        return 0;
-    }
-    if (replacement.find(search) != std::string_view::npos)
+    // Some calls grow without end or beyond any memory; with a bound they give nothing.
+    constexpr std::size_t kMost = 1 << 18;
+    const std::optional<std::string> result = FindReplaceWithin(source, search, replacement, kMost);
+    if (search.empty())
+        fuzz::check(result == "", "an empty search text gives the empty text");
+    if (!result || search.empty() || replacement.find(search) != std::string_view::npos)
         return 0;
     std::string current(source);
     // As many rounds as a small machine bears; calls that never end are not compared.
     for (std::size_t work = 0; work < 200'000; work += current.size() + 100) {
         std::string next = ReplaceFirstInstance(current, search, replacement);
         if (next == current) {
-            fuzz::check(result == current, "the result is that of the plain procedure");
+            fuzz::check(*result == current, "the result is that of the plain procedure");
             return 0;
         }
         current = std::move(next);
