@@ -49,6 +49,10 @@ private:
     bool hasFileName();
     bool fail(std::uint32_t error);
 
+    /// Runs an operation; running out of memory in it is a failure like others.
+    template <class Operation>
+    bool attempt(Operation operation);
+
     std::string fileName_;
     std::string lastErrorDescription_;
     std::uint32_t lastErrorCode_ = 0;

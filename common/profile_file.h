@@ -49,6 +49,9 @@ ProfileWrite writeProfileValue(const std::string& file, const std::string& secti
 ProfileWrite writeProfileSection(const std::string& file, const std::string& section,
                                  const std::vector<std::pair<std::string, std::string>>& entries);
 
+/// The system's error code for memory that ran out.
+std::uint32_t outOfMemoryError();
+
 /// The system's message for an error code other than 0, at most `capacity` - 1 characters.
 std::string systemMessage(std::uint32_t error, std::size_t capacity);
 

@@ -114,11 +114,14 @@ bool writeAll(int output, std::string_view text)
     return true;
 }
 
-/// Where a name leads once its symbolic links are followed, so that a rename replaces the file and not the link.
-std::string target(const std::string& file)
+/// Where a name leads once its symbolic links are followed, so that a rename replaces the file and not the link. The
+/// name itself where nothing is there yet; nothing, with errno set, when that cannot be found out.
+std::optional<std::string> target(const std::string& file)
 {
     const std::unique_ptr<char, decltype(&std::free)> path(::realpath(file.c_str(), nullptr), &std::free);
-    return path ? std::string(path.get()) : file;
+    if (path)
+        return std::string(path.get());
+    return errno == ENOENT ? std::optional(file) : std::nullopt;
 }
 
 std::string folderOf(const std::string& file)
@@ -136,6 +139,8 @@ std::uint32_t replaceFile(const std::string& file, std::string_view text, const 
     if (old && ::access(file.c_str(), W_OK) != 0)
         return lastError(); // the rename alone would pass over a file that may not be written
 
+    const std::string folderName =
+        folderOf(file); // before there is a file that running out of memory would leave behind
     std::string temporary;
     int number = -1;
     for (int attempt = 0; attempt < 100 && number < 0; ++attempt) {
@@ -162,7 +167,7 @@ std::uint32_t replaceFile(const std::string& file, std::string_view text, const 
         ::unlink(temporary.c_str());
         return error;
     }
-    const Descriptor folder(::open(folderOf(file).c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    const Descriptor folder(::open(folderName.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
     if (folder)
         ::fsync(folder.number()); // some file systems cannot; the new file is in place all the same
     return 0;
@@ -171,14 +176,16 @@ std::uint32_t replaceFile(const std::string& file, std::string_view text, const 
 template <class Change>
 ProfileWrite change(const std::string& name, Change changed)
 {
-    const std::string file = target(name);
-    const Content content = readAll(file);
+    const std::optional<std::string> file = target(name);
+    if (!file)
+        return {false, lastError()};
+    const Content content = readAll(*file);
     if (content.error != 0 && content.error != ENOENT)
         return {false, content.error};
     const std::string text = changed(content.text);
     if (text.size() > kLargestProfile)
         return {false, EFBIG};
-    const std::uint32_t error = replaceFile(file, text, content.state);
+    const std::uint32_t error = replaceFile(*file, text, content.state);
     return {error == 0, error};
 }
 
@@ -228,6 +235,11 @@ ProfileWrite writeProfileSection(const std::string& file, const std::string& sec
     if (!writable)
         return {false, EINVAL};
     return change(file, [&](const std::string& text) { return withProfileEntries(text, section, entries); });
+}
+
+std::uint32_t outOfMemoryError()
+{
+    return ENOMEM;
 }
 
 std::string systemMessage(std::uint32_t error, std::size_t capacity)

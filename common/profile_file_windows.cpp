@@ -88,6 +88,11 @@ ProfileWrite writeProfileSection(const std::string& file, const std::string& sec
     return write(file, [&] { return ::WritePrivateProfileSectionA(section.c_str(), text.c_str(), file.c_str()); });
 }
 
+std::uint32_t outOfMemoryError()
+{
+    return ERROR_NOT_ENOUGH_MEMORY;
+}
+
 std::string systemMessage(std::uint32_t error, std::size_t capacity)
 {
     std::string text(capacity, '\0');

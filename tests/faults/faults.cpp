@@ -1,0 +1,181 @@
+#include "faults.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+// The C library's own names for its allocator: looking them up would allocate.
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+}
+
+namespace {
+
+std::atomic<int> g_kinds = 0;
+std::atomic<long> g_left = 0;
+std::atomic<bool> g_failed = false;
+const char* g_mark = nullptr;
+
+template <class Function>
+Function* next(const char* name)
+{
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+/// Whether this call is the one that fails; its errno is set then.
+bool fails(int kind, int error)
+{
+    if ((g_kinds.load(std::memory_order_relaxed) & kind) == 0 || g_left.fetch_sub(1) != 1)
+        return false;
+    g_kinds = 0;
+    g_failed = true;
+    if (g_mark != nullptr) {
+        static auto* const create = next<int(const char*, int, ...)>("open");
+        static auto* const close = next<int(int)>("close");
+        close(create(g_mark, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    }
+    errno = error;
+    return true;
+}
+
+__attribute__((constructor)) void armFromEnvironment()
+{
+    const char* number = std::getenv("QUARRYNET_FAIL_AT");
+    if (number == nullptr)
+        return;
+    const char* kinds = std::getenv("QUARRYNET_FAIL_KINDS");
+    g_mark = std::getenv("QUARRYNET_FAIL_MARK");
+    quarrynet_fail_at(std::atol(number), kinds == nullptr ? ~0 : std::atoi(kinds));
+}
+
+} // namespace
+
+// A call that is given up with `failure` when it is its turn, and else handed on.
+#define QUARRYNET_FAULT(result, name, kind, error, failure, parameters, arguments)                                     \
+    result name parameters                                                                                             \
+    {                                                                                                                  \
+        static auto* const real = next<result parameters>(#name);                                                      \
+        return fails(kind, error) ? (failure) : real arguments;                                                        \
+    }
+
+// Opening takes a mode only where a file may be made.
+#define QUARRYNET_OPEN_FAULT(name, parameters, types, arguments)                                                       \
+    int name parameters                                                                                                \
+    {                                                                                                                  \
+        static auto* const real = next<int types>(#name);                                                              \
+        if (fails(QuarrynetFileFaults, EMFILE))                                                                        \
+            return -1;                                                                                                 \
+        mode_t mode = 0;                                                                                               \
+        if ((flags & (O_CREAT | O_TMPFILE)) != 0) {                                                                    \
+            va_list list;                                                                                              \
+            va_start(list, flags);                                                                                     \
+            mode = va_arg(list, mode_t);                                                                               \
+            va_end(list);                                                                                              \
+        }                                                                                                              \
+        return real arguments;                                                                                         \
+    }
+
+extern "C" {
+
+void quarrynet_fail_at(long number, int kinds)
+{
+    g_kinds = 0;
+    g_failed = false;
+    g_left = number;
+    g_kinds = kinds;
+}
+
+bool quarrynet_stop_failing()
+{
+    g_kinds = 0;
+    return g_failed;
+}
+
+void* malloc(size_t size)
+{
+    return fails(QuarrynetMemoryFaults, ENOMEM) ? nullptr : __libc_malloc(size);
+}
+
+void* calloc(size_t count, size_t size)
+{
+    return fails(QuarrynetMemoryFaults, ENOMEM) ? nullptr : __libc_calloc(count, size);
+}
+
+void* realloc(void* block, size_t size)
+{
+    return fails(QuarrynetMemoryFaults, ENOMEM) ? nullptr : __libc_realloc(block, size);
+}
+
+QUARRYNET_OPEN_FAULT(open, (const char* path, int flags, ...), (const char*, int, ...), (path, flags, mode))
+QUARRYNET_OPEN_FAULT(open64, (const char* path, int flags, ...), (const char*, int, ...), (path, flags, mode))
+QUARRYNET_OPEN_FAULT(openat, (int folder, const char* path, int flags, ...), (int, const char*, int, ...),
+                     (folder, path, flags, mode))
+QUARRYNET_OPEN_FAULT(openat64, (int folder, const char* path, int flags, ...), (int, const char*, int, ...),
+                     (folder, path, flags, mode))
+
+QUARRYNET_FAULT(ssize_t, read, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count), (number, to, count))
+QUARRYNET_FAULT(ssize_t, pread, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count, off_t at),
+                (number, to, count, at))
+QUARRYNET_FAULT(ssize_t, pread64, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count, off64_t at),
+                (number, to, count, at))
+QUARRYNET_FAULT(ssize_t, write, QuarrynetFileFaults, ENOSPC, -1, (int number, const void* from, size_t count),
+                (number, from, count))
+QUARRYNET_FAULT(ssize_t, pwrite, QuarrynetFileFaults, ENOSPC, -1,
+                (int number, const void* from, size_t count, off_t at), (number, from, count, at))
+QUARRYNET_FAULT(ssize_t, pwrite64, QuarrynetFileFaults, ENOSPC, -1,
+                (int number, const void* from, size_t count, off64_t at), (number, from, count, at))
+QUARRYNET_FAULT(off_t, lseek, QuarrynetFileFaults, EIO, -1, (int number, off_t offset, int from) noexcept,
+                (number, offset, from))
+QUARRYNET_FAULT(off64_t, lseek64, QuarrynetFileFaults, EIO, -1, (int number, off64_t offset, int from) noexcept,
+                (number, offset, from))
+QUARRYNET_FAULT(int, fstat, QuarrynetFileFaults, EIO, -1, (int number, struct stat* state) noexcept, (number, state))
+QUARRYNET_FAULT(int, fstat64, QuarrynetFileFaults, EIO, -1, (int number, struct stat64* state) noexcept,
+                (number, state))
+QUARRYNET_FAULT(int, fchmod, QuarrynetFileFaults, EPERM, -1, (int number, mode_t mode) noexcept, (number, mode))
+QUARRYNET_FAULT(int, fchown, QuarrynetFileFaults, EPERM, -1, (int number, uid_t user, gid_t group) noexcept,
+                (number, user, group))
+QUARRYNET_FAULT(int, fsync, QuarrynetFileFaults, EIO, -1, (int number), (number))
+QUARRYNET_FAULT(int, fdatasync, QuarrynetFileFaults, EIO, -1, (int number), (number))
+QUARRYNET_FAULT(int, ftruncate, QuarrynetFileFaults, ENOSPC, -1, (int number, off_t size) noexcept, (number, size))
+QUARRYNET_FAULT(int, ftruncate64, QuarrynetFileFaults, ENOSPC, -1, (int number, off64_t size) noexcept, (number, size))
+QUARRYNET_FAULT(int, rename, QuarrynetFileFaults, EIO, -1, (const char* from, const char* to) noexcept, (from, to))
+QUARRYNET_FAULT(int, unlink, QuarrynetFileFaults, EIO, -1, (const char* path) noexcept, (path))
+QUARRYNET_FAULT(int, mkdir, QuarrynetFileFaults, ENOSPC, -1, (const char* path, mode_t mode) noexcept, (path, mode))
+QUARRYNET_FAULT(DIR*, opendir, QuarrynetFileFaults, EMFILE, nullptr, (const char* path), (path))
+QUARRYNET_FAULT(struct dirent*, readdir, QuarrynetFileFaults, EIO, nullptr, (DIR * folder), (folder))
+QUARRYNET_FAULT(struct dirent64*, readdir64, QuarrynetFileFaults, EIO, nullptr, (DIR * folder), (folder))
+
+int close(int number)
+{
+    static auto* const real = next<int(int)>("close");
+    const int result = real(number);
+    return fails(QuarrynetFileFaults, EIO) ? -1 : result;
+}
+
+QUARRYNET_FAULT(int, socket, QuarrynetNetworkFaults, EMFILE, -1, (int domain, int type, int protocol) noexcept,
+                (domain, type, protocol))
+QUARRYNET_FAULT(int, connect, QuarrynetNetworkFaults, ECONNREFUSED, -1,
+                (int number, const sockaddr* name, socklen_t size), (number, name, size))
+QUARRYNET_FAULT(int, accept, QuarrynetNetworkFaults, EMFILE, -1, (int number, sockaddr* name, socklen_t* size),
+                (number, name, size))
+QUARRYNET_FAULT(int, accept4, QuarrynetNetworkFaults, EMFILE, -1,
+                (int number, sockaddr* name, socklen_t* size, int flags), (number, name, size, flags))
+QUARRYNET_FAULT(ssize_t, send, QuarrynetNetworkFaults, ECONNRESET, -1,
+                (int number, const void* from, size_t count, int flags), (number, from, count, flags))
+QUARRYNET_FAULT(ssize_t, sendmsg, QuarrynetNetworkFaults, ECONNRESET, -1,
+                (int number, const msghdr* message, int flags), (number, message, flags))
+QUARRYNET_FAULT(ssize_t, recv, QuarrynetNetworkFaults, ECONNRESET, -1, (int number, void* to, size_t count, int flags),
+                (number, to, count, flags))
+QUARRYNET_FAULT(ssize_t, recvmsg, QuarrynetNetworkFaults, ECONNRESET, -1, (int number, msghdr* message, int flags),
+                (number, message, flags))
+}

@@ -1,0 +1,47 @@
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "common/local_pages.h"
+#include "faults.h"
+#include "platform/local_files.h"
+
+using namespace quarrynet;
+
+/// Every file call that a page of the program's own needs fails once: there is a reason to show, or the page is whole.
+class LocalFilesFaultsTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pageIsWholeOrThereIsAReason()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("blank.html"));
+        const std::string page = blankFramePage();
+        QString reason;
+        long reasons = 0;
+        const long calls = failEveryCall(
+            QuarrynetFileFaults,
+            [&] {
+                QFile::remove(path);
+                QFile old(path);
+                QVERIFY(old.open(QIODevice::WriteOnly));
+                QCOMPARE(old.write("old"), 3);
+            },
+            [&] { reason = rewriteFile(path.toStdString(), page); },
+            [&](long number, bool failed) {
+                QFile file(path);
+                const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+                QVERIFY2(!reason.isEmpty() || content == QByteArray::fromStdString(page),
+                         qPrintable(QString::number(number)));
+                QVERIFY(failed || reason.isEmpty());
+                reasons += reason.isEmpty() ? 0 : 1;
+            });
+        QVERIFY2(calls >= 3, qPrintable(QString::number(calls)));
+        QVERIFY2(reasons >= 3, qPrintable(QString::number(reasons))); // remove, open, write
+    }
+};
+
+QTEST_GUILESS_MAIN(LocalFilesFaultsTest)
+#include "local_files_faults_test.moc"
