@@ -1,154 +1,299 @@
 #include "services/html_document.h"
 
 #include <algorithm>
-#include <array>
+#include <gumbo.h>
 #include <optional>
 #include <utility>
+#include <vector>
 
-#include "services/markup.h"
+#include "services/html_tree.h"
+#include "services/page_encoding.h"
 #include "services/text_encoding.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-char lowerAscii(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+constexpr std::size_t kMaxTitle = 1000;
 
-bool isNameCharacter(char c)
-{
-    const char l = lowerAscii(c);
-    return (l >= 'a' && l <= 'z') || (c >= '0' && c <= '9');
-}
+/// How far into a page its encoding is looked for.
+constexpr std::size_t kHead = 4096;
 
-/// The position behind the end tag of `element`, from `from` on; the page's end when it is never closed.
-std::pair<std::size_t, std::size_t> findEndTag(std::string_view page, std::string_view element, std::size_t from)
+/// Gathers text, bounded, on one line: white space and control bytes become one blank, none at the ends.
+class Line
 {
-    for (std::size_t at = page.find("</", from); at != std::string_view::npos; at = page.find("</", at + 2)) {
-        const std::string_view name = page.substr(at + 2, element.size());
-        if (name.size() == element.size() &&
-            std::equal(name.begin(), name.end(), element.begin(), [](char a, char b) { return lowerAscii(a) == b; }) &&
-            (at + 2 + name.size() >= page.size() || !isNameCharacter(page[at + 2 + name.size()]))) {
-            const std::size_t close = page.find('>', at);
-            return {at, close == std::string_view::npos ? page.size() : close + 1};
-        }
-    }
-    return {page.size(), page.size()};
-}
+public:
+    explicit Line(std::size_t maxBytes) : maxBytes_(maxBytes) {}
 
-struct Named
-{
-    std::string_view name;
-    char32_t character;
-};
-constexpr std::array<Named, 16> kReferences{{{"amp", '&'},
-                                             {"lt", '<'},
-                                             {"gt", '>'},
-                                             {"quot", '"'},
-                                             {"apos", '\''},
-                                             {"nbsp", ' '},
-                                             {"copy", 0xA9},
-                                             {"reg", 0xAE},
-                                             {"laquo", 0xAB},
-                                             {"raquo", 0xBB},
-                                             {"ndash", 0x2013},
-                                             {"mdash", 0x2014},
-                                             {"lsquo", 0x2018},
-                                             {"rsquo", 0x2019},
-                                             {"ldquo", 0x201C},
-                                             {"rdquo", 0x201D}}};
-
-std::optional<char32_t> referenceValue(std::string_view name)
-{
-    if (name.size() > 1 && name.front() == '#') {
-        const bool hexadecimal = lowerAscii(name[1]) == 'x';
-        const std::string_view digits = name.substr(hexadecimal ? 2 : 1);
-        if (digits.empty())
-            return std::nullopt;
-        char32_t value = 0;
-        for (const char c : digits) {
-            const char l = lowerAscii(c);
-            char32_t digit = 0;
-            if (c >= '0' && c <= '9')
-                digit = static_cast<char32_t>(c - '0');
-            else if (hexadecimal && l >= 'a' && l <= 'f')
-                digit = static_cast<char32_t>(l - 'a' + 10);
-            else
-                return std::nullopt;
-            value = value * (hexadecimal ? 16 : 10) + digit;
-        }
-        return value == 0xA0 ? U' ' : value;
-    }
-    for (const Named& reference : kReferences) {
-        if (reference.name == name)
-            return reference.character;
-    }
-    return std::nullopt;
-}
-
-std::string decodeReferences(std::string_view text)
-{
-    constexpr std::size_t kLongest = 8;
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '&') {
-            const std::size_t end = text.substr(i, kLongest + 2).find(';');
-            if (end != std::string_view::npos) {
-                if (const auto character = referenceValue(text.substr(i + 1, end - 1))) {
-                    appendUtf8(out, *character);
-                    i += end;
-                    continue;
-                }
+    void add(std::string_view text)
+    {
+        constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
+        for (std::size_t i = 0; i < text.size() && !full(); ++i) {
+            const auto byte = static_cast<unsigned char>(text[i]);
+            if (byte <= 0x20 || byte == 0x7F) {
+                addBlank();
+            } else if (text.substr(i, kNoBreakSpace.size()) == kNoBreakSpace) {
+                addBlank();
+                ++i;
+            } else {
+                if (blankDue_)
+                    text_.push_back(' ');
+                blankDue_ = false;
+                text_.push_back(text[i]);
             }
         }
-        out.push_back(text[i]);
     }
-    return out;
+
+    void addBlank() { blankDue_ = !text_.empty(); }
+
+    bool full() const { return text_.size() > maxBytes_; }
+
+    std::string take() const
+    {
+        std::string_view text = clipUtf8(text_, maxBytes_);
+        while (!text.empty() && text.back() == ' ')
+            text.remove_suffix(1);
+        return std::string(text);
+    }
+
+private:
+    std::size_t maxBytes_;
+    std::string text_;
+    bool blankDue_ = false;
+};
+
+bool isHtml(const GumboElement& element, GumboTag tag)
+{
+    return element.tag == tag && element.tag_namespace == GUMBO_NAMESPACE_HTML;
 }
 
-std::string tidy(std::string_view text)
+/// Elements whose text no reader sees. Scripts do not run here, so what stands for them is seen.
+bool isHidden(const GumboElement& element)
 {
-    return collapseBlanks(decodeReferences(toUtf8(text)));
+    switch (element.tag) {
+    case GUMBO_TAG_TITLE: // of the page it is taken by itself; of a drawing it is a hint
+    case GUMBO_TAG_SCRIPT:
+    case GUMBO_TAG_STYLE:
+    case GUMBO_TAG_TEMPLATE:
+    case GUMBO_TAG_NOEMBED:
+    case GUMBO_TAG_NOFRAMES:
+    case GUMBO_TAG_IFRAME:
+        return true;
+    case GUMBO_TAG_DESC:
+        return element.tag_namespace == GUMBO_NAMESPACE_SVG;
+    default:
+        return false;
+    }
+}
+
+/// Elements that stand inside of a line, so that the text goes on behind their tags without a blank.
+bool isInline(const GumboElement& element)
+{
+    switch (element.tag) {
+    case GUMBO_TAG_A:
+    case GUMBO_TAG_ABBR:
+    case GUMBO_TAG_ACRONYM:
+    case GUMBO_TAG_B:
+    case GUMBO_TAG_BDI:
+    case GUMBO_TAG_BDO:
+    case GUMBO_TAG_BIG:
+    case GUMBO_TAG_CITE:
+    case GUMBO_TAG_CODE:
+    case GUMBO_TAG_DATA:
+    case GUMBO_TAG_DEL:
+    case GUMBO_TAG_DFN:
+    case GUMBO_TAG_EM:
+    case GUMBO_TAG_FONT:
+    case GUMBO_TAG_I:
+    case GUMBO_TAG_INS:
+    case GUMBO_TAG_KBD:
+    case GUMBO_TAG_MARK:
+    case GUMBO_TAG_NOBR:
+    case GUMBO_TAG_Q:
+    case GUMBO_TAG_S:
+    case GUMBO_TAG_SAMP:
+    case GUMBO_TAG_SMALL:
+    case GUMBO_TAG_SPAN:
+    case GUMBO_TAG_STRIKE:
+    case GUMBO_TAG_STRONG:
+    case GUMBO_TAG_SUB:
+    case GUMBO_TAG_SUP:
+    case GUMBO_TAG_TIME:
+    case GUMBO_TAG_TT:
+    case GUMBO_TAG_U:
+    case GUMBO_TAG_VAR:
+    case GUMBO_TAG_WBR:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool isText(const GumboNode& node)
+{
+    return node.type == GUMBO_NODE_TEXT || node.type == GUMBO_NODE_CDATA || node.type == GUMBO_NODE_WHITESPACE;
+}
+
+bool isElement(const GumboNode& node)
+{
+    return node.type == GUMBO_NODE_ELEMENT || node.type == GUMBO_NODE_TEMPLATE;
+}
+
+/// Goes through the tree in the order of the page, without calling itself: `enter` is given each node, and says whether
+/// to go on below an element; `leave` each element that was gone into.
+template <class Enter, class Leave>
+void walk(const GumboNode* root, Enter enter, Leave leave)
+{
+    struct Place
+    {
+        const GumboNode* node;
+        unsigned next;
+    };
+    std::vector<Place> path;
+    if (root != nullptr && enter(*root) && isElement(*root))
+        path.push_back({root, 0});
+    while (!path.empty()) {
+        Place& place = path.back();
+        const GumboVector& children = place.node->v.element.children;
+        if (place.next == children.length) {
+            leave(*place.node);
+            path.pop_back();
+            continue;
+        }
+        const auto* child = static_cast<const GumboNode*>(children.data[place.next++]);
+        if (enter(*child) && isElement(*child))
+            path.push_back({child, 0});
+    }
+}
+
+void addTexts(const GumboNode& title, Line& line)
+{
+    const GumboVector& children = title.v.element.children;
+    for (unsigned i = 0; i < children.length; ++i) {
+        const auto* child = static_cast<const GumboNode*>(children.data[i]);
+        if (isText(*child))
+            line.add(child->v.text.text);
+    }
+}
+
+std::string_view attributeOf(const GumboElement& element, const char* name)
+{
+    const GumboAttribute* attribute = gumbo_get_attribute(&element.attributes, name);
+    return attribute == nullptr ? std::string_view() : std::string_view(attribute->value);
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase)
+{
+    return text.size() == lowerCase.size() &&
+           std::equal(text.begin(), text.end(), lowerCase.begin(), [](char a, char b) {
+               return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
+           });
+}
+
+/// The label in "text/html; charset=LABEL"; empty when there is none.
+std::string_view charsetIn(std::string_view content)
+{
+    constexpr std::string_view kName = "charset";
+    for (std::size_t at = 0; at + kName.size() <= content.size(); ++at) {
+        if (!equalsIgnoringCase(content.substr(at, kName.size()), kName))
+            continue;
+        std::string_view rest = content.substr(at + kName.size());
+        rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n\f"), rest.size()));
+        if (rest.substr(0, 1) != "=")
+            continue;
+        rest.remove_prefix(1);
+        rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n\f"), rest.size()));
+        if (rest.empty())
+            return {};
+        if (rest.front() == '"' || rest.front() == '\'') {
+            const std::size_t end = rest.find(rest.front(), 1);
+            return end == std::string_view::npos ? std::string_view() : rest.substr(1, end - 1);
+        }
+        return rest.substr(0, rest.find_first_of(" \t\r\n\f;"));
+    }
+    return {};
+}
+
+/// The encoding in '<?xml version="1.0" encoding="LABEL"?>' at the beginning of an XHTML page.
+std::optional<PageEncoding> declaredInXml(std::string_view head)
+{
+    if (head.substr(0, 5) != "<?xml")
+        return std::nullopt;
+    head = head.substr(0, head.find("?>"));
+    const std::size_t name = head.find("encoding");
+    const std::size_t open = name == std::string_view::npos ? name : head.find_first_of("\"'", name);
+    if (open == std::string_view::npos)
+        return std::nullopt;
+    const std::size_t close = head.find(head[open], open + 1);
+    return close == std::string_view::npos ? std::nullopt
+                                           : PageEncoding::named(head.substr(open + 1, close - open - 1));
+}
+
+std::optional<PageEncoding> declaredEncoding(std::string_view page)
+{
+    const std::string_view head = page.substr(0, kHead);
+    const HtmlTree tree(head);
+    std::optional<PageEncoding> declared;
+    walk(
+        tree.root(),
+        [&declared](const GumboNode& node) {
+            if (declared || !isElement(node))
+                return false;
+            const GumboElement& element = node.v.element;
+            if (isHtml(element, GUMBO_TAG_META)) {
+                std::string_view label = attributeOf(element, "charset");
+                if (label.empty() && equalsIgnoringCase(attributeOf(element, "http-equiv"), "content-type"))
+                    label = charsetIn(attributeOf(element, "content"));
+                declared = PageEncoding::named(label);
+            }
+            return true;
+        },
+        [](const GumboNode&) {});
+    return declared ? declared : declaredInXml(head);
+}
+
+/// Returns `page` as UTF-8: read by its byte order mark, else by what it declares, else as UTF-8 where it is that, else
+/// as Windows-1252.
+std::string pageText(std::string_view page)
+{
+    std::optional<PageEncoding> encoding = PageEncoding::byMark(page);
+    if (!encoding)
+        encoding = declaredEncoding(page);
+    if (!encoding && isUtf8(page))
+        return std::string(page);
+    if (!encoding)
+        encoding = PageEncoding::named("windows-1252");
+    std::optional<std::string> text = encoding ? encoding->toUtf8(page) : std::nullopt;
+    return text ? *std::move(text) : toUtf8(page);
 }
 
 } // namespace
 
 HtmlDocument readHtml(std::string_view page, std::size_t maxText)
 {
-    HtmlDocument document;
-    std::string text;
-    std::size_t at = 0;
-    while (at < page.size() && text.size() < maxText) {
-        const std::size_t open = std::min(page.find('<', at), page.size());
-        text.append(page.substr(at, std::min(open - at, maxText)));
-        if (open == page.size())
-            break;
-        if (page.substr(open, 4) == "<!--") {
-            const std::size_t end = page.find("-->", open + 4);
-            at = end == std::string_view::npos ? page.size() : end + 3;
-            continue;
-        }
-        std::string name;
-        for (std::size_t i = open + 1; i < page.size() && isNameCharacter(page[i]) && name.size() < 16; ++i)
-            name.push_back(lowerAscii(page[i]));
-        const std::size_t close = page.find('>', open);
-        at = close == std::string_view::npos ? page.size() : close + 1;
-        if (name == "script" || name == "style") {
-            at = findEndTag(page, name, at).second;
-        } else if (name == "title") {
-            const auto [end, behind] = findEndTag(page, name, at);
-            if (document.title.empty())
-                document.title = tidy(clipUtf8(page.substr(at, end - at), 1000));
-            at = behind;
-        }
-        text.push_back(' ');
-    }
-    document.text = tidy(text);
-    document.text = std::string(clipUtf8(document.text, maxText));
-    return document;
+    const std::string text = pageText(page.substr(0, HtmlLimits().bytes));
+    const HtmlTree tree(text);
+    std::optional<Line> title;
+    Line body(maxText);
+    walk(
+        tree.root(),
+        [&](const GumboNode& node) {
+            if (isText(node))
+                body.add(node.v.text.text);
+            if (!isElement(node))
+                return false;
+            const GumboElement& element = node.v.element;
+            if (!title && isHtml(element, GUMBO_TAG_TITLE))
+                addTexts(node, title.emplace(kMaxTitle));
+            if (!isInline(element))
+                body.addBlank();
+            return !isHidden(element) && !body.full();
+        },
+        [&body](const GumboNode& node) {
+            if (!isInline(node.v.element))
+                body.addBlank();
+        });
+    return {title ? title->take() : std::string(), body.take()};
 }
 
 } // namespace quarrynet::services

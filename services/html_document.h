@@ -12,8 +12,9 @@ struct HtmlDocument
     std::string text;  ///< the visible text, as far as the bound allows
 };
 
-/// Reads any bytes; markup that is not well-formed costs text, nothing else. Of the text at most `maxText` bytes are
-/// kept. Time grows in proportion to the page.
+/// Reads any bytes: a page in the encoding that its byte order mark, its markup or its XML declaration names, else in
+/// UTF-8 if it is that, else in Windows-1252. Markup is read as the HTML standard says, as far as HtmlLimits allow; of
+/// the text at most `maxText` bytes are kept. Time grows in proportion to the page.
 HtmlDocument readHtml(std::string_view page, std::size_t maxText);
 
 } // namespace quarrynet::services

@@ -1,7 +1,7 @@
 # Sourced by the scripts at the top: installs the Debian packages that are missing, and does nothing when none is.
 
 build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libqt6svg6
-    qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libcap2-bin libcap-dev
+    qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libcap2-bin libcap-dev
     libseccomp-dev
     fonts-dejavu-core fonts-liberation"
 run_packages="xdg-utils xvfb xauth"
