@@ -192,11 +192,13 @@ void Run::addPictureFolder(const std::string& folder)
     progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
 }
 
-/// Fails when the index in use has much more than these counts. One that cannot be read has nothing to lose.
+/// Fails when the index in use has much more than these counts. One that cannot be read has nothing to lose; one of
+/// another layout may count otherwise.
 Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& counts)
 {
     Outcome<Database> old = Database::open(indexPath(dataFolder), Database::Access::Read);
-    if (!old)
+    const Outcome<std::int64_t> layout = old ? indexLayout(*old) : Outcome<std::int64_t>(old.failure());
+    if (!layout || *layout != kIndexLayout)
         return Done{};
     const std::array<std::tuple<const char*, const char*, std::size_t>, 3> kinds{
         {{"web pages", "SELECT count(*) FROM web_page", counts.homePages + counts.documents},

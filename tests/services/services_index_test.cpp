@@ -283,6 +283,11 @@ TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
     forced.force = true;
     EXPECT_TRUE(buildIndex(data_.path(), forced, quiet));
     EXPECT_EQ(find(pool, "apple").size(), 1U);
+    // An index of another layout may have counted the packages of a page apart.
+    ASSERT_TRUE(build(many));
+    const std::string other = "PRAGMA user_version = " + std::to_string(kIndexLayout - 1);
+    ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute(other.c_str()));
+    EXPECT_TRUE(build(stanza("p", "apple")));
 }
 
 TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
