@@ -25,7 +25,10 @@ constexpr const char* kDebugging = "QTWEBENGINE_REMOTE_DEBUGGING";
 constexpr const char* kProcess = "QTWEBENGINEPROCESS_PATH";
 
 constexpr const char* kOurFlags = "--disable-gpu --no-first-run --disable-background-networking"
-                                  " --disable-component-update --disable-sync --disable-breakpad";
+                                  " --disable-component-update --disable-sync --disable-breakpad"
+                                  // The engine itself never uses the net, so it finds no host in it.
+                                  " --host-resolver-rules=\"MAP * ~NOTFOUND\""
+                                  " --force-webrtc-ip-handling-policy=disable_non_proxied_udp";
 
 // Gives an environment variable another value, or none, while it lives. The engine reads its options from the
 // environment when it starts; the programs that this one starts must not find them there.

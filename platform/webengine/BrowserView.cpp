@@ -1,6 +1,7 @@
 #include "platform/webengine/BrowserView.h"
 
 #include <QChildEvent>
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QWebEngineCookieStore>
 #include <QWebEngineDownloadRequest>
@@ -12,25 +13,31 @@
 
 #include "platform/view_keys.h"
 #include "platform/webengine/BrowserPage.h"
+#include "platform/webengine/PageWatch.h"
 #include "platform/webengine/RequestGuard.h"
+#include "platform/webengine/page_process.h"
 
 namespace quarrynet {
 
 namespace {
 
-// The pages' script was written for an older browser. It asks for all mouse events by a function and a number that
-// browsers have dropped or may drop; the events come to it all the same.
-constexpr const char* kOldBrowser = "if (!document.captureEvents) document.captureEvents = function() {};\n"
-                                    "if (window.Event && Event.MOUSEUP === undefined) Event.MOUSEUP = 2;\n";
+// Characters that turn the direction of reading become marks, as everywhere in the program, so that no address reads
+// backwards.
+constexpr const char* kMarks = "var w = document.createTreeWalker(document, NodeFilter.SHOW_TEXT);"
+                               "while (w.nextNode()) {"
+                               "  var t = w.currentNode.data.replace("
+                               "      /[\\u061c\\u200e\\u200f\\u202a-\\u202e\\u2066-\\u2069]/g, '\\ufffd');"
+                               "  if (t != w.currentNode.data) w.currentNode.data = t;"
+                               "}";
 
-QWebEngineScript oldBrowser()
+// A script of the program's own, out of the page's reach. It runs although the page's scripts do not.
+QWebEngineScript markScript()
 {
     QWebEngineScript script;
-    script.setName(QStringLiteral("older browser"));
-    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
-    script.setWorldId(QWebEngineScript::MainWorld);
+    script.setInjectionPoint(QWebEngineScript::DocumentReady);
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(QString::fromLatin1(kOldBrowser));
+    script.setSourceCode(QString::fromLatin1(kMarks));
     return script;
 }
 
@@ -44,12 +51,23 @@ bool choosesLink(const QEvent& event)
     return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
-bool isHistoryButton(const QEvent& event)
+// The left button chooses links and the middle one, too; the others would open a menu or lead through a history.
+bool isForbiddenButton(const QEvent& event)
 {
-    if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonRelease)
+    if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonRelease &&
+        event.type() != QEvent::MouseButtonDblClick)
         return false;
     const Qt::MouseButton button = static_cast<const QMouseEvent&>(event).button();
-    return button == Qt::BackButton || button == Qt::ForwardButton;
+    return button != Qt::LeftButton && button != Qt::MiddleButton;
+}
+
+// Backspace belongs to a field, and nowhere else.
+bool isForbiddenKey(const QKeyEvent& key, const QObject& place)
+{
+    if (leadsAway(key))
+        return true;
+    const auto* widget = qobject_cast<const QWidget*>(&place);
+    return key.key() == Qt::Key_Backspace && !(widget && widget->inputMethodQuery(Qt::ImEnabled).toBool());
 }
 
 } // namespace
@@ -60,12 +78,13 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
     , host_(host)
     , profile_(std::make_unique<QWebEngineProfile>())
     , guard_(new RequestGuard(this))
+    , pictures_(new PictureHandler(host.pictures, this))
     , page_(new BrowserPage(*guard_, profile_.get(), this))
 {
     restrict();
-    profile_->scripts()->insert(oldBrowser());
+    profile_->scripts()->insert(markScript());
     profile_->setUrlRequestInterceptor(guard_);
-    profile_->installUrlSchemeHandler(PictureHandler::scheme(), new PictureHandler(host_.pictures, this));
+    profile_->installUrlSchemeHandler(PictureHandler::scheme(), pictures_);
     setPage(page_);
     setContextMenuPolicy(Qt::NoContextMenu);
     setAcceptDrops(false);
@@ -78,6 +97,11 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
                 if (status != QWebEnginePage::NormalTerminationStatus)
                     host_.failed(tr("The browser view has ended unexpectedly."));
             });
+
+    const auto* watch = new PageWatch(*page_, this);
+    connect(watch, &PageWatch::hangs, this, [this] { giveUp(tr("The browser view did not answer any more.")); });
+    connect(watch, &PageWatch::grows, this, [this] { giveUp(tr("The browser view took too much memory.")); });
+    connect(guard_, &RequestGuard::flooded, this, [this] { giveUp(tr("The page asked for too much.")); });
 }
 
 BrowserView::~BrowserView()
@@ -91,30 +115,42 @@ void BrowserView::restrict()
     profile_->setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);
     profile_->cookieStore()->setCookieFilter([](const QWebEngineCookieStore::FilterRequest&) { return false; });
     profile_->setSpellCheckEnabled(false);
+    // A search's name, which tells nothing of this system.
+    profile_->setHttpUserAgent(QStringLiteral("Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)"));
+    profile_->setHttpAcceptLanguage(QStringLiteral("*"));
     connect(profile_.get(), &QWebEngineProfile::downloadRequested, this,
             [](QWebEngineDownloadRequest* download) { download->cancel(); });
 
     QWebEngineSettings* settings = profile_->settings();
     for (const auto attribute :
-         {QWebEngineSettings::JavascriptCanOpenWindows, QWebEngineSettings::JavascriptCanAccessClipboard,
-          QWebEngineSettings::LocalStorageEnabled, QWebEngineSettings::PluginsEnabled,
-          QWebEngineSettings::PdfViewerEnabled, QWebEngineSettings::FullScreenSupportEnabled,
-          QWebEngineSettings::ScreenCaptureEnabled, QWebEngineSettings::WebGLEnabled,
-          QWebEngineSettings::HyperlinkAuditingEnabled, QWebEngineSettings::AutoLoadIconsForPage,
-          QWebEngineSettings::DnsPrefetchEnabled, QWebEngineSettings::AllowRunningInsecureContent,
-          QWebEngineSettings::AllowGeolocationOnInsecureOrigins, QWebEngineSettings::NavigateOnDropEnabled,
-          QWebEngineSettings::ErrorPageEnabled})
+         {QWebEngineSettings::JavascriptEnabled, QWebEngineSettings::JavascriptCanOpenWindows,
+          QWebEngineSettings::JavascriptCanAccessClipboard, QWebEngineSettings::LocalStorageEnabled,
+          QWebEngineSettings::PluginsEnabled, QWebEngineSettings::PdfViewerEnabled,
+          QWebEngineSettings::FullScreenSupportEnabled, QWebEngineSettings::ScreenCaptureEnabled,
+          QWebEngineSettings::WebGLEnabled, QWebEngineSettings::HyperlinkAuditingEnabled,
+          QWebEngineSettings::AutoLoadIconsForPage, QWebEngineSettings::DnsPrefetchEnabled,
+          QWebEngineSettings::AllowRunningInsecureContent, QWebEngineSettings::AllowGeolocationOnInsecureOrigins,
+          QWebEngineSettings::NavigateOnDropEnabled, QWebEngineSettings::ErrorPageEnabled})
         settings->setAttribute(attribute, false);
     // The pages are local, show each other in frames and show pictures of the net. What they may load of either, the
     // guard decides.
     settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
     settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
+    settings->setAttribute(QWebEngineSettings::WebRTCPublicInterfacesOnly, true);
     settings->setUnknownUrlSchemePolicy(QWebEngineSettings::DisallowUnknownUrlSchemes);
+}
+
+void BrowserView::giveUp(const QString& reason)
+{
+    host_.failed(reason);
+    if (const qint64 process = page_->renderProcessPid(); process > 0)
+        endProcess(process);
 }
 
 void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture>& /*pictures*/)
 {
     guard_->allowPage(path);
+    pictures_->beginPage();
     setUrl(QUrl::fromLocalFile(path));
 }
 
@@ -129,12 +165,21 @@ void BrowserView::childEvent(QChildEvent* event)
 bool BrowserView::eventFilter(QObject* watched, QEvent* event)
 {
     const QEvent::Type type = event->type();
-    const bool key = type == QEvent::ShortcutOverride || type == QEvent::KeyPress || type == QEvent::KeyRelease;
-    if (key && leadsAway(*static_cast<QKeyEvent*>(event))) {
-        event->accept(); // no menu shortcut either
-        return true;
+    if (type == QEvent::ShortcutOverride || type == QEvent::KeyPress || type == QEvent::KeyRelease) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (isForbiddenKey(key, *watched)) {
+            event->accept(); // no menu shortcut either
+            return true;
+        }
+        if (key.key() == Qt::Key_Escape) {
+            // The engine would keep it; it is the window's. Later, for what the window does may destroy this view.
+            if (type == QEvent::KeyPress)
+                QCoreApplication::postEvent(parentWidget(), key.clone());
+            event->ignore();
+            return true;
+        }
     }
-    if (isHistoryButton(*event))
+    if (isForbiddenButton(*event))
         return true;
     if (choosesLink(*event))
         page_->personActed();

@@ -11,6 +11,7 @@ class QWebEngineProfile;
 namespace quarrynet {
 
 class BrowserPage;
+class PictureHandler;
 class RequestGuard;
 
 /// The browser engine's view of one page, closed to everything that a hostile page could try.
@@ -32,10 +33,12 @@ protected:
 
 private:
     void restrict();
+    void giveUp(const QString& reason);
 
     PageViewHost host_;
     std::unique_ptr<QWebEngineProfile> profile_;
     RequestGuard* guard_;
+    PictureHandler* pictures_;
     BrowserPage* page_;
 };
 

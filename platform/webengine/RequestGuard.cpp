@@ -30,6 +30,8 @@ void RequestGuard::allowPage(const QString& path)
 {
     const QString folder = QFileInfo(path).absolutePath();
     pages_ = {QUrl::fromLocalFile(path)};
+    loads_ = 0;
+    requests_ = 0;
     for (const std::string_view name : {kBlankFrameName, kBlankPageName, kGalleryFrameName, kGalleryPageName}) {
         const QString page = QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()));
         pages_.insert(QUrl::fromLocalFile(folder + QLatin1Char('/') + page));
@@ -43,6 +45,12 @@ bool RequestGuard::allows(const QUrl& page) const
 
 void RequestGuard::interceptRequest(QWebEngineUrlRequestInfo& request)
 {
+    if (++requests_ == kMaxRequests + 1)
+        emit flooded();
+    if (requests_ > kMaxRequests) {
+        request.block(true);
+        return;
+    }
     const QUrl address = request.requestUrl();
     const auto type = request.resourceType();
     if (type == QWebEngineUrlRequestInfo::ResourceTypeImage && isHttp(address)) {
@@ -51,7 +59,7 @@ void RequestGuard::interceptRequest(QWebEngineUrlRequestInfo& request)
     }
     const bool picture = type == QWebEngineUrlRequestInfo::ResourceTypeImage &&
                          address.scheme() == QLatin1String(PictureHandler::scheme());
-    const bool page = isPageType(type) && allows(address);
+    const bool page = isPageType(type) && allows(address) && ++loads_ <= kMaxLoads;
     request.block(!picture && !page);
 }
 
@@ -77,10 +85,21 @@ QUrl PictureHandler::pictureAt(const QUrl& address)
     return isHttp(picture) ? picture : QUrl();
 }
 
+void PictureHandler::beginPage()
+{
+    fetches_ = 0;
+    pixels_ = 0;
+}
+
 void PictureHandler::requestStarted(QWebEngineUrlRequestJob* job)
 {
-    pictures_.fetch(pictureAt(job->requestUrl()), job, [job](const Picture& picture) {
-        if (picture.bytes.isEmpty()) {
+    if (++fetches_ > kMaxPagePictures) {
+        job->fail(QWebEngineUrlRequestJob::RequestDenied);
+        return;
+    }
+    pictures_.fetch(pictureAt(job->requestUrl()), job, [this, job](const Picture& picture) {
+        pixels_ += static_cast<qint64>(picture.size.width()) * picture.size.height();
+        if (picture.bytes.isEmpty() || pixels_ > kMaxPixels) {
             job->fail(QWebEngineUrlRequestJob::RequestFailed);
             return;
         }

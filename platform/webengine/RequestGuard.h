@@ -17,6 +17,11 @@ class RequestGuard : public QWebEngineUrlRequestInterceptor
     Q_DISABLE_COPY_MOVE(RequestGuard)
 
 public:
+    /// Loads of pages for one that is shown: it and its frame, each of them twice. A page may ask for itself again.
+    static constexpr int kMaxLoads = 4;
+    /// Requests of any kind, refused ones included, before the page counts as a flood.
+    static constexpr int kMaxRequests = 1000;
+
     using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
 
     /// The page at `path` is shown from now on: it and the program's own pages beside it may be loaded.
@@ -25,8 +30,14 @@ public:
 
     void interceptRequest(QWebEngineUrlRequestInfo& request) override;
 
+signals:
+    /// The page asked for more than `kMaxRequests`.
+    void flooded();
+
 private:
     QSet<QUrl> pages_;
+    int loads_ = 0;    // of the page that is shown
+    int requests_ = 0; // likewise
 };
 
 /// Answers the addresses that RequestGuard sends pictures on to, from the program's own source of pictures.
@@ -47,10 +58,18 @@ public:
     static QUrl addressFor(const QUrl& picture);
     static QUrl pictureAt(const QUrl& address);
 
+    /// In pixels, of all pictures of one page together.
+    static constexpr qint64 kMaxPixels = 32 << 20;
+
+    /// Another page is shown from now on, and may have as many pictures as the one before.
+    void beginPage();
+
     void requestStarted(QWebEngineUrlRequestJob* job) override;
 
 private:
     PictureSource& pictures_;
+    int fetches_ = 0;   // for the page that is shown
+    qint64 pixels_ = 0; // likewise
 };
 
 } // namespace quarrynet

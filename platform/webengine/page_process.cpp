@@ -1,0 +1,52 @@
+#include "platform/webengine/page_process.h"
+
+#if defined(Q_OS_WIN)
+#include <windows.h>
+// After windows.h, which it needs.
+#include <psapi.h>
+#else
+#include <QByteArrayList>
+#include <QFile>
+
+#include <csignal>
+#include <unistd.h>
+#endif
+
+namespace quarrynet {
+
+qint64 processMemory(qint64 process)
+{
+#if defined(Q_OS_WIN)
+    qint64 bytes = 0;
+    if (const HANDLE handle = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(process))) {
+        PROCESS_MEMORY_COUNTERS counters = {};
+        if (K32GetProcessMemoryInfo(handle, &counters, sizeof counters))
+            bytes = static_cast<qint64>(counters.PagefileUsage);
+        CloseHandle(handle);
+    }
+    return bytes;
+#elif defined(Q_OS_LINUX)
+    // In units of the system's pages: the addresses in use, how much of them is in memory, and more.
+    QFile file(QStringLiteral("/proc/%1/statm").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+#else
+    Q_UNUSED(process);
+    return 0;
+#endif
+}
+
+void endProcess(qint64 process)
+{
+#if defined(Q_OS_WIN)
+    if (const HANDLE handle = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(process))) {
+        TerminateProcess(handle, 1);
+        CloseHandle(handle);
+    }
+#else
+    kill(static_cast<pid_t>(process), SIGKILL);
+#endif
+}
+
+} // namespace quarrynet

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QMainWindow>
+#include <QtTest>
+
+#include "../picture_server.h"
+#include "platform/HtmlView.h"
+
+/// What a person's environment may hold, and the engine must not heed. It is there before the engine starts.
+inline constexpr std::array<std::pair<const char*, const char*>, 3> kHostileEnvironment = {
+    {{"QTWEBENGINE_DISABLE_SANDBOX", ""},
+     {"QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox --single-process"},
+     {"QTWEBENGINE_REMOTE_DEBUGGING", "0"}}};
+
+/// A page whose first 100 pixels are a link.
+inline constexpr const char* kPageWithALink = "<title>shown</title><body topmargin=0 leftmargin=0><a href=\"http://host/\""
+                                  " style=\"display:block;height:100px\">link</a>";
+
+/// The view with its plug-in, loaded as the program loads it: late. Tests derive from it. What a page could do is seen
+/// from outside: by its title, its colours and what it asks of the server.
+class EngineFixture : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Runs a test, as an ordinary user where root starts it, for root gets no engine.
+    template <class Test>
+    static int run(int argc, char** argv)
+    {
+        unable_ = unableToRun(argv);
+        QApplication application(argc, argv);
+        Test test;
+        return QTest::qExec(&test, argc, argv);
+    }
+
+protected slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+protected:
+    void write(const QString& name, const QByteArray& content);
+    QString path(const QString& name) const { return folder_->filePath(name); }
+    QByteArray address(const char* target) const { return server_->address(QString::fromLatin1(target)).toUtf8(); }
+    void open(const QByteArray& page, const QString& name = QStringLiteral("images.html"),
+              const std::vector<quarrynet::GalleryPicture>& gallery = {});
+    QWidget* engine() const;
+    qint64 drawingProcess() const;
+    QString title() const { return engine() ? engine()->property("title").toString() : QString(); }
+    bool titleBecomes(const QString& expected);
+    void expectReplacement(const QString& reason);
+    void chooseTheLink();
+    bool showsColor(Qt::GlobalColor color);
+    void click(const QPoint& at, Qt::MouseButton button = Qt::LeftButton);
+
+    std::unique_ptr<QTemporaryDir> folder_;
+    std::unique_ptr<PictureServer> server_;
+    std::unique_ptr<QMainWindow> window_;
+    quarrynet::HtmlView* view_ = nullptr;
+    std::vector<std::string> links_;
+
+private:
+    static QString unableToRun(char** argv);
+
+    static inline QString unable_;
+};
