@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include <QChildEvent>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -52,6 +53,18 @@ private:
 QString plainNote()
 {
     return HtmlView::tr("Pictures and links are shown without the browser view.");
+}
+
+bool takesTabKey(const QWidget& control)
+{
+    return (control.focusPolicy() & Qt::TabFocus) && !control.focusProxy() && control.isEnabled() &&
+           control.isVisible();
+}
+
+// Keys and clicks go to `part` as before, but the Tab key does not stop there.
+void leaveTabKey(QWidget& part)
+{
+    part.setFocusPolicy(static_cast<Qt::FocusPolicy>(part.focusPolicy() & ~Qt::TabFocus));
 }
 
 } // namespace
@@ -156,10 +169,10 @@ void HtmlView::takeView(std::unique_ptr<PageView> view)
     view_ = std::move(view);
     view_->widget().setAccessibleName(accessibleName());
     layout_->addWidget(&view_->widget(), 1);
-    // The view takes this widget's place for the Tab key: made late, it would be the window's last. A focus proxy that
+    // Made late, the view would be the window's last for the Tab key, so this widget stands for it. A focus proxy that
     // is a child would move this widget behind what follows it, and the key would go round between the two.
-    setTabOrder(this, &view_->widget());
-    setFocusPolicy(Qt::NoFocus);
+    leaveTabKey(view_->widget());
+    view_->widget().installEventFilter(this);
     if (hasFocus())
         view_->widget().setFocus();
     view_->widget().show();
@@ -183,6 +196,29 @@ void HtmlView::focusInEvent(QFocusEvent* event)
 {
     if (view_)
         view_->widget().setFocus(event->reason());
+}
+
+bool HtmlView::focusNextPrevChild(bool next)
+{
+    // What has the focus is below this widget and stands anywhere in the window's order.
+    QWidget* control = this;
+    do {
+        control = next ? control->nextInFocusChain() : control->previousInFocusChain();
+    } while (control != this && (isAncestorOf(control) || !takesTabKey(*control)));
+    if (control == this)
+        return false;
+    control->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
+}
+
+bool HtmlView::eventFilter(QObject* watched, QEvent* event)
+{
+    // The engine makes the widget that takes its keys when it comes to a page.
+    if (event->type() == QEvent::ChildPolished) {
+        if (auto* part = qobject_cast<QWidget*>(static_cast<QChildEvent*>(event)->child()))
+            leaveTabKey(*part);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void HtmlView::keyPressEvent(QKeyEvent* event)
