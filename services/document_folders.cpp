@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "services/markup.h"
 #include "services/picture_format.h"
 
 namespace quarrynet::services {
@@ -124,10 +125,39 @@ std::string_view pageType(std::string_view path)
     return hasEnding(path, ".xhtml") ? "application/xhtml+xml" : "text/html";
 }
 
-std::string_view shownType(std::string_view path, std::string_view beginning)
+std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view address)
 {
-    if (const std::optional<PictureFormat> format = pictureFormat(beginning))
-        return mediaTypeOf(*format);
+    address = address.substr(0, address.find_first_of("?#"));
+    if (address.empty() || address.front() == '/' ||
+        address.substr(0, address.find('/')).find(':') != std::string::npos)
+        return std::nullopt;
+    // A folder of the page, ending in "/", or nothing.
+    std::string path(page.substr(0, page.rfind('/') + 1));
+    const std::string decoded = decodePercent(address);
+    for (std::size_t at = 0; at <= decoded.size();) {
+        const std::size_t end = std::min(decoded.find('/', at), decoded.size());
+        const std::string part = decoded.substr(at, end - at);
+        at = end + 1;
+        if (part == "..") {
+            if (path.empty())
+                return std::nullopt;
+            path.resize(path.size() - 1);
+            path.resize(path.rfind('/') + 1);
+        } else if (!part.empty() && part != ".") {
+            path += part + (end < decoded.size() ? "/" : "");
+        }
+    }
+    return path;
+}
+
+std::string_view pictureType(std::string_view beginning)
+{
+    const std::optional<PictureFormat> format = pictureFormat(beginning);
+    return format ? mediaTypeOf(*format) : std::string_view();
+}
+
+std::string_view styleType(std::string_view path, std::string_view beginning)
+{
     const bool isText = beginning.find('\0') == std::string_view::npos;
     return hasEnding(path, ".css") && isText ? "text/css" : std::string_view();
 }

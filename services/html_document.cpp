@@ -182,6 +182,33 @@ std::string_view attributeOf(const GumboElement& element, const char* name)
     return attribute == nullptr ? std::string_view() : std::string_view(attribute->value);
 }
 
+/// Adds the addresses of the pictures that the element shows.
+void addPictures(const GumboElement& element, std::vector<std::string>& pictures)
+{
+    const auto add = [&](const char* attribute) {
+        const std::string_view address = attributeOf(element, attribute);
+        if (!address.empty() && pictures.size() < kMaxPagePictures)
+            pictures.emplace_back(address);
+    };
+    add("background");
+    switch (element.tag) {
+    case GUMBO_TAG_IMG:
+    case GUMBO_TAG_EMBED:
+    case GUMBO_TAG_INPUT:
+        add("src");
+        break;
+    case GUMBO_TAG_IMAGE:
+    case GUMBO_TAG_LINK:
+        add("href");
+        break;
+    case GUMBO_TAG_OBJECT:
+        add("data");
+        break;
+    default:
+        break;
+    }
+}
+
 bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase)
 {
     return text.size() == lowerCase.size() &&
@@ -275,6 +302,7 @@ HtmlDocument readHtml(std::string_view page, std::size_t maxText)
     const HtmlTree tree(text);
     std::optional<Line> title;
     Line body(maxText);
+    std::vector<std::string> pictures;
     walk(
         tree.root(),
         [&](const GumboNode& node) {
@@ -287,13 +315,14 @@ HtmlDocument readHtml(std::string_view page, std::size_t maxText)
                 addTexts(node, title.emplace(kMaxTitle));
             if (!isInline(element))
                 body.addBlank();
-            return !isHidden(element) && !body.full();
+            addPictures(element, pictures);
+            return !isHidden(element);
         },
         [&body](const GumboNode& node) {
             if (!isInline(node.v.element))
                 body.addBlank();
         });
-    return {title ? title->take() : std::string(), body.take()};
+    return {title ? title->take() : std::string(), body.take(), std::move(pictures)};
 }
 
 } // namespace quarrynet::services

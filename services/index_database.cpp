@@ -19,6 +19,7 @@ namespace {
 constexpr const char* kTables = R"(
 CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 CREATE TABLE document(folder INTEGER NOT NULL, path TEXT NOT NULL, PRIMARY KEY(folder, path)) WITHOUT ROWID;
+CREATE TABLE shown_picture(folder INTEGER NOT NULL, path TEXT NOT NULL, PRIMARY KEY(folder, path)) WITHOUT ROWID;
 
 CREATE TABLE web_page(id INTEGER PRIMARY KEY, address TEXT NOT NULL, title TEXT NOT NULL, description TEXT NOT NULL);
 CREATE VIRTUAL TABLE web_page_text USING fts5(title, description, content='web_page', content_rowid='id',

@@ -18,7 +18,7 @@ namespace quarrynet::services {
 std::string indexPath(const std::string& dataFolder);
 
 /// Goes up whenever the tables change; an index of another layout has to be made anew.
-inline constexpr int kIndexLayout = 5;
+inline constexpr int kIndexLayout = 6;
 
 /// Files of the package lists are numbered from here on, those of crawled sites below it: whoever crawled a server
 /// wants to see its files before others that answer as well.

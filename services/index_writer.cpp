@@ -86,6 +86,7 @@ struct IndexWriter::Parts
     {
         FolderRow,
         DocumentRow,
+        ShownPictureRow,
         PageRow,
         PageTextRow,
         PageNameRow,
@@ -170,6 +171,7 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     constexpr std::array<std::string_view, InsertCount> kInserts{
         "INSERT INTO folder(path) VALUES (?1)",
         "INSERT INTO document(folder, path) VALUES (?1, ?2)",
+        "INSERT OR IGNORE INTO shown_picture(folder, path) VALUES (?1, ?2)",
         "INSERT INTO web_page(address, title, description) VALUES (?1, ?2, ?3)",
         "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)",
         "INSERT OR IGNORE INTO page_name(name, page) VALUES (?1, ?2)",
@@ -286,6 +288,11 @@ Outcome<std::int64_t> IndexWriter::addFolder(const std::string& path)
 Outcome<Done> IndexWriter::addDocument(std::int64_t folder, std::string_view path)
 {
     return parts_->insert(Parts::DocumentRow, folder, path);
+}
+
+Outcome<Done> IndexWriter::addShownPicture(std::int64_t folder, std::string_view path)
+{
+    return parts_->insert(Parts::ShownPictureRow, folder, path);
 }
 
 Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view title, std::string_view description,

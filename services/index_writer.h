@@ -80,6 +80,8 @@ public:
 
     /// A page of that folder, its path not escaped: the pages that are served at all.
     Outcome<Done> addDocument(std::int64_t folder, std::string_view path);
+    /// What may be a picture that a page of that folder shows; as often as wanted.
+    Outcome<Done> addShownPicture(std::int64_t folder, std::string_view path);
 
     /// `address` is a whole address, or for a page that the web service serves itself a path. Texts are UTF-8 without
     /// control characters. `names` are what the page is known by, such as the packages whose home page it is.

@@ -154,6 +154,11 @@ void Run::addDocument(std::int64_t folderNumber, const std::string& folder, cons
     if (document.title.empty())
         document.title = collapseBlanks(relative);
     note(writer_.addDocument(folderNumber, relative));
+    for (const std::string& address : document.pictures) {
+        const std::optional<std::string> picture = pathSeenFrom(relative, address);
+        if (picture && picture->size() <= kMaxAddress)
+            note(writer_.addShownPicture(folderNumber, *picture));
+    }
     note(writer_.addPage("/doc/" + std::to_string(folderNumber) + "/" + encodePath(relative), document.title,
                          document.text));
     ++counts_.documents;

@@ -132,7 +132,7 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
     return answer;
 }
 
-/// The folder of a document, and whether the index has the document as a page; nothing for a folder that it has not.
+/// The folder of a document, and what the index has the document as; nothing for a folder that it has not.
 Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folder, std::string_view path)
 {
     const std::optional<Place> none;
@@ -140,14 +140,15 @@ Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folde
     if (!index)
         return index.failure();
     Outcome<Statement> row = (*index)->prepare(
-        "SELECT path, EXISTS (SELECT 1 FROM document WHERE folder = ?1 AND path = ?2) FROM folder WHERE id = ?1");
+        "SELECT path, EXISTS (SELECT 1 FROM document WHERE folder = ?1 AND path = ?2), "
+        "EXISTS (SELECT 1 FROM shown_picture WHERE folder = ?1 AND path = ?2) FROM folder WHERE id = ?1");
     if (!row)
         return row.failure();
     row->bind(1, folder);
     row->bind(2, path);
     if (row->step() != Statement::Step::Row)
         return none;
-    return std::optional<Place>({std::string(row->text(0)), row->number(1) != 0});
+    return std::optional<Place>({std::string(row->text(0)), row->number(1) != 0, row->number(2) != 0});
 }
 
 HttpResponse WebService::document(std::string_view path)
@@ -167,8 +168,13 @@ HttpResponse WebService::document(std::string_view path)
     response.file = *place ? openBeneath((*place)->folder, relative) : nullptr;
     if (response.file == nullptr)
         return missing;
-    response.contentType =
-        (*place)->isPage ? pageType(relative) : shownType(relative, response.file->beginning(kPictureBeginning));
+    if ((*place)->isPage) {
+        response.contentType = pageType(relative);
+    } else {
+        // Style sheets name further ones, so it does not take a page that shows them.
+        const std::string beginning = response.file->beginning(kPictureBeginning);
+        response.contentType = (*place)->isPicture ? pictureType(beginning) : styleType(relative, beginning);
+    }
     if (response.contentType.empty())
         return missing;
     response.fields.emplace_back("Content-Security-Policy", kPagePolicy);

@@ -48,7 +48,8 @@ private:
     struct Place
     {
         std::string folder;
-        bool isPage = false; ///< a page of the index; else it can only be what a page shows
+        bool isPage = false;    ///< a page of the index
+        bool isPicture = false; ///< that a page of the index shows
     };
 
     HttpResponse searchPage(std::string_view query);

@@ -16,9 +16,9 @@ Database& index()
         fuzz::check(bool(opened), "a database in memory");
         Database made = std::move(*opened);
         fuzz::check(bool(made.execute("CREATE VIRTUAL TABLE words USING fts5(text);"
-                                 "CREATE VIRTUAL TABLE names USING fts5(name, tokenize = 'trigram');"
-                                 "INSERT INTO words VALUES ('a text editor');"
-                                 "INSERT INTO names VALUES ('editor_1.0.deb');")),
+                                      "CREATE VIRTUAL TABLE names USING fts5(name, tokenize = 'trigram');"
+                                      "INSERT INTO words VALUES ('a text editor');"
+                                      "INSERT INTO names VALUES ('editor_1.0.deb');")),
                     "its tables");
         return made;
     }();
