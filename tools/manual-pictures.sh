@@ -61,7 +61,7 @@ GAMES
 } >"$sample/packages"
 
 # drawing NAME COLOUR: an envelope.
-mkdir "$sample/drawings" "$sample/data"
+mkdir "$sample/drawings" "$sample/data" "$sample/bin"
 while read -r name colour; do
     cat >"$sample/drawings/$name.svg" <<SVG
 <svg xmlns="http://www.w3.org/2000/svg" width="120" height="120" viewBox="0 0 120 120">
@@ -79,6 +79,12 @@ mail-archive #2e3436
 mail-flagged #f57900
 DRAWINGS
 
+# Copies: the settings of a person who runs this, which may lie beside the program, must not show, nor be changed.
+for file in quarrynet quarrynet-services quarrynet-thumbnails libquarrynet_webengine.so; do
+    [ ! -e "$bin/$file" ] || cp "$bin/$file" "$sample/bin/"
+done
+bin=$sample/bin
+
 "$bin/quarrynet-services" index --data "$sample/data" --packages "$sample/packages" --mirror http://mirror.example/sample \
     --folder docs/manual --pictures "$sample/drawings"
 "$bin/quarrynet-services" serve --data "$sample/data" --proxy-port 0 >"$sample/log" 2>&1 &
@@ -92,6 +98,5 @@ if grep -q '=- ' "$sample/log"; then
     exit 1
 fi
 mkdir -p "$pictures"
-# Settings of a person who runs this must not show.
 env HOME="$sample" XDG_DATA_HOME="$sample/home" XDG_CONFIG_HOME="$sample/home" \
     xvfb-run -a -s "-screen 0 1280x960x24" "$bin/quarrynet" --tour "$pictures"
