@@ -31,11 +31,11 @@ std::string commonPart(std::string_view address)
 
 void appendBounded(std::string& text, std::string_view more)
 {
-    if (more.empty() || text.size() >= HomePages::kMaxText)
+    if (more.empty() || text.size() >= kMaxIndexedText)
         return;
     if (!text.empty())
         text += "; ";
-    text += clipUtf8(more, HomePages::kMaxText - std::min(text.size(), HomePages::kMaxText));
+    text += clipUtf8(more, kMaxIndexedText - std::min(text.size(), kMaxIndexedText));
 }
 
 std::string nameAndSummary(const std::string& name, const std::string& summary)
@@ -72,14 +72,15 @@ Outcome<Done> HomePages::writePage(IndexWriter& writer, std::vector<Member>& mem
     std::sort(members.begin(), members.end(),
               [&order](const Member& a, const Member& b) { return order(a) < order(b); });
     const Member& main = members.front();
-    std::string text(clipUtf8(main.description, kMaxText));
+    std::string text(clipUtf8(main.description, kMaxIndexedText));
     std::vector<std::string> names;
+    std::set<std::string_view> said{main.summary, main.description};
     for (const Member& member : members) {
         names.push_back(member.name);
         if (&member != &main)
-            appendBounded(text, nameAndSummary(member.name, member.summary));
+            appendBounded(text, said.insert(member.summary).second ? nameAndSummary(member.name, member.summary)
+                                                                   : member.name);
     }
-    std::set<std::string_view> said{main.description};
     for (const Member& member : members) {
         if (said.insert(member.description).second)
             appendBounded(text, member.description);

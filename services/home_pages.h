@@ -18,8 +18,7 @@ class HomePages
 public:
     /// The title and texts of a page come from its main package: one that is no companion of another, then one whose
     /// name is a word of the address, then one that is its own source, then the one with the shortest name. What the
-    /// others say is added to the text, as far as kMaxText allows.
-    static constexpr std::size_t kMaxText = 32 * 1024;
+    /// others say is added to the text, each thing once, as far as kMaxIndexedText allows.
 
     /// A package whose home page is not on the web is left out.
     void add(const Package& package);
