@@ -19,8 +19,9 @@ inline constexpr std::array<std::pair<const char*, const char*>, 3> kHostileEnvi
      {"QTWEBENGINE_REMOTE_DEBUGGING", "0"}}};
 
 /// A page whose first 100 pixels are a link.
-inline constexpr const char* kPageWithALink = "<title>shown</title><body topmargin=0 leftmargin=0><a href=\"http://host/\""
-                                  " style=\"display:block;height:100px\">link</a>";
+inline constexpr const char* kPageWithALink =
+    "<title>shown</title><body topmargin=0 leftmargin=0><a href=\"http://host/\""
+    " style=\"display:block;height:100px\">link</a>";
 
 /// The view with its plug-in, loaded as the program loads it: late. Tests derive from it. What a page could do is seen
 /// from outside: by its title, its colours and what it asks of the server.
@@ -34,7 +35,10 @@ public:
     static int run(int argc, char** argv)
     {
         unable_ = unableToRun(argv);
-        QApplication application(argc, argv);
+        // The engine reads options from the program's arguments, too.
+        std::array<char*, 4> arguments = {argv[0], options_.data(), noSandbox_.data(), nullptr};
+        int count = static_cast<int>(arguments.size()) - 1;
+        QApplication application(count, arguments.data());
         Test test;
         return QTest::qExec(&test, argc, argv);
     }
@@ -69,4 +73,6 @@ private:
     static QString unableToRun(char** argv);
 
     static inline QString unable_;
+    static inline std::string options_ = "--webEngineArgs";
+    static inline std::string noSandbox_ = "--no-sandbox";
 };
