@@ -1,6 +1,7 @@
 #include <string>
 #include <vector>
 
+#include <QLineEdit>
 #include <QTextBrowser>
 #include <QtTest>
 
@@ -28,6 +29,7 @@ private slots:
     void plainLinkLeavesThePageWhereItIs();
     void rightButtonDoesNothing();
     void keysThatLeadAwayAreSwallowed();
+    void tabKeyGoesThroughTheView();
     void escapeStopsTheSearchOnce();
 };
 
@@ -193,6 +195,43 @@ void HtmlEngineTest::keysThatLeadAwayAreSwallowed()
     QTest::keyClick(keys, Qt::Key_B);
     QTRY_COMPARE_WITH_TIMEOUT(keys->inputMethodQuery(Qt::ImSurroundingText).toString(), u"ab"_s, 30000);
     QCOMPARE(triggered.size(), 0);
+}
+
+// The engine's own widget stood at the end of the window's order, behind all that follows the view.
+void HtmlEngineTest::tabKeyGoesThroughTheView()
+{
+    auto* centre = new QWidget;
+    auto* before = new QLineEdit(centre);
+    view_->setParent(centre);
+    auto* after = new QLineEdit(centre);
+    auto* last = new QLineEdit(centre);
+    before->setGeometry(0, 0, 300, 30);
+    view_->setGeometry(0, 40, 300, 100);
+    after->setGeometry(0, 150, 300, 30);
+    last->setGeometry(0, 190, 300, 30);
+    window_->setCentralWidget(centre);
+    open("<p>text");
+    QTRY_VERIFY_WITH_TIMEOUT(engine()->focusProxy(), 30000);
+    window_->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window_.get()));
+    const auto viewHasKeys = [this] { return view_->isAncestorOf(QApplication::focusWidget()); };
+    before->setFocus();
+    QTest::keyClick(before, Qt::Key_Tab);
+    QTRY_VERIFY_WITH_TIMEOUT(viewHasKeys(), 30000);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTRY_VERIFY_WITH_TIMEOUT(after->hasFocus(), 30000);
+    QTest::keyClick(after, Qt::Key_Tab);
+    QVERIFY(last->hasFocus());
+    QTest::keyClick(last, Qt::Key_Tab);
+    QVERIFY(before->hasFocus());
+    QTest::keyClick(before, Qt::Key_Backtab, Qt::ShiftModifier);
+    QVERIFY(last->hasFocus());
+    QTest::keyClick(last, Qt::Key_Backtab, Qt::ShiftModifier);
+    QVERIFY(after->hasFocus());
+    QTest::keyClick(after, Qt::Key_Backtab, Qt::ShiftModifier);
+    QTRY_VERIFY_WITH_TIMEOUT(viewHasKeys(), 30000);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+    QTRY_VERIFY_WITH_TIMEOUT(before->hasFocus(), 30000);
 }
 
 void HtmlEngineTest::escapeStopsTheSearchOnce()

@@ -363,8 +363,6 @@ void HtmlViewTest::keysThatLeadAwayAreSwallowed()
     QTest::keyClick(&plain(), Qt::Key_N, Qt::ControlModifier);
     QTest::keyClick(&plain(), Qt::Key_F, Qt::AltModifier);
     QCOMPARE(triggered.size(), 0);
-    view_->setFocusProxy(nullptr);
-    view_->setFocus();
     QTest::keyClick(view_.get(), Qt::Key_N, Qt::ControlModifier); // the shortcut itself works
     QCOMPARE(triggered.size(), 1);
 }
