@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "services/html_tree.h"
@@ -179,6 +179,7 @@ private:
         if (!foreign && (isIn(kVoid, name) || isIn(kImplied, name)))
             return true;
         open_.push_back(name);
+        ++counts_[name];
         return open_.size() <= limits_.depth;
     }
 
@@ -195,14 +196,21 @@ private:
         }
     }
 
-    bool isOpen(std::string_view name) const { return std::find(open_.begin(), open_.end(), name) != open_.end(); }
+    bool isOpen(const std::string& name) const
+    {
+        const auto count = counts_.find(name);
+        return count != counts_.end() && count->second > 0;
+    }
 
     void close(const std::string& name)
     {
+        if (!isOpen(name))
+            return;
         const bool block = isIn(kBlocks, name);
         for (std::size_t i = open_.size(); i-- > 0;) {
             if (open_[i] == name) {
-                open_.resize(i);
+                for (; open_.size() > i; open_.pop_back())
+                    --counts_[open_.back()];
                 return;
             }
             if (isIn(kBarriers, open_[i]) || (!block && !isIn(kInline, open_[i])))
@@ -214,6 +222,7 @@ private:
     const HtmlLimits& limits_;
     std::size_t at_ = 0;
     std::vector<std::string> open_;
+    std::unordered_map<std::string, std::size_t> counts_; ///< of each name in open_
 };
 
 } // namespace

@@ -165,6 +165,7 @@ WordQuery wordQuery(std::string_view typed, std::string_view nameColumn)
     if (!query.name.empty())
         query.nameEnd = query.name + std::string(kLastCharacter);
     std::vector<std::string> words;
+    words.reserve(terms.size());
     for (const Term& term : terms)
         words.push_back(lowered(term.text));
     query.companions = asksForCompanions(words);

@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 bin=${1:-build/release/bin}
 pictures=${2:-docs/manual/pictures}
 sample=$(mktemp -d)
+chmod 755 "$sample" # started by root, the services go on as a user who has to reach the drawings
 services=
 trap '[ -z "$services" ] || { kill "$services" 2>/dev/null; wait "$services" 2>/dev/null; } || true; rm -rf "$sample"' EXIT
 
@@ -98,5 +99,4 @@ if grep -q '=- ' "$sample/log"; then
     exit 1
 fi
 mkdir -p "$pictures"
-env HOME="$sample" XDG_DATA_HOME="$sample/home" XDG_CONFIG_HOME="$sample/home" \
-    xvfb-run -a -s "-screen 0 1280x960x24" "$bin/quarrynet" --tour "$pictures"
+xvfb-run -a -s "-screen 0 1280x960x24" "$bin/quarrynet" --tour "$pictures"
