@@ -57,7 +57,7 @@ QImage decoded(const Picture& picture)
     const bool large = picture.size.width() > largest.width() || picture.size.height() > largest.height();
     if (large)
         reader.setScaledSize(picture.size.scaled(largest, Qt::KeepAspectRatio).expandedTo({1, 1}));
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.width() > largest.width() || image.height() > largest.height())
         return image.scaled(largest, Qt::KeepAspectRatio);
     return image;

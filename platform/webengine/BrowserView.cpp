@@ -1,5 +1,7 @@
 #include "platform/webengine/BrowserView.h"
 
+#include <utility>
+
 #include <QChildEvent>
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -91,7 +93,12 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
 
     connect(page_, &BrowserPage::linkActivated, this,
             [this](const QByteArray& address) { host_.linkActivated(address); });
-    connect(page_, &QWebEnginePage::loadFinished, this, [this] { page_->history()->clear(); });
+    connect(page_, &QWebEnginePage::loadFinished, this, [this](bool loaded) {
+        page_->history()->clear();
+        // A link that was pressed in the page before may have ended the loading of this one.
+        if (!loaded && std::exchange(mayRetry_, false))
+            setUrl(shown_);
+    });
     connect(page_, &QWebEnginePage::renderProcessTerminated, this,
             [this](QWebEnginePage::RenderProcessTerminationStatus status) {
                 if (status != QWebEnginePage::NormalTerminationStatus)
@@ -151,7 +158,9 @@ void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture
 {
     guard_->allowPage(path);
     pictures_->beginPage();
-    setUrl(QUrl::fromLocalFile(path));
+    shown_ = QUrl::fromLocalFile(path);
+    mayRetry_ = true;
+    setUrl(shown_);
 }
 
 void BrowserView::childEvent(QChildEvent* event)

@@ -40,6 +40,8 @@ private:
     RequestGuard* guard_;
     PictureHandler* pictures_;
     BrowserPage* page_;
+    QUrl shown_;
+    bool mayRetry_ = false;
 };
 
 } // namespace quarrynet

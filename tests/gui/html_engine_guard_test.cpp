@@ -211,8 +211,9 @@ void HtmlEngineGuardTest::downloadsAreNotTaken()
     chooseTheLink();
     click({100, 125});
     click({100, 175});
-    links_.clear();
-    chooseTheLink();
+    // The pressed links do not hold up the next page either.
+    open("<title>next</title>");
+    QVERIFY(titleBecomes(u"next"_s));
     QVERIFY(!server_->targets().contains("/b"));
     const QDir downloads(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
     QVERIFY(!downloads.exists(u"x.txt"_s));
