@@ -5,11 +5,11 @@
 // After windows.h, which it needs.
 #include <psapi.h>
 #else
-#include <QByteArrayList>
-#include <QFile>
-
 #include <csignal>
 #include <unistd.h>
+
+#include <QByteArrayList>
+#include <QFile>
 #endif
 
 namespace quarrynet {

@@ -50,7 +50,7 @@ void EngineFixture::write(const QString& name, const QByteArray& content)
 }
 
 void EngineFixture::open(const QByteArray& page, const QString& name,
-                          const std::vector<quarrynet::GalleryPicture>& gallery)
+                         const std::vector<quarrynet::GalleryPicture>& gallery)
 {
     write(name, page);
     view_->navigate(path(name), gallery);
