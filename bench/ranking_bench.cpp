@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -139,7 +140,7 @@ double reciprocalRank(const Names& shown, const Judged& judged)
 
 std::string rankText(double reciprocal)
 {
-    return reciprocal == 0 ? "-" : std::to_string(static_cast<int>(1 / reciprocal + 0.5));
+    return reciprocal == 0 ? "-" : std::to_string(std::lround(1 / reciprocal));
 }
 
 int measure(const std::vector<Judged>& set, const std::string& data)
