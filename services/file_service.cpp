@@ -18,12 +18,6 @@ constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
 <input type="submit" value="Search"></div></form>
 )";
 
-void replaceAll(std::string& text, std::string_view what, std::string_view with)
-{
-    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
-        text.replace(at, what.size(), with);
-}
-
 void appendFile(std::string& page, const FileHit& hit)
 {
     // The program reaches back ten bytes from the first ":" behind the size, over "a href=ftp", for the "=".
@@ -85,7 +79,7 @@ FileHit readHit(const Statement& row)
     if (hit.directory) {
         hit.address.push_back('/');
         // It stands in a query, too, where a "+" would be a blank.
-        replaceAll(hit.address, "+", "%2B");
+        hit.address = withReplaced(hit.address, "+", "%2B");
     }
     if (!row.isNull(3))
         hit.size = row.number(3);
@@ -138,16 +132,13 @@ Outcome<std::int64_t> countRows(Database& index, const std::string& condition, c
 
 std::string addressBelow(std::string_view base, std::string_view path)
 {
-    std::string escaped = std::string(base) + encodePath(path);
-    replaceAll(escaped, "class", "cl%61ss");
-    return escaped;
+    return withReplaced(std::string(base) + encodePath(path), "class", "cl%61ss");
 }
 
 std::string fileNameText(std::string_view name)
 {
-    std::string text = escapeText(name);
     // These two words would make the program take the page for one without results.
-    replaceAll(text, "not found", "not&#32;found");
+    std::string text = withReplaced(escapeText(name), "not found", "not&#32;found");
     // "<b> " begins a file's size.
     if (!text.empty() && text.front() == ' ')
         text.replace(0, 1, "&#32;");

@@ -28,11 +28,9 @@ constexpr std::string_view kThumbnailMark = "q=tbn:";
 constexpr std::string_view kPicturesPath = "/pictures/";
 
 /// The program takes every "src=/images?q=tbn" for a thumbnail, so no text that people or files bring may spell it.
-std::string withoutMarker(std::string text)
+std::string withoutMarker(std::string_view text)
 {
-    for (std::size_t at = text.find('='); at != std::string::npos; at = text.find('=', at))
-        text.replace(at, 1, "&#61;");
-    return text;
+    return withReplaced(text, "=", "&#61;");
 }
 
 std::string searchForm(std::string_view typed)

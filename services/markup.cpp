@@ -187,6 +187,17 @@ std::string readableSize(std::int64_t bytes)
     return text.data();
 }
 
+std::string withReplaced(std::string_view text, std::string_view what, std::string_view with)
+{
+    std::string out;
+    std::size_t done = 0;
+    for (std::size_t at = text.find(what); at != std::string_view::npos; at = text.find(what, done)) {
+        out.append(text, done, at - done).append(with);
+        done = at + what.size();
+    }
+    return out.append(text, done);
+}
+
 std::string collapseBlanks(std::string_view text)
 {
     std::string out;

@@ -44,6 +44,9 @@ std::string withSeparators(std::int64_t number);
 /// A size as people read it: "512 bytes", "7.5 MB" (1 KB is 1024 bytes).
 std::string readableSize(std::int64_t bytes);
 
+/// `text` with every `what` (not empty), read from left to right, replaced by `with`, which is not looked at again.
+std::string withReplaced(std::string_view text, std::string_view what, std::string_view with);
+
 /// Runs of white space and control bytes as one blank, none at the ends.
 std::string collapseBlanks(std::string_view text);
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <unordered_map>
+#include <utility>
 
 #include "services/child_process.h"
 #include "services/markup.h"
@@ -183,6 +185,7 @@ Outcome<Done> readListFile(const std::string& path, const std::function<void(con
 std::vector<Repository> repositoriesFrom(std::string_view targets)
 {
     std::vector<Repository> repositories;
+    std::unordered_map<std::string, std::size_t> numbers; // by base
     while (!targets.empty()) {
         const std::size_t end = std::min(targets.find('\n'), targets.size());
         const std::string_view line = targets.substr(0, end);
@@ -197,11 +200,10 @@ std::vector<Repository> repositoriesFrom(std::string_view targets)
         std::string address = tidyAddress(withoutUser(base, cleaned));
         if (address.back() != '/')
             address.push_back('/');
-        const auto known = std::find_if(repositories.begin(), repositories.end(),
-                                        [&address](const Repository& r) { return r.base == address; });
-        Repository& repository =
-            known != repositories.end() ? *known : repositories.emplace_back(Repository{address, {}});
-        repository.lists.emplace_back(line.substr(tab + 1));
+        const auto [known, isNew] = numbers.try_emplace(address, repositories.size());
+        if (isNew)
+            repositories.push_back({std::move(address), {}});
+        repositories[known->second].lists.emplace_back(line.substr(tab + 1));
     }
     return repositories;
 }

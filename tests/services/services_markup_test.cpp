@@ -72,3 +72,14 @@ TEST(CollapseBlanks, OneBlankBetweenWords)
     EXPECT_EQ(collapseBlanks(std::string_view("\0a\0", 3)), "a");
     EXPECT_EQ(collapseBlanks(" \n"), "");
 }
+
+TEST(WithReplaced, FromLeftToRightAndOnce)
+{
+    EXPECT_EQ(withReplaced("", "a", "b"), "");
+    EXPECT_EQ(withReplaced("abc", "d", "e"), "abc");
+    EXPECT_EQ(withReplaced("class subclass", "class", "cl%61ss"), "cl%61ss subcl%61ss");
+    EXPECT_EQ(withReplaced("a=b==", "=", "&#61;"), "a&#61;b&#61;&#61;");
+    EXPECT_EQ(withReplaced("aaaaa", "aa", "a"), "aaa");
+    EXPECT_EQ(withReplaced("aa", "a", "aa"), "aaaa");
+    EXPECT_EQ(withReplaced("ab", "ab", ""), "");
+}
