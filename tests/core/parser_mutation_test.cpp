@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/core/page_checks.h"
+#include "tests/core/page_markers.h"
 #include "tests/core/page_samples.h"
 #include "tests/core/test_data.h"
 
@@ -18,52 +19,6 @@ using namespace quarrynet::samples;
 namespace {
 
 constexpr int kRounds = 20000;
-
-const std::vector<std::string_view> kMarkers = {
-    "<p><a",
-    "<p><a href=",
-    ">",
-    "<",
-    "</a>",
-    "http",
-    "&e=",
-    "<b>",
-    "</b>",
-    "<b> ",
-    "</b> of about <b>",
-    "</b> of <b>",
-    "src=/images?q=tbn",
-    ":",
-    " ",
-    "main loop",
-    "Found:",
-    "-",
-    "class",
-    "pick",
-    "OS:",
-    " <",
-    "/redir?",
-    "redir",
-    "%2F",
-    "%3A",
-    "/form",
-    "&lt;dir&gt;",
-    "<a",
-    "q=",
-    "not found",
-    "newlocation = \"",
-    "\";",
-    "2000000000",
-    "-1",
-    "99999999999",
-    "1 - 2000000000</b>",
-    "\r\n",
-    "\xff",
-    ",",
-    "30",
-    "60",
-    "=",
-};
 
 class Mutator
 {
