@@ -77,7 +77,8 @@ public:
             } else if (next == '/' && at_ + 1 < page_.size() && isLetter(page_[at_ + 1])) {
                 ++at_;
                 const std::string name = tagName();
-                (void)attributes();
+                if (attributes().count > limits_.attributes) // the parser compares those of end tags as well
+                    return open;
                 close(name);
             } else if (page_.substr(at_, 3) == "!--") {
                 comment();

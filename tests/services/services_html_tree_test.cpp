@@ -65,6 +65,9 @@ TEST(LengthWithinLimits, EndsAtATagWithTooManyAttributes)
     EXPECT_EQ(lengthWithinLimits("<p a b=1 c='x y z'>", small()), 19U);
     EXPECT_EQ(lengthWithinLimits("one<p a b c d>", small()), 3U);
     EXPECT_EQ(lengthWithinLimits("<p a='1 2 3 4' b=\"<i a b c d>\">", small()), 31U);
+    // The parser compares the attributes of end tags as well, which are of no use.
+    EXPECT_EQ(lengthWithinLimits("one</p a b c>", small()), 13U);
+    EXPECT_EQ(lengthWithinLimits("one</p a b c d>", small()), 3U);
 }
 
 TEST(LengthWithinLimits, EndsWithTheBytes)
