@@ -53,6 +53,12 @@ void setPointSize(QWidget& widget, double points)
     widget.setFont(font);
 }
 
+// Not for controls that are only there for others, such as a name for assistive tools.
+bool isEverShown(const QWidget& control)
+{
+    return !control.isHidden() || !control.testAttribute(Qt::WA_WState_ExplicitShowHide);
+}
+
 // A field's own width is no matter: what is typed scrolls in it.
 bool hasRoom(const QWidget& control)
 {
@@ -206,8 +212,9 @@ void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls)
 {
     std::vector<QWidget*> written;
     std::copy_if(controls.begin(), controls.end(), std::back_inserter(written), [](const QWidget* control) {
-        return qobject_cast<const QLabel*>(control) || qobject_cast<const QAbstractButton*>(control) ||
-               qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control);
+        return isEverShown(*control) &&
+               (qobject_cast<const QLabel*>(control) || qobject_cast<const QAbstractButton*>(control) ||
+                qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control));
     });
     const double wanted = pointSize(form);
     int size = shownSize(wanted);
@@ -219,7 +226,7 @@ void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls)
             }))
             break;
     }
-    if (size < wanted)
+    if (size < shownSize(wanted))
         setPointSize(form, size);
 }
 

@@ -61,8 +61,9 @@ Texts pages()
     });
     texts.emplace_back("openings without an end",
                        [](std::size_t length) { return "x" + std::string(length, '<') + "a"; });
-    texts.emplace_back("a tag of half the page",
-                       [](std::size_t length) { return "<" + std::string(length / 2, 'x') + ">" + filled("<b>", length / 2); });
+    texts.emplace_back("a tag of half the page", [](std::size_t length) {
+        return "<" + std::string(length / 2, 'x') + ">" + filled("<b>", length / 2);
+    });
     texts.emplace_back("all tags different", [](std::size_t length) {
         std::string text;
         for (std::size_t i = 0; text.size() < length; ++i)
@@ -92,8 +93,11 @@ Texts pictures()
         {"PNG", after("\x89PNG\r\n\x1a\n"s, "\0\0\0\0tEXt\0\0\0\0"s)},
         {"JPEG of empty segments", after("\xff\xd8"s, "\xff\xe0\0\x02"s)},
         {"JPEG of fill bytes", after("\xff\xd8"s, "\xff"s)},
-        {"JPEG of zeros", after("\xff\xd8\xff\xc0\0\x11\x08\0\x10\0\x10\x03\x01\x22\0\x02\x11\x01\x03\x11\x01\xff\xda\0\x02"s, "\0"s)},
-        {"JPEG of restarts", after("\xff\xd8\xff\xc0\0\x11\x08\0\x10\0\x10\x03\x01\x22\0\x02\x11\x01\x03\x11\x01\xff\xda\0\x02"s, "\xff\xd0"s)},
+        {"JPEG of zeros",
+         after("\xff\xd8\xff\xc0\0\x11\x08\0\x10\0\x10\x03\x01\x22\0\x02\x11\x01\x03\x11\x01\xff\xda\0\x02"s, "\0"s)},
+        {"JPEG of restarts",
+         after("\xff\xd8\xff\xc0\0\x11\x08\0\x10\0\x10\x03\x01\x22\0\x02\x11\x01\x03\x11\x01\xff\xda\0\x02"s,
+               "\xff\xd0"s)},
         {"GIF", after("GIF89a\x10\0\x10\0\0\0\0"s, "!\xfe\0"s)},
         {"WebP", after("RIFF\xff\xff\xff\x7fWEBP"s, "VP8X\0\0\0\0"s)},
     };
@@ -111,9 +115,9 @@ TEST(CoreCost, PresenceInAPage)
     for (int mode = 0; mode <= 2; ++mode) {
         for (const std::string_view typed : {"apple pear", "x", "<b>", "ab", "\xc3\xa9", "a a a a"}) {
             const std::vector<std::string> entries = keywordEntries(typed);
-            expectProportionalTexts("presence in mode " + std::to_string(mode) + " of " + std::string(typed), pages(),
-                                    [&](const std::string& page) { presenceRows(page, entries, typed, mode); },
-                                    kLength / 4);
+            expectProportionalTexts(
+                "presence in mode " + std::to_string(mode) + " of " + std::string(typed), pages(),
+                [&](const std::string& page) { presenceRows(page, entries, typed, mode); }, kLength / 4);
         }
     }
 }
@@ -154,8 +158,9 @@ TEST(CoreCost, PresenceOfManyAndOfLongKeywords)
 TEST(CoreCost, ReplacementsThatTheProgramMakes)
 {
     using namespace std::string_literals;
-    for (const auto& [sought, replacement] : {std::pair("<b>"s, ""s), std::pair("</b>"s, ""s), std::pair("%3A"s, ":"s),
-                                              std::pair("%2F"s, "/"s), std::pair("  "s, " "s), std::pair("\"\""s, "\""s)}) {
+    for (const auto& [sought, replacement] :
+         {std::pair("<b>"s, ""s), std::pair("</b>"s, ""s), std::pair("%3A"s, ":"s), std::pair("%2F"s, "/"s),
+          std::pair("  "s, " "s), std::pair("\"\""s, "\""s)}) {
         Texts texts = patterns({"x", sought, sought.substr(0, 1), sought + "x", "x" + sought + sought});
         texts.emplace_back("one in another", [&](std::size_t length) {
             return repeated(sought.substr(0, 1), length / 2) + repeated(sought.substr(1), length / 2);
@@ -180,12 +185,12 @@ TEST(CoreCost, SearchingLongTextsInTexts)
 
 TEST(CoreCost, RedirectPathsAndLinkRequests)
 {
-    expectProportionalTexts("link request", patterns({"x", "\r", "\n", "\r\nx", "%2F"}), [](const std::string& path) {
-        linkRequest(path, "d.example", Route::Direct);
-    });
+    expectProportionalTexts("link request", patterns({"x", "\r", "\n", "\r\nx", "%2F"}),
+                            [](const std::string& path) { linkRequest(path, "d.example", Route::Direct); });
     Texts links = patterns({"x", "%2F", "%2", "r", "redi", "redir", "redi%2F", "redi%2Fr"});
     links.emplace_back("one word", [](std::size_t length) { return "/redir?x=%2F" + std::string(length, 'x'); });
-    links.emplace_back("many words and a short tail", [](std::size_t length) { return filled("redir", length) + "%2Fx"; });
+    links.emplace_back("many words and a short tail",
+                       [](std::size_t length) { return filled("redir", length) + "%2Fx"; });
     links.emplace_back("many words and a long tail", [](std::size_t length) {
         return filled("redir", length / 2) + "%2F" + std::string(length / 2, 'x');
     });
@@ -223,14 +228,14 @@ TEST(CoreCost, SettingsFiles)
     Texts files = patterns({"x", "[", "[s]\n", "key=value\n", "=", "\n", "\r\n", " ", ";", ";comment\n", "\"", "[s\n",
                             std::string(1, '\0'), "[other]\nkey=\"value\"\n"});
     files.emplace_back("one section", [](std::size_t length) { return "[s]\n" + filled("k=v\n", length); });
-    files.emplace_back("one section of blank lines", [](std::size_t length) { return "[s]\n" + filled(" \t\n", length); });
+    files.emplace_back("one section of blank lines",
+                       [](std::size_t length) { return "[s]\n" + filled(" \t\n", length); });
     files.emplace_back("one long value", [](std::size_t length) { return "[s]\nkey=" + std::string(length, 'x'); });
     files.emplace_back("one long quoted value",
                        [](std::size_t length) { return "[s]\nkey=" + std::string(length, '"'); });
     files.emplace_back("one long key", [](std::size_t length) { return "[s]\n" + std::string(length, 'k') + "=v"; });
-    files.emplace_back("many sections, then the one", [](std::size_t length) {
-        return filled("[t]\nkey=v\n", length) + "[s]\nkey=v\n";
-    });
+    files.emplace_back("many sections, then the one",
+                       [](std::size_t length) { return filled("[t]\nkey=v\n", length) + "[s]\nkey=v\n"; });
     expectProportionalTexts("value", files, [](const std::string& text) { profileValue(text, "s", "key"); });
     expectProportionalTexts("entries", files, [](const std::string& text) { profileEntries(text, "s"); });
     expectProportionalTexts("sections", files, [](const std::string& text) { profileSectionNames(text); });
@@ -258,9 +263,8 @@ TEST(CoreCost, Addresses)
             "address " + scheme,
             patterns({"x", "%", "%4", " ", "\"", "@", ":", "&attach=x", "&", "[", "/", "\xff", "a.", "=", "?", "#"}),
             [&](const std::string& text) { openableAddress(scheme + text); }, 8 * 1024);
-        expectProportionalTexts(
-            "refused address " + scheme, patterns({"x", "%", " ", "@", "&attach=x", "\xff"}),
-            [&](const std::string& text) { openableAddress(scheme + text); });
+        expectProportionalTexts("refused address " + scheme, patterns({"x", "%", " ", "@", "&attach=x", "\xff"}),
+                                [&](const std::string& text) { openableAddress(scheme + text); });
     }
 }
 
@@ -274,7 +278,8 @@ TEST(CoreCost, LettersNumbersAndRequests)
             letterBoundary(text, at);
     });
     expectProportionalTexts("leading number", texts, [](const std::string& text) { leadingNumber(text); });
-    expectProportionalTexts("strict number", texts, [](const std::string& text) { static_cast<void>(strictNumber(text)); });
+    expectProportionalTexts("strict number", texts,
+                            [](const std::string& text) { static_cast<void>(strictNumber(text)); });
     expectProportionalTexts("query", texts, [](const std::string& text) { encodeQuery(text); });
     expectProportionalTexts("UTF-8", texts, [](const std::string& text) {
         std::string out;

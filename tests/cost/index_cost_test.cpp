@@ -41,8 +41,8 @@ void makeIndex(const std::string& folder, std::size_t rows)
     for (std::size_t i = 0; i < rows; ++i) {
         const std::string name = "word-" + std::to_string(i);
         const auto number = static_cast<std::int64_t>(i) + 1;
-        ASSERT_TRUE(writer->addPage("http://" + name + ".example/", "The word " + name, "some words about " + name,
-                                    {name}));
+        ASSERT_TRUE(
+            writer->addPage("http://" + name + ".example/", "The word " + name, "some words about " + name, {name}));
         Program program;
         program.name = name;
         program.description = "A word of " + name;
@@ -112,17 +112,14 @@ TEST_F(IndexCost, SearchesThatFindEverything)
             expectProportionalSearch("image search for " + what, [&](IndexPool& pool) {
                 ASSERT_TRUE(ImageService(pool, "h", nullptr).search(typed, start));
             });
-            expectProportionalSearch("download search for " + what, [&](IndexPool& pool) {
-                ASSERT_TRUE(DownloadService(pool).search(typed, start));
-            });
-            expectProportionalSearch("file search for " + what, [&](IndexPool& pool) {
-                ASSERT_TRUE(FileService(pool).search(typed, start));
-            });
+            expectProportionalSearch("download search for " + what,
+                                     [&](IndexPool& pool) { ASSERT_TRUE(DownloadService(pool).search(typed, start)); });
+            expectProportionalSearch("file search for " + what,
+                                     [&](IndexPool& pool) { ASSERT_TRUE(FileService(pool).search(typed, start)); });
         }
     }
-    expectProportionalSearch("listing of a folder", [](IndexPool& pool) {
-        ASSERT_TRUE(FileService(pool).search("ftp://h.example/pub/", 0));
-    });
+    expectProportionalSearch("listing of a folder",
+                             [](IndexPool& pool) { ASSERT_TRUE(FileService(pool).search("ftp://h.example/pub/", 0)); });
 }
 
 TEST_F(IndexCost, LongQueries)
@@ -134,7 +131,8 @@ TEST_F(IndexCost, LongQueries)
         IndexPool& pool = indexOf(100);
         expectProportionalText(
             "web search for many " + pattern, make,
-            [&](const std::string& typed) { static_cast<void>(WebService(pool, "http://h").search(typed, 0)); }, kTyped);
+            [&](const std::string& typed) { static_cast<void>(WebService(pool, "http://h").search(typed, 0)); },
+            kTyped);
         expectProportionalText(
             "download search for many " + pattern, make,
             [&](const std::string& typed) { static_cast<void>(DownloadService(pool).search(typed, 0)); }, kTyped);

@@ -69,7 +69,7 @@ std::size_t parseLink(std::string_view page)
 struct Parser
 {
     std::string name;
-    std::size_t (*parse)(std::string_view page);          ///< returns the bytes of all texts that it makes
+    std::size_t (*parse)(std::string_view page);  ///< returns the bytes of all texts that it makes
     std::function<std::string(std::size_t)> head; ///< what an honest page of this length begins with
     std::string entry;                            ///< and what it repeats
 };
@@ -82,18 +82,14 @@ const std::vector<Parser>& parsers()
         return downloadHead("1000", "1 - " + std::to_string(length / (2 * downloadEntry("Program").size() / 3)));
     };
     static const std::vector<Parser> all = {
-        {"web", parseWeb, results,
-         webEntry("http://a.example/", "A <b>title</b>")},
-        {"image", parseImage, results,
-         thumbnail("hostA/pics/a.jpg")},
-        {"download", parseDownload,
-         [](std::size_t) { return downloadHead("1000", "1 - 25"); }, downloadEntry("Program")},
-        {"download of many rows", parseDownload, announced,
+        {"web", parseWeb, results, webEntry("http://a.example/", "A <b>title</b>")},
+        {"image", parseImage, results, thumbnail("hostA/pics/a.jpg")},
+        {"download", parseDownload, [](std::size_t) { return downloadHead("1000", "1 - 25"); },
          downloadEntry("Program")},
-        {"file", parseFile,
-         [](std::size_t) { return std::string("<form></form>"); }, fileEntry("a.zip") + directoryEntry("dir")},
-        {"link", parseLink,
-         [](std::size_t) { return std::string("<script>newlocation = \""); }, "ftp%3A%2F%2Fa/"},
+        {"download of many rows", parseDownload, announced, downloadEntry("Program")},
+        {"file", parseFile, [](std::size_t) { return std::string("<form></form>"); },
+         fileEntry("a.zip") + directoryEntry("dir")},
+        {"link", parseLink, [](std::size_t) { return std::string("<script>newlocation = \""); }, "ftp%3A%2F%2Fa/"},
     };
     return all;
 }

@@ -55,13 +55,16 @@ const std::string kNul(1, '\0');
 TEST(ServicesCost, HtmlPages)
 {
     const std::vector<std::string> patterns = {
-        "x",         "word ",     "<",       ">",          "<p>text</p>", "<!--",    "-->",        "<!--->",
-        "<script>",  "</script>", "<style>", "</scrip",    "<title>",     "</title", "<title>a",   "&",
-        "&amp;",     "&amp",      "&#",      "&#x41;",     "&#99999999",  "&#;",     "<a b='",     "<a b=\"",
-        "<a b=c ",   "<a ",       "</",      "<!",         "<?",          " ",       "\n",         "\xc3\xa9",
-        "\xff",      "\xf0\x9f",  kNul,      "<![CDATA[",  "]]>",         "<pre>",   "<textarea>", "<br/>",
-        "<svg>",     "\"",        "'",       "<div><div>", "<p",          "</p",     "<noscript>", "<template>",
-        "<!DOCTYPE", "<meta charset=latin1>",
+        "x",          "word ",      "<",          ">",          "<p>text</p>",
+        "<!--",       "-->",        "<!--->",     "<script>",   "</script>",
+        "<style>",    "</scrip",    "<title>",    "</title",    "<title>a",
+        "&",          "&amp;",      "&amp",       "&#",         "&#x41;",
+        "&#99999999", "&#;",        "<a b='",     "<a b=\"",    "<a b=c ",
+        "<a ",        "</",         "<!",         "<?",         " ",
+        "\n",         "\xc3\xa9",   "\xff",       "\xf0\x9f",   kNul,
+        "<![CDATA[",  "]]>",        "<pre>",      "<textarea>", "<br/>",
+        "<svg>",      "\"",         "'",          "<div><div>", "<p",
+        "</p",        "<noscript>", "<template>", "<!DOCTYPE",  "<meta charset=latin1>",
     };
     for (const std::size_t bound : {std::size_t{4096}, std::numeric_limits<std::size_t>::max()}) {
         const auto read = [bound](const std::string& page) { readHtml(page, bound); };
@@ -181,26 +184,32 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
 
 TEST(ServicesCost, TextsIntoAndOutOfPages)
 {
-    const std::vector<std::string> patterns = {"x",  "<", "&",    "&amp;", "&#",   "&a", "\"",       "%",     "%41",
-                                               "%4", "+", "=", "not found", "class", "\xff", " ",     "\x01", "\n", "\x01x\x02", "\xc3\xa9", kNul};
+    const std::vector<std::string> patterns = {"x",    "<",   "&",    "&amp;", "&#",        "&a",        "\"",
+                                               "%",    "%41", "%4",   "+",     "=",         "not found", "class",
+                                               "\xff", " ",   "\x01", "\n",    "\x01x\x02", "\xc3\xa9",  kNul};
     using Text = std::string (*)(std::string_view);
     const std::vector<std::pair<std::string, Text>> functions = {
-        {"escapeText", escapeText},       {"escapeAttribute", escapeAttribute}, {"escapeMatches", escapeMatches},
-        {"tidyAddress", tidyAddress},     {"encodePath", encodePath},           {"encodeComponent", encodeComponent},
-        {"decodePercent", decodePercent}, {"decodeQueryValue", decodeQueryValue}, {"collapseBlanks", collapseBlanks},
-        {"toUtf8", toUtf8},               {"fileNameText", fileNameText},
+        {"escapeText", escapeText},         {"escapeAttribute", escapeAttribute},
+        {"escapeMatches", escapeMatches},   {"tidyAddress", tidyAddress},
+        {"encodePath", encodePath},         {"encodeComponent", encodeComponent},
+        {"decodePercent", decodePercent},   {"decodeQueryValue", decodeQueryValue},
+        {"collapseBlanks", collapseBlanks}, {"toUtf8", toUtf8},
+        {"fileNameText", fileNameText},
     };
     for (const auto& [name, function] : functions) {
         expectProportionalPatterns(name, patterns, [function = function](const std::string& text) { function(text); });
     }
     expectProportionalPatterns("addressBelow", {"x", "class", "clas", "/", "%", "\xff"},
                                [](const std::string& text) { addressBelow("http://m.example/", text); });
-    expectProportionalPatterns("clipUtf8", {"x", "\xc3\xa9", "\x80"},
-                               [](const std::string& text) { clipUtf8(text, text.size() - 1); isUtf8(text); });
-    expectProportionalPatterns("typed part", {"x", "&", "q=", "&start=", "start=1&", "&q"}, [](const std::string& text) {
-        typedPart(text);
-        startPart(text);
+    expectProportionalPatterns("clipUtf8", {"x", "\xc3\xa9", "\x80"}, [](const std::string& text) {
+        clipUtf8(text, text.size() - 1);
+        isUtf8(text);
     });
+    expectProportionalPatterns("typed part", {"x", "&", "q=", "&start=", "start=1&", "&q"},
+                               [](const std::string& text) {
+                                   typedPart(text);
+                                   startPart(text);
+                               });
     expectProportionalPatterns("isNamedIn", {"x", "-", "python", "1", "/", "3."}, [](const std::string& text) {
         isNamedIn(text, "https://python.org/");
         isNamedIn("python3", text);
@@ -210,9 +219,9 @@ TEST(ServicesCost, TextsIntoAndOutOfPages)
     expectProportionalPatterns("pictureFormat",
                                {"<svg", "<!--", "<!-- -->", "<?xml ?>", "<", " ", "<!DOCTYPE svg [", "x", kNul, "]>"},
                                [](const std::string& text) { pictureFormat(text); });
-    expectProportionalPatterns("pictureFormat of XML",
-                               {"<svg", "<!--", "<!-- -->", "<?xml ?>", "<", " ", "<!DOCTYPE svg [", "x", kNul, "]>"},
-                               [](const std::string& text) { pictureFormat(text); }, kLength, "<?xml version='1.0'?>");
+    expectProportionalPatterns(
+        "pictureFormat of XML", {"<svg", "<!--", "<!-- -->", "<?xml ?>", "<", " ", "<!DOCTYPE svg [", "x", kNul, "]>"},
+        [](const std::string& text) { pictureFormat(text); }, kLength, "<?xml version='1.0'?>");
 }
 
 namespace {
@@ -228,7 +237,8 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
         answer.hits.assign(length / kRow, hit);
         return stepsOf([&] { make(answer, "word"); });
     });
-    for (const std::string pattern : {"x", "<", "&", "\"", "class", "\x01x\x02", "\xff", "main loop", "<b>", "=", "+", "not found"}) {
+    for (const std::string pattern :
+         {"x", "<", "&", "\"", "class", "\x01x\x02", "\xff", "main loop", "<b>", "=", "+", "not found"}) {
         expectProportional(what + " of one long row, " + pattern, [&](std::size_t length) {
             Answer answer;
             answer.hits.assign(1, hitOf(filled(pattern, length)));
@@ -247,21 +257,25 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
 
 TEST(ServicesCost, PagesOfResults)
 {
-    expectProportionalPages<WebAnswer, WebHit>(
-        "web page", {"http://a.example/", "title", "description"}, webResultsPage,
-        [](const std::string& text) { return WebHit{text, text, text}; });
-    expectProportionalPages<ImageAnswer, ImageHit>(
-        "image page", {"a.example/p.jpg", "/images?q=tbn:1:a.example/p.jpg", "p.jpg"}, imageResultsPage,
-        [](const std::string& text) { return ImageHit{text, text, text}; });
+    expectProportionalPages<WebAnswer, WebHit>("web page", {"http://a.example/", "title", "description"},
+                                               webResultsPage, [](const std::string& text) {
+                                                   return WebHit{text, text, text};
+                                               });
+    expectProportionalPages<ImageAnswer, ImageHit>("image page",
+                                                   {"a.example/p.jpg", "/images?q=tbn:1:a.example/p.jpg", "p.jpg"},
+                                                   imageResultsPage, [](const std::string& text) {
+                                                       return ImageHit{text, text, text};
+                                                   });
     expectProportionalPages<ProgramAnswer, ProgramHit>(
         "download page", {"name", "description", "system", 1, "free", "http://m.example/a.deb"}, downloadResultsPage,
         [](const std::string& text) { return ProgramHit{text, text, text, 1, text, text}; });
-    expectProportionalPages<FileAnswer, FileHit>(
-        "file page", {"name", "ftp://h.example/name", "ftp://h.example/", 1, false}, fileResultsPage,
-        [](const std::string& text) { return FileHit{text, text, text, 1, false}; });
+    expectProportionalPages<FileAnswer, FileHit>("file page",
+                                                 {"name", "ftp://h.example/name", "ftp://h.example/", 1, false},
+                                                 fileResultsPage, [](const std::string& text) {
+                                                     return FileHit{text, text, text, 1, false};
+                                                 });
     expectProportionalPatterns("page of a download", {"x", "\"", "<", "\\", ";", "\xff"},
                                [](const std::string& address) { downloadPage(address); });
-    expectProportionalPatterns("page of an error", {"x", "<", "&"}, [](const std::string& text) {
-        responseBytes(errorResponse(400, text), false);
-    });
+    expectProportionalPatterns("page of an error", {"x", "<", "&"},
+                               [](const std::string& text) { responseBytes(errorResponse(400, text), false); });
 }

@@ -42,15 +42,15 @@ Growth growthOf(std::size_t length, const std::function<Cost(std::size_t)>& run)
     return {run(length), run(2 * length)};
 }
 
-void expectProportional(const std::string& what, const std::function<Cost(std::size_t)>& run,
-                        std::size_t length, double most)
+void expectProportional(const std::string& what, const std::function<Cost(std::size_t)>& run, std::size_t length,
+                        double most)
 {
     const Growth growth = growthOf(length, run);
     if (std::getenv("QUARRYNET_COST_TABLE") != nullptr)
         std::printf("%5.2f times, %9.2f steps for each of %zu: %s\n", growth.ratio(),
-                static_cast<double>(growth.once.steps) / static_cast<double>(length), length, what.c_str());
+                    static_cast<double>(growth.once.steps) / static_cast<double>(length), length, what.c_str());
     EXPECT_LE(growth.ratio(), most) << what << ": " << growth.once.steps << " steps, with twice the input "
-                                           << growth.doubled.steps;
+                                    << growth.doubled.steps;
     EXPECT_GT(growth.once.steps, 0U) << what << ": nothing was counted";
 }
 

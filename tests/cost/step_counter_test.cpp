@@ -1,10 +1,10 @@
-#include "tests/cost/step_counter.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "tests/cost/step_counter.h"
 
 /// This file is compiled as counted code: what grows with the square must be seen, wherever its time goes.
 using namespace quarrynet::cost;
@@ -17,10 +17,12 @@ constexpr double kNearSquare = 0.5; // a square beside something linear
 template <typename Call>
 double growth(Call call)
 {
-    return growthOf(kShort, [&](std::size_t length) {
-               const std::string text(length, 'a');
-               return stepsOf([&] { call(text); });
-           }).ratio();
+    return growthOf(kShort,
+                    [&](std::size_t length) {
+                        const std::string text(length, 'a');
+                        return stepsOf([&] { call(text); });
+                    })
+        .ratio();
 }
 
 volatile std::size_t sink = 0;
@@ -59,7 +61,8 @@ TEST(StepCounter, SearchesInsideOfTheStandardLibraryCount)
                         sink = text.rfind('b', i);
                 }),
                 4.0, kNearSquare);
-    EXPECT_NEAR(growth([](const std::string& text) { sink = text.find(text.substr(text.size() / 2) + "b"); }), 4.0, kNearSquare);
+    EXPECT_NEAR(growth([](const std::string& text) { sink = text.find(text.substr(text.size() / 2) + "b"); }), 4.0,
+                kNearSquare);
 }
 
 TEST(StepCounter, BytesThatMoveCount)

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
@@ -98,6 +100,8 @@ private slots:
         setDesktopFont();
         WindowFixture window;
         window.start();
+        // No smaller than it has to be: the design has room for twelve points.
+        QCOMPARE(window.main().font().pointSize(), std::min(QApplication::font().pointSize(), 12));
         for (const QSize size : {QSize(608, 434), QSize(1216, 868)}) {
             window.main().resize(size);
             window.control<QLabel>("ConnectionPanel")->setText(tr("Connection pending"));
