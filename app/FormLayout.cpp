@@ -42,7 +42,7 @@ double pointSize(const QWidget& widget)
 // The size that the layout shows at the design's width for this one: whole, and even.
 int shownSize(double points)
 {
-    const int whole = static_cast<int>(points);
+    const int whole = static_cast<int>(std::lround(points)); // as it is recorded
     return whole + whole % 2;
 }
 

@@ -101,7 +101,7 @@ private slots:
         WindowFixture window;
         window.start();
         // No smaller than it has to be: the layout shows even sizes, and the design has room for twelve points.
-        const int whole = static_cast<int>(QFontInfo(QApplication::font()).pointSizeF());
+        const int whole = qRound(QFontInfo(QApplication::font()).pointSizeF());
         QCOMPARE(window.control<QLabel>("Label1")->font().pointSize(), std::min(whole + whole % 2, 12));
         for (const QSize size : {QSize(608, 434), QSize(1216, 868)}) {
             window.main().resize(size);
