@@ -30,6 +30,8 @@ using namespace quarrynet::services;
 
 namespace {
 
+constexpr std::size_t kShort = kLength / 4; // for the many
+
 using Make = std::function<std::string(std::size_t)>;
 
 /// `pattern` again and again behind `head`.
@@ -42,7 +44,7 @@ Make behind(std::string head, std::string pattern)
 
 template <typename Call>
 void expectProportionalPatterns(const std::string& what, const std::vector<std::string>& patterns, Call call,
-                                std::size_t length = kLength, const std::string& head = {})
+                                std::size_t length = kShort, const std::string& head = {})
 {
     for (const std::string& pattern : patterns)
         expectProportionalText(what + ", " + pattern, behind(head, pattern), call, length);
@@ -69,7 +71,7 @@ TEST(ServicesCost, HtmlPages)
     for (const std::size_t bound : {std::size_t{4096}, std::numeric_limits<std::size_t>::max()}) {
         const auto read = [bound](const std::string& page) { readHtml(page, bound); };
         for (const std::string head : {"", "<script>", "<!--", "<title>", "<style>", "<a b=\"", "<body>", "<textarea>"})
-            expectProportionalPatterns("HTML, " + head, patterns, read, kLength / 4, head);
+            expectProportionalPatterns("HTML, " + head, patterns, read, kShort, head);
     }
 }
 
@@ -104,7 +106,7 @@ TEST(ServicesCost, PackageStanzas)
         const std::string what = "stanzas in pieces of " + std::to_string(piece);
         expectProportionalPatterns(what, patterns, read(piece));
         expectProportionalPatterns(what + " of one description", {" continued\n", " .\n", "x", " \xff\n"}, read(piece),
-                                   kLength, "Package: a\nDescription: ");
+                                   kShort, "Package: a\nDescription: ");
     }
     expectProportionalPatterns("repositories", {"http://h/\t/file\n", "\t", "\n", "x", "ftp://u:p@h/\t/f\n", "@"},
                                [](const std::string& text) { repositoriesFrom(text); });
@@ -175,7 +177,7 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
     // Beyond the bounds it costs no more.
     for (const std::size_t piece : {1U, 1460U}) {
         expectProportionalPatterns("endless request", {"x", "GET ", "A: b\r\n", "\r\n"}, read(piece));
-        expectProportionalPatterns("endless head", {"x", "A: b\r\n", " "}, read(piece), kLength,
+        expectProportionalPatterns("endless head", {"x", "A: b\r\n", " "}, read(piece), kShort,
                                    "GET / HTTP/1.1\r\nHost: h\r\nX: ");
     }
     expectProportionalPatterns("authority", {"x", "@", ":", "[", "]"},
@@ -221,7 +223,7 @@ TEST(ServicesCost, TextsIntoAndOutOfPages)
                                [](const std::string& text) { pictureFormat(text); });
     expectProportionalPatterns(
         "pictureFormat of XML", {"<svg", "<!--", "<!-- -->", "<?xml ?>", "<", " ", "<!DOCTYPE svg [", "x", kNul, "]>"},
-        [](const std::string& text) { pictureFormat(text); }, kLength, "<?xml version='1.0'?>");
+        [](const std::string& text) { pictureFormat(text); }, kShort, "<?xml version='1.0'?>");
 }
 
 namespace {
@@ -239,17 +241,23 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
     });
     for (const std::string pattern :
          {"x", "<", "&", "\"", "class", "\x01x\x02", "\xff", "main loop", "<b>", "=", "+", "not found"}) {
-        expectProportional(what + " of one long row, " + pattern, [&](std::size_t length) {
-            Answer answer;
-            answer.hits.assign(1, hitOf(filled(pattern, length)));
-            return stepsOf([&] { make(answer, "word"); });
-        });
-        expectProportional(what + " of a long text that was typed, " + pattern, [&](std::size_t length) {
-            Answer answer;
-            answer.hits.assign(25, hit);
-            const std::string typed = filled(pattern, length);
-            return stepsOf([&] { make(answer, typed); });
-        });
+        expectProportional(
+            what + " of one long row, " + pattern,
+            [&](std::size_t length) {
+                Answer answer;
+                answer.hits.assign(1, hitOf(filled(pattern, length)));
+                return stepsOf([&] { make(answer, "word"); });
+            },
+            kShort);
+        expectProportional(
+            what + " of a long text that was typed, " + pattern,
+            [&](std::size_t length) {
+                Answer answer;
+                answer.hits.assign(25, hit);
+                const std::string typed = filled(pattern, length);
+                return stepsOf([&] { make(answer, typed); });
+            },
+            kShort);
     }
 }
 
