@@ -1,3 +1,4 @@
+#include <chrono>
 #include <functional>
 #include <limits>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "services/crawl.h"
 #include "services/download_service.h"
 #include "services/file_service.h"
 #include "services/ftp_listing.h"
@@ -137,6 +139,48 @@ TEST(ServicesCost, DirectoryListings)
             text += "type=file;size=1; " + std::to_string(i) + "\r\n";
         return stepsOf([&] { readMlsd(text); });
     });
+}
+
+TEST(ServicesCost, Crawls)
+{
+    using Kind = FtpEntry::Kind;
+    const auto entryOf = [](const std::string& what, std::size_t i) {
+        const std::string name = std::to_string(i);
+        if (what == "files")
+            return FtpEntry{name, Kind::File, 1};
+        if (what == "one file")
+            return FtpEntry{"name", Kind::File, 1};
+        if (what == "links to the next")
+            return FtpEntry{name, Kind::Link, std::nullopt, {}, std::to_string(i + 1)};
+        if (what == "links to one")
+            return FtpEntry{name, Kind::Link, std::nullopt, {}, "../0"};
+        if (what == "known directories")
+            return FtpEntry{name, Kind::Directory, std::nullopt, "same"};
+        return FtpEntry{name, Kind::Directory, std::nullopt, name};
+    };
+    for (const std::string what :
+         {"files", "one file", "links to the next", "links to one", "known directories", "directories"}) {
+        expectProportional(
+            "crawl of " + what,
+            [&](std::size_t count) {
+                FtpDirectory first;
+                for (std::size_t i = 0; i < count; ++i)
+                    first.entries.push_back(entryOf(what, i));
+                CrawlTools tools;
+                tools.list = [&first](std::string_view path) -> Outcome<FtpDirectory> {
+                    if (path.empty())
+                        return first;
+                    FtpDirectory other;
+                    other.entries.push_back({"file"});
+                    return other;
+                };
+                tools.now = [] { return std::chrono::steady_clock::time_point(); };
+                tools.wait = [](std::chrono::steady_clock::duration) {};
+                tools.progress = [](const std::string&) {};
+                return stepsOf([&] { static_cast<void>(crawl("", {}, tools)); });
+            },
+            kShort / 8);
+    }
 }
 
 TEST(ServicesCost, QueryExpressions)
