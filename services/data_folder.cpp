@@ -11,6 +11,8 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "services/folder_entries.h"
+
 namespace quarrynet::services {
 
 namespace {
@@ -28,14 +30,11 @@ int openItself(const fs::path& path)
 
 bool holdsOwnFilesOnly(const fs::path& folder)
 {
-    std::error_code error;
-    fs::directory_iterator entry(folder, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (std::find(kOwnFiles.begin(), kOwnFiles.end(), name) == kOwnFiles.end())
-            return false;
-    }
-    return !error;
+    bool own = true;
+    const std::error_code error = forEachEntry(folder.string(), [&own](const std::string& name) {
+        own = own && std::find(kOwnFiles.begin(), kOwnFiles.end(), name) != kOwnFiles.end();
+    });
+    return own && !error;
 }
 
 /// Calls `change` with a descriptor of each of the program's own files there, and of the folder when nothing else is.
@@ -100,7 +99,7 @@ Outcome<std::string> openDataFolder(const std::string& chosen)
     if (error)
         return Failure{"cannot make the folder " + folder.string() + ": " + error.message()};
     if (!std::filesystem::is_directory(folder, error))
-        return Failure{folder.string() + " is not a folder"};
+        return Failure{folder.string() + (error ? " cannot be used: " + error.message() : " is not a folder")};
     keepPrivate(folder);
     return folder.string();
 }

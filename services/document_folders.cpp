@@ -1,11 +1,15 @@
 #include "services/document_folders.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "services/folder_entries.h"
 #include "services/markup.h"
 #include "services/picture_format.h"
 
@@ -47,29 +51,28 @@ public:
 private:
     void list(const Folder& folder)
     {
-        std::error_code error;
-        fs::directory_iterator entry(root_ + "/" + folder.path, error);
-        for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-            takeEntry(folder, *entry);
+        const std::string path = root_ + "/" + folder.path;
+        const std::error_code error =
+            forEachEntry(path, [this, &folder](const std::string& name) { takeEntry(folder, name); });
         if (error)
-            left_.add(root_ + "/" + folder.path, error.message());
+            left_.add(path, error.message());
     }
 
-    void takeEntry(const Folder& folder, const fs::directory_entry& entry)
+    void takeEntry(const Folder& folder, const std::string& name)
     {
-        const std::string name = entry.path().filename().string();
-        if (name.substr(0, 1) == ".")
+        if (name.front() == '.')
             return;
-        std::error_code error;
-        const fs::file_type type = entry.symlink_status(error).type();
-        if (error) {
-            left_.add(entry.path().string(), error.message());
-        } else if (type == fs::file_type::directory) {
+        const std::string path = root_ + "/" + folder.path + name;
+        struct stat status
+        {};
+        if (::lstat(path.c_str(), &status) != 0) {
+            left_.add(path, std::strerror(errno));
+        } else if (S_ISDIR(status.st_mode)) {
             if (folder.depth < kMaxFolderDepth)
                 pending_.push_back({folder.path + name + "/", folder.depth + 1});
             else
-                left_.add(entry.path().string(), "it lies too deep");
-        } else if (type == fs::file_type::regular && wanted_(name) && entry.hard_link_count(error) == 1) {
+                left_.add(path, "it lies too deep");
+        } else if (S_ISREG(status.st_mode) && wanted_(name) && status.st_nlink == 1) {
             take_(folder.path + name);
         }
     }
