@@ -90,14 +90,6 @@ bool mayBeServed(std::string_view relative)
 
 } // namespace
 
-OpenFile::OpenFile(int descriptor) : descriptor_(descriptor)
-{
-    struct stat status
-    {};
-    if (::fstat(descriptor_, &status) == 0)
-        size_ = static_cast<std::uint64_t>(status.st_size);
-}
-
 OpenFile::~OpenFile()
 {
     ::close(descriptor_);
@@ -161,7 +153,9 @@ std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string
     {};
     if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1)
         return nullptr;
-    return std::make_shared<const OpenFile>(file.release());
+    auto open = std::make_shared<const OpenFile>(file.number(), static_cast<std::uint64_t>(status.st_size));
+    (void)file.release(); // only now is there a new owner
+    return open;
 }
 
 } // namespace quarrynet::services

@@ -15,7 +15,8 @@ namespace quarrynet::services {
 class OpenFile
 {
 public:
-    explicit OpenFile(int descriptor);
+    /// Takes over a descriptor of a file with so many bytes.
+    OpenFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
     ~OpenFile();
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -33,7 +34,7 @@ public:
 
 private:
     int descriptor_;
-    std::uint64_t size_ = 0;
+    std::uint64_t size_;
 };
 
 /// How openBeneath() goes from the folder to the file.
