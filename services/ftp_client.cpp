@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include <curl/curl.h>
@@ -18,12 +19,24 @@ constexpr long kConnectSeconds = 15;
 constexpr long kStallSeconds = 20;
 constexpr long kListingSeconds = 300;
 
+struct Listing
+{
+    std::string text;
+    bool outOfMemory = false;
+};
+
+/// Takes all bytes, or none, which ends the transfer. Must not throw: the caller is C.
 std::size_t appendListing(char* bytes, std::size_t, std::size_t count, void* to)
 {
-    auto& listing = *static_cast<std::string*>(to);
-    if (listing.size() + count > kMaxListing)
-        return 0; // ends the transfer
-    listing.append(bytes, count);
+    auto& listing = *static_cast<Listing*>(to);
+    if (listing.text.size() + count > kMaxListing)
+        return 0;
+    try {
+        listing.text.append(bytes, count);
+    } catch (const std::bad_alloc&) {
+        listing.outOfMemory = true;
+        return 0;
+    }
     return count;
 }
 
@@ -54,21 +67,31 @@ Outcome<FtpDirectory> FtpClient::list(std::string_view path)
     if (curl == nullptr)
         return Failure{"out of memory"};
     FtpDirectory directory;
+    Listing listing;
     const std::string address = site_ + "/" + encodePath(path);
-    curl_easy_setopt(curl, CURLOPT_URL, address.c_str());
-    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "ftp");
-    curl_easy_setopt(curl, CURLOPT_PROXY, "");
-    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
-    curl_easy_setopt(curl, CURLOPT_SERVER_RESPONSE_TIMEOUT, kStallSeconds);
-    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, kStallSeconds);
-    curl_easy_setopt(curl, CURLOPT_TIMEOUT, kListingSeconds);
-    curl_easy_setopt(curl, CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_SINGLECWD));
-    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, appendListing);
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &directory.listing);
-    curl_easy_setopt(curl, CURLOPT_CUSTOMREQUEST, hasMlsd_ ? "MLSD" : "LIST");
-    const CURLcode result = curl_easy_perform(curl);
+    CURLcode result = CURLE_OK;
+    const auto set = [curl, &result](CURLoption option, auto value) {
+        if (result == CURLE_OK)
+            result = curl_easy_setopt(curl, option, value);
+    };
+    set(CURLOPT_URL, address.c_str());
+    set(CURLOPT_PROTOCOLS_STR, "ftp");
+    set(CURLOPT_PROXY, "");
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_CONNECTTIMEOUT, kConnectSeconds);
+    set(CURLOPT_SERVER_RESPONSE_TIMEOUT, kStallSeconds);
+    set(CURLOPT_LOW_SPEED_LIMIT, 1L);
+    set(CURLOPT_LOW_SPEED_TIME, kStallSeconds);
+    set(CURLOPT_TIMEOUT, kListingSeconds);
+    set(CURLOPT_FTP_FILEMETHOD, static_cast<long>(CURLFTPMETHOD_SINGLECWD));
+    set(CURLOPT_WRITEFUNCTION, appendListing);
+    set(CURLOPT_WRITEDATA, &listing);
+    set(CURLOPT_CUSTOMREQUEST, hasMlsd_ ? "MLSD" : "LIST");
+    if (result == CURLE_OK)
+        result = curl_easy_perform(curl);
+    directory.listing = std::move(listing.text);
+    if (listing.outOfMemory)
+        result = CURLE_OUT_OF_MEMORY;
     if (result == CURLE_OK) {
         directory.entries = hasMlsd_ ? readMlsd(directory.listing) : readList(directory.listing);
         if (directory.entries.size() > kMaxListedEntries) {

@@ -16,7 +16,7 @@ class HtmlTree::Memory
 public:
     explicit Memory(const HtmlLimits& limits) : limits_(limits), end_(processorMilliseconds() + limits.milliseconds) {}
 
-    /// Returns the output, or null when a limit was met.
+    /// Returns the output, or null when a limit was met. Throws std::bad_alloc when the machine's memory was.
     GumboOutput* parse(std::string_view page)
     {
         GumboOptions options = kGumboDefaultOptions;
@@ -25,8 +25,11 @@ public:
         options.userdata = this;
         options.max_errors = 0;
         // Nothing with a destructor lives between here and take(): the frames between are the parser's, which is C.
-        if (setjmp(giveUp_) != 0) // NOLINT(cert-err52-cpp)
+        if (setjmp(giveUp_) != 0) { // NOLINT(cert-err52-cpp)
+            if (outOfMemory_)
+                throw std::bad_alloc();
             return nullptr;
+        }
         return gumbo_parse_with_options(&options, page.data(), page.size());
     }
 
@@ -55,18 +58,21 @@ private:
         return place;
     }
 
+    /// Must not throw: the caller is C.
     bool addBlock(std::size_t size)
     {
         const std::size_t block = size > kBlock ? size : kBlock;
         if (block > limits_.memory - used_)
             return false;
-        std::unique_ptr<char[]> bytes(new (std::nothrow) char[block]);
-        if (bytes == nullptr)
+        try {
+            blocks_.push_back(std::unique_ptr<char[]>(new char[block]));
+        } catch (const std::bad_alloc&) {
+            outOfMemory_ = true;
             return false;
-        next_ = bytes.get();
+        }
+        next_ = blocks_.back().get();
         left_ = block;
         used_ += block;
-        blocks_.push_back(std::move(bytes));
         return true;
     }
 
@@ -77,6 +83,7 @@ private:
     std::size_t left_ = 0; ///< in the last block
     std::size_t used_ = 0;
     unsigned calls_ = 0;
+    bool outOfMemory_ = false;
     std::jmp_buf giveUp_{};
 };
 

@@ -32,7 +32,7 @@ class HtmlTree
 public:
     /// Parses UTF-8; what is not becomes U+FFFD. `page` has to outlive the tree. The parser's time grows with the depth
     /// times the length, and its memory with the formatting elements times the paragraphs; so there is no tree, root()
-    /// is null, when a limit on those is met.
+    /// is null, when a limit on those is met. Throws std::bad_alloc when the machine's memory is.
     explicit HtmlTree(std::string_view page, const HtmlLimits& limits = {});
     ~HtmlTree();
     HtmlTree(const HtmlTree&) = delete;
