@@ -1,13 +1,16 @@
 #include <cstdio>
+#include <exception>
+#include <new>
 #include <sys/stat.h>
 
 #include "services/commands.h"
 
-int main(int argc, char** argv)
+namespace quarrynet::services {
+
+namespace {
+
+int run(int argc, char** argv)
 {
-    using namespace quarrynet::services;
-    // What the index holds is its user's alone.
-    ::umask(077);
     const Outcome<Options> options = parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
     if (!options) {
         std::fprintf(stderr, "quarrynet-services: %s\nTry \"quarrynet-services --help\".\n",
@@ -29,4 +32,22 @@ int main(int argc, char** argv)
         return 0;
     }
     return 2;
+}
+
+} // namespace
+
+} // namespace quarrynet::services
+
+int main(int argc, char** argv)
+{
+    // What the index holds is its user's alone.
+    ::umask(077);
+    try {
+        return quarrynet::services::run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("quarrynet-services: out of memory\n", stderr);
+    } catch (const std::exception& fault) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", fault.what());
+    }
+    return 1;
 }
