@@ -1,7 +1,10 @@
 #include "services/index_database.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,6 +76,33 @@ Outcome<std::int64_t> indexLayout(Database& database)
     if (statement->step() != Statement::Step::Row)
         return statement->failure();
     return statement->number(0);
+}
+
+Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder)
+{
+    const std::string path = indexPath(dataFolder);
+    struct stat status
+    {};
+    if (::stat(path.c_str(), &status) != 0) {
+        if (errno == ENOENT)
+            return std::optional<Database>();
+        return keepOld(dataFolder, Failure{std::strerror(errno)});
+    }
+    Outcome<Database> old = Database::open(path, Database::Access::Read);
+    if (!old)
+        return keepOld(dataFolder, old.failure());
+    const Outcome<std::int64_t> layout = indexLayout(*old);
+    if (!layout && !old->isNoDatabase())
+        return keepOld(dataFolder, layout.failure());
+    if (!layout || *layout != kIndexLayout)
+        return std::optional<Database>();
+    return std::optional<Database>(std::move(*old));
+}
+
+Failure keepOld(const std::string& dataFolder, const Failure& fault)
+{
+    return Failure{"the index in use cannot be read, and stays (" + fault.message + "); where that lasts, remove " +
+                   indexPath(dataFolder)};
 }
 
 Outcome<Done> createTables(Database& database)
@@ -164,8 +194,12 @@ void IndexPool::giveBack(std::unique_ptr<Database> database, std::uint64_t gener
 {
     database->stopWhen(nullptr);
     const std::lock_guard lock(mutex_);
-    if (generation == generation_)
-        idle_.push_back(std::move(database));
+    try {
+        if (generation == generation_)
+            idle_.push_back(std::move(database));
+    } catch (const std::bad_alloc&) {
+        database.reset(); // the next one who asks gets a new connection
+    }
 }
 
 } // namespace quarrynet::services

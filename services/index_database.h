@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,14 @@ inline constexpr std::int64_t kFirstCompanion = std::int64_t{1} << 40;
 
 /// The layout of an index; fails for a file that is no database.
 Outcome<std::int64_t> indexLayout(Database& database);
+
+/// Opens the index in use for a new one to take over from; nothing where there is no index, or one of another layout,
+/// or no database. Fails where it is there but cannot be read: then it is not to be replaced. (SQLite calls an index
+/// damaged when its disk fails for a moment, so one that is damaged may well be whole.)
+Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder);
+
+/// What to say when a new index cannot be made because of `fault` in the one in use.
+Failure keepOld(const std::string& dataFolder, const Failure& fault);
 
 /// Makes the tables in an empty database.
 Outcome<Done> createTables(Database& database);

@@ -111,8 +111,21 @@ struct IndexWriter::Parts
     bool extending = false; ///< the old index is in here already
     bool committed = false;
 
+    Parts(std::string dataFolder, IndexLock taken)
+        : folder(std::move(dataFolder)), path(indexPath(folder) + ".new"), lock(std::move(taken))
+    {}
+    ~Parts()
+    {
+        if (committed)
+            return;
+        close();
+        std::remove(path.c_str());
+    }
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
+
     Outcome<Done> open(bool fromOld);
-    bool copyOld() const;
+    Outcome<bool> copyOld() const;
     Outcome<Done> takeOverCrawls(IndexWriter& writer) const;
     void close()
     {
@@ -142,19 +155,29 @@ struct IndexWriter::Parts
 };
 
 /// Copies the index that is in use; false when there is none that could be gone on with.
-bool IndexWriter::Parts::copyOld() const
+Outcome<bool> IndexWriter::Parts::copyOld() const
 {
-    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Read);
-    const Outcome<std::int64_t> layout = old ? indexLayout(*old) : Outcome<std::int64_t>(old.failure());
+    const Outcome<std::optional<Database>> old = openToTakeOver(folder);
+    if (!old)
+        return old.failure();
+    if (!*old)
+        return false;
     std::error_code error;
-    return layout && *layout == kIndexLayout && std::filesystem::copy_file(indexPath(folder), path, error);
+    if (!std::filesystem::copy_file(indexPath(folder), path, error))
+        return Failure{"cannot copy the index in " + folder + ": " + error.message()};
+    return true;
 }
 
 Outcome<Done> IndexWriter::Parts::open(bool fromOld)
 {
     // What an interrupted run left behind is worth nothing.
     std::remove(path.c_str());
-    extending = fromOld && copyOld();
+    if (fromOld) {
+        const Outcome<bool> copied = copyOld();
+        if (!copied)
+            return copied.failure();
+        extending = *copied;
+    }
     Outcome<Database> opened = Database::open(path, Database::Access::Create);
     if (!opened)
         return opened.failure();
@@ -196,21 +219,20 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     return Done{};
 }
 
-/// Copies the crawled sites out of the index that is in use. One that cannot be read has nothing to take over.
+/// Copies the crawled sites out of the index that is in use.
 Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 {
-    Outcome<Database> old = Database::open(indexPath(folder), Database::Access::Read);
+    Outcome<std::optional<Database>> old = openToTakeOver(folder);
     if (!old)
+        return old.failure();
+    if (!*old)
         return Done{};
-    const Outcome<std::int64_t> layout = indexLayout(*old);
-    if (!layout || *layout != kIndexLayout)
-        return Done{};
-    Outcome<Statement> rows = old->prepare(
+    Outcome<Statement> rows = (*old)->prepare(
         "SELECT site.base, site.crawled, folder.id, folder.path, entry.id, entry.name, entry.size, entry.directory "
         "FROM file_site AS site JOIN file_folder AS folder ON folder.site = site.id "
         "JOIN file_entry AS entry ON entry.folder = folder.id WHERE site.crawled <> 0");
     if (!rows)
-        return rows.failure();
+        return keepOld(folder, rows.failure());
     std::map<std::string, std::int64_t, std::less<>> sites;
     std::map<std::int64_t, std::int64_t> folders;
     Statement::Step step = rows->step();
@@ -243,7 +265,7 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
             return added;
     }
     if (step == Statement::Step::Failed)
-        return rows->failure();
+        return keepOld(folder, rows->failure());
     return Done{};
 }
 
@@ -261,7 +283,7 @@ Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, Outcome<I
 {
     if (!lock)
         return lock.failure();
-    auto parts = std::make_unique<Parts>(Parts{dataFolder, indexPath(dataFolder) + ".new", std::move(*lock)});
+    auto parts = std::make_unique<Parts>(dataFolder, std::move(*lock));
     const Outcome<Done> opened = parts->open(fromOld);
     if (!opened)
         return opened.failure();
@@ -272,13 +294,7 @@ IndexWriter::IndexWriter(std::unique_ptr<Parts> parts) : parts_(std::move(parts)
 
 IndexWriter::IndexWriter(IndexWriter&&) noexcept = default;
 
-IndexWriter::~IndexWriter()
-{
-    if (parts_ == nullptr || parts_->committed)
-        return;
-    parts_->close();
-    std::remove(parts_->path.c_str());
-}
+IndexWriter::~IndexWriter() = default;
 
 Outcome<std::int64_t> IndexWriter::addFolder(const std::string& path)
 {

@@ -147,7 +147,10 @@ void Run::addDocument(std::int64_t folderNumber, const std::string& folder, cons
     const std::shared_ptr<const OpenFile> file = openBeneath(folder, relative);
     const std::optional<std::string> page = file == nullptr ? std::nullopt : file->content(kMaxPage);
     if (!page) {
-        counts_.leftOut.add(folder + "/" + relative, file == nullptr ? "it cannot be opened" : "it is too long");
+        const char* reason = "it cannot be opened";
+        if (file != nullptr)
+            reason = file->size() > kMaxPage ? "it is too long" : "it cannot be read";
+        counts_.leftOut.add(folder + "/" + relative, reason);
         return;
     }
     HtmlDocument document = readHtml(*page, kMaxIndexedText);
@@ -197,22 +200,23 @@ void Run::addPictureFolder(const std::string& folder)
     progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
 }
 
-/// Fails when the index in use has much more than these counts. One that cannot be read has nothing to lose; one of
-/// another layout may count otherwise.
+/// Fails when the index in use has much more than these counts. One of another layout may count otherwise.
 Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& counts)
 {
-    Outcome<Database> old = Database::open(indexPath(dataFolder), Database::Access::Read);
-    const Outcome<std::int64_t> layout = old ? indexLayout(*old) : Outcome<std::int64_t>(old.failure());
-    if (!layout || *layout != kIndexLayout)
+    Outcome<std::optional<Database>> opened = openToTakeOver(dataFolder);
+    if (!opened)
+        return opened.failure();
+    if (!*opened)
         return Done{};
+    Database& old = **opened;
     const std::array<std::tuple<const char*, const char*, std::size_t>, 3> kinds{
         {{"web pages", "SELECT count(*) FROM web_page", counts.homePages + counts.documents},
          {"programs", "SELECT count(*) FROM program", counts.programs},
          {"pictures", "SELECT count(*) FROM picture", counts.pictures}}};
     for (const auto& [kind, sql, now] : kinds) {
-        Outcome<Statement> row = old->prepare(sql);
+        Outcome<Statement> row = old.prepare(sql);
         if (!row || row->step() != Statement::Step::Row)
-            continue;
+            return keepOld(dataFolder, row ? row->failure() : row.failure());
         const std::int64_t before = row->number(0);
         if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
             return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +

@@ -56,13 +56,13 @@ Statement::Statement(sqlite3_stmt* handle) : handle_(handle) {}
 void Statement::bind(int parameter, std::string_view text)
 {
     // A null pointer would bind NULL; the empty text has to stay a text.
-    sqlite3_bind_text64(handle_.get(), parameter, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
-                        SQLITE_UTF8);
+    take(sqlite3_bind_text64(handle_.get(), parameter, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
+                             SQLITE_UTF8));
 }
 
 void Statement::bind(int parameter, std::int64_t number)
 {
-    sqlite3_bind_int64(handle_.get(), parameter, number);
+    take(sqlite3_bind_int64(handle_.get(), parameter, number));
 }
 
 void Statement::bind(int parameter, const std::optional<std::int64_t>& number)
@@ -70,16 +70,25 @@ void Statement::bind(int parameter, const std::optional<std::int64_t>& number)
     if (number)
         bind(parameter, *number);
     else
-        sqlite3_bind_null(handle_.get(), parameter);
+        take(sqlite3_bind_null(handle_.get(), parameter));
 }
 
 void Statement::bindPointer(int parameter, void* pointer, const char* type)
 {
-    sqlite3_bind_pointer(handle_.get(), parameter, pointer, type, nullptr);
+    take(sqlite3_bind_pointer(handle_.get(), parameter, pointer, type, nullptr));
+}
+
+/// SQLite binds NULL for a text that it has no memory for, and a row with it would pass for a good one.
+void Statement::take(int code)
+{
+    if (bindFault_ == SQLITE_OK && code != SQLITE_RANGE)
+        bindFault_ = code;
 }
 
 Statement::Step Statement::step()
 {
+    if (bindFault_ != SQLITE_OK)
+        return Step::Failed;
     switch (sqlite3_step(handle_.get())) {
     case SQLITE_ROW:
         return Step::Row;
@@ -108,6 +117,7 @@ void Statement::reset()
 {
     sqlite3_reset(handle_.get());
     sqlite3_clear_bindings(handle_.get());
+    bindFault_ = SQLITE_OK;
 }
 
 std::string_view Statement::text(int column) const
@@ -131,6 +141,8 @@ bool Statement::isNull(int column) const
 
 Failure Statement::failure() const
 {
+    if (bindFault_ != SQLITE_OK)
+        return Failure{std::string("the index database says: ") + sqlite3_errstr(bindFault_)};
     return describeFault(sqlite3_db_handle(handle_.get()));
 }
 
@@ -145,13 +157,13 @@ Outcome<Database> Database::open(const std::string& path, Access access)
                       (access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     sqlite3* handle = nullptr;
     const int code = sqlite3_open_v2(path.c_str(), &handle, flags, access == Access::Read ? filesAsNamed() : nullptr);
-    Database database(handle);
+    Handle owned(handle);
     if (handle == nullptr)
         return Failure{"out of memory while opening " + path};
     if (code != SQLITE_OK)
         return Failure{"cannot open " + path + ": " + sqlite3_errmsg(handle)};
     sqlite3_busy_timeout(handle, kBusyMilliseconds);
-    return database;
+    return Database(std::move(owned));
 }
 
 Outcome<Statement> Database::prepare(std::string_view sql)
@@ -173,6 +185,11 @@ Outcome<Done> Database::execute(const char* sql)
 std::int64_t Database::lastRowId() const
 {
     return sqlite3_last_insert_rowid(handle_.get());
+}
+
+bool Database::isNoDatabase() const
+{
+    return sqlite3_errcode(handle_.get()) == SQLITE_NOTADB;
 }
 
 void Database::stopWhen(std::function<bool()> stop)

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "services/outcome.h"
 
@@ -29,7 +30,8 @@ public:
 
     explicit Statement(sqlite3_stmt* handle);
 
-    /// Parameters count from 1. Texts are copied; NULs inside are kept.
+    /// Parameters count from 1; one that the statement does not have is left out. Texts are copied; NULs inside are
+    /// kept. When memory is short for a value, the next step fails.
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
     void bind(int parameter, const std::optional<std::int64_t>& number); // nothing is NULL
@@ -56,7 +58,10 @@ private:
     {
         void operator()(sqlite3_stmt* handle) const;
     };
+    void take(int code);
+
     std::unique_ptr<sqlite3_stmt, Finalize> handle_;
+    int bindFault_ = 0; ///< of the first value that SQLite did not take
 };
 
 class Database
@@ -79,6 +84,9 @@ public:
 
     std::int64_t lastRowId() const;
 
+    /// Whether the last call failed because the file is no database at all.
+    bool isNoDatabase() const;
+
     /// From now on `stop` is asked again and again while a statement of this connection runs, on the thread that runs
     /// it; once it returns true, the statement fails. Without a function nothing is asked.
     void stopWhen(std::function<bool()> stop);
@@ -88,10 +96,11 @@ private:
     {
         void operator()(sqlite3* handle) const;
     };
-    explicit Database(sqlite3* handle) : handle_(handle) {}
+    using Handle = std::unique_ptr<sqlite3, Close>;
+    explicit Database(Handle handle) : handle_(std::move(handle)) {}
 
     std::unique_ptr<std::function<bool()>> stop_ = std::make_unique<std::function<bool()>>();
-    std::unique_ptr<sqlite3, Close> handle_;
+    Handle handle_;
 };
 
 } // namespace quarrynet::services

@@ -141,6 +141,13 @@ QUARRYNET_FAULT(off64_t, lseek64, QuarrynetFileFaults, EIO, -1, (int number, off
 QUARRYNET_FAULT(int, fstat, QuarrynetFileFaults, EIO, -1, (int number, struct stat* state) noexcept, (number, state))
 QUARRYNET_FAULT(int, fstat64, QuarrynetFileFaults, EIO, -1, (int number, struct stat64* state) noexcept,
                 (number, state))
+QUARRYNET_FAULT(int, stat, QuarrynetFileFaults, EIO, -1, (const char* path, struct stat* state) noexcept, (path, state))
+QUARRYNET_FAULT(int, stat64, QuarrynetFileFaults, EIO, -1, (const char* path, struct stat64* state) noexcept,
+                (path, state))
+QUARRYNET_FAULT(int, lstat, QuarrynetFileFaults, EIO, -1, (const char* path, struct stat* state) noexcept,
+                (path, state))
+QUARRYNET_FAULT(int, lstat64, QuarrynetFileFaults, EIO, -1, (const char* path, struct stat64* state) noexcept,
+                (path, state))
 QUARRYNET_FAULT(int, fchmod, QuarrynetFileFaults, EPERM, -1, (int number, mode_t mode) noexcept, (number, mode))
 QUARRYNET_FAULT(int, fchown, QuarrynetFileFaults, EPERM, -1, (int number, uid_t user, gid_t group) noexcept,
                 (number, user, group))
