@@ -29,7 +29,7 @@ class SettingsFaults : public testing::Test
 protected:
     SettingsFaults()
     {
-        std::string pattern = (fs::temp_directory_path() / "quarrynet-faults-XXXXXX").string();
+        std::string pattern = (fs::temp_directory_path() / ("quarrynet-faults-" + std::string(6, 'X'))).string();
         folder_ = ::mkdtemp(pattern.data());
         path_ = folder_ / "Quarrynet.ini";
     }

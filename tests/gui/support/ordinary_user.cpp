@@ -25,7 +25,7 @@ QString become(char* const* arguments)
     if (qEnvironmentVariableIsSet(kStartedAgain))
         return QStringLiteral("The tests are root's still, after they gave that up");
     const QByteArray program = QFile::encodeName(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget());
-    QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-XXXXXX";
+    QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-" + QByteArray(6, 'X');
     if (mkdtemp(home.data()) == nullptr || chown(home.constData(), kNobody, kNobody) != 0)
         return QStringLiteral("There is no folder for another user");
     // A child does the tests, so that somebody is left who may remove its home.
