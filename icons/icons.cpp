@@ -64,7 +64,7 @@ public:
         QImage image = QImageReader(file, "png").read();
         if (image.width() > size.width() || image.height() > size.height() || wanted == files_.end())
             image = image.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        const QPixmap drawn = QPixmap::fromImage(std::move(image));
+        QPixmap drawn = QPixmap::fromImage(std::move(image));
         if (mode == QIcon::Normal)
             return drawn;
         QStyleOption option;
