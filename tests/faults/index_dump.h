@@ -46,7 +46,8 @@ inline std::string dumpOf(const std::string& dataFolder)
              "SELECT name || '|' || address FROM page_name JOIN web_page ON web_page.id = page ORDER BY 1",
              "SELECT name || '|' || description || '|' || system || '|' || size || '|' || licence || '|' || base || "
              "'|' || file FROM program JOIN mirror ON mirror.id = mirror ORDER BY 1",
-             "SELECT base || '|' || path || '|' || name || '|' || ifnull(size, '-') || '|' || directory FROM file_entry "
+             "SELECT base || '|' || path || '|' || name || '|' || ifnull(size, '-') || '|' || directory FROM "
+             "file_entry "
              "JOIN file_folder ON file_folder.id = folder JOIN file_site ON file_site.id = site ORDER BY 1",
              "SELECT picture.path || '|' || name || '|' || place || '|' || stem FROM picture JOIN picture_folder "
              "ON picture_folder.id = folder ORDER BY 1",
