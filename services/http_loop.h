@@ -14,7 +14,6 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include "services/http_server.h"
 
@@ -66,29 +65,31 @@ private:
         bool accepting = false;
         bool dispatching = false;
         std::size_t sessions = 0;
-        std::size_t held = 0;      ///< bytes of answers
-        std::set<Session*> making; ///< whose answers are in the making
-        Queue waiting;             ///< for a place among them
-        Queue ended;               ///< likewise, after all others: clients that ended their side
+        std::size_t held = 0;                      ///< bytes of answers
+        std::set<std::shared_ptr<Session>> making; ///< whose answers are in the making
+        Queue waiting;                             ///< for a place among them
+        Queue ended;                               ///< likewise, after all others: clients that ended their side
     };
 
     void accept(Listener& listener);
     void acceptAll();
     void dispatch(Listener& listener);
+    void lookAround();
     static std::shared_ptr<Session> next(Listener& listener);
     static void setAside(Listener& listener, const std::shared_ptr<Session>& session);
     void hold(Listener& listener, std::size_t bytes);
+    /// Must not throw: sessions end in it.
     void release(Listener& listener, std::size_t bytes);
 
     Limits limits_;
-    bool running_ = false;
+    bool placesFree_ = false; ///< for connections or for answers; what ended may have been waited for
     std::size_t held_ = 0;
     std::size_t mostHeld_ = 0;
     std::vector<std::unique_ptr<Listener>> listeners_; // sessions that are still held by the next one need them
     asio::io_context io_{1};
     asio::signal_set signals_{io_};
     asio::steady_timer acceptPause_{io_};
-    asio::thread_pool* workers_ = nullptr; ///< while run() runs
+    asio::io_context* workers_ = nullptr; ///< while run() runs
 };
 
 /// One connection. What is under way holds the session; when nothing is, it ends, and the connection with it. Behind
@@ -105,8 +106,6 @@ public:
     {
         --listener_.sessions;
         loop_.release(listener_, held_);
-        if (loop_.running_)
-            loop_.acceptAll();
     }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -119,10 +118,11 @@ public:
 
     Client client();
 
-    /// Has the answer made by a worker.
+    /// Has the answer made by a worker. When it throws, the session is over.
     void make();
     void abandon() { abandoned_ = true; }
     void send(Answer answer);
+    void close();
 
 private:
     enum class Phase : std::uint8_t
@@ -139,12 +139,24 @@ private:
     void receive();
     void received(error_code error, std::size_t count);
     void overheard(error_code error, std::size_t count);
-    void made(Answer answer);
+    void made();
+    void bringBack();
     void sendRest();
     void sent(error_code error, std::size_t count);
     void finish();
     void takeFilePiece();
-    void close();
+
+    /// Runs a step; where it throws, nothing would go on with the connection any more, so that is closed.
+    template <class Step>
+    void orClose(Step step)
+    {
+        try {
+            step();
+        } catch (...) {
+            close();
+            throw;
+        }
+    }
 
     Loop& loop_;
     Listener& listener_;
@@ -158,7 +170,7 @@ private:
     bool late_ = false;
     HttpRequest request_;
     std::atomic<bool> abandoned_ = false;
-    Answer answer_;
+    Answer answer_;        ///< the worker's while it is in the making
     std::size_t sent_ = 0; ///< of answer_.bytes
     std::uint64_t fileSent_ = 0;
     std::size_t held_ = 0;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <fcntl.h>
-#include <system_error>
+#include <thread>
 #include <utility>
 
 #include <boost/asio/executor_work_guard.hpp>
@@ -36,6 +36,7 @@ HttpServer::Loop::~Loop()
 {
     for (const auto& listener : listeners_) {
         listener->acceptor.reset();
+        listener->making.clear();
         listener->waiting.clear();
         listener->ended.clear();
     }
@@ -52,15 +53,22 @@ void HttpServer::Loop::release(Listener& listener, std::size_t bytes)
 {
     listener.held -= bytes;
     held_ -= bytes;
-    dispatch(listener);
+    placesFree_ = true;
+}
+
+/// Gives the places that became free to whoever waits for one.
+void HttpServer::Loop::lookAround()
+{
+    if (!std::exchange(placesFree_, false))
+        return;
+    acceptAll();
+    for (const auto& listener : listeners_)
+        dispatch(*listener);
 }
 
 /// Has answers made as long as there are places for them.
 void HttpServer::Loop::dispatch(Listener& listener)
 {
-    if (!running_ || listener.dispatching)
-        return;
-    listener.dispatching = true;
     const std::size_t share = limits_.answerBytes / listeners_.size();
     while (listener.making.size() < limits_.workers && listener.held < share) {
         const std::shared_ptr<Session> session = next(listener);
@@ -68,11 +76,10 @@ void HttpServer::Loop::dispatch(Listener& listener)
             break;
         session->make();
     }
-    listener.dispatching = false;
     // Answers that probably nobody takes make room.
     if (listener.waiting.empty())
         return;
-    for (Session* session : listener.making) {
+    for (const std::shared_ptr<Session>& session : listener.making) {
         if (session->client() != Client::Waits)
             session->abandon();
     }
@@ -101,8 +108,10 @@ void HttpServer::Loop::setAside(Listener& listener, const std::shared_ptr<Sessio
 {
     const std::shared_ptr<Session> kept = session;
     std::erase(listener.waiting, kept);
-    if (kept->client() == Client::Gone)
+    if (kept->client() == Client::Gone) {
+        kept->close();
         return;
+    }
     if (listener.ended.size() < kEndedClients)
         listener.ended.push_back(kept);
     else
@@ -157,7 +166,6 @@ void HttpServer::Loop::stopOnSignals()
 
 void HttpServer::Loop::accept(Listener& listener)
 {
-    listener.accepting = true;
     listener.acceptor->async_accept([this, &listener](error_code error, tcp::socket socket) {
         listener.accepting = false;
         if (error) {
@@ -173,6 +181,7 @@ void HttpServer::Loop::accept(Listener& listener)
         std::make_shared<Session>(*this, listener, std::move(socket))->start();
         acceptAll();
     });
+    listener.accepting = true; // not before: where memory is short for the order, it is given again
 }
 
 void HttpServer::Loop::acceptAll()
@@ -185,31 +194,39 @@ void HttpServer::Loop::acceptAll()
 
 bool HttpServer::Loop::run()
 {
-    std::unique_ptr<asio::thread_pool> workers;
+    // Asio's own pool would wait for ever for its first threads where a later one cannot be started.
+    asio::io_context work;
+    const auto more = asio::make_work_guard(work);
+    std::vector<std::jthread> threads;
+    const auto endThreads = [&work, &threads] {
+        work.stop();
+        threads.clear();
+    };
     try {
-        workers = std::make_unique<asio::thread_pool>(limits_.workers * std::max<std::size_t>(1, listeners_.size()));
-    } catch (const std::system_error&) {
+        for (std::size_t i = limits_.workers * std::max<std::size_t>(1, listeners_.size()); i > 0; --i)
+            threads.emplace_back([&work] { work.run(); });
+    } catch (const std::exception&) {
+        endThreads();
         return false;
     }
-    workers_ = workers.get();
+    workers_ = &work;
     const auto busy =
         asio::make_work_guard(io_); // with all connections in the workers' hands nothing else is waited for
-    running_ = true;
+    placesFree_ = true;
     while (!io_.stopped()) {
         try {
-            acceptAll();
-            io_.run();
+            lookAround();
+            io_.run_one();
         } catch (const std::exception&) {
             // Memory ran out: the connection that needed it is over, the others go on.
+            placesFree_ = true;
         }
     }
-    running_ = false;
     for (const auto& listener : listeners_) {
-        for (Session* session : listener->making)
+        for (const std::shared_ptr<Session>& session : listener->making)
             session->abandon();
     }
-    workers->stop();
-    workers->join();
+    endThreads();
     return true;
 }
 

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <sys/socket.h>
+#include <thread>
 #include <utility>
 
 #include <boost/asio/post.hpp>
@@ -32,7 +34,10 @@ Client stateOf(tcp::socket& socket)
     return count == 0 ? Client::Ended : Client::Gone;
 }
 
-Answer answerTo(const HttpServer::Handler& handler, const HttpRequest& request)
+/// How long to wait for a little memory.
+constexpr auto kMemoryPause = std::chrono::milliseconds(10);
+
+Answer makeAnswer(const HttpServer::Handler& handler, const HttpRequest& request)
 {
     const bool headOnly = request.method == "HEAD";
     try {
@@ -42,6 +47,16 @@ Answer answerTo(const HttpServer::Handler& handler, const HttpRequest& request)
         return {responseBytes(response, headOnly), headOnly ? nullptr : response.file};
     } catch (const std::exception&) {
         return {responseBytes(errorResponse(500, "The answer could not be made."), headOnly)};
+    }
+}
+
+/// An answer without bytes where not even an error has room.
+Answer answerTo(const HttpServer::Handler& handler, const HttpRequest& request)
+{
+    try {
+        return makeAnswer(handler, request);
+    } catch (const std::exception&) {
+        return {};
     }
 }
 
@@ -60,7 +75,7 @@ void HttpServer::Loop::Session::expireAfter(Clock::duration time)
     timer_.async_wait([weak = weak_from_this()](error_code error) {
         // The handler may have been on its way when another time was set.
         if (const auto self = weak.lock(); self && !error && self->timer_.expiry() <= Clock::now())
-            self->expire();
+            self->orClose([&self] { self->expire(); });
     });
 }
 
@@ -81,10 +96,12 @@ void HttpServer::Loop::Session::receive()
     receiving_ = true;
     socket_.async_read_some(asio::buffer(piece_), [self = shared_from_this()](error_code error, std::size_t count) {
         self->receiving_ = false;
-        if (self->phase_ == Phase::Reading)
-            self->received(error, count);
-        else
-            self->overheard(error, count);
+        self->orClose([&] {
+            if (self->phase_ == Phase::Reading)
+                self->received(error, count);
+            else
+                self->overheard(error, count);
+        });
     });
 }
 
@@ -144,21 +161,45 @@ void HttpServer::Loop::Session::overheard(error_code error, std::size_t count)
 void HttpServer::Loop::Session::make()
 {
     phase_ = Phase::Making;
-    listener_.making.insert(this);
-    asio::post(*loop_.workers_, [self = shared_from_this()]() mutable {
-        const CurrentTask task(self->abandoned_);
-        Answer answer = answerTo(self->listener_.handler, self->request_);
-        asio::io_context& io = self->loop_.io_;
-        asio::post(io,
-                   [back = std::move(self), brought = std::move(answer)]() mutable { back->made(std::move(brought)); });
+    orClose([this] {
+        const auto place = listener_.making.insert(shared_from_this()).first;
+        try {
+            // The place holds the session, so that it always ends on the loop's thread.
+            asio::post(*loop_.workers_, [this] {
+                const CurrentTask task(abandoned_);
+                answer_ = answerTo(listener_.handler, request_);
+                bringBack();
+            });
+        } catch (...) {
+            listener_.making.erase(place);
+            throw;
+        }
     });
 }
 
-void HttpServer::Loop::Session::made(Answer answer)
+/// On the worker's thread. The word to the loop takes memory as well; until there is some, the answer is given up for
+/// it.
+void HttpServer::Loop::Session::bringBack()
 {
-    listener_.making.erase(this);
-    if (client_ != Client::Gone)
-        send(std::move(answer));
+    while (!loop_.io_.stopped()) {
+        try {
+            asio::post(loop_.io_, [this] { made(); });
+            return;
+        } catch (const std::bad_alloc&) {
+            answer_ = Answer();
+            std::this_thread::sleep_for(kMemoryPause);
+        }
+    }
+}
+
+void HttpServer::Loop::Session::made()
+{
+    const auto self = shared_from_this();
+    listener_.making.erase(self);
+    if (client_ == Client::Gone || answer_.bytes.empty())
+        close();
+    else
+        orClose([this] { send(std::move(answer_)); });
     loop_.dispatch(listener_);
 }
 
@@ -181,9 +222,10 @@ void HttpServer::Loop::Session::sendRest()
         return;
     }
     expireAfter(std::min<Clock::duration>(loop_.limits_.writeTime, answerEnd_ - Clock::now()));
-    socket_.async_write_some(
-        asio::buffer(answer_.bytes) + sent_,
-        [self = shared_from_this()](error_code error, std::size_t count) { self->sent(error, count); });
+    socket_.async_write_some(asio::buffer(answer_.bytes) + sent_,
+                             [self = shared_from_this()](error_code error, std::size_t count) {
+                                 self->orClose([&] { self->sent(error, count); });
+                             });
 }
 
 void HttpServer::Loop::Session::sent(error_code error, std::size_t count)

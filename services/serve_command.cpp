@@ -135,7 +135,10 @@ int runServe(const Options& options)
     std::printf(" proxy=http://%s:%u/\n", options.proxyAddress.c_str(),
                 static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
     std::fflush(stdout);
-    return server.run() ? 0 : 1;
+    if (server.run())
+        return 0;
+    std::fprintf(stderr, "quarrynet-services: the system refuses the threads that serving takes\n");
+    return 1;
 }
 
 } // namespace quarrynet::services

@@ -48,6 +48,18 @@ bool fails(int kind, int error)
     return true;
 }
 
+/// Not so for the descriptors by which a program wakes its own threads: those calls cannot fail.
+bool isFile(int number)
+{
+    static auto* const real = next<int(int, struct stat*)>("fstat");
+    const int error = errno;
+    struct stat state
+    {};
+    const bool file = real(number, &state) == 0 && (S_ISREG(state.st_mode) || S_ISDIR(state.st_mode));
+    errno = error;
+    return file;
+}
+
 __attribute__((constructor)) void armFromEnvironment()
 {
     const char* number = std::getenv("QUARRYNET_FAIL_AT");
@@ -123,13 +135,22 @@ QUARRYNET_OPEN_FAULT(openat, (int folder, const char* path, int flags, ...), (in
 QUARRYNET_OPEN_FAULT(openat64, (int folder, const char* path, int flags, ...), (int, const char*, int, ...),
                      (folder, path, flags, mode))
 
-QUARRYNET_FAULT(ssize_t, read, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count), (number, to, count))
+ssize_t read(int number, void* to, size_t count)
+{
+    static auto* const real = next<ssize_t(int number, void* to, size_t count)>("read");
+    return isFile(number) && fails(QuarrynetFileFaults, EIO) ? -1 : real(number, to, count);
+}
+
 QUARRYNET_FAULT(ssize_t, pread, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count, off_t at),
                 (number, to, count, at))
 QUARRYNET_FAULT(ssize_t, pread64, QuarrynetFileFaults, EIO, -1, (int number, void* to, size_t count, off64_t at),
                 (number, to, count, at))
-QUARRYNET_FAULT(ssize_t, write, QuarrynetFileFaults, ENOSPC, -1, (int number, const void* from, size_t count),
-                (number, from, count))
+ssize_t write(int number, const void* from, size_t count)
+{
+    static auto* const real = next<ssize_t(int number, const void* from, size_t count)>("write");
+    return isFile(number) && fails(QuarrynetFileFaults, ENOSPC) ? -1 : real(number, from, count);
+}
+
 QUARRYNET_FAULT(ssize_t, pwrite, QuarrynetFileFaults, ENOSPC, -1,
                 (int number, const void* from, size_t count, off_t at), (number, from, count, at))
 QUARRYNET_FAULT(ssize_t, pwrite64, QuarrynetFileFaults, ENOSPC, -1,

@@ -21,12 +21,12 @@ extern char** environ;
 /// A program of its own, run with a call in it that fails.
 namespace quarrynet {
 
-/// A started program that has to end within a minute. What it writes goes to files.
+/// A started program that has to end within a minute. What it complains of goes to a file.
 class FaultyProgram
 {
 public:
-    /// The `number`-th call of these kinds fails (0: none does). `folder` gets the files "errors", "output" and "mark",
-    /// and has to let the program's user write.
+    /// The `number`-th call of these kinds fails (0: none does). `folder` gets the files "errors" and "mark", and
+    /// has to let the program's user write.
     FaultyProgram(std::vector<std::string> arguments, std::string folder, long number, int kinds)
         : folder_(std::move(folder))
     {
@@ -41,21 +41,27 @@ public:
             variables.emplace_back("QUARRYNET_FAIL_KINDS=" + std::to_string(kinds));
             variables.emplace_back("QUARRYNET_FAIL_MARK=" + folder_ + "/mark");
         }
-        constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
+        int ends[2] = {-1, -1};
+        if (::pipe2(ends, O_CLOEXEC) != 0)
+            return;
+        output_ = ends[0];
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, (folder_ + "/output").c_str(), kWrite, 0600);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (folder_ + "/errors").c_str(), kWrite, 0600);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (folder_ + "/errors").c_str(),
+                                         O_WRONLY | O_CREAT | O_TRUNC, 0600);
         const std::vector<char*> values = pointers(arguments);
         if (::posix_spawn(&process_, values[0], &actions, nullptr, values.data(), pointers(variables).data()) != 0)
             process_ = 0;
         posix_spawn_file_actions_destroy(&actions);
+        ::close(ends[1]);
     }
     ~FaultyProgram()
     {
         if (process_ > 0)
             ::kill(process_, SIGKILL);
         wait();
+        ::close(output_);
     }
     FaultyProgram(const FaultyProgram&) = delete;
     FaultyProgram& operator=(const FaultyProgram&) = delete;
@@ -90,8 +96,21 @@ public:
     /// Whether a call failed so far.
     bool failed() const { return std::filesystem::exists(folder_ + "/mark"); }
 
-    std::string errors() const { return content("errors"); }
-    std::string output() const { return content("output"); }
+    std::string errors() const
+    {
+        std::ifstream file(folder_ + "/errors", std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    /// One line of output without its end; what there is when the output ends, or nothing more comes within a minute.
+    std::string readLine() const
+    {
+        std::string line;
+        pollfd more{output_, POLLIN, 0};
+        for (char c = 0; ::poll(&more, 1, 60'000) == 1 && ::read(output_, &c, 1) == 1 && c != '\n';)
+            line.push_back(c);
+        return line;
+    }
 
 private:
     static std::vector<char*> pointers(std::vector<std::string>& texts)
@@ -103,13 +122,8 @@ private:
         return pointers;
     }
 
-    std::string content(const std::string& name) const
-    {
-        std::ifstream file(folder_ + "/" + name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     std::string folder_;
+    int output_ = -1;
     pid_t process_ = 0;
     int status_ = -SIGKILL;
 };

@@ -1,15 +1,19 @@
 #pragma once
 
 #include <arpa/inet.h>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <netinet/in.h>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 /// What the tests of the services share.
@@ -100,12 +104,23 @@ public:
         ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
     }
 
+    /// As receiveAll(); nothing when the server neither sends nor ends the connection for so many seconds.
+    std::optional<std::string> receiveAllWithin(int seconds) const
+    {
+        const timeval time{seconds, 0};
+        ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+        std::string all = receiveAll();
+        const bool timeIsUp = errno == EAGAIN || errno == EWOULDBLOCK;
+        return timeIsUp ? std::nullopt : std::optional(std::move(all));
+    }
+
     /// Everything up to the server's end of the connection.
     std::string receiveAll() const
     {
         std::string all;
         char bytes[4096];
         for (;;) {
+            errno = 0;
             const ssize_t count = ::recv(socket_, bytes, sizeof bytes, 0);
             if (count <= 0)
                 return all;
