@@ -1,5 +1,7 @@
 #include "services/sqlite.h"
 
+#include <new>
+
 #include <sqlite3.h>
 
 namespace quarrynet::services {
@@ -31,17 +33,24 @@ int nameAsGiven(sqlite3_vfs*, const char* name, int size, char* full)
     return SQLITE_OK;
 }
 
-/// The system's files, opened by the names that were given.
+/// The system's files, opened by the names that were given. Throws std::bad_alloc; the next call tries again then.
 const char* filesAsNamed()
 {
     static sqlite3_vfs files = [] {
-        sqlite3_vfs usual = *sqlite3_vfs_find(nullptr);
+        const sqlite3_vfs* const found = sqlite3_vfs_find(nullptr);
+        if (found == nullptr)
+            throw std::bad_alloc();
+        sqlite3_vfs usual = *found;
         usual.zName = "quarrynet-as-named";
         usual.xFullPathname = nameAsGiven;
         return usual;
     }();
-    static const bool registered = sqlite3_vfs_register(&files, 0) == SQLITE_OK;
-    return registered ? files.zName : nullptr;
+    static const char* const name = [] {
+        if (sqlite3_vfs_register(&files, 0) != SQLITE_OK)
+            throw std::bad_alloc();
+        return files.zName;
+    }();
+    return name;
 }
 
 } // namespace

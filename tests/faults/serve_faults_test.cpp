@@ -8,8 +8,8 @@
 #include "faulty_program.h"
 #include "services/http_message.h"
 
-/// Every call that serving needs fails once, in the program itself: the client that it struck gets a whole answer or the
-/// end of its connection, the next one its answer, and the program ends when it is told to.
+/// Every call that serving needs fails once, in the program itself: the client that it struck gets a whole answer or
+/// the end of its connection, the next one its answer, and the program ends when it is told to.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -77,7 +77,8 @@ protected:
         folder_.write("run/errors", "");
         fs::permissions(folder_.path() + "/run", fs::perms::all);
         folder_.write("docs/manual.html", "<title>Manual</title>How to grow apples");
-        fs::permissions(folder_.path() + "/docs", fs::perms::others_exec | fs::perms::others_read, fs::perm_options::add);
+        fs::permissions(folder_.path() + "/docs", fs::perms::others_exec | fs::perms::others_read,
+                        fs::perm_options::add);
         const std::string list = folder_.write(
             "list", "Package: apple\nDescription: a fruit\nHomepage: http://apple.example/\nFilename: apple.deb\n");
         FaultyProgram index({QUARRYNET_SERVICES, "index", "--data", folder_.path() + "/data", "--packages", list,
@@ -90,9 +91,9 @@ protected:
     /// Serves while the `number`-th call of these kinds fails; false when none failed any more.
     bool judge(long number, int kinds)
     {
-        FaultyProgram server({QUARRYNET_SERVICES, "serve", "--data", folder_.path() + "/data", "--port", "0",
-                              "--proxy-port", "0"},
-                             folder_.path() + "/run", number, kinds);
+        FaultyProgram server(
+            {QUARRYNET_SERVICES, "serve", "--data", folder_.path() + "/data", "--port", "0", "--proxy-port", "0"},
+            folder_.path() + "/run", number, kinds);
         std::string ready = server.readLine();
         // The threads are what comes last: without them there is no server either.
         if (!ready.empty() && !ask(kQuestions.front(), ready).value_or("").starts_with("HTTP/1.1 200") &&
@@ -104,7 +105,8 @@ protected:
             // The C library's search for the user that root becomes cannot do without memory.
             const std::string errors = server.errors();
             if (::geteuid() == 0 && kinds == QuarrynetMemoryFaults &&
-                ((status == -SIGSEGV && errors.empty()) || (status == -SIGABRT && errors.find("nss_") != std::string::npos)))
+                ((status == -SIGSEGV && errors.empty()) ||
+                 (status == -SIGABRT && errors.find("nss_") != std::string::npos)))
                 return true;
             EXPECT_EQ(status, 1);
             EXPECT_TRUE(server.failed());
