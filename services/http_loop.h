@@ -76,7 +76,7 @@ private:
     void dispatch(Listener& listener);
     void lookAround();
     static std::shared_ptr<Session> next(Listener& listener);
-    static void setAside(Listener& listener, const std::shared_ptr<Session>& session);
+    static void setAside(Listener& listener, std::shared_ptr<Session> session);
     void hold(Listener& listener, std::size_t bytes);
     /// Must not throw: sessions end in it.
     void release(Listener& listener, std::size_t bytes);

@@ -89,7 +89,7 @@ void HttpServer::Loop::dispatch(Listener& listener)
 std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& listener)
 {
     while (!listener.waiting.empty()) {
-        const std::shared_ptr<Session> session = listener.waiting.front();
+        std::shared_ptr<Session> session = listener.waiting.front();
         if (session->client() == Client::Waits) {
             listener.waiting.pop_front();
             return session;
@@ -104,18 +104,17 @@ std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& list
 }
 
 /// Takes a session whose client has ended its side, or is gone, out of the queue of those that wait.
-void HttpServer::Loop::setAside(Listener& listener, const std::shared_ptr<Session>& session)
+void HttpServer::Loop::setAside(Listener& listener, std::shared_ptr<Session> session)
 {
-    const std::shared_ptr<Session> kept = session;
-    std::erase(listener.waiting, kept);
-    if (kept->client() == Client::Gone) {
-        kept->close();
+    std::erase(listener.waiting, session);
+    if (session->client() == Client::Gone) {
+        session->close();
         return;
     }
     if (listener.ended.size() < kEndedClients)
-        listener.ended.push_back(kept);
+        listener.ended.push_back(std::move(session));
     else
-        kept->send({responseBytes(errorResponse(503, "Too many requests wait for an answer."), false)});
+        session->send({responseBytes(errorResponse(503, "Too many requests wait for an answer."), false)});
 }
 
 std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const std::string& address,
