@@ -1,7 +1,5 @@
 #include "platform/webengine/BrowserView.h"
 
-#include <utility>
-
 #include <QChildEvent>
 #include <QCoreApplication>
 #include <QMouseEvent>
@@ -95,9 +93,11 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
             [this](const QByteArray& address) { host_.linkActivated(address); });
     connect(page_, &QWebEnginePage::loadFinished, this, [this](bool loaded) {
         page_->history()->clear();
-        // A link that was pressed in the page before may have ended the loading of this one.
-        if (!loaded && std::exchange(mayRetry_, false))
+        // Each link that was pressed in the page before may have ended the loading of this one.
+        if (!loaded && retries_ > 0) {
+            --retries_;
             setUrl(shown_);
+        }
     });
     connect(page_, &QWebEnginePage::renderProcessTerminated, this,
             [this](QWebEnginePage::RenderProcessTerminationStatus status) {
@@ -159,7 +159,7 @@ void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture
     guard_->allowPage(path);
     pictures_->beginPage();
     shown_ = QUrl::fromLocalFile(path);
-    mayRetry_ = true;
+    retries_ = RequestGuard::kMaxRetries;
     setUrl(shown_);
 }
 

@@ -41,7 +41,7 @@ private:
     PictureHandler* pictures_;
     BrowserPage* page_;
     QUrl shown_;
-    bool mayRetry_ = false;
+    int retries_ = 0; // that are left of the page that is shown
 };
 
 } // namespace quarrynet

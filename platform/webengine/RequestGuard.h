@@ -17,8 +17,11 @@ class RequestGuard : public QWebEngineUrlRequestInterceptor
     Q_DISABLE_COPY_MOVE(RequestGuard)
 
 public:
-    /// Loads of pages for one that is shown: it and its frame, each of them twice. A page may ask for itself again.
-    static constexpr int kMaxLoads = 4;
+    /// How often a page whose loading was ended is loaded again.
+    static constexpr int kMaxRetries = 3;
+    /// Loads of pages for one that is shown: it and its frame, and again for each retry. A page may ask for itself
+    /// again.
+    static constexpr int kMaxLoads = 2 * (1 + kMaxRetries);
     /// Requests of any kind, refused ones included, before the page counts as a flood.
     static constexpr int kMaxRequests = 1000;
 
