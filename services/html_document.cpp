@@ -50,7 +50,9 @@ public:
 
     std::string take() const
     {
-        std::string_view text = clipUtf8(text_, maxBytes_);
+        // The library makes bytes that are no character of a reference to a number far beyond the last one.
+        const std::string whole = withoutBrokenCharacters(clipUtf8(text_, maxBytes_));
+        std::string_view text = clipUtf8(whole, maxBytes_);
         while (!text.empty() && text.back() == ' ')
             text.remove_suffix(1);
         return std::string(text);

@@ -46,6 +46,22 @@ bool isUtf8(std::string_view bytes)
     return true;
 }
 
+std::string withoutBrokenCharacters(std::string_view bytes)
+{
+    constexpr char32_t kReplacement = 0xFFFD;
+    std::string text;
+    text.reserve(bytes.size());
+    while (!bytes.empty()) {
+        const std::size_t length = characterLength(bytes);
+        if (length == 0)
+            appendUtf8(text, kReplacement);
+        else
+            text += bytes.substr(0, length);
+        bytes.remove_prefix(length == 0 ? 1 : length);
+    }
+    return text;
+}
+
 std::string toUtf8(std::string_view bytes)
 {
     if (isUtf8(bytes))

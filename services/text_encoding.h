@@ -11,6 +11,9 @@ bool isUtf8(std::string_view bytes);
 /// `bytes` as UTF-8: unchanged when they are well-formed, else every byte taken as one Latin-1 character.
 std::string toUtf8(std::string_view bytes);
 
+/// `bytes` with U+FFFD in place of every byte that belongs to no well-formed character.
+std::string withoutBrokenCharacters(std::string_view bytes);
+
 /// Appends the character with this number as UTF-8; U+FFFD for a number that is none.
 void appendUtf8(std::string& text, char32_t character);
 

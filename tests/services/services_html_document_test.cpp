@@ -188,3 +188,12 @@ TEST(ReadHtml, RandomMarkupNeverFails)
         EXPECT_EQ(document.text.find('\0'), std::string::npos);
     }
 }
+
+TEST(ReadHtml, ReferenceFarBeyondTheLastCharacterIsStillUtf8)
+{
+    const HtmlDocument document = readHtml("<title>a &#xffffffff0; b</title>c &#xffffffff0 d", 1000);
+    EXPECT_TRUE(isUtf8(document.title)) << document.title;
+    EXPECT_TRUE(isUtf8(document.text)) << document.text;
+    EXPECT_EQ(document.title.front(), 'a');
+    EXPECT_EQ(document.text.back(), 'd');
+}
