@@ -11,13 +11,13 @@
 #include <string_view>
 #include <vector>
 
-#include "services/download_service.h"
-#include "services/file_service.h"
-#include "services/image_service.h"
-#include "services/index_database.h"
-#include "services/indexing.h"
-#include "services/query.h"
-#include "services/web_service.h"
+#include "index/database.h"
+#include "index/query.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/ImageService.h"
+#include "searches/WebService.h"
+#include "sources/indexing.h"
 
 /// Measures how far up the searches show what a person wants first: the mean reciprocal rank over a judged set, beside
 /// that of the plain order by bm25 (for files: the order of the names) over the same index.

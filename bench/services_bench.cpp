@@ -8,11 +8,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include "services/download_service.h"
-#include "services/file_service.h"
-#include "services/index_database.h"
-#include "services/indexing.h"
-#include "services/web_service.h"
+#include "index/database.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/WebService.h"
+#include "sources/indexing.h"
 
 /// The local searches over this machine's own package lists, beside the same questions put to the tables without a
 /// full-text index. The wanted: a median below 20 ms, and an index of 63,000 packages within 20 s.

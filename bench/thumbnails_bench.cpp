@@ -3,11 +3,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include "services/document_folders.h"
-#include "services/picture_folders.h"
-#include "services/picture_format.h"
-#include "services/thumbnail_cache.h"
-#include "services/thumbnailer.h"
+#include "sources/document_folders.h"
+#include "sources/picture_folders.h"
+#include "thumbnails/ThumbnailCache.h"
+#include "thumbnails/Thumbnailer.h"
+#include "thumbnails/picture_format.h"
 
 /// Thumbnails of this machine's icons a second: made, with the process under way, and out of the cache.
 

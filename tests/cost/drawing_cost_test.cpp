@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "services/thumbnail.h"
 #include "tests/cost/step_counter.h"
+#include "thumbnails/thumbnail.h"
 
 /// What drawings of twice the length cost before they are drawn. The XML reader's own loops do not count, but the
 /// memory that it moves and takes does.

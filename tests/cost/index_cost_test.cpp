@@ -10,15 +10,15 @@
 
 #include <gtest/gtest.h>
 
-#include "services/download_service.h"
-#include "services/excerpt.h"
-#include "services/file_service.h"
-#include "services/image_service.h"
-#include "services/index_database.h"
-#include "services/index_writer.h"
-#include "services/web_service.h"
+#include "index/IndexWriter.h"
+#include "index/database.h"
+#include "index/excerpt.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/ImageService.h"
+#include "searches/WebService.h"
 #include "tests/cost/step_counter.h"
-#include "tests/services/service_support.h"
+#include "tests/services/support/service_support.h"
 
 /// What searches in the index, and making it, cost with an index of twice the size.
 using namespace quarrynet::cost;

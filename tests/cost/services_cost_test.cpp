@@ -9,22 +9,22 @@
 
 #include <gtest/gtest.h>
 
-#include "services/crawl.h"
-#include "services/download_service.h"
-#include "services/file_service.h"
-#include "services/ftp_listing.h"
-#include "services/html_document.h"
-#include "services/http_message.h"
-#include "services/image_service.h"
-#include "services/markup.h"
-#include "services/package_lists.h"
-#include "services/package_names.h"
-#include "services/picture_format.h"
-#include "services/query.h"
-#include "services/search_page.h"
-#include "services/text_encoding.h"
-#include "services/web_service.h"
+#include "ftp/crawl.h"
+#include "ftp/listing.h"
+#include "ground/text_encoding.h"
+#include "http/message.h"
+#include "index/package_names.h"
+#include "index/query.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/ImageService.h"
+#include "searches/WebService.h"
+#include "searches/search_page.h"
+#include "sources/package_lists.h"
 #include "tests/cost/step_counter.h"
+#include "text/html_document.h"
+#include "text/markup.h"
+#include "thumbnails/picture_format.h"
 
 /// What the services' readers and page makers cost with inputs of twice the length.
 using namespace quarrynet::cost;

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "../services/ftp_support.h"
-#include "../services/service_support.h"
 #include "faulty_program.h"
 #include "index_dump.h"
+#include "tests/services/support/ftp_support.h"
+#include "tests/services/support/service_support.h"
 
 /// Every call that a crawl needs fails once, in the program itself: the index has the whole crawl, or what could not be
 /// listed is told, or the old index stays.

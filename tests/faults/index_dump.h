@@ -5,8 +5,8 @@
 #include <iterator>
 #include <string>
 
-#include "services/index_database.h"
-#include "services/sqlite.h"
+#include "index/database.h"
+#include "index/sqlite.h"
 
 /// What the tests look at in an index.
 namespace quarrynet::services {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "../services/service_support.h"
 #include "faulty_program.h"
+#include "ftp/crawl.h"
 #include "index_dump.h"
-#include "services/crawl.h"
+#include "tests/services/support/service_support.h"
 
 /// Every call that indexing needs fails once, in the program itself: the new index is whole, or the old one stays.
 

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "../services/service_support.h"
 #include "faulty_program.h"
-#include "services/http_message.h"
+#include "http/message.h"
+#include "tests/services/support/service_support.h"
 
 /// Every call that serving needs fails once, in the program itself: the client that it struck gets a whole answer or
 /// the end of its connection, the next one its answer, and the program ends when it is told to.

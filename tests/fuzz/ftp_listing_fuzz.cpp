@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "services/ftp_listing.h"
+#include "ftp/listing.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

@@ -1,6 +1,6 @@
-#include "services/html_document.h"
-#include "services/text_encoding.h"
+#include "ground/text_encoding.h"
 #include "tests/fuzz/fuzz_input.h"
+#include "text/html_document.h"
 
 using namespace quarrynet;
 using namespace quarrynet::services;

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "services/http_message.h"
+#include "http/message.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "services/package_lists.h"
+#include "sources/package_lists.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

@@ -1,7 +1,7 @@
 #include <string>
 
-#include "services/query.h"
-#include "services/sqlite.h"
+#include "index/query.h"
+#include "index/sqlite.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

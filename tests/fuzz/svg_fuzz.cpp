@@ -1,7 +1,7 @@
 #include <QXmlStreamReader>
 
-#include "services/thumbnail.h"
 #include "tests/fuzz/fuzz_input.h"
+#include "thumbnails/thumbnail.h"
 
 using namespace quarrynet;
 using namespace quarrynet::services;

@@ -1,0 +1,161 @@
+#include "ground/OpenFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#ifdef __linux__
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#endif
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kMaxRelativePath = 4096;
+
+/// A descriptor that is closed at its end.
+class Descriptor
+{
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor()
+    {
+        if (number_ >= 0)
+            ::close(number_);
+    }
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept
+    {
+        std::swap(number_, other.number_);
+        return *this;
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return number_; }
+    int release() { return std::exchange(number_, -1); }
+
+private:
+    int number_;
+};
+
+// Without O_NONBLOCK, opening a pipe would wait for a writer.
+constexpr int kFileFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+constexpr int kFolderFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_DIRECTORY;
+
+/// Opens `path` part by part; none may be a symbolic link.
+int openStepwise(int folder, const std::string& path)
+{
+    Descriptor at(::fcntl(folder, F_DUPFD_CLOEXEC, 0));
+    std::size_t begin = 0;
+    for (std::size_t slash = path.find('/'); slash != std::string::npos; slash = path.find('/', begin)) {
+        const std::string part = path.substr(begin, slash - begin);
+        begin = slash + 1;
+        if (!part.empty())
+            at = Descriptor(::openat(at.number(), part.c_str(), kFolderFlags));
+        if (at.number() < 0)
+            return -1;
+    }
+    return ::openat(at.number(), path.substr(begin).c_str(), kFileFlags);
+}
+
+int openFrom(int folder, const std::string& path, OpenWay way)
+{
+#ifdef SYS_openat2
+    if (way == OpenWay::Usual) {
+        open_how how{};
+        how.flags = kFileFlags;
+        how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
+        const long descriptor = ::syscall(SYS_openat2, folder, path.c_str(), &how, sizeof how);
+        // Older systems do not have it, and containers may forbid it.
+        if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM))
+            return static_cast<int>(descriptor);
+    }
+#endif
+    return openStepwise(folder, path);
+}
+
+/// A part that begins with a full stop is "..", "." or hidden; a NUL would cut the path short.
+bool mayBeServed(std::string_view relative)
+{
+    return !relative.empty() && relative.size() <= kMaxRelativePath && relative.front() != '.' &&
+           relative.find("/.") == std::string_view::npos && relative.find('\0') == std::string_view::npos &&
+           relative.back() != '/';
+}
+
+} // namespace
+
+OpenFile::~OpenFile()
+{
+    ::close(descriptor_);
+}
+
+std::string OpenFile::version() const
+{
+    struct stat status
+    {};
+    if (::fstat(descriptor_, &status) != 0)
+        return {};
+    return std::to_string(status.st_dev) + "." + std::to_string(status.st_ino) + "." +
+           std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec) + "." +
+           std::to_string(status.st_size);
+}
+
+std::size_t OpenFile::read(std::uint64_t offset, char* to, std::size_t count) const
+{
+    for (;;) {
+        const ssize_t got = ::pread(descriptor_, to, count, static_cast<off_t>(offset));
+        if (got >= 0 || errno != EINTR)
+            return got < 0 ? 0 : static_cast<std::size_t>(got);
+    }
+}
+
+std::string OpenFile::beginning(std::size_t bytes) const
+{
+    std::string text(static_cast<std::size_t>(std::min<std::uint64_t>(bytes, size_)), '\0');
+    std::size_t filled = 0;
+    while (filled < text.size()) {
+        const std::size_t count = read(filled, text.data() + filled, text.size() - filled);
+        if (count == 0)
+            break;
+        filled += count;
+    }
+    text.resize(filled);
+    return text;
+}
+
+std::optional<std::string> OpenFile::content(std::size_t maxBytes) const
+{
+    if (size_ > maxBytes)
+        return std::nullopt;
+    std::string text = beginning(static_cast<std::size_t>(size_));
+    if (text.size() < size_)
+        return std::nullopt;
+    return text;
+}
+
+std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string_view relative, OpenWay way)
+{
+    relative.remove_prefix(std::min(relative.find_first_not_of('/'), relative.size()));
+    if (!mayBeServed(relative))
+        return nullptr;
+    // The folder itself was chosen by whoever made the index, by whatever links.
+    const Descriptor folder(::open(root.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    if (folder.number() < 0)
+        return nullptr;
+    Descriptor file(openFrom(folder.number(), std::string(relative), way));
+    struct stat status
+    {};
+    if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1)
+        return nullptr;
+    auto open = std::make_shared<const OpenFile>(file.number(), static_cast<std::uint64_t>(status.st_size));
+    (void)file.release(); // only now is there a new owner
+    return open;
+}
+
+} // namespace quarrynet::services

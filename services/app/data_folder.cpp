@@ -1,0 +1,107 @@
+#include "app/data_folder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "ground/folder_entries.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::array<std::string_view, 4> kOwnFiles{"index.sqlite", "index.sqlite.new", "index.sqlite-journal",
+                                                    "index.lock"};
+
+/// Opens what lies at `path` itself, be it a link to something else or not; -1 for whatever is no file or folder.
+int openItself(const fs::path& path)
+{
+    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+}
+
+bool holdsOwnFilesOnly(const fs::path& folder)
+{
+    bool own = true;
+    const std::error_code error = forEachEntry(folder.string(), [&own](const std::string& name) {
+        own = own && std::find(kOwnFiles.begin(), kOwnFiles.end(), name) != kOwnFiles.end();
+    });
+    return own && !error;
+}
+
+/// Calls `change` with a descriptor of each of the program's own files there, and of the folder when nothing else is.
+void forEachOwn(const fs::path& folder, const std::function<void(int descriptor, bool isFolder)>& change)
+{
+    const bool whole = holdsOwnFilesOnly(folder);
+    for (const std::string_view name : kOwnFiles) {
+        const int file = openItself(folder / name);
+        struct stat status
+        {};
+        if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1)
+            change(file, false);
+        if (file >= 0)
+            ::close(file);
+    }
+    const int itself = whole ? ::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY) : -1;
+    if (itself < 0)
+        return;
+    change(itself, true);
+    ::close(itself);
+}
+
+/// What belongs to somebody else stays as it is.
+void keepPrivate(const fs::path& folder)
+{
+    forEachOwn(folder, [](int descriptor, bool isFolder) {
+        struct stat status
+        {};
+        if (::fstat(descriptor, &status) == 0 && status.st_uid == ::geteuid())
+            ::fchmod(descriptor, isFolder ? 0700 : 0600);
+    });
+}
+
+} // namespace
+
+void handOver(const std::string& folder, uid_t user, gid_t group)
+{
+    forEachOwn(folder, [user, group](int descriptor, bool) {
+        struct stat status
+        {};
+        if (::fstat(descriptor, &status) == 0 && status.st_uid == 0 && ::fchown(descriptor, user, group) != 0)
+            return; // whoever cannot read the index then says so
+    });
+}
+
+Outcome<std::string> openDataFolder(const std::string& chosen)
+{
+    std::filesystem::path folder = chosen;
+    if (folder.empty()) {
+        const char* data = std::getenv("XDG_DATA_HOME");
+        const char* home = std::getenv("HOME");
+        // A relative XDG_DATA_HOME has to be ignored.
+        if (data != nullptr && data[0] == '/')
+            folder = std::filesystem::path(data) / "quarrynet";
+        else if (home != nullptr && home[0] != '\0')
+            folder = std::filesystem::path(home) / ".local/share/quarrynet";
+        else
+            return Failure{"no home folder is set; name a folder with --data"};
+    }
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error)
+        return Failure{"cannot make the folder " + folder.string() + ": " + error.message()};
+    if (!std::filesystem::is_directory(folder, error))
+        return Failure{folder.string() + (error ? " cannot be used: " + error.message() : " is not a folder")};
+    keepPrivate(folder);
+    return folder.string();
+}
+
+} // namespace quarrynet::services

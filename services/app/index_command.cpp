@@ -1,0 +1,61 @@
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/commands.h"
+#include "app/data_folder.h"
+#include "app/own_program.h"
+#include "index/database.h"
+#include "sources/indexing.h"
+
+namespace quarrynet::services {
+
+int runIndex(const Options& options)
+{
+    const auto complain = [](const Failure& failure) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", failure.message.c_str());
+        return 1;
+    };
+    const Outcome<std::string> data = openDataFolder(options.dataFolder);
+    if (!data)
+        return complain(data.failure());
+    if (options.ifNeeded && IndexPool(*data).borrow())
+        return 0;
+    IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
+    sources.force = options.force;
+    if (!sources.mirror.empty() && sources.mirror.back() != '/')
+        sources.mirror.push_back('/');
+    const std::string manual = manualFolder(ownProgram());
+    const auto addUsual = [&manual](std::vector<std::string>& folders, std::vector<std::string> usual) {
+        if (!folders.empty())
+            return;
+        folders = std::move(usual);
+        if (!manual.empty())
+            folders.push_back(manual);
+    };
+    addUsual(sources.folders, {"/usr/share/doc", "/usr/local/share/doc"});
+    addUsual(sources.pictureFolders, {"/usr/share/icons", "/usr/share/pixmaps", "/usr/share/backgrounds",
+                                      "/usr/share/images", "/usr/share/doc"});
+    if (!kHasImageSearch)
+        sources.pictureFolders.clear();
+
+    const auto begin = std::chrono::steady_clock::now();
+    const Outcome<IndexCounts> counts = buildIndex(*data, sources, [](const std::string& line) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", line.c_str());
+    });
+    if (!counts)
+        return complain(counts.failure());
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    std::fprintf(stderr,
+                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents and %zu "
+                 "pictures in %.1f seconds\n",
+                 counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures, seconds);
+    if (counts->leftOut.count > 0)
+        std::fprintf(stderr, "quarrynet-services: %zu could not be read and were left out, such as %s\n",
+                     counts->leftOut.count, counts->leftOut.first.c_str());
+    return 0;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,53 @@
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <sys/stat.h>
+
+#include "app/commands.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+int run(int argc, char** argv)
+{
+    const Outcome<Options> options = parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+    if (!options) {
+        std::fprintf(stderr, "quarrynet-services: %s\nTry \"quarrynet-services --help\".\n",
+                     options.failure().message.c_str());
+        return 2;
+    }
+    switch (options->command) {
+    case Options::Command::Index:
+        return runIndex(*options);
+    case Options::Command::Crawl:
+        return runCrawl(*options);
+    case Options::Command::Serve:
+        return runServe(*options);
+    case Options::Command::Version:
+        std::puts("quarrynet-services " QUARRYNET_VERSION);
+        return 0;
+    case Options::Command::Help:
+        std::fputs(helpText(), stdout);
+        return 0;
+    }
+    return 2;
+}
+
+} // namespace
+
+} // namespace quarrynet::services
+
+int main(int argc, char** argv)
+{
+    // What the index holds is its user's alone.
+    ::umask(077);
+    try {
+        return quarrynet::services::run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("quarrynet-services: out of memory\n", stderr);
+    } catch (const std::exception& fault) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", fault.what());
+    }
+    return 1;
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ground/Outcome.h"
+
+namespace quarrynet::services {
+
+/// What is asked for on the command line.
+struct Options
+{
+    enum class Command : std::uint8_t
+    {
+        Help,
+        Version,
+        Serve,
+        Index,
+        Crawl,
+    };
+
+    Command command = Command::Help;
+    std::string dataFolder; ///< empty: the user's data folder
+
+    // index
+    bool ifNeeded = false;
+    bool force = false;
+    std::vector<std::string> packageFiles;
+    std::string mirror;
+    std::vector<std::string> folders;        ///< empty: the usual ones
+    std::vector<std::string> pictureFolders; ///< empty: the usual ones
+
+    // crawl
+    std::string crawlAddress;
+    std::uint32_t crawlDepth = 32;
+    std::uint32_t crawlEntries = 1'000'000;
+    std::uint32_t crawlMinutes = 60;
+    std::uint32_t crawlRate = 10; ///< listings a second
+
+    // serve; an empty address is the service's usual one
+    std::string webAddress;
+    std::string imageAddress;
+    std::string downloadAddress;
+    std::string fileAddress;
+    std::uint16_t port = 80;
+    std::string proxyAddress = "127.0.0.1";
+    std::uint16_t proxyPort = 8780;
+    std::string user; ///< whom root becomes; empty: nobody
+};
+
+/// Reads the arguments behind the program's name. Options are "--name value" or "--name=value", or
+/// a name alone where there is nothing to choose. A Failure names the argument that was not understood.
+Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
+
+/// The text of --help.
+const char* helpText();
+
+} // namespace quarrynet::services

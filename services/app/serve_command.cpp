@@ -1,0 +1,144 @@
+#include <csignal>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+#include "app/commands.h"
+#include "app/data_folder.h"
+#include "app/own_program.h"
+#include "app/privileges.h"
+#include "app/service_table.h"
+#include "http/HttpServer.h"
+#include "http/Router.h"
+#include "index/database.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/ImageService.h"
+#include "searches/WebService.h"
+#include "thumbnails/Thumbnailer.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+/// How to let this program listen below port 1024.
+void explainPermission(std::uint16_t port)
+{
+    const std::string program = ownProgram().string();
+    std::fprintf(stderr,
+                 "quarrynet-services: to permit port %u, run one of these once:\n"
+                 "  sudo setcap cap_net_bind_service=+ep %s\n"
+                 "  sudo sysctl net.ipv4.ip_unprivileged_port_start=%u\n",
+                 static_cast<unsigned>(port), program.empty() ? "quarrynet-services" : program.c_str(),
+                 static_cast<unsigned>(port));
+}
+
+/// The program that makes thumbnails lies beside this one.
+std::string thumbnailProgram()
+{
+    return (ownProgram().parent_path() / "quarrynet-thumbnails").string();
+}
+
+/// Gives up root's rights and capabilities; fails where the index could not be read without them.
+Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexPool& index)
+{
+    const bool asRoot = ::geteuid() == 0;
+    const bool ready = static_cast<bool>(index.borrow());
+    if (asRoot)
+        handOver(dataFolder, user.user, user.group);
+    Outcome<Done> dropped = dropPrivileges(user);
+    if (!dropped || !asRoot)
+        return dropped;
+    index.closeIdle(); // connections of before have root's rights
+    if (ready && !index.borrow())
+        return Failure{"the user " + user.name + " cannot read the index in " + dataFolder +
+                       "; name another one with --user, or another folder with --data"};
+    return dropped;
+}
+
+} // namespace
+
+int runServe(const Options& options)
+{
+    const Outcome<std::string> data = openDataFolder(options.dataFolder);
+    if (!data) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", data.failure().message.c_str());
+        return 1;
+    }
+    Outcome<User> user = ::geteuid() == 0 ? findUser(options.user) : User();
+    if (!user) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", user.failure().message.c_str());
+        return 1;
+    }
+    IndexPool index(*data);
+    if (::geteuid() == 0)
+        index.keepFolder();
+    if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
+        std::fprintf(stderr, "quarrynet-services: %s\n", ready.failure().message.c_str());
+
+    HttpServer server;
+    Router router;
+    // The addresses that these two give out are known only once they listen.
+    std::optional<WebService> web;
+    std::optional<ImageService> images;
+    Thumbnailer thumbnailer(thumbnailProgram());
+    DownloadService downloads(index);
+    FileService files(index);
+    std::vector<Service> services{
+        {"web", QUARRYNET_WEB_SEARCH_HOST, options.webAddress,
+         [&web](const HttpRequest& request) { return web->answer(request); },
+         [&](const std::string& base) { web.emplace(index, base); }},
+        {"download", QUARRYNET_DOWNLOAD_SITE_HOST, options.downloadAddress,
+         [&downloads](const HttpRequest& request) { return downloads.answer(request); }},
+        {"file", QUARRYNET_FILE_SEARCH_HOST, options.fileAddress,
+         [&files](const HttpRequest& request) { return files.answer(request); }},
+    };
+    if (kHasImageSearch) {
+        services.push_back({"image", QUARRYNET_IMAGE_SEARCH_HOST, options.imageAddress,
+                            [&images](const HttpRequest& request) { return images->answer(request); },
+                            [&](const std::string& base) {
+                                images.emplace(index, base.substr(std::string_view("http://").size()), &thumbnailer);
+                            }});
+    } else {
+        std::fprintf(stderr, "quarrynet-services: this build has no image search\n");
+    }
+    bool explained = false;
+    startServices(server, router, options.port, services,
+                  [&](const Service& service, const HttpServer::Refusal& refusal) {
+                      std::fprintf(stderr, "quarrynet-services: the %s search answers through the proxy only: %s\n",
+                                   service.name.c_str(), refusal.message.c_str());
+                      if (refusal.fault == HttpServer::ListenFault::NotPermitted && !explained) {
+                          explainPermission(options.port);
+                          explained = true;
+                      }
+                  });
+    const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
+                                     [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
+    if (const auto* refusal = std::get_if<HttpServer::Refusal>(&proxy)) {
+        std::fprintf(stderr, "quarrynet-services: the proxy cannot listen: %s\n", refusal->message.c_str());
+        return 1;
+    }
+    if (const Outcome<Done> dropped = dropRights(*data, *user, index); !dropped) {
+        std::fprintf(stderr, "quarrynet-services: %s\n", dropped.failure().message.c_str());
+        return 1;
+    }
+    // By whoever this process has become.
+    if (kHasImageSearch && ::access(thumbnailProgram().c_str(), X_OK) != 0)
+        std::fprintf(stderr, "quarrynet-services: there are no thumbnails without %s\n", thumbnailProgram().c_str());
+    server.stopOnSignals();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::printf("quarrynet-services: ready");
+    for (const Service& service : services)
+        std::printf(" %s=%s", service.name.c_str(), service.address.empty() ? "-" : service.address.c_str());
+    std::printf(" proxy=http://%s:%u/\n", options.proxyAddress.c_str(),
+                static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
+    std::fflush(stdout);
+    if (server.run())
+        return 0;
+    std::fprintf(stderr, "quarrynet-services: the system refuses the threads that serving takes\n");
+    return 1;
+}
+
+} // namespace quarrynet::services

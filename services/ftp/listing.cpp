@@ -1,0 +1,212 @@
+#include "ftp/listing.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+namespace quarrynet::services {
+
+namespace {
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool sameLetters(std::string_view a, std::string_view b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// A whole number of at most 18 digits, which always fits.
+std::optional<std::int64_t> sizeNumber(std::string_view text)
+{
+    if (text.empty() || text.size() > 18 || !std::all_of(text.begin(), text.end(), isDigit))
+        return std::nullopt;
+    std::int64_t number = 0;
+    for (const char c : text)
+        number = number * 10 + (c - '0');
+    return number;
+}
+
+bool canBeName(std::string_view name)
+{
+    return !name.empty() && name.size() <= kMaxListedName && name != "." && name != ".." &&
+           std::none_of(name.begin(), name.end(),
+                        [](char c) { return c == '/' || static_cast<unsigned char>(c) < 0x20 || c == '\x7F'; });
+}
+
+std::vector<FtpEntry> readLines(std::string_view listing,
+                                const std::function<std::optional<FtpEntry>(std::string_view)>& readLine)
+{
+    std::vector<FtpEntry> entries;
+    while (!listing.empty() && entries.size() <= kMaxListedEntries) {
+        const std::size_t end = std::min(listing.find('\n'), listing.size());
+        std::string_view line = listing.substr(0, end);
+        listing.remove_prefix(std::min(end + 1, listing.size()));
+        if (!line.empty() && line.back() == '\r')
+            line.remove_suffix(1);
+        if (line.size() > kMaxListingLine)
+            continue;
+        std::optional<FtpEntry> entry = readLine(line);
+        if (entry && canBeName(entry->name))
+            entries.push_back(std::move(*entry));
+    }
+    return entries;
+}
+
+/// One fact "name=value" of an MLSD line; false when the line is not of an entry of the directory.
+bool takeFact(FtpEntry& entry, std::string_view fact)
+{
+    const std::size_t equals = std::min(fact.find('='), fact.size());
+    const std::string_view name = fact.substr(0, equals);
+    const std::string_view value = fact.substr(std::min(equals + 1, fact.size()));
+    if (sameLetters(name, "type")) {
+        if (sameLetters(value, "cdir") || sameLetters(value, "pdir"))
+            return false;
+        constexpr std::string_view kLink = "OS.unix=s"; // "slink:target" or "symlink"
+        if (sameLetters(value, "dir")) {
+            entry.kind = FtpEntry::Kind::Directory;
+        } else if (sameLetters(value.substr(0, kLink.size()), kLink)) {
+            entry.kind = FtpEntry::Kind::Link;
+            entry.target = std::string(value.substr(std::min(value.find(':'), value.size() - 1) + 1));
+        }
+    } else if (sameLetters(name, "size")) {
+        entry.size = sizeNumber(value);
+    } else if (sameLetters(name, "unique") && value.size() <= kMaxUniqueFact) {
+        entry.unique = std::string(value);
+    }
+    return true;
+}
+
+std::optional<FtpEntry> readMlsdLine(std::string_view line)
+{
+    // The facts end at the first blank; the rest, blanks and all, is the name.
+    const std::size_t blank = line.find(' ');
+    if (blank == std::string_view::npos)
+        return std::nullopt;
+    FtpEntry entry;
+    entry.name = std::string(line.substr(blank + 1));
+    std::string_view facts = line.substr(0, blank);
+    while (!facts.empty()) {
+        const std::size_t end = std::min(facts.find(';'), facts.size());
+        if (!takeFact(entry, facts.substr(0, end)))
+            return std::nullopt;
+        facts.remove_prefix(std::min(end + 1, facts.size()));
+    }
+    if (entry.kind != FtpEntry::Kind::File)
+        entry.size.reset();
+    return entry;
+}
+
+/// Takes the next word of `rest` together with the blanks before it.
+std::string_view takeWord(std::string_view& rest)
+{
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    const std::string_view word = rest.substr(0, rest.find(' '));
+    rest.remove_prefix(word.size());
+    return word;
+}
+
+bool isMonth(std::string_view word)
+{
+    constexpr std::array<std::string_view, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    return std::any_of(kMonths.begin(), kMonths.end(),
+                       [word](std::string_view month) { return sameLetters(word, month); });
+}
+
+/// "hh:mm" or a year.
+bool isTimeOrYear(std::string_view word)
+{
+    return word.size() >= 4 && word.size() <= 5 &&
+           std::all_of(word.begin(), word.end(), [](char c) { return isDigit(c) || c == ':'; });
+}
+
+/// "drwxr-xr-x 2 owner group 4096 Jan 31 12:00 name". How many words stand before the size differs from server to
+/// server, so the date is looked for.
+std::optional<FtpEntry> readUnixLine(std::string_view line)
+{
+    FtpEntry entry;
+    switch (line.empty() ? ' ' : line.front()) {
+    case 'd':
+        entry.kind = FtpEntry::Kind::Directory;
+        break;
+    case 'l':
+        entry.kind = FtpEntry::Kind::Link;
+        break;
+    case '-':
+        break;
+    default:
+        return std::nullopt; // devices, pipes, "total 12"
+    }
+    std::string_view rest = line;
+    std::string_view before = takeWord(rest);
+    constexpr int kMaxWords = 8;
+    for (int i = 0; i < kMaxWords; ++i) {
+        const std::string_view word = takeWord(rest);
+        const std::optional<std::int64_t> size = sizeNumber(before);
+        before = word;
+        if (!size || !isMonth(word))
+            continue;
+        std::string_view date = rest;
+        const std::optional<std::int64_t> day = sizeNumber(takeWord(date));
+        if (!day || *day < 1 || *day > 31 || !isTimeOrYear(takeWord(date)) || date.size() < 2)
+            continue;
+        date.remove_prefix(1); // further blanks belong to the name
+        if (entry.kind == FtpEntry::Kind::File)
+            entry.size = size;
+        if (entry.kind == FtpEntry::Kind::Link) {
+            const std::size_t arrow = std::min(date.find(" -> "), date.size());
+            entry.target = std::string(date.substr(std::min(arrow + 4, date.size())));
+            date = date.substr(0, arrow);
+        }
+        entry.name = std::string(date);
+        return entry;
+    }
+    return std::nullopt;
+}
+
+/// "01-31-20  12:00PM       <DIR>          name"
+std::optional<FtpEntry> readWindowsLine(std::string_view line)
+{
+    std::string_view rest = line;
+    takeWord(rest);
+    const std::string_view time = takeWord(rest);
+    const std::string_view size = takeWord(rest);
+    if (time.find(':') == std::string_view::npos || rest.size() < 2)
+        return std::nullopt;
+    FtpEntry entry;
+    if (size == "<DIR>") {
+        entry.kind = FtpEntry::Kind::Directory;
+        rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    } else {
+        entry.size = sizeNumber(size);
+        if (!entry.size)
+            return std::nullopt;
+        rest.remove_prefix(1);
+    }
+    entry.name = std::string(rest);
+    return entry;
+}
+
+} // namespace
+
+std::vector<FtpEntry> readMlsd(std::string_view listing)
+{
+    return readLines(listing, readMlsdLine);
+}
+
+std::vector<FtpEntry> readList(std::string_view listing)
+{
+    return readLines(listing, [](std::string_view line) {
+        return !line.empty() && isDigit(line.front()) ? readWindowsLine(line) : readUnixLine(line);
+    });
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,264 @@
+#include "http/HttpServer.h"
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <thread>
+#include <utility>
+
+#include <boost/asio/executor_work_guard.hpp>
+
+#include "http/HttpLoop.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+/// When the system has no descriptors left, a further connection is tried so much later.
+constexpr auto kAcceptPause = std::chrono::milliseconds(100);
+
+/// What the system may hold of an answer that the client does not take. By default it takes megabytes.
+constexpr int kSendBuffer = 128 * 1024;
+
+/// Clients that have ended their side of the connection may still want an answer, but most are gone: so many at each
+/// address wait for one, after all others.
+constexpr std::size_t kEndedClients = 4;
+
+/// Keeps a socket from the processes that are started here: a connection that they held would not end in time.
+void keepFromChildren(int descriptor)
+{
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+} // namespace
+
+HttpServer::Loop::~Loop()
+{
+    for (const auto& listener : listeners_) {
+        listener->acceptor.reset();
+        listener->making.clear();
+        listener->waiting.clear();
+        listener->ended.clear();
+    }
+}
+
+void HttpServer::Loop::hold(Listener& listener, std::size_t bytes)
+{
+    listener.held += bytes;
+    held_ += bytes;
+    mostHeld_ = std::max(mostHeld_, held_);
+}
+
+void HttpServer::Loop::release(Listener& listener, std::size_t bytes)
+{
+    listener.held -= bytes;
+    held_ -= bytes;
+    placesFree_ = true;
+}
+
+/// Gives the places that became free to whoever waits for one.
+void HttpServer::Loop::lookAround()
+{
+    if (!std::exchange(placesFree_, false))
+        return;
+    acceptAll();
+    for (const auto& listener : listeners_)
+        dispatch(*listener);
+}
+
+/// Has answers made as long as there are places for them.
+void HttpServer::Loop::dispatch(Listener& listener)
+{
+    const std::size_t share = limits_.answerBytes / listeners_.size();
+    while (listener.making.size() < limits_.workers && listener.held < share) {
+        const std::shared_ptr<Session> session = next(listener);
+        if (session == nullptr)
+            break;
+        session->make();
+    }
+    // Answers that probably nobody takes make room.
+    if (listener.waiting.empty())
+        return;
+    for (const std::shared_ptr<Session>& session : listener.making) {
+        if (session->client() != Client::Waits)
+            session->abandon();
+    }
+}
+
+/// Takes the next session that still wants an answer out of the queues; null when there is none.
+std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& listener)
+{
+    while (!listener.waiting.empty()) {
+        std::shared_ptr<Session> session = listener.waiting.front();
+        if (session->client() == Client::Waits) {
+            listener.waiting.pop_front();
+            return session;
+        }
+        setAside(listener, session);
+    }
+    if (listener.ended.empty())
+        return nullptr;
+    std::shared_ptr<Session> session = std::move(listener.ended.front());
+    listener.ended.pop_front();
+    return session;
+}
+
+/// Takes a session whose client has ended its side, or is gone, out of the queue of those that wait.
+void HttpServer::Loop::setAside(Listener& listener, std::shared_ptr<Session> session)
+{
+    std::erase(listener.waiting, session);
+    if (session->client() == Client::Gone) {
+        session->close();
+        return;
+    }
+    if (listener.ended.size() < kEndedClients)
+        listener.ended.push_back(std::move(session));
+    else
+        session->send({responseBytes(errorResponse(503, "Too many requests wait for an answer."), false)});
+}
+
+std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const std::string& address,
+                                                                          std::uint16_t port, Handler handler)
+{
+    error_code error;
+    const asio::ip::address_v4 ip = asio::ip::make_address_v4(address, error);
+    if (error)
+        return Refusal{ListenFault::Other, "\"" + address + "\" is not a numeric IPv4 address"};
+    tcp::acceptor acceptor(io_);
+    acceptor.open(tcp::v4(), error);
+    if (!error) {
+        keepFromChildren(acceptor.native_handle());
+        acceptor.set_option(tcp::acceptor::reuse_address(true), error);
+    }
+    if (!error) {
+        // Connections have it from the socket that accepts them.
+        acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
+    }
+    if (!error)
+        acceptor.bind({ip, port}, error);
+    if (!error)
+        acceptor.listen(tcp::acceptor::max_listen_connections, error);
+    const tcp::endpoint name = error ? tcp::endpoint() : acceptor.local_endpoint(error);
+    if (error) {
+        ListenFault fault = ListenFault::Other;
+        if (error == asio::error::access_denied || error == asio::error::no_permission)
+            fault = ListenFault::NotPermitted;
+        else if (error == asio::error::address_in_use)
+            fault = ListenFault::InUse;
+        return Refusal{fault, address + ":" + std::to_string(port) + ": " + error.message()};
+    }
+    listeners_.push_back(std::make_unique<Listener>());
+    listeners_.back()->acceptor.emplace(std::move(acceptor));
+    listeners_.back()->handler = std::move(handler);
+    return name.port();
+}
+
+void HttpServer::Loop::stopOnSignals()
+{
+    signals_.add(SIGINT);
+    signals_.add(SIGTERM);
+    signals_.async_wait([this](error_code error, int) {
+        if (!error)
+            stop();
+    });
+}
+
+void HttpServer::Loop::accept(Listener& listener)
+{
+    listener.acceptor->async_accept([this, &listener](error_code error, tcp::socket socket) {
+        listener.accepting = false;
+        if (error) {
+            acceptPause_.expires_after(kAcceptPause);
+            acceptPause_.async_wait([this](error_code cancelled) {
+                if (!cancelled)
+                    acceptAll();
+            });
+            return;
+        }
+        keepFromChildren(socket.native_handle());
+        socket.set_option(tcp::no_delay(true), error); // a connection without it is merely slower
+        std::make_shared<Session>(*this, listener, std::move(socket))->start();
+        acceptAll();
+    });
+    listener.accepting = true; // not before: where memory is short for the order, it is given again
+}
+
+void HttpServer::Loop::acceptAll()
+{
+    for (const auto& listener : listeners_) {
+        if (!listener->accepting && listener->sessions < limits_.connections)
+            accept(*listener);
+    }
+}
+
+bool HttpServer::Loop::run()
+{
+    // Asio's own pool would wait for ever for its first threads where a later one cannot be started.
+    asio::io_context work;
+    const auto more = asio::make_work_guard(work);
+    std::vector<std::jthread> threads;
+    const auto endThreads = [&work, &threads] {
+        work.stop();
+        threads.clear();
+    };
+    try {
+        for (std::size_t i = limits_.workers * std::max<std::size_t>(1, listeners_.size()); i > 0; --i)
+            threads.emplace_back([&work] { work.run(); });
+    } catch (const std::exception&) {
+        endThreads();
+        return false;
+    }
+    workers_ = &work;
+    const auto busy =
+        asio::make_work_guard(io_); // with all connections in the workers' hands nothing else is waited for
+    placesFree_ = true;
+    while (!io_.stopped()) {
+        try {
+            lookAround();
+            io_.run_one();
+        } catch (const std::exception&) {
+            // Memory ran out: the connection that needed it is over, the others go on.
+            placesFree_ = true;
+        }
+    }
+    for (const auto& listener : listeners_) {
+        for (const std::shared_ptr<Session>& session : listener->making)
+            session->abandon();
+    }
+    endThreads();
+    return true;
+}
+
+HttpServer::HttpServer() : HttpServer(Limits{}) {}
+
+HttpServer::HttpServer(Limits limits) : loop_(std::make_unique<Loop>(limits)) {}
+
+HttpServer::~HttpServer() = default;
+
+std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::listen(const std::string& address, std::uint16_t port,
+                                                                    Handler handler)
+{
+    return loop_->listen(address, port, std::move(handler));
+}
+
+void HttpServer::stopOnSignals()
+{
+    loop_->stopOnSignals();
+}
+
+bool HttpServer::run()
+{
+    return loop_->run();
+}
+
+void HttpServer::stop()
+{
+    loop_->stop();
+}
+
+std::size_t HttpServer::mostHeld() const
+{
+    return loop_->mostHeld();
+}
+
+} // namespace quarrynet::services

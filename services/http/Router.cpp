@@ -1,0 +1,49 @@
+#include "http/Router.h"
+
+#include <utility>
+
+#include "ground/text_encoding.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+/// An IPv4 address, or an IPv6 address in brackets; a request of HTTP/1.0 may have none.
+bool isNumeric(const std::string& host)
+{
+    return host.substr(0, 1) == "[" || host.find_first_not_of("0123456789.") == std::string::npos;
+}
+
+} // namespace
+
+void Router::add(const std::string& host, Handler handler)
+{
+    handlers_[hostOfAuthority(host)] = std::move(handler);
+}
+
+HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request) const
+{
+    if (request.absoluteForm)
+        return byHost(request);
+    if (!isNumeric(request.host) && request.host != "localhost" && handlers_.find(request.host) == handlers_.end())
+        return errorResponse(421, "The local search services are not " + toUtf8(request.host) + ".");
+    return service(request);
+}
+
+HttpResponse Router::answerAsProxy(const HttpRequest& request) const
+{
+    if (!request.absoluteForm)
+        return errorResponse(400, "This is the proxy port of the local search services: enter it as an HTTP proxy.");
+    return byHost(request);
+}
+
+HttpResponse Router::byHost(const HttpRequest& request) const
+{
+    const auto found = handlers_.find(request.host);
+    if (found == handlers_.end())
+        return errorResponse(403, "This proxy leads to the local search services only, not to " + toUtf8(request.host) +
+                                      ".");
+    return found->second(request);
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,231 @@
+#include "http/message.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <sstream>
+
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/write.hpp>
+
+#include "text/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+namespace http = boost::beast::http;
+
+std::string lowered(std::string_view text)
+{
+    std::string out(text);
+    std::transform(out.begin(), out.end(), out.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return out;
+}
+
+std::string_view viewOf(boost::beast::string_view text)
+{
+    return {text.data(), text.size()};
+}
+
+/// Line ends are left out: they end a line.
+bool isControl(char c)
+{
+    return (static_cast<unsigned char>(c) < 0x20 && c != '\r' && c != '\n') || c == '\x7f';
+}
+
+/// Whether the third word of a request line is a version of HTTP that is not spoken here: nothing of that line is known
+/// to the parser, which has refused it.
+bool namesOtherVersion(std::string_view line)
+{
+    const std::size_t target = line.find(' ') + 1;
+    const std::string_view version = line.substr(std::min(line.find(' ', target), line.size() - 1) + 1, 8);
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isDigit(version[5]) && version[6] == '.' &&
+           isDigit(version[7]) && version != "HTTP/1.0" && version != "HTTP/1.1";
+}
+
+/// Splits the request target (RFC 9112, section 3.2) into the request's host, path and query.
+std::optional<HttpResponse> readTarget(std::string_view target, HttpRequest& request)
+{
+    constexpr std::string_view kScheme = "http://";
+    if (target.size() >= kScheme.size() && lowered(target.substr(0, kScheme.size())) == kScheme) {
+        request.absoluteForm = true;
+        target.remove_prefix(kScheme.size());
+        const std::size_t end = std::min(target.find_first_of("/?"), target.size());
+        request.host = hostOfAuthority(target.substr(0, end));
+        target.remove_prefix(end);
+        if (request.host.empty())
+            return errorResponse(400, "The address in the request line has no host.");
+    } else if (target.empty() || target.front() != '/') {
+        return request.method == "CONNECT"
+                   ? errorResponse(501, "This server opens no tunnels.")
+                   : errorResponse(400, "The request target is neither a path nor an http address.");
+    }
+    const std::size_t mark = target.find('?');
+    request.path = std::string(target.substr(0, mark));
+    if (mark != std::string_view::npos)
+        request.query = std::string(target.substr(mark + 1));
+    if (request.path.empty())
+        request.path.push_back('/');
+    return std::nullopt;
+}
+
+/// The current time as RFC 9110, section 5.6.7 wants it. The program never leaves the "C" locale.
+std::string httpDate()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    gmtime_r(&now, &parts);
+    std::array<char, 64> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S GMT", &parts)};
+}
+
+} // namespace
+
+HttpResponse errorResponse(int status, std::string_view text)
+{
+    HttpResponse response;
+    response.status = status;
+    const std::string title =
+        std::to_string(status) + " " + std::string(viewOf(http::obsolete_reason(static_cast<http::status>(status))));
+    response.body = "<!DOCTYPE html>\n<html lang=\"en\"><head><title>" + title + "</title></head>\n<body><h1>" + title +
+                    "</h1>\n<div>" + escapeText(text) + "</div></body></html>\n";
+    if (status == 405)
+        response.fields.emplace_back("Allow", "GET, HEAD");
+    return response;
+}
+
+class RequestReader::Parser
+{
+public:
+    Parser()
+    {
+        parser_.skip(true); // no request that is answered here has a body
+        parser_.header_limit(kMaxHead);
+    }
+
+    HeadState take(std::string_view piece)
+    {
+        append(piece);
+        if ((lineSize_ > 0 ? lineSize_ : received_.size()) > kMaxRequestLine)
+            return errorResponse(414, "The request line is too long.");
+        boost::beast::error_code error;
+        parsed_ += parser_.put(boost::asio::buffer(received_) + parsed_, error);
+        if (error == http::error::need_more)
+            return HeadIncomplete{};
+        if (error == http::error::header_limit)
+            return errorResponse(431, "The request's header is too large.");
+        if (error == http::error::bad_version && namesOtherVersion(received_))
+            return errorResponse(505, "This server speaks HTTP/1.0 and HTTP/1.1.");
+        if (error)
+            return errorResponse(400, "The request is not well formed: " + error.message() + ".");
+        return readMessage(parser_.get());
+    }
+
+    bool empty() const { return received_.empty(); }
+
+private:
+    void append(std::string_view piece)
+    {
+        for (const char c : piece) {
+            if (received_.empty() && (c == '\r' || c == '\n'))
+                continue;
+            // The parser would refuse control bytes in the target, and keywords that were pasted may have them.
+            if (lineSize_ == 0 && inTarget_ && isControl(c))
+                received_ += encodeComponent({&c, 1});
+            else
+                received_.push_back(c);
+            inTarget_ = inTarget_ || c == ' ';
+            if (c == '\n' && lineSize_ == 0)
+                lineSize_ = received_.size();
+        }
+    }
+
+    static HeadState readMessage(const http::request<http::empty_body>& message)
+    {
+        if (std::distance(message.begin(), message.end()) > static_cast<std::ptrdiff_t>(kMaxFields))
+            return errorResponse(431, "The request's header is too large.");
+        HttpRequest request;
+        request.method = std::string(viewOf(message.method_string()));
+        request.host = hostOfAuthority(viewOf(message[http::field::host]));
+        // The absolute form's host goes before the field's (RFC 9112, section 3.2.2).
+        if (auto refusal = readTarget(viewOf(message.target()), request))
+            return *refusal;
+        const std::size_t hosts = message.count(http::field::host);
+        if (hosts > 1 || (hosts == 0 && message.version() >= 11))
+            return errorResponse(400, "The request needs exactly one Host line.");
+        return request;
+    }
+
+    std::string received_;
+    bool inTarget_ = false;    ///< or behind it
+    std::size_t lineSize_ = 0; ///< of the request line with its end; 0 while that has not arrived
+    std::size_t parsed_ = 0;
+    http::request_parser<http::empty_body> parser_;
+};
+
+RequestReader::RequestReader() : parser_(std::make_unique<Parser>()) {}
+
+RequestReader::~RequestReader() = default;
+
+HeadState RequestReader::take(std::string_view piece)
+{
+    return parser_->take(piece);
+}
+
+bool RequestReader::empty() const
+{
+    return parser_->empty();
+}
+
+std::string responseHead(const HttpResponse& response)
+{
+    http::response<http::empty_body> message(static_cast<http::status>(response.status), 11);
+    message.set(http::field::date, httpDate());
+    message.set(http::field::content_type, response.contentType);
+    message.content_length(response.file ? response.file->size() : response.body.size());
+    message.set("X-Content-Type-Options", "nosniff");
+    message.keep_alive(false);
+    for (const auto& [name, value] : response.fields)
+        message.insert(name, value);
+    std::ostringstream head;
+    head << message.base();
+    return head.str();
+}
+
+std::string responseBytes(const HttpResponse& response, bool headOnly)
+{
+    std::string bytes = responseHead(response);
+    if (!headOnly && response.file == nullptr)
+        bytes += response.body;
+    return bytes;
+}
+
+std::string hostOfAuthority(std::string_view authority)
+{
+    const std::size_t at = authority.rfind('@');
+    if (at != std::string_view::npos)
+        authority.remove_prefix(at + 1);
+    if (!authority.empty() && authority.front() == '[')
+        return lowered(authority.substr(0, authority.find(']') + 1));
+    return lowered(authority.substr(0, authority.find(':')));
+}
+
+std::optional<int> wholeNumber(std::string_view text)
+{
+    if (text.empty() || text.size() > 9)
+        return std::nullopt;
+    int number = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+        number = number * 10 + (c - '0');
+    }
+    return number;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,211 @@
+#include "index/query.h"
+
+#include <algorithm>
+
+#include "ground/text_encoding.h"
+#include "index/package_names.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+// More than anybody types; a page of text pasted into the field stays cheap.
+constexpr std::size_t kMaxTerms = 32;
+constexpr std::size_t kMaxTermBytes = 200;
+
+// Almost any name begins with one letter that is typed.
+constexpr std::size_t kMinNameCharacters = 2;
+
+// Behind every other character, so behind all that follows a beginning.
+constexpr std::string_view kLastCharacter = "\xF4\x8F\xBF\xBF";
+
+struct Term
+{
+    std::string text;
+    bool excluded = false;
+    bool phrase = false;
+};
+
+bool isBlank(char c)
+{
+    return static_cast<unsigned char>(c) <= 0x20 || c == '\x7f';
+}
+
+/// Whether there is anything in `text` that the tokenizer can make a word of. Non-ASCII punctuation passes; the index
+/// itself leaves out a phrase without a word.
+bool hasWord(std::string_view text)
+{
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+               static_cast<unsigned char>(c) >= 0x80;
+    });
+}
+
+/// A string of the full-text syntax. NULs would end the expression, so they are blanks.
+std::string quoted(std::string_view text)
+{
+    std::string out = "\"";
+    for (const char c : clipUtf8(text, kMaxTermBytes)) {
+        if (c == '"')
+            out += "\"\"";
+        else
+            out.push_back(c == '\0' ? ' ' : c);
+    }
+    out.push_back('"');
+    return out;
+}
+
+std::vector<Term> splitTerms(std::string_view text)
+{
+    std::vector<Term> terms;
+    while (terms.size() < kMaxTerms) {
+        while (!text.empty() && isBlank(text.front()))
+            text.remove_prefix(1);
+        if (text.empty())
+            break;
+        Term term;
+        if (text.front() == '-') {
+            term.excluded = true;
+            text.remove_prefix(1);
+        }
+        std::size_t length = 0;
+        if (!text.empty() && text.front() == '"') {
+            text.remove_prefix(1);
+            length = std::min(text.find('"'), text.size());
+            term.text = std::string(text.substr(0, length));
+            term.phrase = true;
+            text.remove_prefix(std::min(length + 1, text.size()));
+        } else {
+            while (length < text.size() && !isBlank(text[length]))
+                ++length;
+            term.text = std::string(text.substr(0, length));
+            text.remove_prefix(length);
+        }
+        terms.push_back(std::move(term));
+    }
+    return terms;
+}
+
+std::size_t countCharacters(std::string_view text)
+{
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+std::string likePattern(std::string_view text)
+{
+    std::string pattern = "%";
+    for (const char c : text) {
+        if (c == '%' || c == '_' || c == '\\')
+            pattern.push_back('\\');
+        pattern.push_back(c);
+    }
+    pattern.push_back('%');
+    return pattern;
+}
+
+std::string lowered(std::string text)
+{
+    for (char& c : text)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return text;
+}
+
+/// The wanted words with `divider` between them; empty where they cannot be a name.
+std::string joined(const std::vector<Term>& terms, char divider)
+{
+    std::string name;
+    for (const Term& term : terms) {
+        if (term.excluded)
+            continue;
+        if (term.phrase)
+            return {};
+        if (!name.empty())
+            name.push_back(divider);
+        name += term.text;
+    }
+    return name.size() > kMaxTermBytes || countCharacters(name) < kMinNameCharacters ? std::string() : name;
+}
+
+/// The full-text expression for the terms, and for what `name` says, where that is not empty.
+std::string expressionOf(const std::vector<Term>& terms, const std::string& name)
+{
+    std::string wanted;
+    std::string excluded;
+    for (const Term& term : terms) {
+        if (!hasWord(term.text))
+            continue;
+        if (term.excluded) {
+            excluded += excluded.empty() ? "" : " OR ";
+            excluded += quoted(term.text);
+        } else {
+            wanted += wanted.empty() ? "" : " ";
+            wanted += quoted(term.text);
+        }
+    }
+    if (!wanted.empty() && !name.empty())
+        wanted = "(" + wanted + ") OR (" + name + ")";
+    if (wanted.empty() || excluded.empty())
+        return wanted;
+    return "(" + wanted + ") NOT (" + excluded + ")";
+}
+
+} // namespace
+
+std::string wordExpression(std::string_view typed)
+{
+    return expressionOf(splitTerms(toUtf8(typed)), {});
+}
+
+WordQuery wordQuery(std::string_view typed, std::string_view nameColumn)
+{
+    const std::vector<Term> terms = splitTerms(toUtf8(typed));
+    WordQuery query;
+    query.name = lowered(joined(terms, '-'));
+    if (!query.name.empty())
+        query.nameEnd = query.name + std::string(kLastCharacter);
+    std::vector<std::string> words;
+    words.reserve(terms.size());
+    for (const Term& term : terms)
+        words.push_back(lowered(term.text));
+    query.companions = asksForCompanions(words);
+    // The index has the words of a name only: of "g++" it would look for all names that begin with "g".
+    std::string beginning;
+    if (!query.name.empty() && hasWord(query.name.substr(query.name.size() - 1)))
+        beginning = std::string(nameColumn) + " : ^ " + quoted(joined(terms, ' ')) + " *";
+    query.expression = expressionOf(terms, beginning);
+    return query;
+}
+
+NameQuery nameQuery(std::string_view typed)
+{
+    NameQuery query;
+    const std::string text = toUtf8(typed);
+    std::string_view rest = text;
+    std::size_t terms = 0;
+    while (!rest.empty() && terms < kMaxTerms) {
+        std::size_t length = 0;
+        while (length < rest.size() && !isBlank(rest[length]))
+            ++length;
+        const std::string_view word = clipUtf8(rest.substr(0, length), kMaxTermBytes);
+        rest.remove_prefix(std::min(length + 1, rest.size()));
+        if (word.empty())
+            continue;
+        ++terms;
+        if (query.first.empty()) {
+            query.first = std::string(word);
+            query.firstEnd = query.first + std::string(kLastCharacter);
+        } else {
+            query.otherPatterns.push_back(likePattern(word));
+        }
+        if (countCharacters(word) < 3) {
+            query.patterns.push_back(likePattern(word));
+        } else {
+            query.expression += query.expression.empty() ? "" : " ";
+            query.expression += quoted(word);
+        }
+    }
+    return query;
+}
+
+} // namespace quarrynet::services

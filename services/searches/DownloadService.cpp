@@ -1,0 +1,224 @@
+#include "searches/DownloadService.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "ground/text_encoding.h"
+#include "index/word_search.h"
+#include "text/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>Download search</title>
+<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } .program { margin: 1em 0 }</style>
+</head>
+<body>
+)";
+
+std::string searchForm(std::string_view typed)
+{
+    return "<form action=\"/3120-20-0-1-5.html\"><div><input name=\"qt\" size=\"50\" value=\"" +
+           escapeAttribute(toUtf8(typed)) +
+           "\"> <input type=\"hidden\" name=\"ca\" value=\"20\"><input type=\"submit\" "
+           "value=\"Search\"></div></form>\n";
+}
+
+/// The page number in "/3120-20-0-PAGE-5.html"; nothing for another path.
+std::optional<int> pageNumber(std::string_view path)
+{
+    constexpr std::string_view kBegin = "/3120-20-0-";
+    constexpr std::string_view kEnd = "-5.html";
+    if (path.size() < kBegin.size() + kEnd.size() || path.substr(0, kBegin.size()) != kBegin ||
+        path.substr(path.size() - kEnd.size()) != kEnd)
+        return std::nullopt;
+    return wholeNumber(path.substr(kBegin.size(), path.size() - kBegin.size() - kEnd.size()));
+}
+
+/// What stands between "qt=" and the closing "&ca=": people's "&" and "#" are part of what they typed.
+std::string_view typedPart(std::string_view query)
+{
+    const std::size_t mark = query.find("qt=");
+    if (mark == std::string_view::npos)
+        return {};
+    query.remove_prefix(mark + 3);
+    return query.substr(0, query.rfind("&ca="));
+}
+
+/// Address and place are the same but for the scheme: "http://host/path" is at "/host/path".
+std::string_view placeOf(std::string_view address)
+{
+    const std::size_t scheme = address.find("://");
+    return scheme == std::string_view::npos ? address : address.substr(scheme + 2);
+}
+
+void appendRow(std::string& page, const ProgramHit& hit)
+{
+    // The program reads a row from mark to mark: bold text for the name, the element behind the next "class" (whose
+    // following 25 bytes must not spell "pick", hence the long name), "OS:", a blank before "<", and twice a "</b>".
+    page += "<div class=\"program\"><b>" + escapeText(hit.name) + "</b><br>\n";
+    page += "<span class=\"program-description\">" + escapeText(hit.description) + "</span><br>\n";
+    page += "<b>OS:</b>" + escapeText(hit.system) + " <br>\n";
+    page += "<b>File size:</b>" + readableSize(hit.size) + "<br>\n";
+    page += "<b>License:</b>" + escapeText(hit.licence) + "<br>\n";
+    page += "<a href=\"/redir?destUrl=" + encodeComponent(hit.address) + "\">Download now</a></div>\n";
+}
+
+} // namespace
+
+std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed)
+{
+    std::string page(kPageHead);
+    if (answer.hits.empty()) {
+        // What was typed is not repeated here: it could hold the mark by which the program knows a page of results.
+        page += "<div>No program has these words.</div>\n" + searchForm("") + "</body></html>\n";
+        return page;
+    }
+    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    // The count goes without separators, because the program reads it as a number.
+    page += "<div>Found: <b>" + std::to_string(answer.total) + "</b> programs, showing <b>" +
+            std::to_string(answer.start + 1) + " - " + std::to_string(last) + "</b></div>\n<!-- main loop -->\n";
+    for (const ProgramHit& hit : answer.hits)
+        appendRow(page, hit);
+    const auto link = [&](std::int64_t start, std::string_view label) {
+        page += " <a href=\"/3120-20-0-" + std::to_string(start / DownloadService::kPageSize + 1) +
+                "-5.html?qt=" + encodeComponent(typed) + "&amp;ca=20\">";
+        page += label;
+        page += "</a>";
+    };
+    page += "<div>";
+    if (answer.start > 0)
+        link(answer.start - DownloadService::kPageSize, "Previous");
+    if (last < answer.total)
+        link(last, "Next");
+    page += "</div>\n" + searchForm(typed) + "</body></html>\n";
+    return page;
+}
+
+std::string downloadPage(std::string_view address)
+{
+    // The program decodes "%3A" and "%2F" and nothing else, and stops at the first ";".
+    std::string coded;
+    for (const char c : address) {
+        if (c == ':' || c == '/' || std::string_view(";\"\\<'").find(c) != std::string_view::npos)
+            coded += encodeComponent(std::string_view(&c, 1));
+        else
+            coded.push_back(c);
+    }
+    // The program leaves out the last character of what stands between the quotes, so one more stands there: an empty
+    // fragment, which a browser that runs the script takes as no change.
+    return std::string(kPageHead) + "<script>newlocation = \"" + coded +
+           "#\"; location.replace(newlocation.replace(/%3A/g, \":\").replace(/%2F/g, \"/\"));</script>\n<div><a "
+           "href=\"" +
+           escapeAttribute(address) + "\">Download</a></div>\n</body></html>\n";
+}
+
+HttpResponse DownloadService::answer(const HttpRequest& request)
+{
+    std::string_view path = request.path;
+    while (path.substr(0, 2) == "//")
+        path.remove_prefix(1);
+    if (path == "/") {
+        HttpResponse response;
+        response.body = std::string(kPageHead) + "<h1>Local download search</h1>\n" + searchForm("") +
+                        "<div>Searches the programs in this machine's package lists.</div>\n</body></html>\n";
+        return response;
+    }
+    if (const std::optional<int> page = pageNumber(path); page && *page >= 1)
+        return searchPage(*page, request.query);
+    if (path == "/redir") {
+        const std::size_t mark = request.query.find("destUrl=");
+        if (mark != std::string::npos)
+            return redirectPage(placeOf(decodePercent(std::string_view(request.query).substr(mark + 8))));
+    }
+    if (path.substr(0, 4) == "/%2F")
+        return redirectPage(decodePercent(path.substr(1)));
+    return errorResponse(404, "There is no such page on the download search.");
+}
+
+HttpResponse DownloadService::searchPage(int page, std::string_view query)
+{
+    const std::string typed = decodeQueryValue(typedPart(query));
+    const Outcome<ProgramAnswer> found = search(typed, (static_cast<std::int64_t>(page) - 1) * kPageSize);
+    if (!found)
+        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+    HttpResponse response;
+    response.body = downloadResultsPage(*found, typed);
+    return response;
+}
+
+Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)
+{
+    // The program with the typed name, then those whose names begin with it, short ones first, then by rank: a word in
+    // the name says more than one in the description. Companions go behind the others of both kinds. Numbers make the
+    // order of equal ones certain, so that pages neither repeat nor lose any.
+    static constexpr WordTable kTable = {
+        "name",
+        "SELECT count(*) FROM program_text WHERE program_text MATCH ?1",
+        "WITH begun AS MATERIALIZED (SELECT id, name = ?4 AS whole FROM program WHERE name >= ?4 AND name < ?5), "
+        "found AS (SELECT rowid AS id, rank AS score FROM program_text "
+        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)'), "
+        "shown AS MATERIALIZED (SELECT found.id AS id, coalesce(whole, 0) AS whole, begun.id AS begun, "
+        "found.id >= ?6 AS companion, score FROM found LEFT JOIN begun ON begun.id = found.id "
+        "ORDER BY coalesce(whole, 0) DESC, begun.id IS NULL, begun.id, found.id >= ?6, score, found.id LIMIT ?2 OFFSET "
+        "?3) "
+        "SELECT program.name, program.description, program.system, program.size, program.licence, mirror.base, "
+        "program.file FROM shown JOIN program ON program.id = shown.id JOIN mirror ON mirror.id = program.mirror "
+        "ORDER BY whole DESC, begun IS NULL, begun, companion, score, shown.id",
+        kPageSize,
+    };
+    ProgramAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        answer.hits.push_back({std::string(row.text(0)), std::string(row.text(1)), std::string(row.text(2)),
+                               row.number(3), std::string(row.text(4)),
+                               std::string(row.text(5)) + encodePath(row.text(6))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
+    return answer;
+}
+
+/// The address of the download at `place`, or the empty text when the index has none there: the page leads to programs
+/// of the index and nowhere else.
+Outcome<std::string> DownloadService::findDownload(std::string_view place)
+{
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    Outcome<Statement> mirrors = (*index)->prepare("SELECT id, base FROM mirror");
+    Outcome<Statement> programs = (*index)->prepare("SELECT 1 FROM program WHERE file = ?1 AND mirror = ?2");
+    if (!mirrors || !programs)
+        return mirrors ? programs.failure() : mirrors.failure();
+    while (mirrors->step() == Statement::Step::Row) {
+        const std::string base(mirrors->text(1));
+        const std::string_view prefix = placeOf(base);
+        if (place.substr(0, prefix.size()) != prefix)
+            continue;
+        const std::string file = decodePercent(place.substr(prefix.size()));
+        programs->reset();
+        programs->bind(1, file);
+        programs->bind(2, mirrors->number(0));
+        if (programs->step() == Statement::Step::Row)
+            return base + encodePath(file);
+    }
+    return std::string();
+}
+
+HttpResponse DownloadService::redirectPage(std::string_view place)
+{
+    const Outcome<std::string> address = findDownload(place);
+    if (!address)
+        return errorResponse(503, "The download cannot be found: " + address.failure().message + ".");
+    if (address->empty())
+        return errorResponse(404, "There is no such download.");
+    HttpResponse response;
+    response.body = downloadPage(*address);
+    return response;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,281 @@
+#include "searches/FileService.h"
+
+#include <algorithm>
+
+#include "text/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>File search</title>
+<style>body { font-family: sans-serif; margin: 2em }</style>
+</head>
+<body>
+<form action="/cgi-bin/s"><div><input type="hidden" name="t" value="f"><input name="q" size="50">
+<input type="submit" value="Search"></div></form>
+)";
+
+void appendFile(std::string& page, const FileHit& hit)
+{
+    // The program reaches back ten bytes from the first ":" behind the size, over "a href=ftp", for the "=".
+    page += "<div><b> " + (hit.size ? readableSize(*hit.size) : std::string()) + "</b> <a href=" + hit.address +
+            " class=file>" + fileNameText(hit.name) + "</a></div>\n";
+}
+
+void appendDirectory(std::string& page, const FileHit& hit)
+{
+    // The program takes the address from the "q=" of the last link, and wants a link before that one.
+    page += "<div>&lt;dir&gt; <a href=" + hit.parent + " class=parent>In</a> <a href=/cgi-bin/s?t=f&q=" + hit.address +
+            " class=directory>List</a> <b>" + fileNameText(hit.name) + "</b></div>\n";
+}
+
+struct Asked
+{
+    std::string_view typed;
+    std::int64_t start = 0;
+};
+
+/// What stands behind "q=", and the "&f=" with a number at its very end: people's "&" and "#" are part of what they
+/// typed.
+Asked readQuery(std::string_view query)
+{
+    Asked asked;
+    if (query.substr(0, 2) == "q=")
+        asked.typed = query.substr(2);
+    else if (const std::size_t mark = query.find("&q="); mark != std::string_view::npos)
+        asked.typed = query.substr(mark + 3);
+    const std::size_t mark = asked.typed.rfind("&f=");
+    if (mark != std::string_view::npos) {
+        if (const std::optional<int> first = wholeNumber(asked.typed.substr(mark + 3))) {
+            asked.typed = asked.typed.substr(0, mark);
+            asked.start = std::max(0, *first - 1);
+        }
+    }
+    return asked;
+}
+
+bool isAddress(std::string_view typed)
+{
+    return typed.substr(0, 6) == "ftp://" || typed.substr(0, 7) == "http://" || typed.substr(0, 8) == "https://";
+}
+
+/// SQL that compares a name with `pattern`, which is put behind `values`.
+std::string likeCondition(const std::string& pattern, std::vector<std::string>& values)
+{
+    values.push_back(pattern);
+    return "entry.name LIKE ?" + std::to_string(values.size() + 2) + " ESCAPE '\\'";
+}
+
+FileHit readHit(const Statement& row)
+{
+    FileHit hit;
+    hit.name = std::string(row.text(2));
+    hit.directory = row.number(4) != 0;
+    hit.parent = addressBelow(row.text(0), row.text(1));
+    hit.address = hit.parent + addressBelow({}, row.text(2));
+    if (hit.directory) {
+        hit.address.push_back('/');
+        // It stands in a query, too, where a "+" would be a blank.
+        hit.address = withReplaced(hit.address, "+", "%2B");
+    }
+    if (!row.isNull(3))
+        hit.size = row.number(3);
+    return hit;
+}
+
+/// Fills the page with the rows after the first `skipped`. `source` and `condition` are SQL of this file's making;
+/// `values` are bound from the third parameter on.
+Outcome<Done> readRows(Database& index, const std::string& source, const std::string& condition,
+                       const std::vector<std::string>& values, std::int64_t skipped, FileAnswer& answer)
+{
+    Outcome<Statement> rows =
+        index.prepare("SELECT site.base, folder.path, entry.name, entry.size, entry.directory FROM " + source +
+                      " JOIN file_folder AS folder ON folder.id = entry.folder JOIN file_site AS site ON site.id = "
+                      "folder.site WHERE " +
+                      condition + " LIMIT ?1 OFFSET ?2");
+    if (!rows)
+        return rows.failure();
+    // One more than the page holds tells whether there is another.
+    rows->bind(1, static_cast<std::int64_t>(FileService::kPageSize - answer.hits.size()) + 1);
+    rows->bind(2, skipped);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        rows->bind(static_cast<int>(i) + 3, values[i]);
+    Statement::Step step = rows->step();
+    for (; step == Statement::Step::Row; step = rows->step()) {
+        if (answer.hits.size() == FileService::kPageSize)
+            answer.more = true;
+        else
+            answer.hits.push_back(readHit(*rows));
+    }
+    if (step == Statement::Step::Failed)
+        return rows->failure();
+    return Done{};
+}
+
+/// Counts the entries that `condition` holds for; values as above.
+Outcome<std::int64_t> countRows(Database& index, const std::string& condition, const std::vector<std::string>& values)
+{
+    Outcome<Statement> count = index.prepare("SELECT count(*) FROM file_entry AS entry WHERE " + condition);
+    if (!count)
+        return count.failure();
+    for (std::size_t i = 0; i < values.size(); ++i)
+        count->bind(static_cast<int>(i) + 3, values[i]);
+    if (count->step() != Statement::Step::Row)
+        return count->failure();
+    return count->number(0);
+}
+
+} // namespace
+
+std::string addressBelow(std::string_view base, std::string_view path)
+{
+    return withReplaced(std::string(base) + encodePath(path), "class", "cl%61ss");
+}
+
+std::string fileNameText(std::string_view name)
+{
+    // These two words would make the program take the page for one without results.
+    std::string text = withReplaced(escapeText(name), "not found", "not&#32;found");
+    // "<b> " begins a file's size.
+    if (!text.empty() && text.front() == ' ')
+        text.replace(0, 1, "&#32;");
+    return text;
+}
+
+std::string fileResultsPage(const FileAnswer& answer, std::string_view typed)
+{
+    std::string page(kPageHead);
+    if (answer.hits.empty()) {
+        page += "<div>Sorry, not found: no file or directory has this in its name.</div>\n</body></html>\n";
+        return page;
+    }
+    for (const FileHit& hit : answer.hits) {
+        if (hit.directory)
+            appendDirectory(page, hit);
+        else
+            appendFile(page, hit);
+    }
+    const auto link = [&](std::int64_t start, std::string_view label) {
+        page +=
+            " <a href=\"/cgi-bin/s?t=f&amp;q=" + encodeComponent(typed) + "&amp;f=" + std::to_string(start + 1) + "\">";
+        page += label;
+        page += "</a>";
+    };
+    page += "<div>";
+    if (answer.start > 0)
+        link(std::max<std::int64_t>(0, answer.start - FileService::kPageSize), "Previous");
+    if (answer.more)
+        link(answer.start + FileService::kPageSize, "Next");
+    page += "</div>\n</body></html>\n";
+    return page;
+}
+
+HttpResponse FileService::answer(const HttpRequest& request)
+{
+    std::string_view path = request.path;
+    while (path.substr(0, 2) == "//")
+        path.remove_prefix(1);
+    if (path == "/") {
+        HttpResponse response;
+        response.body =
+            std::string(kPageHead) +
+            "<div>Searches the names of files on the mirrors of this machine's packages, and on FTP servers "
+            "that were crawled.</div>\n</body></html>\n";
+        return response;
+    }
+    if (path == "/cgi-bin/s")
+        return searchPage(request.query);
+    return errorResponse(404, "There is no such page on the file search.");
+}
+
+HttpResponse FileService::searchPage(std::string_view query)
+{
+    const Asked asked = readQuery(query);
+    const std::string typed = decodeQueryValue(asked.typed);
+    const Outcome<FileAnswer> found = search(typed, asked.start);
+    if (!found)
+        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+    HttpResponse response;
+    response.body = fileResultsPage(*found, typed);
+    return response;
+}
+
+Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t start)
+{
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    if (isAddress(typed))
+        return listDirectory(**index, typed, start);
+    const NameQuery names = nameQuery(typed);
+    if (names.empty())
+        return FileAnswer{start, {}};
+    return findNames(**index, names, start);
+}
+
+/// Names that begin with what was typed go before the others, and of these the ones that are it but for what follows
+/// the first "_" or ".". The two kinds are asked for one after the other, so that a search that finds many sorts the
+/// few only: the others come in the order of their numbers.
+Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& names, std::int64_t start)
+{
+    FileAnswer answer;
+    answer.start = start;
+    std::vector<std::string> values{names.first, names.firstEnd};
+    std::string begins = "entry.name >= ?3 AND entry.name < ?4";
+    for (const std::string& pattern : names.otherPatterns)
+        begins += " AND " + likeCondition(pattern, values);
+    const std::string order = " ORDER BY length(entry.name) > length(?3) AND substr(entry.name, length(?3) + 1, 1) NOT "
+                              "IN ('_', '.'), entry.id";
+    Outcome<Done> read = readRows(index, "file_entry AS entry", begins + order, values, start, answer);
+    if (!read || answer.more)
+        return read ? Outcome<FileAnswer>(answer) : read.failure();
+    const Outcome<std::int64_t> begun = countRows(index, begins, values);
+    if (!begun)
+        return begun.failure();
+
+    std::string source = "file_entry AS entry";
+    std::string others = "NOT (" + begins + ")";
+    if (!names.expression.empty()) {
+        // The full-text table gives its rows in the order of their numbers, so no more are read than are shown.
+        source = "file_name CROSS JOIN file_entry AS entry ON entry.id = file_name.rowid";
+        values.push_back(names.expression);
+        others += " AND file_name MATCH ?" + std::to_string(values.size() + 2);
+    }
+    for (const std::string& pattern : names.patterns)
+        others += " AND " + likeCondition(pattern, values);
+    others += names.expression.empty() ? " ORDER BY entry.id" : " ORDER BY file_name.rowid";
+    read = readRows(index, source, others, values, std::max<std::int64_t>(0, start - *begun), answer);
+    return read ? Outcome<FileAnswer>(answer) : read.failure();
+}
+
+Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view address, std::int64_t start)
+{
+    FileAnswer answer;
+    answer.start = start;
+    // A site may lie below another one.
+    Outcome<Statement> sites = index.prepare("SELECT id, base FROM file_site ORDER BY length(base) DESC, id");
+    if (!sites)
+        return sites.failure();
+    Statement::Step step = sites->step();
+    for (; step == Statement::Step::Row && answer.hits.empty(); step = sites->step()) {
+        const std::string_view base = sites->text(1);
+        if (address.substr(0, base.size()) != base)
+            continue;
+        const std::string path(address.substr(base.size()));
+        const Outcome<Done> read =
+            readRows(index, "file_entry AS entry",
+                     "folder.id = (SELECT id FROM file_folder WHERE path = ?3 AND site = CAST(?4 AS INTEGER) LIMIT 1) "
+                     "ORDER BY entry.id",
+                     {path, std::to_string(sites->number(0))}, start, answer);
+        if (!read)
+            return read.failure();
+    }
+    if (step == Statement::Step::Failed)
+        return sites->failure();
+    return answer;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,242 @@
+#include "searches/ImageService.h"
+
+#include <chrono>
+
+#include "ground/text_encoding.h"
+#include "index/word_search.h"
+#include "searches/search_page.h"
+#include "sources/document_folders.h"
+#include "text/markup.h"
+#include "thumbnails/picture_format.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
+
+constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>Image search</title>
+<style>body { font-family: sans-serif; margin: 2em } .picture { display: inline-block; width: 12em; margin: 0.5em;
+vertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }</style>
+</head>
+<body>
+)";
+
+constexpr std::string_view kThumbnailMark = "q=tbn:";
+constexpr std::string_view kPicturesPath = "/pictures/";
+
+/// The program takes every "src=/images?q=tbn" for a thumbnail, so no text that people or files bring may spell it.
+std::string withoutMarker(std::string_view text)
+{
+    return withReplaced(text, "=", "&#61;");
+}
+
+std::string searchForm(std::string_view typed)
+{
+    return "<form action=\"/images\"><div><input type=\"hidden\" name=\"hl\" value=\"en\"><input name=\"q\" "
+           "size=\"50\" "
+           "value=\"" +
+           withoutMarker(escapeAttribute(toUtf8(typed))) +
+           "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
+}
+
+/// The program takes an address from behind the second ":" to the next blank, so a path has neither.
+std::string pictureAddress(const std::string& host, std::int64_t folder, std::string_view path)
+{
+    std::string address = host;
+    address += kPicturesPath;
+    address += std::to_string(folder) + "/";
+    for (const char c : encodePath(path)) {
+        if (c == ':')
+            address += "%3A";
+        else
+            address.push_back(c);
+    }
+    return address;
+}
+
+/// What was typed. The program's paged form sends a parameter behind it, which it can be told by.
+std::string_view typedWords(std::string_view query)
+{
+    constexpr std::string_view kLast = "&sa=N";
+    std::string_view typed = typedPart(query);
+    if (query.find("&svnum=") < query.find("&q=") && typed.size() >= kLast.size() &&
+        typed.substr(typed.size() - kLast.size()) == kLast)
+        typed.remove_suffix(kLast.size());
+    return typed;
+}
+
+std::string versionText(std::int64_t version)
+{
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string text;
+    for (auto rest = static_cast<std::uint64_t>(version); text.empty() || rest != 0; rest >>= 4U)
+        text.push_back(kDigits[rest & 15U]);
+    return text;
+}
+
+HttpResponse missingPicture()
+{
+    return errorResponse(404, "There is no such picture.");
+}
+
+} // namespace
+
+std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
+{
+    std::string page(kPageHead);
+    page += searchForm(typed);
+    if (answer.hits.empty()) {
+        page += "<div>No picture was found for these words.</div>\n</body></html>\n";
+        return page;
+    }
+    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
+    for (const ImageHit& hit : answer.hits) {
+        // The program wants the address bare and a blank behind it.
+        page += "<div class=\"picture\"><a href=http://" + hit.address + "><img src=" + hit.thumbnail +
+                " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption)) + "</div>\n";
+    }
+    page += pageLinks("/images", typed, answer.start, ImageService::kPageSize, answer.total);
+    page += "</body></html>\n";
+    return page;
+}
+
+HttpResponse ImageService::answer(const HttpRequest& request)
+{
+    std::string_view path = request.path;
+    while (path.substr(0, 2) == "//")
+        path.remove_prefix(1);
+    if (path == "/") {
+        HttpResponse response;
+        response.body = std::string(kPageHead) + "<h1>Local image search</h1>\n" + searchForm("") +
+                        "<div>Searches the pictures in this machine's folders of icons, backgrounds and documentation, "
+                        "or in the folders that it was given.</div>\n</body></html>\n";
+        return response;
+    }
+    if (path.substr(0, kPicturesPath.size()) == kPicturesPath)
+        return picture(path.substr(kPicturesPath.size()));
+    if (path != "/images")
+        return errorResponse(404, "There is no such page on the image search.");
+    const std::string_view query = request.query;
+    if (query.substr(0, kThumbnailMark.size()) == kThumbnailMark) {
+        const std::size_t place = query.find(kPicturesPath);
+        return place == std::string_view::npos ? missingPicture()
+                                               : thumbnail(query.substr(place + kPicturesPath.size()));
+    }
+    return searchPage(query);
+}
+
+HttpResponse ImageService::searchPage(std::string_view query)
+{
+    const std::string typed = decodeQueryValue(typedWords(query));
+    const Outcome<ImageAnswer> found = search(typed, startPart(query));
+    if (!found)
+        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+    HttpResponse response;
+    response.body = imageResultsPage(*found, typed);
+    return response;
+}
+
+Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
+{
+    // The same icon of five themes would fill a page, so the best of each name go first, then the second ones, and so
+    // on; of these the picture with the typed name, then those whose names begin with it.
+    static constexpr WordTable kTable = {
+        "name",
+        "SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1",
+        "WITH found AS MATERIALIZED (SELECT rowid AS id, rank AS score FROM picture_text "
+        "WHERE picture_text MATCH ?1 AND rank MATCH 'bm25(4.0, 1.0)'), "
+        "turned AS (SELECT found.id AS id, score, row_number() OVER (PARTITION BY stem ORDER BY score, found.id) AS "
+        "turn, CASE WHEN stem = ?4 THEN 0 WHEN stem >= ?4 AND stem < ?5 THEN 1 ELSE 2 END AS named "
+        "FROM found JOIN picture ON picture.id = found.id) "
+        "SELECT picture.folder, picture.path, picture.version FROM turned JOIN picture ON picture.id = turned.id "
+        "ORDER BY turn, named, score, turned.id LIMIT ?2 OFFSET ?3",
+        kPageSize,
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    ImageAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        std::string address = pictureAddress(host_, row.number(0), row.text(1));
+        std::string thumbnail = "/images?q=tbn:" + versionText(row.number(2)) + ":" + address;
+        answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
+}
+
+/// Opens the file of the picture at "FOLDER/PATH", escapes and all, that the index has and the folder still has inside;
+/// null when there is none.
+Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view place)
+{
+    const std::shared_ptr<const OpenFile> none;
+    const std::size_t slash = place.find('/');
+    const std::optional<int> number =
+        slash == std::string_view::npos ? std::nullopt : wholeNumber(place.substr(0, slash));
+    if (!number)
+        return none;
+    const std::string path = decodePercent(place.substr(slash + 1));
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    Outcome<Statement> row = (*index)->prepare(
+        "SELECT picture_folder.path FROM picture JOIN picture_folder ON picture_folder.id = picture.folder "
+        "WHERE picture.folder = ?1 AND picture.path = ?2");
+    if (!row)
+        return row.failure();
+    row->bind(1, static_cast<std::int64_t>(*number));
+    row->bind(2, path);
+    if (row->step() != Statement::Step::Row)
+        return none;
+    return openBeneath(std::string(row->text(0)), path);
+}
+
+HttpResponse ImageService::thumbnail(std::string_view place)
+{
+    const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
+    if (!found)
+        return errorResponse(503, "The thumbnail cannot be served: " + found.failure().message + ".");
+    const OpenFile* file = found->get();
+    if (thumbnailer_ == nullptr || file == nullptr || file->size() > kMaxPicture)
+        return missingPicture();
+    std::optional<std::string> made = cache_.get(file->version(), [&]() -> std::optional<std::string> {
+        const std::optional<PictureFormat> format = pictureFormat(file->beginning(kPictureBeginning));
+        return format ? thumbnailer_->make(*format, *file) : std::nullopt;
+    });
+    if (!made)
+        return missingPicture();
+    HttpResponse response;
+    const bool png = pictureFormat(*made) == PictureFormat::Png;
+    response.contentType = mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg);
+    response.body = std::move(*made);
+    // A changed picture has another address.
+    response.fields.emplace_back("Cache-Control", "max-age=86400");
+    return response;
+}
+
+HttpResponse ImageService::picture(std::string_view place)
+{
+    const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
+    if (!found)
+        return errorResponse(503, "The picture cannot be served: " + found.failure().message + ".");
+    const std::optional<PictureFormat> format =
+        *found == nullptr ? std::nullopt : pictureFormat((*found)->beginning(kPictureBeginning));
+    if (!format)
+        return missingPicture();
+    HttpResponse response;
+    response.file = *found;
+    response.contentType = mediaTypeOf(*format);
+    // A drawing may hold scripts, and load pictures and styles from anywhere.
+    if (*format == PictureFormat::Svg)
+        response.fields.emplace_back("Content-Security-Policy",
+                                     "default-src 'none'; style-src 'unsafe-inline'; img-src data:; sandbox");
+    return response;
+}
+
+} // namespace quarrynet::services

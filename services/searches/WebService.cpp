@@ -1,0 +1,184 @@
+#include "searches/WebService.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+
+#include "ground/text_encoding.h"
+#include "index/word_search.h"
+#include "searches/search_page.h"
+#include "sources/document_folders.h"
+#include "text/markup.h"
+#include "thumbnails/picture_format.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+/// Pages are foreign: they may show what lies beside them, and do nothing.
+constexpr std::string_view kPagePolicy =
+    "default-src 'none'; img-src 'self' data:; style-src 'self' 'unsafe-inline'; sandbox";
+
+constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<head><meta charset="utf-8"><title>Web search</title>
+<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } .address { color: #060 }</style>
+</head>
+<body>
+)";
+
+std::string searchForm(std::string_view typed)
+{
+    return "<form action=\"/search\"><div><input name=\"q\" size=\"50\" value=\"" + escapeAttribute(toUtf8(typed)) +
+           "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
+}
+
+std::string frontPage()
+{
+    std::string page(kPageHead);
+    page += "<h1>Local web search</h1>\n";
+    page += searchForm("");
+    page += "<div>Searches the home pages of the programs in this machine's package lists, and the documentation "
+            "installed on it.</div>\n</body></html>\n";
+    return page;
+}
+
+} // namespace
+
+std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
+{
+    std::string page(kPageHead);
+    page += searchForm(typed);
+    if (answer.hits.empty()) {
+        page += "<div>No page was found for these words.</div>\n</body></html>\n";
+        return page;
+    }
+    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
+    for (const WebHit& hit : answer.hits) {
+        page += "<p><a href=" + hit.address + ">" + escapeMatches(hit.title) + "</a><br>\n";
+        if (!hit.description.empty())
+            page += escapeMatches(hit.description) + "<br>\n";
+        page += "<span class=\"address\">" + escapeText(hit.address) + "</span></p>\n";
+    }
+    page += pageLinks("/search", typed, answer.start, WebService::kPageSize, answer.total);
+    page += "</body></html>\n";
+    return page;
+}
+
+HttpResponse WebService::answer(const HttpRequest& request)
+{
+    std::string_view path = request.path;
+    while (path.substr(0, 2) == "//")
+        path.remove_prefix(1);
+    if (path == "/") {
+        HttpResponse response;
+        response.body = frontPage();
+        return response;
+    }
+    if (path == "/search")
+        return searchPage(request.query);
+    if (path.substr(0, 5) == "/doc/")
+        return document(path.substr(5));
+    return errorResponse(404, "There is no such page on the web search.");
+}
+
+HttpResponse WebService::searchPage(std::string_view query)
+{
+    const std::string typed = decodeQueryValue(typedPart(query));
+    const Outcome<WebAnswer> found = search(typed, startPart(query));
+    if (!found)
+        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+    HttpResponse response;
+    response.body = webResultsPage(*found, typed);
+    return response;
+}
+
+Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)
+{
+    // Pages that are known by the typed name go first, then those by names that begin with it, short ones first, then
+    // the others by rank: a word in the title says more about a page than one in its text. The texts are cut for the
+    // pages that are shown only. Numbers make the order of equal ones certain, so that pages neither repeat nor lose
+    // any.
+    static constexpr WordTable kTable = {
+        "title",
+        "SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1",
+        "WITH named AS MATERIALIZED (SELECT page, min(length(name)) AS length FROM page_name "
+        "WHERE name >= ?4 AND name < ?5 GROUP BY page), "
+        "found AS (SELECT rowid AS id, rank AS score FROM web_page_text "
+        "WHERE web_page_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)'), "
+        "shown AS MATERIALIZED (SELECT found.id AS id, length, score FROM found "
+        "LEFT JOIN named ON named.page = found.id "
+        "ORDER BY length IS NULL, length, score, found.id LIMIT ?2 OFFSET ?3) "
+        "SELECT page.address, excerpt(web_page_text, 0, 64), excerpt(web_page_text, 1, 32) "
+        "FROM web_page_text CROSS JOIN shown ON shown.id = web_page_text.rowid "
+        "CROSS JOIN web_page AS page ON page.id = shown.id WHERE web_page_text MATCH ?1 "
+        "ORDER BY length IS NULL, length, score, shown.id",
+        kPageSize,
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    WebAnswer answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+        std::string address(row.text(0));
+        if (!address.empty() && address.front() == '/')
+            address.insert(0, base_);
+        answer.hits.push_back({std::move(address), std::string(row.text(1)), std::string(row.text(2))});
+    });
+    if (!total)
+        return total.failure();
+    answer.total = *total;
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
+}
+
+/// The folder of a document, and what the index has the document as; nothing for a folder that it has not.
+Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folder, std::string_view path)
+{
+    const std::optional<Place> none;
+    Outcome<IndexPool::Lease> index = index_.borrow();
+    if (!index)
+        return index.failure();
+    Outcome<Statement> row = (*index)->prepare(
+        "SELECT path, EXISTS (SELECT 1 FROM document WHERE folder = ?1 AND path = ?2), "
+        "EXISTS (SELECT 1 FROM shown_picture WHERE folder = ?1 AND path = ?2) FROM folder WHERE id = ?1");
+    if (!row)
+        return row.failure();
+    row->bind(1, folder);
+    row->bind(2, path);
+    if (row->step() != Statement::Step::Row)
+        return none;
+    return std::optional<Place>({std::string(row->text(0)), row->number(1) != 0, row->number(2) != 0});
+}
+
+HttpResponse WebService::document(std::string_view path)
+{
+    const std::size_t slash = std::min(path.find('/'), path.size());
+    const std::optional<int> number = wholeNumber(path.substr(0, slash));
+    HttpResponse missing = errorResponse(404, "There is no such document.");
+    if (!number || slash == path.size())
+        return missing;
+    std::string relative = decodePercent(path.substr(slash + 1));
+    if (relative.empty() || relative.back() == '/')
+        relative += "index.html";
+    const Outcome<std::optional<Place>> place = placeOf(*number, relative);
+    if (!place)
+        return errorResponse(503, "The documents cannot be served: " + place.failure().message + ".");
+    HttpResponse response;
+    response.file = *place ? openBeneath((*place)->folder, relative) : nullptr;
+    if (response.file == nullptr)
+        return missing;
+    if ((*place)->isPage) {
+        response.contentType = pageType(relative);
+    } else {
+        // Style sheets name further ones, so it does not take a page that shows them.
+        const std::string beginning = response.file->beginning(kPictureBeginning);
+        response.contentType = (*place)->isPicture ? pictureType(beginning) : styleType(relative, beginning);
+    }
+    if (response.contentType.empty())
+        return missing;
+    response.fields.emplace_back("Content-Security-Policy", kPagePolicy);
+    return response;
+}
+
+} // namespace quarrynet::services

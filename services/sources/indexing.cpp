@@ -1,0 +1,272 @@
+#include "sources/indexing.h"
+
+#include <array>
+#include <map>
+#include <optional>
+#include <tuple>
+#include <unordered_map>
+
+#include "ground/OpenFile.h"
+#include "ground/text_encoding.h"
+#include "index/IndexWriter.h"
+#include "index/database.h"
+#include "sources/HomePages.h"
+#include "sources/PoolFiles.h"
+#include "sources/Programs.h"
+#include "sources/document_folders.h"
+#include "sources/package_lists.h"
+#include "sources/picture_folders.h"
+#include "sources/program_texts.h"
+#include "text/html_document.h"
+#include "text/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::size_t kProgressStep = 10000;
+constexpr std::size_t kMaxAddress = 2048;
+constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
+
+/// The mirrors of the machine's own package lists: which one has which file.
+class Mirrors
+{
+public:
+    Mirrors() : repositories_(installedRepositories())
+    {
+        // With one mirror there is nothing to tell apart.
+        for (std::size_t i = 1; i < repositories_.size(); ++i) {
+            const auto take = [this, i](const Package& package) { others_.emplace(package.file, i); };
+            // A list that cannot be read leaves its packages to the first mirror.
+            for (const std::string& list : repositories_[i].lists)
+                (void)readDownloadedList(list, take);
+        }
+    }
+
+    std::string baseOf(const std::string& file) const
+    {
+        if (repositories_.empty())
+            return {};
+        const auto other = others_.find(file);
+        return repositories_[other == others_.end() ? 0 : other->second].base;
+    }
+
+private:
+    std::vector<Repository> repositories_;
+    std::unordered_map<std::string, std::size_t> others_;
+};
+
+/// One run: the writer, the counts, and the first fault, after which nothing more is written.
+class Run
+{
+public:
+    Run(IndexWriter& writer, const std::function<void(const std::string&)>& progress)
+        : writer_(writer), progress_(progress)
+    {}
+
+    /// `base` is the address of the mirror that has it; empty when none is known.
+    void addPackage(const Package& package, const std::string& base);
+    /// Writes what the packages were gathered for.
+    void writePackages();
+    void addFolder(const std::string& folder);
+    void addPictureFolder(const std::string& folder);
+
+    const IndexCounts& counts() const { return counts_; }
+    const std::optional<Failure>& fault() const { return fault_; }
+
+private:
+    void note(const Outcome<Done>& result)
+    {
+        if (!result && !fault_)
+            fault_ = result.failure();
+    }
+    void addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative);
+
+    void addProgram(const Package& package, const std::string& base);
+
+    IndexWriter& writer_;
+    std::map<std::string, std::int64_t, std::less<>> mirrors_;
+    HomePages homePages_;
+    Programs programs_;
+    PoolFiles poolFiles_;
+    const std::function<void(const std::string&)>& progress_;
+    IndexCounts counts_;
+    std::optional<Failure> fault_;
+};
+
+void Run::addPackage(const Package& package, const std::string& base)
+{
+    if (fault_)
+        return;
+    if (++counts_.packages % kProgressStep == 0)
+        progress_(withSeparators(static_cast<std::int64_t>(counts_.packages)) + " packages");
+    if (package.homepage.size() <= kMaxAddress)
+        homePages_.add(package);
+    else
+        counts_.leftOut.add(clipUtf8(package.homepage, 100), "no address is so long");
+    if (!base.empty() && !package.file.empty())
+        addProgram(package, base);
+}
+
+void Run::addProgram(const Package& package, const std::string& base)
+{
+    if (!poolFiles_.add(base, package.file, package.size)) {
+        counts_.leftOut.add(clipUtf8(package.file, 100), "no file of a package has so long a path");
+        return;
+    }
+    auto mirror = mirrors_.find(base);
+    if (mirror == mirrors_.end()) {
+        const Outcome<std::int64_t> number = writer_.addMirror(base);
+        if (!number) {
+            fault_ = number.failure();
+            return;
+        }
+        mirror = mirrors_.emplace(base, *number).first;
+    }
+    programs_.add({package.name, package.summary, systemOf(package.architecture), package.size,
+                   licenceOf(package.section), mirror->second, package.file},
+                  package.source);
+}
+
+void Run::writePackages()
+{
+    counts_.homePages = homePages_.size();
+    counts_.programs = programs_.size();
+    if (!fault_)
+        note(homePages_.write(writer_));
+    if (!fault_)
+        note(programs_.write(writer_));
+    if (!fault_)
+        note(poolFiles_.write(writer_));
+}
+
+void Run::addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative)
+{
+    if (fault_)
+        return;
+    const std::shared_ptr<const OpenFile> file = openBeneath(folder, relative);
+    const std::optional<std::string> page = file == nullptr ? std::nullopt : file->content(kMaxPage);
+    if (!page) {
+        const char* reason = "it cannot be opened";
+        if (file != nullptr)
+            reason = file->size() > kMaxPage ? "it is too long" : "it cannot be read";
+        counts_.leftOut.add(folder + "/" + relative, reason);
+        return;
+    }
+    HtmlDocument document = readHtml(*page, kMaxIndexedText);
+    if (document.title.empty())
+        document.title = collapseBlanks(relative);
+    note(writer_.addDocument(folderNumber, relative));
+    for (const std::string& address : document.pictures) {
+        const std::optional<std::string> picture = pathSeenFrom(relative, address);
+        if (picture && picture->size() <= kMaxAddress)
+            note(writer_.addShownPicture(folderNumber, *picture));
+    }
+    note(writer_.addPage("/doc/" + std::to_string(folderNumber) + "/" + encodePath(relative), document.title,
+                         document.text));
+    ++counts_.documents;
+}
+
+void Run::addFolder(const std::string& folder)
+{
+    if (fault_)
+        return;
+    const Outcome<std::int64_t> number = writer_.addFolder(folder);
+    if (!number) {
+        fault_ = number.failure();
+        return;
+    }
+    const std::size_t before = counts_.documents;
+    counts_.leftOut.add(
+        findHtmlFiles(folder, [&](const std::string& relative) { addDocument(*number, folder, relative); }));
+    progress_(withSeparators(static_cast<std::int64_t>(counts_.documents - before)) + " pages in " + folder);
+}
+
+void Run::addPictureFolder(const std::string& folder)
+{
+    if (fault_)
+        return;
+    const std::vector<Picture> pictures = findPictures(folder, counts_.leftOut);
+    if (pictures.empty())
+        return;
+    const Outcome<std::int64_t> number = writer_.addPictureFolder(folder);
+    if (!number) {
+        fault_ = number.failure();
+        return;
+    }
+    for (const Picture& picture : pictures)
+        note(writer_.addPicture(*number, picture));
+    counts_.pictures += pictures.size();
+    progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
+}
+
+/// Fails when the index in use has much more than these counts. One of another layout may count otherwise.
+Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& counts)
+{
+    Outcome<std::optional<Database>> opened = openToTakeOver(dataFolder);
+    if (!opened)
+        return opened.failure();
+    if (!*opened)
+        return Done{};
+    Database& old = **opened;
+    const std::array<std::tuple<const char*, const char*, std::size_t>, 3> kinds{
+        {{"web pages", "SELECT count(*) FROM web_page", counts.homePages + counts.documents},
+         {"programs", "SELECT count(*) FROM program", counts.programs},
+         {"pictures", "SELECT count(*) FROM picture", counts.pictures}}};
+    for (const auto& [kind, sql, now] : kinds) {
+        Outcome<Statement> row = old.prepare(sql);
+        if (!row || row->step() != Statement::Step::Row)
+            return keepOld(dataFolder, row ? row->failure() : row.failure());
+        const std::int64_t before = row->number(0);
+        if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
+            return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +
+                           " instead of " + withSeparators(before) +
+                           "; the one in use stays, and --force replaces it all the same"};
+    }
+    return Done{};
+}
+
+} // namespace
+
+Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
+                                const std::function<void(const std::string&)>& progress)
+{
+    Outcome<IndexWriter> writer = IndexWriter::begin(dataFolder);
+    if (!writer)
+        return writer.failure();
+    Run run(*writer, progress);
+    if (sources.packageFiles.empty()) {
+        progress("reading the package lists");
+        const Mirrors mirrors;
+        const Outcome<Done> read =
+            readInstalledLists([&](const Package& package) { run.addPackage(package, mirrors.baseOf(package.file)); });
+        // A machine without package lists still has its documentation.
+        if (!read)
+            progress("no package lists: " + read.failure().message);
+    }
+    for (const std::string& file : sources.packageFiles) {
+        const Outcome<Done> read =
+            readListFile(file, [&](const Package& package) { run.addPackage(package, sources.mirror); });
+        if (!read)
+            return read.failure();
+    }
+    run.writePackages();
+    for (const std::string& folder : sources.folders)
+        run.addFolder(folder);
+    for (const std::string& folder : sources.pictureFolders)
+        run.addPictureFolder(folder);
+    if (run.fault())
+        return *run.fault();
+    if (!sources.force) {
+        const Outcome<Done> rich = compareWithOld(dataFolder, run.counts());
+        if (!rich)
+            return rich.failure();
+    }
+    progress("putting the index in its place");
+    const Outcome<Done> committed = writer->commit();
+    if (!committed)
+        return committed.failure();
+    return run.counts();
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,207 @@
+#include "thumbnails/Thumbnailer.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+#include "ground/CurrentTask.h"
+#include "ground/child_process.h"
+
+extern char** environ;
+
+namespace quarrynet::services {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
+constexpr std::size_t kMaxThumbnail = 1024 * 1024;
+constexpr std::size_t kPiece = 64 * 1024;
+
+/// Whoever waits asks so often whether anybody still wants the thumbnail.
+constexpr std::chrono::milliseconds kAskInterval(50);
+
+} // namespace
+
+/// One process, and the socket that is its input and output. A message to it is the format in one byte, the length in
+/// four, the highest first, and the picture; its answer a length alike and the thumbnail, of length 0 when there is
+/// none.
+class Thumbnailer::Process
+{
+public:
+    explicit Process(const std::string& program)
+    {
+        int ends[2] = {-1, -1};
+        if (!makeSocketPair(ends))
+            return;
+        ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        closeOtherDescriptors(actions);
+        std::string name = program;
+        std::array<char*, 2> arguments{name.data(), nullptr};
+        if (::posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments.data(), environ) != 0)
+            process_ = -1;
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(ends[1]);
+        socket_ = ends[0];
+    }
+    ~Process()
+    {
+        if (socket_ >= 0)
+            ::close(socket_);
+        if (process_ <= 0)
+            return;
+        ::kill(process_, SIGKILL);
+        while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    /// False when the process is of no more use. An empty thumbnail is an answer, too.
+    bool ask(PictureFormat format, std::size_t pictureSize, const Source& source, Clock::time_point deadline,
+             std::string& thumbnail)
+    {
+        std::string head(1, static_cast<char>(format));
+        for (const unsigned shift : {24U, 16U, 8U, 0U})
+            head.push_back(static_cast<char>(static_cast<unsigned char>(pictureSize >> shift)));
+        if (process_ <= 0 || !send(head, deadline))
+            return false;
+        for (std::size_t sent = 0; sent < pictureSize;) {
+            const std::string_view piece = source(sent);
+            if (piece.empty() || !send(piece, deadline))
+                return false;
+            sent += piece.size();
+        }
+        std::string length(4, '\0');
+        if (!receive(length, deadline))
+            return false;
+        std::size_t size = 0;
+        for (const char c : length)
+            size = size << 8U | static_cast<unsigned char>(c);
+        if (size > kMaxThumbnail)
+            return false;
+        thumbnail.resize(size);
+        return receive(thumbnail, deadline);
+    }
+
+private:
+    bool wait(short events, Clock::time_point deadline) const
+    {
+        while (!CurrentTask::abandoned()) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            if (left.count() <= 0)
+                return false;
+            pollfd watched{socket_, events, 0};
+            const int count = ::poll(&watched, 1, static_cast<int>(std::min(left, kAskInterval).count()));
+            if (count != 0)
+                return count > 0 || errno == EINTR;
+        }
+        return false;
+    }
+
+    bool send(std::string_view bytes, Clock::time_point deadline) const
+    {
+        while (!bytes.empty()) {
+            const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (count > 0)
+                bytes.remove_prefix(static_cast<std::size_t>(count));
+            else if ((errno != EAGAIN && errno != EINTR) || !wait(POLLOUT, deadline))
+                return false;
+        }
+        return true;
+    }
+
+    /// Fills `bytes`.
+    bool receive(std::string& bytes, Clock::time_point deadline) const
+    {
+        std::size_t filled = 0;
+        while (filled < bytes.size()) {
+            const ssize_t count = ::recv(socket_, bytes.data() + filled, bytes.size() - filled, 0);
+            if (count > 0)
+                filled += static_cast<std::size_t>(count);
+            else if (count == 0 || (errno != EAGAIN && errno != EINTR) || !wait(POLLIN, deadline))
+                return false;
+        }
+        return true;
+    }
+
+    pid_t process_ = -1;
+    int socket_ = -1;
+};
+
+Thumbnailer::Thumbnailer(std::string program, Limits limits) : program_(std::move(program)), limits_(limits) {}
+
+Thumbnailer::~Thumbnailer() = default;
+
+std::unique_ptr<Thumbnailer::Process> Thumbnailer::borrow()
+{
+    {
+        std::unique_lock lock(mutex_);
+        while (!returned_.wait_for(lock, kAskInterval, [this] { return lent_ < limits_.processes; })) {
+            if (CurrentTask::abandoned())
+                return nullptr;
+        }
+        ++lent_;
+        if (!idle_.empty()) {
+            std::unique_ptr<Process> process = std::move(idle_.back());
+            idle_.pop_back();
+            return process;
+        }
+    }
+    return std::make_unique<Process>(program_);
+}
+
+std::optional<std::string> Thumbnailer::make(PictureFormat format, std::string_view content)
+{
+    return make(format, content.size(), [content](std::size_t offset) { return content.substr(offset); });
+}
+
+std::optional<std::string> Thumbnailer::make(PictureFormat format, const OpenFile& file)
+{
+    const auto size = static_cast<std::size_t>(file.size());
+    std::string piece;
+    return make(format, size, [&](std::size_t offset) {
+        piece.resize(std::min(kPiece, size - offset));
+        piece.resize(file.read(offset, piece.data(), piece.size()));
+        return std::string_view(piece);
+    });
+}
+
+std::optional<std::string> Thumbnailer::make(PictureFormat format, std::size_t size, const Source& source)
+{
+    if (size > kMaxPicture)
+        return std::nullopt;
+    std::unique_ptr<Process> process = borrow();
+    if (process == nullptr)
+        return std::nullopt;
+    std::string thumbnail;
+    const bool answered = process->ask(format, size, source, Clock::now() + limits_.time, thumbnail);
+    if (!answered)
+        process.reset();
+    {
+        const std::lock_guard lock(mutex_);
+        --lent_;
+        if (process != nullptr)
+            idle_.push_back(std::move(process));
+    }
+    returned_.notify_one();
+    if (!answered || thumbnail.empty())
+        return std::nullopt;
+    return thumbnail;
+}
+
+} // namespace quarrynet::services

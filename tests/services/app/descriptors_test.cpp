@@ -1,0 +1,160 @@
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <sys/stat.h>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "ground/child_process.h"
+#include "http/HttpServer.h"
+#include "index/IndexWriter.h"
+#include "index/sqlite.h"
+#include "tests/services/support/service_support.h"
+#include "thumbnails/Thumbnailer.h"
+
+/// What a program that the services start finds open: nothing of the services'.
+
+using namespace quarrynet::services;
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Where the descriptors lead that "ls -l" of a process's descriptor folder shows.
+std::set<std::string> targets(const std::string& listing)
+{
+    std::set<std::string> found;
+    std::istringstream lines(listing);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t arrow = line.find(" -> ");
+        if (arrow != std::string::npos)
+            found.insert(line.substr(arrow + 4));
+    }
+    return found;
+}
+
+std::string nameOf(int descriptor)
+{
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/fd/" + std::to_string(descriptor), ignored).string();
+}
+
+std::set<int> openDescriptors()
+{
+    std::set<int> open;
+    for (int number = 0; number < 1024; ++number) {
+        if (::fcntl(number, F_GETFD) >= 0)
+            open.insert(number);
+    }
+    return open;
+}
+
+/// The descriptors beside those in `before` that a program would inherit.
+std::string inheritable(const std::set<int>& before)
+{
+    std::string found;
+    for (const int number : openDescriptors()) {
+        if (before.count(number) == 0 && (::fcntl(number, F_GETFD) & FD_CLOEXEC) == 0)
+            found += nameOf(number) + " ";
+    }
+    return found;
+}
+
+/// A program in `folder` that leaves the list of its descriptors there and ends.
+std::string listingProgram(const TemporaryFolder& folder)
+{
+    const std::string program = folder.write("lister", "#!/bin/sh\n"
+                                                       "cd \"${0%/*}\"\n"
+                                                       "(ls -l /proc/$$/fd > list.part)\n"
+                                                       "mv list.part list\n");
+    ::chmod(program.c_str(), 0755);
+    return program;
+}
+
+/// What the listing program has left, without its own script, the null device and this process's error output.
+std::string foreign(const TemporaryFolder& folder)
+{
+    std::ostringstream text;
+    text << std::ifstream(folder.path() + "/list").rdbuf();
+    std::set<std::string> open = targets(text.str());
+    if (open.empty())
+        return "nothing was listed";
+    open.erase(folder.path() + "/lister");
+    open.erase("/dev/null");
+    open.erase(nameOf(STDERR_FILENO));
+    std::string found;
+    for (const std::string& target : open)
+        found += target + " ";
+    return found;
+}
+
+/// The one descriptor that the thumbnail program is to have: its connection with the services.
+bool isOneSocket(const std::string& found)
+{
+    return found.starts_with("socket:") && std::count(found.begin(), found.end(), ' ') == 1;
+}
+
+} // namespace
+
+TEST(Descriptors, ProgramsOfARunningServiceHaveNone)
+{
+    const std::set<int> before = openDescriptors();
+    const TemporaryFolder folder;
+    Outcome<Database> index = Database::open(folder.path() + "/index", Database::Access::Create);
+    ASSERT_TRUE(index);
+    ASSERT_TRUE(index->execute("CREATE TABLE t (x); BEGIN; INSERT INTO t VALUES (1)"));
+    const Outcome<IndexLock> lock = IndexLock::take(folder.path());
+    ASSERT_TRUE(lock);
+
+    std::string ofThumbnails;
+    std::string ofOutput;
+    std::string kept;
+    HttpServer server;
+    const auto port = std::get<std::uint16_t>(server.listen("127.0.0.1", 0, [&](const HttpRequest&) {
+        Thumbnailer thumbnailer(listingProgram(folder), {std::chrono::seconds(60), 1});
+        (void)thumbnailer.make(PictureFormat::Png, "x"); // ends with the program
+        ofThumbnails = foreign(folder);
+        (void)readProgramOutput({"ls", "-l", "/proc/self/fd"}, [&](std::string_view piece) { ofOutput.append(piece); });
+        kept = inheritable(before);
+        return HttpResponse();
+    }));
+    std::thread serving([&] { server.run(); });
+    const RawClient idle("127.0.0.1", port);
+    const RawClient asking("127.0.0.1", port);
+    asking.send("GET / HTTP/1.1\r\nHost: x\r\n\r\n");
+    asking.receiveAll();
+    server.stop();
+    serving.join();
+
+    EXPECT_TRUE(isOneSocket(ofThumbnails)) << ofThumbnails;
+    std::size_t sockets = 0;
+    const std::set<std::string> open = targets(ofOutput);
+    for (const std::string& target : open)
+        sockets += target.starts_with("socket:") && target != nameOf(STDERR_FILENO) ? 1 : 0;
+    EXPECT_EQ(sockets, 0U) << ofOutput;
+    EXPECT_LE(open.size(), 4U) << ofOutput; // the standard three and the folder that it lists
+    EXPECT_EQ(kept, "");
+}
+
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
+
+TEST(Descriptors, WhatWasForgottenIsClosedToo)
+{
+    const TemporaryFolder folder;
+    const std::string content = folder.write("content", "x");
+    const std::ifstream stream(content); // the library opens it for everybody
+    const int forgotten = ::open(content.c_str(), O_RDONLY);
+    ASSERT_GT(forgotten, STDERR_FILENO);
+    Thumbnailer thumbnailer(listingProgram(folder), {std::chrono::seconds(60), 1});
+    (void)thumbnailer.make(PictureFormat::Png, "x");
+    std::string output;
+    (void)readProgramOutput({"ls", "-l", "/proc/self/fd"}, [&](std::string_view piece) { output.append(piece); });
+    ::close(forgotten);
+    EXPECT_TRUE(isOneSocket(foreign(folder))) << foreign(folder);
+    EXPECT_EQ(targets(output).count(content), 0U);
+}
+
+#endif

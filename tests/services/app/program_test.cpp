@@ -1,0 +1,387 @@
+#include <csignal>
+#include <fcntl.h>
+#include <optional>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+#include "http/message.h"
+#include "tests/core/test_data.h"
+#include "tests/services/support/ftp_support.h"
+#include "tests/services/support/service_support.h"
+
+/// The program itself, as a person or a script starts it.
+
+using namespace quarrynet::services;
+
+namespace {
+
+/// The program, running; its standard output is read from a pipe, its error output goes to a file.
+class Running
+{
+public:
+    Running(std::vector<std::string> arguments, std::string errorFile) : errorFile_(std::move(errorFile))
+    {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(::pipe(ends), 0);
+        output_ = ends[0];
+        ::fcntl(output_, F_SETFD, FD_CLOEXEC);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, ends[1]);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                         0600);
+        arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
+        std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        EXPECT_EQ(::posix_spawn(&process_, QUARRYNET_SERVICES, &actions, nullptr, pointers.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(ends[1]);
+    }
+    ~Running()
+    {
+        if (process_ > 0)
+            ::kill(process_, SIGKILL);
+        wait();
+        ::close(output_);
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    /// One line of output without its end; what there is when the output ends.
+    std::string readLine() const
+    {
+        std::string line;
+        char c = 0;
+        while (::read(output_, &c, 1) == 1 && c != '\n')
+            line.push_back(c);
+        return line;
+    }
+
+    /// The line "NAME:" of what the system says about the process, without the name.
+    std::string status(const std::string& name) const
+    {
+        std::ifstream file("/proc/" + std::to_string(process_) + "/status");
+        for (std::string line; std::getline(file, line);) {
+            if (line.rfind(name + ":", 0) == 0)
+                return line.substr(name.size() + 1);
+        }
+        return "";
+    }
+
+    void signal(int number) const { ::kill(process_, number); }
+
+    /// The exit status; -1 when a signal ended it.
+    int wait()
+    {
+        if (process_ <= 0)
+            return -1;
+        int status = 0;
+        ::waitpid(process_, &status, 0);
+        process_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string errors() const
+    {
+        std::ifstream file(errorFile_);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+private:
+    std::string errorFile_;
+    int output_ = -1;
+    pid_t process_ = 0;
+};
+
+class Program : public ::testing::Test
+{
+protected:
+    Running start(std::vector<std::string> arguments) { return {std::move(arguments), folder_.path() + "/errors"}; }
+
+    Running serve(std::vector<std::string> more = {})
+    {
+        std::vector<std::string> arguments{"serve", "--data", data(), "--port", "0", "--proxy-port", "0"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return start(std::move(arguments));
+    }
+
+    void index()
+    {
+        // Root becomes somebody else, who has to get there.
+        std::filesystem::permissions(folder_.path(), std::filesystem::perms::others_exec,
+                                     std::filesystem::perm_options::add);
+        folder_.write("pics/sample.png", quarrynet::samples::dataFile("pictures/sample.png"));
+        const std::string list = folder_.write(
+            "list", "Package: apple\nDescription: a red apple\nHomepage: http://apple.example/\nFilename: apple.deb\n");
+        Running run = start({"index", "--data", data(), "--packages", list, "--mirror", "http://mirror.example",
+                             "--folder", folder_.path() + "/docs", "--pictures", folder_.path() + "/pics"});
+        ASSERT_EQ(run.wait(), 0) << run.errors();
+    }
+
+    std::string data() const { return folder_.path() + "/data"; }
+
+    TemporaryFolder folder_;
+};
+
+/// The port behind "name=http://address:" in the ready line; 0 when it is not there.
+std::uint16_t portOf(const std::string& ready, const std::string& name)
+{
+    const std::size_t at = ready.find(" " + name + "=http://");
+    if (at == std::string::npos)
+        return 0;
+    const std::size_t colon = ready.find(':', ready.find("//", at));
+    return static_cast<std::uint16_t>(
+        wholeNumber(ready.substr(colon + 1, ready.find('/', colon) - colon - 1)).value_or(0));
+}
+
+std::string ask(const std::string& address, std::uint16_t port, const std::string& target)
+{
+    const RawClient client(address, port);
+    EXPECT_TRUE(client.connected()) << address << ":" << port;
+    client.send("GET " + target + " HTTP/1.1\r\nHOST: 127.80.0.1\r\nConnection: close\r\n\r\n");
+    return client.receiveAll();
+}
+
+} // namespace
+
+TEST_F(Program, IndexesServesAndEndsCleanly)
+{
+    index();
+    for (const int number : {SIGTERM, SIGINT}) {
+        Running server = serve();
+        const std::string ready = server.readLine();
+        ASSERT_EQ(ready.substr(0, 25), "quarrynet-services: ready");
+        const std::string web =
+            ask("127.80.0.1", portOf(ready, "web"), "/search?num=30&hl=en&filter=0&safe=off&q=apple");
+        EXPECT_NE(web.find("<p><a href=http://apple.example/>"), std::string::npos) << web;
+        EXPECT_NE(ask("127.80.0.3", portOf(ready, "download"), "/3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
+                  std::string::npos);
+        EXPECT_NE(ask("127.80.0.4", portOf(ready, "file"), "/cgi-bin/s?t=f&d=&l=en&m=20&q=apple")
+                      .find("http://mirror.example/apple.deb"),
+                  std::string::npos);
+        const std::uint16_t proxy = portOf(ready, "proxy");
+#ifdef QUARRYNET_WITH_IMAGES
+        const std::string images = "/images?num=10&hl=en&filter=0&safe=off&q=sample";
+        const std::uint16_t port = portOf(ready, "image");
+        for (const std::string& page :
+             {ask("127.80.0.2", port, images), ask("127.0.0.1", proxy, "http://127.80.0.2" + images)}) {
+            const std::size_t marker = page.find("/images?q=tbn:");
+            ASSERT_NE(marker, std::string::npos) << page;
+            const std::string thumbnail = page.substr(marker, page.find(' ', marker) - marker);
+            EXPECT_NE(thumbnail.find(":127.80.0.2:" + std::to_string(port) + "/pictures/"), std::string::npos);
+            EXPECT_NE(ask("127.80.0.2", port, thumbnail).find("Content-Type: image/jpeg"), std::string::npos);
+        }
+#endif
+        EXPECT_NE(ask("127.0.0.1", proxy, "http://127.80.0.3//3120-20-0-1-5.html?qt=apple&ca=20").find("main loop"),
+                  std::string::npos);
+        EXPECT_EQ(ask("127.0.0.1", proxy, "http://other.example/").substr(9, 3), "403");
+        server.signal(number);
+        EXPECT_EQ(server.wait(), 0);
+    }
+}
+
+TEST_F(Program, ServesWithoutAnIndexAndFindsItWhenItComes)
+{
+    Running server = serve();
+    const std::string ready = server.readLine();
+    EXPECT_NE(server.errors().find("quarrynet-services index"), std::string::npos);
+    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "503");
+    folder_.write("other/errors", "");
+    const std::string list = folder_.write("list", "Package: apple\nHomepage: http://apple.example/\n");
+    Running run(
+        {"index", "--data", data(), "--packages", list, "--folder", folder_.path(), "--pictures", folder_.path()},
+        folder_.path() + "/other/errors");
+    ASSERT_EQ(run.wait(), 0) << run.errors();
+    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "200");
+}
+
+TEST_F(Program, IndexIfNeededLeavesAUsableIndexAlone)
+{
+    index();
+    const auto made = std::filesystem::last_write_time(data() + "/index.sqlite");
+    const std::vector<std::string> again{"index", "--if-needed", "--data",
+                                         data(),  "--packages",  folder_.path() + "/none"};
+    EXPECT_EQ(start(again).wait(), 0);
+    EXPECT_EQ(std::filesystem::last_write_time(data() + "/index.sqlite"), made);
+    folder_.write("data/index.sqlite", "of another time");
+    EXPECT_EQ(start(again).wait(), 1);
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data(), "--packages", folder_.path() + "/list"}).wait(), 0);
+    EXPECT_GT(std::filesystem::file_size(data() + "/index.sqlite"), 1000U);
+}
+
+TEST_F(Program, ServiceThatCannotListenAnswersThroughTheProxy)
+{
+    index();
+    // An address of the documentation range is never this machine's.
+    Running server = serve({"--web-address", "192.0.2.1"});
+    const std::string ready = server.readLine();
+    EXPECT_NE(ready.find(" web=- "), std::string::npos) << ready;
+    EXPECT_NE(server.errors().find("through the proxy only"), std::string::npos);
+    EXPECT_EQ(ask("127.0.0.1", portOf(ready, "proxy"), "http://192.0.2.1/search?q=apple").substr(9, 3), "200");
+}
+
+TEST_F(Program, ProxyPortInUseIsAnError)
+{
+    Running first = serve();
+    const std::uint16_t port = portOf(first.readLine(), "proxy");
+    Running second({"serve", "--data", data(), "--port", "0", "--proxy-port", std::to_string(port)},
+                   folder_.path() + "/errors2");
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_NE(second.errors().find("proxy"), std::string::npos);
+}
+
+TEST_F(Program, WrongUsageAndUnusableFoldersAreErrors)
+{
+    EXPECT_EQ(start({}).wait(), 2);
+    EXPECT_EQ(start({"dance"}).wait(), 2);
+    EXPECT_EQ(start({"serve", "--port", "x"}).wait(), 2);
+    EXPECT_EQ(start({"crawl"}).wait(), 2);
+    EXPECT_EQ(start({"--help"}).wait(), 0);
+    EXPECT_EQ(start({"--version"}).readLine().substr(0, 19), "quarrynet-services ");
+    const std::string file = folder_.write("file", "");
+    EXPECT_EQ(start({"serve", "--data", file}).wait(), 1);
+    EXPECT_EQ(start({"index", "--data", file + "/below"}).wait(), 1);
+    EXPECT_EQ(start({"index", "--data", data(), "--packages", folder_.path() + "/none"}).wait(), 1);
+}
+
+TEST_F(Program, TheDataFolderIsItsUsersAlone)
+{
+    namespace fs = std::filesystem;
+    constexpr fs::perms kOthers = fs::perms::group_all | fs::perms::others_all;
+    index();
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::none);
+    for (const char* name : {"/index.sqlite", "/index.lock"}) {
+        EXPECT_EQ(fs::status(data() + name).permissions() & kOthers, fs::perms::none) << name;
+        fs::permissions(data() + name, fs::perms::others_read | fs::perms::group_read, fs::perm_options::add);
+    }
+    fs::permissions(data(), kOthers, fs::perm_options::add);
+    // What older versions made.
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data()}).wait(), 0);
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::none);
+    EXPECT_EQ(fs::status(data() + "/index.sqlite").permissions() & kOthers, fs::perms::none);
+    // A folder with other things in it is left as it is, its index is not.
+    folder_.write("data/other", "");
+    fs::permissions(data(), fs::perms::others_exec, fs::perm_options::add);
+    fs::permissions(data() + "/index.sqlite", fs::perms::others_read, fs::perm_options::add);
+    EXPECT_EQ(start({"index", "--if-needed", "--data", data()}).wait(), 0);
+    EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::others_exec);
+    EXPECT_EQ(fs::status(data() + "/index.sqlite").permissions() & kOthers, fs::perms::none);
+}
+
+#ifdef __linux__
+
+TEST_F(Program, WhatListeningTookIsGivenUp)
+{
+    index();
+    // Nobody but root gets here any more.
+    std::filesystem::permissions(folder_.path(), std::filesystem::perms::owner_all);
+    Running server = serve();
+    const std::string ready = server.readLine();
+    EXPECT_EQ(server.status("NoNewPrivs"), "\t1");
+    for (const char* set : {"CapInh", "CapPrm", "CapEff", "CapAmb"})
+        EXPECT_EQ(server.status(set), "\t0000000000000000") << set;
+    EXPECT_EQ(server.status("Uid").find("\t0"), std::string::npos) << server.status("Uid");
+    EXPECT_EQ(server.status("Gid").find("\t0"), std::string::npos) << server.status("Gid");
+    const std::string query = "/search?q=apple";
+    EXPECT_NE(ask("127.80.0.1", portOf(ready, "web"), query).find("apple.example"), std::string::npos);
+    // An index that root makes meanwhile is found as well.
+    const std::string list = folder_.write("list", "Package: pear\nHomepage: http://pear.example/\n");
+    Running again({"index", "--data", data(), "--packages", list, "--folder", folder_.path() + "/none", "--pictures",
+                   folder_.path() + "/none"},
+                  folder_.path() + "/errors2");
+    ASSERT_EQ(again.wait(), 0) << again.errors();
+    EXPECT_NE(ask("127.80.0.1", portOf(ready, "web"), "/search?q=pear").find("pear.example"), std::string::npos);
+}
+
+TEST_F(Program, RootBecomesTheUserThatIsNamed)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can become another user";
+    index();
+    Running server = serve({"--user", "daemon"});
+    (void)server.readLine();
+    EXPECT_EQ(server.status("Uid"), "\t1\t1\t1\t1");
+    EXPECT_EQ(serve({"--user", "root"}).wait(), 1);
+    Running unknown({"serve", "--data", data(), "--port", "0", "--proxy-port", "0", "--user", "no such user"},
+                    folder_.path() + "/errors2");
+    EXPECT_EQ(unknown.wait(), 1);
+    EXPECT_NE(unknown.errors().find("no such user"), std::string::npos);
+}
+
+TEST_F(Program, AnIndexThatCannotBeReadWithoutRootIsSaidSo)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can become another user";
+    index();
+    folder_.write("data/other", "");
+    std::filesystem::permissions(data(), std::filesystem::perms::owner_all);
+    Running server = serve();
+    EXPECT_EQ(server.wait(), 1);
+    EXPECT_NE(server.errors().find("the user nobody cannot read the index"), std::string::npos) << server.errors();
+}
+
+#endif
+
+TEST_F(Program, CrawlSaysWhyItCannot)
+{
+    const TestServer server([](int) {});
+    Running early = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(early.wait(), 1);
+    EXPECT_NE(early.errors().find("no index yet"), std::string::npos) << early.errors();
+    index();
+    Running broken = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(broken.wait(), 1);
+    EXPECT_NE(broken.errors().find(server.site()), std::string::npos) << broken.errors();
+    EXPECT_EQ(start({"crawl", "--data", data(), "http://h/"}).wait(), 1);
+}
+
+// It waited two minutes for a lock that could not be taken.
+TEST_F(Program, CrawlThatCannotWriteTheIndexSaysSo)
+{
+    index();
+    std::filesystem::remove(data() + "/index.lock");
+    std::filesystem::create_directory(data() + "/index.lock");
+    const TestServer server([](int socket) {
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+            return MadeUpFtp::Reply{226, "type=file;size=5; crawled apple.zip\r\n"};
+        });
+    });
+    Running crawl = start({"crawl", "--data", data(), server.site()});
+    EXPECT_EQ(crawl.wait(), 1);
+    EXPECT_NE(crawl.errors().find(data()), std::string::npos) << crawl.errors();
+    EXPECT_EQ(crawl.errors().find("waiting"), std::string::npos) << crawl.errors();
+}
+
+// The folders of the project's own pictures and manual were built in.
+TEST_F(Program, HoldsNoPathOfTheSourceTree)
+{
+    if (std::string_view(QUARRYNET_BUILD_TYPE) != "Release")
+        GTEST_SKIP() << "debug information names the source files";
+    std::ifstream file(QUARRYNET_SERVICES, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    ASSERT_NE(content.find("Usage: quarrynet-services"), std::string::npos);
+    // The compiler stores short texts in pieces of sixteen bytes.
+    EXPECT_EQ(content.find(std::string_view(QUARRYNET_SOURCE_FOLDER).substr(0, 16)), std::string::npos);
+}
+
+TEST_F(Program, CrawledFilesAreFoundByAServerThatRuns)
+{
+    index();
+    Running running = serve();
+    const std::uint16_t port = portOf(running.readLine(), "file");
+    const TestServer server([](int socket) {
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+            return MadeUpFtp::Reply{226, "type=file;size=5; crawled apple.zip\r\n"};
+        });
+    });
+    Running crawl({"crawl", "--data", data(), server.site() + "/pub"}, folder_.path() + "/crawl-errors");
+    ASSERT_EQ(crawl.wait(), 0) << crawl.errors();
+    EXPECT_NE(ask("127.80.0.4", port, "/cgi-bin/s?t=f&q=crawled").find(server.site() + "/pub/crawled%20apple.zip"),
+              std::string::npos);
+}

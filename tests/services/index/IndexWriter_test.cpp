@@ -1,0 +1,362 @@
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "ground/CurrentTask.h"
+#include "index/IndexWriter.h"
+#include "index/database.h"
+#include "searches/DownloadService.h"
+#include "searches/FileService.h"
+#include "searches/WebService.h"
+#include "sources/indexing.h"
+#include "tests/services/support/service_support.h"
+
+using namespace quarrynet::services;
+
+namespace {
+
+std::string stanza(const std::string& name, const std::string& summary)
+{
+    std::string text = "Package: " + name;
+    text.append("\nDescription: ").append(summary);
+    text.append("\nHomepage: http://").append(name).append(".example/\n\n");
+    return text;
+}
+
+void quiet(const std::string&) {}
+
+/// So many folders, one in the other.
+std::string slashes(int levels)
+{
+    std::string path;
+    for (int i = 0; i < levels; ++i)
+        path += "f/";
+    return path;
+}
+
+std::vector<std::string> find(IndexPool& pool, std::string_view words)
+{
+    WebService service(pool, "http://h");
+    const Outcome<WebAnswer> answer = service.search(words, 0);
+    EXPECT_TRUE(answer) << answer.failure().message;
+    std::vector<std::string> addresses;
+    for (const WebHit& hit : answer->hits)
+        addresses.push_back(hit.address);
+    return addresses;
+}
+
+class Index : public ::testing::Test
+{
+protected:
+    Outcome<IndexCounts> build(const std::string& stanzas, std::vector<std::string> folders = {})
+    {
+        return buildIndex(data_.path(), {{input_.write("list", stanzas)}, "", std::move(folders)}, quiet);
+    }
+
+    TemporaryFolder data_;
+    TemporaryFolder input_;
+};
+
+} // namespace
+
+TEST_F(Index, FindsPackagesAndDocuments)
+{
+    input_.write("docs/sub/a b.html", "<title>Manual</title>How to grow apples");
+    const Outcome<IndexCounts> counts = build(stanza("red", "an apple"), {input_.path() + "/docs"});
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 1U);
+    EXPECT_EQ(counts->homePages, 1U);
+    EXPECT_EQ(counts->documents, 1U);
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://red.example/", "http://h/doc/1/sub/a%20b.html"}));
+    EXPECT_EQ(find(pool, "nothing"), std::vector<std::string>());
+}
+
+TEST_F(Index, PackagesWithoutAWebAddressAreNoHomePages)
+{
+    const Outcome<IndexCounts> counts =
+        build("Package: a\n\nPackage: b\nHomepage: gopher://b/\n\nPackage: c\nHomepage: javascript:x\n");
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 3U);
+    EXPECT_EQ(counts->homePages, 0U);
+}
+
+TEST_F(Index, MissingIndexAndOtherLayoutSayWhatToDo)
+{
+    IndexPool pool(data_.path());
+    const auto missing = pool.borrow();
+    ASSERT_FALSE(missing);
+    EXPECT_NE(missing.failure().message.find("quarrynet-services index"), std::string::npos);
+    ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute("CREATE TABLE x(y)"));
+    EXPECT_FALSE(pool.borrow());
+}
+
+TEST_F(Index, FileThatIsNoDatabaseIsAFailure)
+{
+    data_.write("index.sqlite", std::string(100000, 'x'));
+    IndexPool pool(data_.path());
+    EXPECT_FALSE(pool.borrow());
+    EXPECT_TRUE(build(stanza("red", "apple")));
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, NewIndexIsSeenAtOnceAndOldConnectionsGoOn)
+{
+    ASSERT_TRUE(build(stanza("one", "apple")));
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://one.example/"}));
+    Outcome<IndexPool::Lease> old = pool.borrow();
+    ASSERT_TRUE(old);
+    ASSERT_TRUE(build(stanza("two", "apple")));
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://two.example/"}));
+    Outcome<Statement> statement = (*old)->prepare("SELECT address FROM web_page");
+    ASSERT_TRUE(statement);
+    ASSERT_EQ(statement->step(), Statement::Step::Row);
+    EXPECT_EQ(statement->text(0), "http://one.example/");
+}
+
+TEST_F(Index, ProcessKilledWhileIndexingLeavesTheOldIndexWhole)
+{
+    ASSERT_TRUE(build(stanza("old", "apple")));
+    std::string many;
+    for (int i = 0; i < 10001; ++i)
+        many += stanza(std::to_string(i), "apple");
+    const std::string list = input_.write("many", many);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        // The first progress line comes in the middle of the packages.
+        (void)buildIndex(data_.path(), {{list}}, [](const std::string&) { ::_exit(9); });
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_EQ(WEXITSTATUS(status), 9);
+
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://old.example/"}));
+    ASSERT_TRUE(build(stanza("new", "apple")));
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://new.example/"}));
+}
+
+TEST_F(Index, FaultWhileIndexingLeavesTheOldIndexAndNoRest)
+{
+    ASSERT_TRUE(build(stanza("old", "apple")));
+    EXPECT_FALSE(buildIndex(data_.path(), {{input_.path() + "/none"}}, quiet));
+    EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, OnlyOneWriterAtATime)
+{
+    const Outcome<IndexWriter> first = IndexWriter::begin(data_.path());
+    ASSERT_TRUE(first);
+    const Outcome<IndexWriter> second = IndexWriter::begin(data_.path());
+    ASSERT_FALSE(second);
+    EXPECT_NE(second.failure().message.find("another"), std::string::npos);
+}
+
+TEST_F(Index, LockIsWaitedForWhileAnotherHoldsIt)
+{
+    int asked = 0;
+    std::optional<Outcome<IndexLock>> first = IndexLock::take(data_.path());
+    ASSERT_TRUE(*first);
+    EXPECT_FALSE(IndexLock::take(data_.path(), [&asked] { return ++asked < 3; }));
+    EXPECT_EQ(asked, 3);
+    const Outcome<IndexLock> second = IndexLock::take(data_.path(), [&] {
+        ++asked;
+        first.reset();
+        return true;
+    });
+    EXPECT_TRUE(second);
+    EXPECT_EQ(asked, 4);
+}
+
+TEST_F(Index, LockIsNotWaitedForWhereNoWaitingMends)
+{
+    int asked = 0;
+    const auto again = [&asked] { return ++asked < 3; };
+    EXPECT_FALSE(IndexLock::take(data_.path() + "/none", again));
+    input_.write("index.lock/file", "");
+    const Outcome<IndexLock> blocked = IndexLock::take(input_.path(), again);
+    ASSERT_FALSE(blocked);
+    EXPECT_NE(blocked.failure().message.find(input_.path()), std::string::npos);
+    EXPECT_FALSE(IndexWriter::extend(input_.path(), again));
+    EXPECT_EQ(asked, 0);
+}
+
+namespace {
+
+/// Runs for ever, unless something ends it.
+Outcome<Done> runEndlessly(IndexPool& pool)
+{
+    Outcome<IndexPool::Lease> index = pool.borrow();
+    if (!index)
+        return index.failure();
+    return (*index)->execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT 1 FROM n) SELECT count(*) FROM n");
+}
+
+} // namespace
+
+TEST_F(Index, AQueryEndsWhenItsTimeIsUpAndTheConnectionServesTheNext)
+{
+    ASSERT_TRUE(build(stanza("red", "apple")));
+    IndexPool pool(data_.path(), std::chrono::milliseconds(20));
+    const Outcome<Done> result = runEndlessly(pool);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.failure().message, "it took too long");
+    IndexPool usual(data_.path());
+    EXPECT_EQ(find(usual, "apple").size(), 1U);
+}
+
+TEST_F(Index, AQueryEndsWhenItsTaskIsAbandoned)
+{
+    ASSERT_TRUE(build(stanza("red", "apple")));
+    IndexPool pool(data_.path(), std::chrono::hours(1));
+    std::atomic<bool> abandoned = false;
+    std::atomic<bool> begun = false;
+    std::thread asker([&] {
+        const CurrentTask task(abandoned);
+        begun = true;
+        begun.notify_all();
+        EXPECT_FALSE(runEndlessly(pool));
+    });
+    begun.wait(false);
+    abandoned = true;
+    asker.join();
+    EXPECT_FALSE(CurrentTask::abandoned());
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+}
+
+TEST_F(Index, PagesThatRepeatAWordAreFoundLikeOthers)
+{
+    std::string page = "<title>repeats</title>";
+    for (int i = 0; i < 30000; ++i)
+        page += "a b ";
+    for (int i = 0; i < 30; ++i)
+        input_.write("docs/" + std::to_string(i) + ".html", page);
+    ASSERT_TRUE(build("", {input_.path() + "/docs"}));
+    // Where the cost is the square of the matches, one such page takes many seconds.
+    IndexPool pool(data_.path(), std::chrono::seconds(60));
+    EXPECT_EQ(find(pool, "a b \"a b\" \"b a\"").size(), 30U);
+}
+
+TEST_F(Index, WhatCannotBeReadIsLeftOutAndTold)
+{
+    input_.write("docs/good.html", "apple");
+    input_.write("docs/huge.html", std::string(16 * 1024 * 1024 + 1, 'x'));
+    const Outcome<IndexCounts> counts = build(stanza("red", "an apple"), {input_.path() + "/docs"});
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->documents, 1U);
+    EXPECT_EQ(counts->leftOut.count, 1U);
+    EXPECT_NE(counts->leftOut.first.find("huge.html: it is too long"), std::string::npos) << counts->leftOut.first;
+}
+
+TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
+{
+    std::string many;
+    std::string half;
+    for (int i = 0; i < 100; ++i) {
+        const std::string number = std::to_string(i);
+        many += stanza(number, "apple");
+        half += i < 50 ? stanza(number, "apple") : "";
+    }
+    ASSERT_TRUE(build(many));
+    const Outcome<IndexCounts> poorer = build(stanza("p", "apple"));
+    ASSERT_FALSE(poorer);
+    EXPECT_NE(poorer.failure().message.find("1 web pages instead of 100"), std::string::npos)
+        << poorer.failure().message;
+    IndexPool pool(data_.path());
+    EXPECT_EQ(find(pool, "apple").size(), 30U);
+    EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));
+    EXPECT_TRUE(build(half));
+    EXPECT_TRUE(build(stanza("p", "apple")));
+    ASSERT_TRUE(build(many));
+    IndexSources forced{{input_.write("list", stanza("p", "apple"))}};
+    forced.force = true;
+    EXPECT_TRUE(buildIndex(data_.path(), forced, quiet));
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+    // An index of another layout may have counted the packages of a page apart.
+    ASSERT_TRUE(build(many));
+    const std::string other = "PRAGMA user_version = " + std::to_string(kIndexLayout - 1);
+    ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute(other.c_str()));
+    EXPECT_TRUE(build(stanza("p", "apple")));
+}
+
+TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
+{
+    std::string stanzas = "Package: a\nDescription: ";
+    stanzas.append(100000, 'x').append("\nFilename: pool/a.deb\n\nPackage: b\nFilename: ");
+    stanzas.append(slashes(20000)).append("b.deb\n\nPackage: c\nFilename: ").append(5000, 'c');
+    stanzas.append("\n\nPackage: d\nHomepage: http://h/").append(5000, 'd');
+    stanzas.append("\nFilename: ").append(slashes(30)).append("d.deb\n\n");
+    const std::string list = input_.write("list", stanzas);
+    IndexSources sources{{list}};
+    sources.mirror = "http://m/";
+    const Outcome<IndexCounts> counts = buildIndex(data_.path(), sources, quiet);
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->packages, 4U);
+    EXPECT_EQ(counts->programs, 2U);
+    EXPECT_EQ(counts->homePages, 0U);
+    EXPECT_EQ(counts->leftOut.count, 3U);
+    IndexPool pool(data_.path());
+    FileService files(pool);
+    EXPECT_EQ(files.search("d.deb", 0)->hits.size(), 1U);
+    EXPECT_EQ(files.search("b.deb", 0)->hits.size(), 0U);
+    EXPECT_LE(DownloadService(pool).search("a", 0)->hits.at(0).description.size(), kMaxIndexedName);
+}
+
+TEST_F(Index, FolderThatIsNotThereIsAFailure)
+{
+    EXPECT_FALSE(buildIndex(data_.path() + "/none", {{input_.write("list", "")}}, quiet));
+}
+
+TEST_F(Index, ExtendingKeepsWhatIsThereAndReplacesASite)
+{
+    ASSERT_TRUE(build(stanza("red", "an apple")));
+    const auto crawl = [this](const std::vector<std::string>& names) {
+        Outcome<IndexWriter> writer = IndexWriter::extend(data_.path());
+        ASSERT_TRUE(writer);
+        ASSERT_TRUE(writer->removeFileSite("ftp://h/"));
+        const Outcome<std::int64_t> site = writer->addFileSite("ftp://h/", 1);
+        ASSERT_TRUE(site);
+        const Outcome<std::int64_t> folder = writer->addFileFolder(*site, "pub/");
+        ASSERT_TRUE(folder);
+        Outcome<std::int64_t> number = writer->nextCrawledFile();
+        ASSERT_TRUE(number);
+        for (const std::string& name : names)
+            ASSERT_TRUE(writer->addFile((*number)++, {*folder, name}));
+        ASSERT_TRUE(writer->commit());
+    };
+    IndexPool pool(data_.path());
+    FileService files(pool);
+    crawl({"apple one", "apple two"});
+    EXPECT_EQ(files.search("apple", 0)->hits.size(), 2U);
+    crawl({"apple three"});
+    ASSERT_EQ(files.search("apple", 0)->hits.size(), 1U);
+    EXPECT_EQ(files.search("apple", 0)->hits[0].address, "ftp://h/pub/apple%20three");
+    EXPECT_EQ(files.search("two", 0)->hits.size(), 0U);
+    EXPECT_EQ(find(pool, "apple").size(), 1U);
+    ASSERT_TRUE(build(stanza("green", "an apple")));
+    EXPECT_EQ(files.search("apple", 0)->hits.size(), 1U);
+    EXPECT_EQ(find(pool, "apple"), (std::vector<std::string>{"http://green.example/"}));
+}
+
+TEST_F(Index, ExtendingNothingMakesANewIndex)
+{
+    {
+        Outcome<IndexWriter> writer = IndexWriter::extend(data_.path());
+        ASSERT_TRUE(writer);
+        EXPECT_EQ(*writer->nextCrawledFile(), 1);
+        ASSERT_TRUE(writer->commit());
+    }
+    IndexPool pool(data_.path());
+    EXPECT_TRUE(pool.borrow());
+}

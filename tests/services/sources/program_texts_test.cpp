@@ -1,0 +1,23 @@
+#include <gtest/gtest.h>
+
+#include "sources/program_texts.h"
+
+using namespace quarrynet::services;
+
+TEST(SystemOf, NamesKernelAndProcessor)
+{
+    EXPECT_EQ(systemOf("amd64"), "Linux (amd64)");
+    EXPECT_EQ(systemOf("all"), "Any system");
+    EXPECT_EQ(systemOf(""), "Any system");
+    EXPECT_EQ(systemOf("hurd-i386"), "Hurd (i386)");
+    EXPECT_EQ(systemOf("kfreebsd-amd64"), "FreeBSD (amd64)");
+}
+
+TEST(LicenceOf, GoesByTheArea)
+{
+    EXPECT_EQ(licenceOf("games"), "Free");
+    EXPECT_EQ(licenceOf(""), "Free");
+    EXPECT_EQ(licenceOf("contrib/games"), "Free, needs non-free");
+    EXPECT_EQ(licenceOf("non-free/games"), "Non-free");
+    EXPECT_EQ(licenceOf("non-free-firmware/kernel"), "Non-free");
+}
