@@ -237,6 +237,7 @@ void Main::outOfMemory()
         front->buffer().setText({});
         front->clearView();
         front->startButton().setEnabled(true);
+        front->timer().stop(); // a search that has no connection yet, or gets none, runs its timer all the same
     }
     giveMemoryBack();
     showActivity({});

@@ -257,6 +257,20 @@ private slots:
         }
     }
 
+    void memoryThatRunsOutWithoutAConnectionEndsTheSearch()
+    {
+        // Through a proxy the page check connects nothing and waits.
+        window_->control<HiddenText>("ProxySwitch")->setText("on");
+        const TabControls& tab = tabOf(2);
+        fillIn(*window_, tab);
+        QTest::mouseClick(window_->control<QPushButton>(tab.button), Qt::LeftButton);
+        QVERIFY(window_->control<QTimer>(tab.timer)->isActive());
+        QMetaObject::invokeMethod(
+            &window_->main(), [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '7':\n\nOut of memory")});
+        verifyIdle(*window_, tab);
+    }
+
 private:
     /// Starts the tab's search, which then waits for its answer.
     void begin(const TabControls& tab)
