@@ -44,87 +44,121 @@ FetchSession::FetchSession(FetchSettings settings, ClientSocket& socket, FetchTa
 
 void FetchSession::start(const Endpoint& target)
 {
-    shared_.restart();
-    socket_.Close();
-    socket_.Connect(target.host, target.port);
+    attempt([&] {
+        shared_.restart();
+        socket_.Close();
+        socket_.Connect(target.host, target.port);
+    });
 }
 
 void FetchSession::connected()
 {
-    if (settings_.showsStateOnConnect)
-        tab_.showConnection(socketStateName(SocketState::Connected));
-    if (settings_.saysConnected)
-        tab_.showActivity("Connected");
-    if (const std::optional<std::string> request = tab_.requestText())
-        socket_.SendData(*request);
+    attempt([this] {
+        if (settings_.showsStateOnConnect)
+            tab_.showConnection(socketStateName(SocketState::Connected));
+        if (settings_.saysConnected)
+            tab_.showActivity("Connected");
+        if (const std::optional<std::string> request = tab_.requestText())
+            socket_.SendData(*request);
+    });
 }
 
 void FetchSession::sendProgress()
 {
-    tab_.showActivity("Requesting Data");
+    attempt([this] { tab_.showActivity("Requesting Data"); });
 }
 
 void FetchSession::sendComplete()
 {
-    tab_.showActivity("Request Completed");
+    attempt([this] { tab_.showActivity("Request Completed"); });
 }
 
 void FetchSession::dataArrived()
 {
-    tab_.showActivity("Downloading Data");
-    try {
+    std::string tooLong;
+    attempt([&] {
+        tab_.showActivity("Downloading Data");
         socket_.GetData(shared_.ReceiveBuffer);
+        if (shared_.ReceiveBuffer.size() > shared_.longest) {
+            tooLong = "No buffer space is available: the response is longer than " +
+                      std::to_string(shared_.longest >> 20) + " MB";
+        }
+    });
+    if (!tooLong.empty())
+        giveUp(kNoBufferSpace, tooLong);
+}
+
+void FetchSession::closed()
+{
+    attempt([this] {
+        if (!shared_.HeaderStripped)
+            stripHeader(shared_.ReceiveBuffer);
+        tab_.handOver(shared_.ReceiveBuffer);
+        if (settings_.marksHeader)
+            shared_.HeaderStripped = true;
+        tab_.showActivity("");
+        tab_.showConnection(socketStateName(SocketState::Closed));
+        tab_.enableStartButton();
+        tab_.setTimerEnabled(false);
+        socket_.Close();
+        tab_.exchangeEnded();
+    });
+}
+
+void FetchSession::failed(int number, std::string_view description)
+{
+    try {
+        tab_.reportError(number, description);
     } catch (const std::bad_alloc&) {
-        giveUp(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
+        rest();
+        throw;
+    }
+    rest();
+}
+
+void FetchSession::tick()
+{
+    attempt([this] { tab_.showConnection(socketStateName(socket_.State())); });
+}
+
+template <class Step>
+void FetchSession::attempt(Step step)
+{
+    try {
+        step();
         return;
+    } catch (const std::bad_alloc&) {
+        // Told below, where what the step took is free again.
     }
-    if (shared_.ReceiveBuffer.size() > shared_.longest) {
-        giveUp(kNoBufferSpace, "No buffer space is available: the response is longer than " +
-                                   std::to_string(shared_.longest >> 20) + " MB");
-    }
+    giveUp(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
 }
 
 void FetchSession::giveUp(int number, std::string_view description)
 {
-    socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
+    try {
+        socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
+    } catch (const std::bad_alloc&) {
+        // It is closed again behind the box.
+    }
     shared_.restart();
     releaseFreedMemory();
     failed(number, description);
 }
 
-void FetchSession::closed()
+void FetchSession::rest()
 {
+    const auto steps = [this] {
+        socket_.Close();
+        tab_.showConnection(socketStateName(SocketState::Closed));
+        tab_.enableStartButton();
+        tab_.setTimerEnabled(false);
+    };
     try {
-        if (!shared_.HeaderStripped)
-            stripHeader(shared_.ReceiveBuffer);
-        tab_.handOver(shared_.ReceiveBuffer);
+        steps();
     } catch (const std::bad_alloc&) {
-        shared_.restart();
-        failed(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
-        return;
+        releaseFreedMemory();
+        steps(); // what the message took is free again
     }
-    if (settings_.marksHeader)
-        shared_.HeaderStripped = true;
-    tab_.showActivity("");
-    tab_.showConnection(socketStateName(SocketState::Closed));
-    tab_.enableStartButton();
-    tab_.setTimerEnabled(false);
-    socket_.Close();
-    tab_.exchangeEnded();
-}
-
-void FetchSession::failed(int number, std::string_view description)
-{
-    tab_.reportError(number, description);
-    socket_.Close();
-    tab_.showConnection(socketStateName(SocketState::Closed));
-    tab_.enableStartButton();
-    tab_.setTimerEnabled(false);
-}
-
-void FetchSession::tick()
-{
-    tab_.showConnection(socketStateName(socket_.State()));
 }
 
 } // namespace quarrynet

@@ -115,12 +115,17 @@ struct FetchSettings
 };
 
 /// One socket's cycle. The socket's events call the functions named after them; everything runs on one thread.
+///
+/// An exchange that runs out of memory at any step ends like one that the network ended: with an error box, the socket
+/// closed and the tab at rest. Only when memory does not even suffice for the box do the functions throw
+/// std::bad_alloc, with the socket closed and the tab at rest all the same.
 class FetchSession
 {
 public:
     FetchSession(FetchSettings settings, ClientSocket& socket, FetchTab& tab, ReceiveState& shared);
 
-    /// Empties the shared buffer, closes the socket and connects it to `target`.
+    /// Empties the shared buffer, closes the socket and connects it to `target`. The socket is closed on return when
+    /// memory did not suffice.
     void start(const Endpoint& target);
 
     void connected();
@@ -137,7 +142,12 @@ public:
     void tick();
 
 private:
+    /// Runs a step of the cycle, and ends the exchange when memory does not suffice for it.
+    template <class Step>
+    void attempt(Step step);
     void giveUp(int number, std::string_view description);
+    /// Closes the socket and brings the tab to rest.
+    void rest();
 
     FetchSettings settings_;
     ClientSocket& socket_;

@@ -31,6 +31,8 @@ void LinkResolution::start(const std::string& link)
     }
     Text14.setText(*path);
     session_.start(window_.target(site()));
+    if (DownSock.State() == SocketState::Closed)
+        return; // memory did not suffice, and nothing would close the wait box
     if (!dialog_)
         dialog_ = new Dialog(owner());
     dialog_->load();

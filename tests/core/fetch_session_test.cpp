@@ -267,8 +267,8 @@ TEST(FetchSession, MemoryRunningOutEndsTheExchangeOnly)
     parsing.arrive(kResponse);
     parsing.log.clear();
     parsing.session.closed();
-    EXPECT_THAT(parsing.log,
-                ElementsAre("error 7 Out of memory", "socket closes", "panel 1 'Closed'", "button on", "timer off"));
+    EXPECT_THAT(parsing.log, ElementsAre("socket closes", "error 7 Out of memory", "socket closes", "panel 1 'Closed'",
+                                         "button on", "timer off"));
 }
 
 TEST(FetchSession, ResponseBeyondItsBoundIsGivenUp)
