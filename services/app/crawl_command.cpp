@@ -8,6 +8,7 @@
 #include "app/data_folder.h"
 #include "ftp/crawl.h"
 #include "index/database.h"
+#include "sources/crawled_site.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {

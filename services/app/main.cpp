@@ -28,7 +28,7 @@ int run(int argc, char** argv)
         std::puts("quarrynet-services " QUARRYNET_VERSION);
         return 0;
     case Options::Command::Help:
-        std::fputs(helpText(), stdout);
+        std::fputs(options->help.c_str(), stdout);
         return 0;
     }
     return 2;

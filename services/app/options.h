@@ -21,6 +21,7 @@ struct Options
     };
 
     Command command = Command::Help;
+    std::string help;       ///< with Command::Help: the text to print, ending in a line end
     std::string dataFolder; ///< empty: the user's data folder
 
     // index
@@ -49,11 +50,8 @@ struct Options
     std::string user; ///< whom root becomes; empty: nobody
 };
 
-/// Reads the arguments behind the program's name. Options are "--name value" or "--name=value", or
-/// a name alone where there is nothing to choose. A Failure names the argument that was not understood.
+/// Parses the arguments that follow the program's name. Options are "--name value" or "--name=value", or a name alone
+/// where there is nothing to choose. Returns a Failure that names the argument which is wrong or missing.
 Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
-
-/// The text of --help.
-const char* helpText();
 
 } // namespace quarrynet::services

@@ -54,9 +54,4 @@ struct Crawl
 /// they lead to if that was seen. Fails when the first directory, or several one after the other, cannot be had.
 Outcome<Crawl> crawl(std::string_view start, const CrawlLimits& limits, const CrawlTools& tools);
 
-/// Puts what was crawled in the place of what the index had of that server's directory; `base` is its escaped address,
-/// ending in "/". Searches see all of it at once when it returns. `again` as for IndexLock::take().
-Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, std::int64_t time, Crawl crawl,
-                         const std::function<bool()>& again = {});
-
 } // namespace quarrynet::services

@@ -10,35 +10,14 @@
 #include <vector>
 
 #include "ground/Outcome.h"
+#include "index/records.h"
 #include "index/sqlite.h"
-#include "sources/picture_folders.h"
 
 namespace quarrynet::services {
 
 /// Longer texts are clipped: a title or a name, and the text that a page is found by.
 inline constexpr std::size_t kMaxIndexedName = 1000;
 inline constexpr std::size_t kMaxIndexedText = 128 * 1024;
-
-/// A program that the download search offers. Texts are UTF-8 without control characters.
-struct Program
-{
-    std::string name;
-    std::string description;
-    std::string system; ///< operating system and architecture
-    std::int64_t size = 0;
-    std::string licence;
-    std::int64_t mirror = 0; ///< number of the mirror that has it
-    std::string file;        ///< path below the mirror's base, not escaped
-};
-
-/// A file or directory that the file search finds.
-struct FileEntry
-{
-    std::int64_t folder = 0; ///< number of the folder that it lies in
-    std::string name;
-    std::optional<std::int64_t> size = std::nullopt;
-    bool directory = false;
-};
 
 /// An open file that only one process holds; given back when it ends.
 class IndexLock

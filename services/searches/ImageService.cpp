@@ -5,7 +5,7 @@
 #include "ground/text_encoding.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"
-#include "sources/document_folders.h"
+#include "searches/served_files.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
@@ -176,12 +176,9 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
 Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view place)
 {
     const std::shared_ptr<const OpenFile> none;
-    const std::size_t slash = place.find('/');
-    const std::optional<int> number =
-        slash == std::string_view::npos ? std::nullopt : wholeNumber(place.substr(0, slash));
-    if (!number)
+    const std::optional<ServedPlace> asked = servedPlace(place);
+    if (!asked)
         return none;
-    const std::string path = decodePercent(place.substr(slash + 1));
     Outcome<IndexPool::Lease> index = index_.borrow();
     if (!index)
         return index.failure();
@@ -190,11 +187,11 @@ Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view p
         "WHERE picture.folder = ?1 AND picture.path = ?2");
     if (!row)
         return row.failure();
-    row->bind(1, static_cast<std::int64_t>(*number));
-    row->bind(2, path);
+    row->bind(1, asked->folder);
+    row->bind(2, asked->path);
     if (row->step() != Statement::Step::Row)
         return none;
-    return openBeneath(std::string(row->text(0)), path);
+    return openBeneath(std::string(row->text(0)), asked->path);
 }
 
 HttpResponse ImageService::thumbnail(std::string_view place)

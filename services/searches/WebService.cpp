@@ -7,7 +7,7 @@
 #include "ground/text_encoding.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"
-#include "sources/document_folders.h"
+#include "searches/served_files.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
@@ -153,15 +153,14 @@ Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folde
 
 HttpResponse WebService::document(std::string_view path)
 {
-    const std::size_t slash = std::min(path.find('/'), path.size());
-    const std::optional<int> number = wholeNumber(path.substr(0, slash));
     HttpResponse missing = errorResponse(404, "There is no such document.");
-    if (!number || slash == path.size())
+    std::optional<ServedPlace> asked = servedPlace(path);
+    if (!asked)
         return missing;
-    std::string relative = decodePercent(path.substr(slash + 1));
+    std::string& relative = asked->path;
     if (relative.empty() || relative.back() == '/')
         relative += "index.html";
-    const Outcome<std::optional<Place>> place = placeOf(*number, relative);
+    const Outcome<std::optional<Place>> place = placeOf(asked->folder, relative);
     if (!place)
         return errorResponse(503, "The documents cannot be served: " + place.failure().message + ".");
     HttpResponse response;

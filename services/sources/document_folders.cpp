@@ -123,11 +123,6 @@ LeftOut findHtmlFiles(const std::string& root, const std::function<void(const st
     return findFiles(root, isHtml, take);
 }
 
-std::string_view pageType(std::string_view path)
-{
-    return hasEnding(path, ".xhtml") ? "application/xhtml+xml" : "text/html";
-}
-
 std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view address)
 {
     address = address.substr(0, address.find_first_of("?#"));
@@ -151,18 +146,6 @@ std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view 
         }
     }
     return path;
-}
-
-std::string_view pictureType(std::string_view beginning)
-{
-    const std::optional<PictureFormat> format = pictureFormat(beginning);
-    return format ? mediaTypeOf(*format) : std::string_view();
-}
-
-std::string_view styleType(std::string_view path, std::string_view beginning)
-{
-    const bool isText = beginning.find('\0') == std::string_view::npos;
-    return hasEnding(path, ".css") && isText ? "text/css" : std::string_view();
 }
 
 } // namespace quarrynet::services

@@ -30,17 +30,9 @@ LeftOut findFiles(const std::string& root, const std::function<bool(std::string_
 /// findFiles() for the HTML files.
 LeftOut findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take);
 
-/// Returns the media type of an HTML file by its name's ending.
-std::string_view pageType(std::string_view path);
-
 /// Returns the path, seen from the same root, of what the page at `page` calls `address`: relative, with escapes, a
 /// query and a fragment or not. Nothing where that leads out of the root, or is no relative address.
 std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view address);
-
-/// Returns the media type of a picture by its content, or of a style sheet by its ending and for being text. Empty for
-/// any other file. `beginning` is the file's, kPictureBeginning bytes of it.
-std::string_view pictureType(std::string_view beginning);
-std::string_view styleType(std::string_view path, std::string_view beginning);
 
 /// Whether `path` ends in `ending`, which is in lower case; ASCII letters compare without case.
 bool hasEnding(std::string_view path, std::string_view ending);

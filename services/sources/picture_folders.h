@@ -5,19 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "index/records.h"
 #include "sources/document_folders.h"
 
 namespace quarrynet::services {
-
-/// A picture in a folder, with the texts that it is found by. Paths are bytes, the texts are UTF-8.
-struct Picture
-{
-    std::string path;         ///< below the folder
-    std::string name;         ///< words of its name
-    std::string place;        ///< words of the folders that it lies in
-    std::string stem;         ///< its name without size and ending, in lower case: what looks alike has it in common
-    std::int64_t version = 0; ///< another one when the file has changed
-};
 
 /// The pictures below `root`, ordered by their paths. Of a picture that an icon theme has in several sizes only the
 /// best one: a drawing, else the largest.

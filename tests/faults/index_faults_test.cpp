@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "faulty_program.h"
-#include "ftp/crawl.h"
 #include "index_dump.h"
+#include "sources/crawled_site.h"
 #include "tests/services/support/service_support.h"
 
 /// Every call that indexing needs fails once, in the program itself: the new index is whole, or the old one stays.

@@ -41,7 +41,28 @@ TEST(ParseOptions, HelpAndVersion)
 {
     EXPECT_EQ(parseOptions({"--help"})->command, Options::Command::Help);
     EXPECT_EQ(parseOptions({"serve", "--help"})->command, Options::Command::Help);
+    EXPECT_EQ(parseOptions({"help"})->command, Options::Command::Help);
     EXPECT_EQ(parseOptions({"--version"})->command, Options::Command::Version);
+}
+
+TEST(ParseOptions, HelpNamesTheCommandsAndTheirOptions)
+{
+    const std::string all = parseOptions({"--help"})->help;
+    for (const char* word : {"index", "crawl", "serve", "Exit status"})
+        EXPECT_NE(all.find(word), std::string::npos) << word;
+    EXPECT_EQ(parseOptions({"help"})->help, all);
+    const std::string serve = parseOptions({"serve", "--help"})->help;
+    for (const char* word : {"--port", "8780", "--user", "127.80.0.4", "--data"})
+        EXPECT_NE(serve.find(word), std::string::npos) << word;
+    EXPECT_EQ(serve.find("--mirror"), std::string::npos);
+}
+
+TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)
+{
+    EXPECT_EQ(parseOptions({"serve", "--port", "010"})->port, 10);
+    EXPECT_EQ(parseOptions({"serve", "--port", "1", "--port", "2"})->port, 2);
+    for (const char* port : {"0x50", " 80", "80 ", "8e1", "+80"})
+        EXPECT_FALSE(parseOptions({"serve", "--port", port})) << port;
 }
 
 TEST(ParseOptions, NamesWhatItDoesNotUnderstand)
