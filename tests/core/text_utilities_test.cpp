@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -42,6 +46,28 @@ std::string onePass(const std::string& source, const std::string& sought, const 
         from = at + sought.size();
     }
     return out + source.substr(from);
+}
+
+// How many bytes the plain procedure writes over matches that are not the source's own text; nothing when it does not
+// come to an end soon.
+std::optional<std::size_t> formedBytes(std::string text, const std::string& sought, const std::string& replacement)
+{
+    std::vector<int> places(text.size()); // of each byte in the source; negative where a replacement wrote it
+    std::iota(places.begin(), places.end(), 0);
+    std::size_t formed = 0;
+    for (int round = 0; round < 1000; ++round) {
+        const std::size_t at = text.find(sought);
+        if (at == std::string::npos)
+            return formed;
+        const auto first = places.begin() + static_cast<std::ptrdiff_t>(at);
+        const auto last = first + static_cast<std::ptrdiff_t>(sought.size());
+        const bool inSource =
+            *first >= 0 && std::adjacent_find(first, last, [](int a, int b) { return b != a + 1; }) == last;
+        formed += inSource ? 0 : replacement.size();
+        places.insert(places.erase(first, last), replacement.size(), -2);
+        text.replace(at, sought.size(), replacement);
+    }
+    return std::nullopt;
 }
 
 std::string randomText(std::mt19937& random, std::size_t longest, int letters)
@@ -194,6 +220,30 @@ TEST(FindReplaceWithin, BoundOfGrowingTextsIsTheOneThatIsStated)
     EXPECT_EQ(FindReplace(std::string(25, 'a') + "b", "ab", "bba"), std::string(24, 'a') + "bba");
 }
 
+TEST(FindReplaceWithin, BoundCountsEachReplacementThatStandsOnAnEarlierOne)
+{
+    std::mt19937 random(20250311);
+    int counted = 0;
+    for (int i = 0; i < 40000; ++i) {
+        const std::string source = randomText(random, 24, 2);
+        const std::string sought = randomText(random, 4, 2) + "b";
+        const std::string replacement = randomText(random, 5, 2);
+        if (replacement.find(sought) != std::string::npos)
+            continue;
+        const std::optional<std::size_t> formed = formedBytes(source, sought, replacement);
+        if (!formed)
+            continue;
+        ASSERT_TRUE(FindReplaceWithin(source, sought, replacement, *formed))
+            << source << ", " << sought << ", " << replacement;
+        if (*formed == 0)
+            continue;
+        ++counted;
+        ASSERT_FALSE(FindReplaceWithin(source, sought, replacement, *formed - 1))
+            << source << ", " << sought << ", " << replacement;
+    }
+    EXPECT_GT(counted, 3000);
+}
+
 TEST(FindReplace, LongSearchTextsBehaveAlike)
 {
     const std::string sought = std::string(50, 'a') + "b";
@@ -215,7 +265,7 @@ TEST(FindReplace, IsThePlainProcedureOnRandomTexts)
     int ended = 0;
     int joined = 0;
     int gaveUp = 0;
-    for (int i = 0; ended < 120000; ++i) {
+    for (int i = 0; ended < 170000; ++i) {
         const int letters = 1 + static_cast<int>(random() % 3);
         const std::string source = randomText(random, 24, letters);
         const std::string sought = randomText(random, 5, letters);
