@@ -38,40 +38,24 @@ std::size_t letterBoundary(std::string_view text, std::size_t)
 
 namespace {
 
-/// A locale that knows all letters; null where the system has none.
+/// The first of these locales that the system has: the second name is macOS's, and every system has the last, which
+/// knows the letters of ASCII.
 locale_t letters()
 {
     static const locale_t all = [] {
-        for (const char* name : {"C.UTF-8", "C.utf8", "UTF-8", "en_US.UTF-8"}) {
-            if (const locale_t found = ::newlocale(LC_CTYPE_MASK, name, nullptr))
-                return found;
+        locale_t found = nullptr;
+        for (const char* name : {"C.UTF-8", "UTF-8", "C"}) {
+            if (found == nullptr)
+                found = ::newlocale(LC_CTYPE_MASK, name, nullptr);
         }
-        return locale_t(nullptr);
+        return found;
     }();
     return all;
-}
-
-/// For a system without such a locale: Latin-1, Greek and Cyrillic, and the pairs of Latin Extended-A.
-char32_t lowerWithoutLocale(char32_t letter)
-{
-    if ((letter >= 0xC0 && letter <= 0xDE && letter != 0xD7) ||
-        (letter >= 0x391 && letter <= 0x3AB && letter != 0x3A2) || (letter >= 0x410 && letter <= 0x42F))
-        return letter + 0x20;
-    if (letter >= 0x400 && letter <= 0x40F)
-        return letter + 0x50;
-    if ((letter >= 0x100 && letter <= 0x12E) || (letter >= 0x132 && letter <= 0x136) ||
-        (letter >= 0x14A && letter <= 0x176) || (letter >= 0x460 && letter <= 0x480))
-        return letter | 1;
-    if (((letter >= 0x139 && letter <= 0x147) || (letter >= 0x179 && letter <= 0x17D)) && letter % 2 == 1)
-        return letter + 1;
-    return letter;
 }
 
 char32_t lower(char32_t letter)
 {
     static_assert(sizeof(wchar_t) == sizeof(char32_t));
-    if (letters() == nullptr)
-        return lowerWithoutLocale(letter);
     return static_cast<char32_t>(::towlower_l(static_cast<wint_t>(letter), letters()));
 }
 
