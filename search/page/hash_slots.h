@@ -18,17 +18,6 @@ public:
     /// Makes room for about `count` records in advance. Only while there are none.
     void expect(std::size_t count);
 
-    /// Fetches the place of `hash` into the cache. In a large table that is what a look-up waits for, so many that are
-    /// fetched in advance are looked up much faster.
-    void prefetch(std::uint32_t hash) const
-    {
-#ifdef __GNUC__
-        __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
-#else
-        static_cast<void>(hash);
-#endif
-    }
-
     /// The number of the record with this hash for which `isSame(number)` holds; kNone when there is none.
     template <typename IsSame>
     std::uint32_t find(std::uint32_t hash, const IsSame& isSame) const

@@ -29,9 +29,7 @@ void TagIndex::expect(std::size_t count)
 
 TagIndex::Key TagIndex::key(std::string_view text) const
 {
-    const std::uint32_t hashed = hash(text);
-    slots_.prefetch(hashed);
-    return {text, hashed};
+    return {text, hash(text)};
 }
 
 const TagIndex::Entry* TagIndex::find(const Key& key) const

@@ -33,7 +33,6 @@ public:
     /// Makes room for about `count` entries in advance. Only while there are none.
     void expect(std::size_t count);
 
-    /// The key of `text`; its place in the table is fetched into the cache meanwhile.
     Key key(std::string_view text) const;
 
     /// The entry of this text, or null. Valid until the next call of at().

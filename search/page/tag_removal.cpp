@@ -1,7 +1,6 @@
 #include "search/page/tag_removal.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 
 namespace quarrynet {
@@ -66,12 +65,10 @@ std::optional<std::string> TagRemoval::run(std::string_view text)
         if (close == std::string_view::npos)
             return std::move(out_.append(text, at));
         const std::string_view segment = text.substr(at, close + 1 - at);
-        if (!opens_.empty() || segment.find('<', 1) != std::string_view::npos) {
-            indexTags(text.substr(indexed_, at - indexed_));
-            if (!closeTag(segment))
-                return std::nullopt;
-            indexed_ = close + 1;
-        }
+        if (opens_.empty() && segment.find('<', 1) == std::string_view::npos)
+            noteTag(segment);
+        else if (!closeTag(segment))
+            return std::nullopt;
         at = close + 1;
     }
 }
@@ -102,27 +99,12 @@ bool TagRemoval::closeTag(std::string_view segment)
     return true;
 }
 
-/// Notes the rounds of the tags in `text`, which all hold a single "<".
-void TagRemoval::indexTags(std::string_view text)
+/// Notes the round of a tag with a single "<".
+void TagRemoval::noteTag(std::string_view tag)
 {
-    std::array<TagIndex::Key, 32> keys;
-    std::size_t count = 0;
-    do {
-        count = 0;
-        for (std::size_t open = text.find('<'); open != std::string_view::npos; open = text.find('<')) {
-            text.remove_prefix(open);
-            const std::size_t length = text.find('>') + 1;
-            keys[count++] = index_.key(text.substr(0, length));
-            text.remove_prefix(length);
-            if (count == keys.size())
-                break;
-        }
-        for (std::size_t i = 0; i < count; ++i) {
-            TagIndex::Entry& tag = index_.at(keys[i]);
-            if (tag.first == 0)
-                tag.first = ++round_;
-        }
-    } while (count == keys.size());
+    TagIndex::Entry& entry = index_.at(tag);
+    if (entry.first == 0)
+        entry.first = ++round_;
 }
 
 void TagRemoval::push(std::string_view segment)
@@ -205,7 +187,6 @@ void TagRemoval::consider(std::size_t open, Round arrived, Match& best)
 bool TagRemoval::startRound(std::string_view unread, std::uint32_t hashOfLast)
 {
     const std::uint64_t print = appended(fingerprint_, unread);
-    nestedSlots_.prefetch(hashOf(print));
     const std::size_t opens = opens_.size() + static_cast<std::size_t>(std::count(unread.begin(), unread.end(), '<'));
     std::string_view tag = unread;
     if (!opens_.empty()) {

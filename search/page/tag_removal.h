@@ -93,7 +93,7 @@ private:
 
     Round firstFrom(const ListPool<Round>::List& rounds, Round round) const; // kNever when there is none
     bool closeTag(std::string_view segment);
-    void indexTags(std::string_view text);
+    void noteTag(std::string_view tag);
     void push(std::string_view segment);
     Match earliest(const TagIndex::Entry& last);
     void consider(std::size_t open, Round arrived, Match& best);
@@ -117,7 +117,6 @@ private:
     std::uint64_t fingerprint_ = 0; // from the first open to the end of out_
 
     Round round_ = 0;
-    std::size_t indexed_ = 0; // tags with a single "<" behind this are not noted yet; most pages never need them
     TagIndex index_;
     std::deque<LastTag> lastTags_;
     HashSlots nestedSlots_;

@@ -22,7 +22,6 @@ public:
     }
     std::uint32_t find(std::uint32_t value) const
     {
-        slots_.prefetch(value % hashes_);
         return slots_.find(value % hashes_, [&](std::uint32_t number) {
             ++compared_;
             return values_[number - 1] == value;
