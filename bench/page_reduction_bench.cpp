@@ -1,7 +1,7 @@
 // The reduction of a page to its text. Pages without and with nested tags (the second argument) against
 // sed 's/<[^>]*>//g' on the same file: at least 5 times as fast. At ten times the size a page without nested tags may
-// take 12 times as long, where the caches are not larger than the small page; with nested ones all tags stand in a table
-// that outgrows the caches, and it takes 20 times as long. The hostile pages, 10 MB each, stay below two seconds.
+// take 12 times as long, where the caches are not larger than the small page; with nested ones all tags stand in a
+// table that outgrows the caches, and it takes 20 times as long. The hostile pages, 10 MB each, stay below two seconds.
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -18,7 +18,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/pipeline.h"
-#include "search/page/reduction.h"
+#include "search/page/reduction/reduction.h"
 
 using namespace quarrynet;
 

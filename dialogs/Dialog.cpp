@@ -4,7 +4,7 @@
 #include <QCoreApplication>
 
 #include "icons/icons.h"
-#include "platform/SystemMenu.h"
+#include "platform/system_menu.h"
 #include "ui_Dialog.h"
 
 namespace quarrynet {

@@ -12,7 +12,7 @@ namespace quarrynet {
 
 /// The box that is shown while a download's address is being found out. Only code closes it, by unload(): a person who
 /// closed it would wait for nothing, or think that the search was over.
-class Dialog : public QDialog
+class Dialog final : public QDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Dialog)

@@ -18,7 +18,7 @@ namespace quarrynet {
 
 /// The proxy options. They are in the settings file only: the dialog reads them when it is made, and OK writes them and
 /// then says which way the switch stands, so that whoever uses them reads the file again.
-class Proxy : public QDialog
+class Proxy final : public QDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Proxy)

@@ -16,7 +16,7 @@ class frmAbout;
 namespace quarrynet {
 
 /// The About box, with a button that starts the system's own information program.
-class frmAbout : public QDialog
+class frmAbout final : public QDialog
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(frmAbout)

@@ -21,7 +21,7 @@ namespace quarrynet {
 ///
 /// The page stays what it is: links are handed out and never followed here, and neither the page nor a key leads away
 /// from it. Its pictures come over HTTP; nothing else of the net or the file system is open to it.
-class HtmlView : public QWidget
+class HtmlView final : public QWidget
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(HtmlView)

@@ -11,7 +11,7 @@ namespace quarrynet {
 
 /// Fetches raster pictures over HTTP, directly or through a proxy. It keeps no cookies, asks nobody for a password, and
 /// tells servers no more of this system than a search does. It gives nothing for a picture that goes beyond a bound.
-class PictureFetcher : public QObject, public PictureSource
+class PictureFetcher final : public QObject, public PictureSource
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PictureFetcher)

@@ -11,7 +11,7 @@ namespace quarrynet {
 
 /// The view without a browser engine: the pictures of the gallery, each with its address as caption and link. It reads
 /// no page, so nothing in one can do anything to it.
-class PlainPageView : public QTextBrowser, public PageView
+class PlainPageView final : public QTextBrowser, public PageView
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PlainPageView)

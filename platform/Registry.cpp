@@ -10,7 +10,7 @@ namespace quarrynet {
 
 namespace {
 
-class WindowsRegistry : public Registry
+class WindowsRegistry final : public Registry
 {
 public:
     std::optional<RegistryValue> query(std::uint32_t root, const std::string& key,
@@ -50,7 +50,7 @@ std::unique_ptr<Registry> systemRegistry()
 
 namespace {
 
-class NoRegistry : public Registry
+class NoRegistry final : public Registry
 {
 public:
     std::optional<RegistryValue> query(std::uint32_t /*root*/, const std::string& /*key*/,

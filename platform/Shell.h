@@ -18,7 +18,7 @@ public:
 
 /// The desktop's opener: xdg-open, on macOS open, on Windows the system's shell. It is started by itself, with the
 /// address as its one argument; no command interpreter reads the address.
-class DesktopShell : public Shell
+class DesktopShell final : public Shell
 {
 public:
     /// `manualPage`: the absolute path (in the file system's encoding) of the one local page that may be opened, or

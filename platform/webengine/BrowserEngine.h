@@ -7,7 +7,7 @@
 namespace quarrynet {
 
 /// The browser engine as a plug-in: starts the engine of Qt WebEngine on the first view that is asked for.
-class BrowserEngine : public QObject, public PageEngine
+class BrowserEngine final : public QObject, public PageEngine
 {
     Q_OBJECT
     Q_INTERFACES(quarrynet::PageEngine)

@@ -10,7 +10,7 @@ class RequestGuard;
 
 /// A page that stays where it is: what would lead away from it is handed out as a link, and only when a person chose
 /// it. It shows no dialogs, opens no windows, takes no files and grants no permissions.
-class BrowserPage : public QWebEnginePage
+class BrowserPage final : public QWebEnginePage
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(BrowserPage)

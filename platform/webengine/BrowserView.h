@@ -15,7 +15,7 @@ class PictureHandler;
 class RequestGuard;
 
 /// The browser engine's view of one page, closed to everything that a hostile page could try.
-class BrowserView : public QWebEngineView, public PageView
+class BrowserView final : public QWebEngineView, public PageView
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(BrowserView)

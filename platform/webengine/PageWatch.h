@@ -9,7 +9,7 @@ namespace quarrynet {
 
 /// Watches the process that draws a page: whether it still answers, and how much memory it holds. A hostile page can
 /// keep it busy, or let it grow, for as long as it is shown.
-class PageWatch : public QObject
+class PageWatch final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageWatch)

@@ -11,7 +11,7 @@ namespace quarrynet {
 /// Lets through what the program's pages consist of, the pages themselves and pictures, and blocks everything else,
 /// local files, scripts and sockets among them. Pictures are sent on to PictureHandler, so the engine itself never
 /// uses the net.
-class RequestGuard : public QWebEngineUrlRequestInterceptor
+class RequestGuard final : public QWebEngineUrlRequestInterceptor
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(RequestGuard)
@@ -44,7 +44,7 @@ private:
 };
 
 /// Answers the addresses that RequestGuard sends pictures on to, from the program's own source of pictures.
-class PictureHandler : public QWebEngineUrlSchemeHandler
+class PictureHandler final : public QWebEngineUrlSchemeHandler
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PictureHandler)

@@ -4,7 +4,7 @@
 #include "platform/text_border.h"
 #include "search/download/request.h"
 #include "search/download/results.h"
-#include "ui_download_search.h"
+#include "ui_DownloadSearch.h"
 
 namespace quarrynet {
 

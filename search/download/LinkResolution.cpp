@@ -6,7 +6,7 @@
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
 #include "search/SearchTab.h"
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 
 namespace quarrynet {
 

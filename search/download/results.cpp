@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <utility>
 
+#include "common/MarkerFinder.h"
+#include "common/PageCutter.h"
 #include "common/cutting.h"
-#include "common/marker_finder.h"
 #include "common/numbers.h"
-#include "common/page_cutter.h"
 
 namespace quarrynet {
 

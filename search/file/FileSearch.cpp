@@ -5,7 +5,7 @@
 #include "platform/text_border.h"
 #include "search/file/request.h"
 #include "search/file/results.h"
-#include "ui_file_search.h"
+#include "ui_FileSearch.h"
 
 namespace quarrynet {
 

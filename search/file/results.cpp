@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "common/marker_finder.h"
-#include "common/page_cutter.h"
+#include "common/MarkerFinder.h"
+#include "common/PageCutter.h"
 
 namespace quarrynet {
 

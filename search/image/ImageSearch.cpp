@@ -10,7 +10,7 @@
 #include "search/image/gallery.h"
 #include "search/image/request.h"
 #include "search/image/results.h"
-#include "ui_image_search.h"
+#include "ui_ImageSearch.h"
 
 namespace quarrynet {
 

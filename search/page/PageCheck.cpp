@@ -7,9 +7,9 @@
 #include "search/page/address.h"
 #include "search/page/keywords.h"
 #include "search/page/presence.h"
-#include "search/page/reduction.h"
+#include "search/page/reduction/reduction.h"
 #include "search/page/request.h"
-#include "ui_page_check.h"
+#include "ui_PageCheck.h"
 
 namespace quarrynet {
 

@@ -6,7 +6,7 @@
 #include "common/cutting.h"
 #include "common/letter_case.h"
 #include "common/text_utilities.h"
-#include "search/page/keyword_finder.h"
+#include "search/page/KeywordFinder.h"
 
 namespace quarrynet {
 

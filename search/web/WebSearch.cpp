@@ -5,7 +5,7 @@
 #include "platform/text_border.h"
 #include "search/web/request.h"
 #include "search/web/results.h"
-#include "ui_web_search.h"
+#include "ui_WebSearch.h"
 
 namespace quarrynet {
 

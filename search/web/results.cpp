@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "common/marker_finder.h"
-#include "common/page_cutter.h"
+#include "common/MarkerFinder.h"
+#include "common/PageCutter.h"
 #include "common/text_utilities.h"
 
 namespace quarrynet {

@@ -8,7 +8,7 @@
 
 #include "ground/text_encoding.h"
 #include "text/HtmlTree.h"
-#include "text/page_encoding.h"
+#include "text/PageEncoding.h"
 
 namespace quarrynet::services {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "search/page/hash_slots.h"
+#include "search/page/reduction/HashSlots.h"
 
 using namespace quarrynet;
 

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "search/page/keyword_finder.h"
+#include "search/page/KeywordFinder.h"
 
 using namespace quarrynet;
 using testing::ElementsAre;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "search/page/list_pool.h"
+#include "search/page/reduction/ListPool.h"
 
 using namespace quarrynet;
 

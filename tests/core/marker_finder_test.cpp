@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/marker_finder.h"
+#include "common/MarkerFinder.h"
 
 using namespace quarrynet;
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 #include "search/download/results.h"
 #include "search/file/results.h"
 #include "search/image/results.h"

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "common/PageCutter.h"
 #include "common/memory.h"
-#include "common/page_cutter.h"
 
 using namespace quarrynet;
 

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "common/text_utilities.h"
-#include "search/page/reduction.h"
-#include "search/page/tag_index.h"
-#include "search/page/tag_removal.h"
+#include "search/page/reduction/TagIndex.h"
+#include "search/page/reduction/TagRemoval.h"
+#include "search/page/reduction/reduction.h"
 
 using namespace quarrynet;
 

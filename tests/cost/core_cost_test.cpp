@@ -16,11 +16,11 @@
 #include "common/request_text.h"
 #include "common/text_utilities.h"
 #include "common/utf8.h"
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 #include "search/image/gallery.h"
 #include "search/page/keywords.h"
 #include "search/page/presence.h"
-#include "search/page/reduction.h"
+#include "search/page/reduction/reduction.h"
 #include "tests/core/page_samples.h"
 #include "tests/cost/step_counter.h"
 

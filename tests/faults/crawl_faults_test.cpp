@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "faulty_program.h"
+#include "FaultyProgram.h"
 #include "index_dump.h"
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"

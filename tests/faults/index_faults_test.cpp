@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "faulty_program.h"
+#include "FaultyProgram.h"
 #include "index_dump.h"
 #include "sources/crawled_site.h"
 #include "tests/services/support/service_support.h"

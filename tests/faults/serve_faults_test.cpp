@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "faulty_program.h"
+#include "FaultyProgram.h"
 #include "http/message.h"
 #include "tests/services/support/service_support.h"
 

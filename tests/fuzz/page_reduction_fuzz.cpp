@@ -1,6 +1,6 @@
 #include <string>
 
-#include "search/page/reduction.h"
+#include "search/page/reduction/reduction.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

@@ -7,7 +7,7 @@
 #include <QTextFrame>
 #include <QtTest>
 
-#include "picture_server.h"
+#include "PictureServer.h"
 #include "platform/HtmlView.h"
 #include "platform/PictureFetcher.h"
 #include "search/image/gallery.h"

@@ -7,7 +7,7 @@
 #include <QtEndian>
 #include <QtTest>
 
-#include "picture_server.h"
+#include "PictureServer.h"
 #include "platform/PictureFetcher.h"
 
 using namespace Qt::Literals::StringLiterals;

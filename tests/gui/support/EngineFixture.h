@@ -9,7 +9,7 @@
 #include <QMainWindow>
 #include <QtTest>
 
-#include "../picture_server.h"
+#include "../PictureServer.h"
 #include "platform/HtmlView.h"
 
 /// What a person's environment may hold, and the engine must not heed. It is there before the engine starts.

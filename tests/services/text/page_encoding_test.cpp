@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "text/page_encoding.h"
+#include "text/PageEncoding.h"
 
 using namespace quarrynet::services;
 

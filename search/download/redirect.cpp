@@ -1,4 +1,4 @@
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "common/memory.h"
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 #include "tests/core/page_samples.h"
 #include "tests/core/test_data.h"
 

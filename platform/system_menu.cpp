@@ -1,4 +1,4 @@
-#include "platform/SystemMenu.h"
+#include "platform/system_menu.h"
 
 #ifdef _WIN32
 #include <windows.h>

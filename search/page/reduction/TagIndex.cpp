@@ -1,4 +1,4 @@
-#include "search/page/tag_index.h"
+#include "search/page/reduction/TagIndex.h"
 
 #include <cstring>
 

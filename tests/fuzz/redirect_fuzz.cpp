@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,10 +1,10 @@
-#include "search/page/reduction.h"
+#include "search/page/reduction/reduction.h"
 
 #include <cstdint>
 #include <optional>
 #include <random>
 
-#include "search/page/tag_removal.h"
+#include "search/page/reduction/TagRemoval.h"
 
 namespace quarrynet {
 

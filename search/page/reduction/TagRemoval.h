@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "search/page/hash_slots.h"
-#include "search/page/list_pool.h"
-#include "search/page/tag_index.h"
+#include "search/page/reduction/HashSlots.h"
+#include "search/page/reduction/ListPool.h"
+#include "search/page/reduction/TagIndex.h"
 
 namespace quarrynet {
 

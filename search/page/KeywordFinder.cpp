@@ -1,4 +1,4 @@
-#include "search/page/keyword_finder.h"
+#include "search/page/KeywordFinder.h"
 
 #include <algorithm>
 #include <numeric>

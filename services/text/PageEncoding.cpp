@@ -1,4 +1,4 @@
-#include "text/page_encoding.h"
+#include "text/PageEncoding.h"
 
 #include <algorithm>
 #include <array>

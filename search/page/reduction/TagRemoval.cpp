@@ -1,4 +1,4 @@
-#include "search/page/tag_removal.h"
+#include "search/page/reduction/TagRemoval.h"
 
 #include <algorithm>
 #include <span>

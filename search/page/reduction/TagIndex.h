@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "search/page/hash_slots.h"
+#include "search/page/reduction/HashSlots.h"
 
 namespace quarrynet {
 

@@ -1,4 +1,4 @@
-#include "common/page_cutter.h"
+#include "common/PageCutter.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "common/marker_finder.h"
+#include "common/MarkerFinder.h"
 
 #include <algorithm>
 

@@ -35,7 +35,7 @@ QByteArray answerFor(const QByteArray& address)
 } // namespace
 
 /// A double click on a download row: the wait box, the request, and what is opened.
-class LinkResolutionWindowTest final : public QObject
+class LinkResolutionTest final : public QObject
 {
     Q_OBJECT
 
@@ -452,5 +452,5 @@ private:
     std::unique_ptr<WindowFixture> window_;
 };
 
-QTEST_MAIN(LinkResolutionWindowTest)
-#include "link_resolution_window_test.moc"
+QTEST_MAIN(LinkResolutionTest)
+#include "link_resolution_test.moc"

@@ -1,4 +1,4 @@
-#include "search/page/hash_slots.h"
+#include "search/page/reduction/HashSlots.h"
 
 #include <algorithm>
 #include <bit>
