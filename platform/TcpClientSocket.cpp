@@ -84,12 +84,17 @@ TcpClientSocket::~TcpClientSocket()
 void TcpClientSocket::Close()
 {
     ended_ = SocketState::Closed;
+    leave();
+}
+
+void TcpClientSocket::leave()
+{
     if (!socket_)
         return;
     witness_.forget();
     socket_->disconnect(this);
-    // Close is called from within the socket's own signals, and it does not survive an abort there. Queued, the abort
-    // also runs in the event loop of a message box, which a deferred deletion would wait out.
+    // This runs from within the socket's own signals, and it does not survive an abort there. Queued, the abort also
+    // runs in the event loop of a message box, which a deferred deletion would wait out.
     QMetaObject::invokeMethod(socket_, &QAbstractSocket::abort, Qt::QueuedConnection);
     socket_->deleteLater();
     socket_ = nullptr;
@@ -166,6 +171,9 @@ SocketState TcpClientSocket::State() const
 void TcpClientSocket::fail(const WinSockError& error)
 {
     ended_ = SocketState::Error;
+    // While the box about the first error stands there, a connection that timed out would report its end as well, as
+    // if the server had sent everything.
+    leave();
     emit failed(error.number, QString::fromLatin1(error.description));
 }
 

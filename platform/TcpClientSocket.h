@@ -38,11 +38,13 @@ signals:
     void sendComplete();
     /// The server closed the connection; everything that it sent has been announced before.
     void closedByPeer();
-    /// `description` is readable English.
+    /// The connection failed; no other signal follows. `description` is readable English.
     void failed(int number, const QString& description);
 
 private:
     int stateNumber() const { return static_cast<int>(State()); }
+    /// Ends the connection, if there is one. Nothing more is heard of it.
+    void leave();
     void fail(const WinSockError& error);
     void socketFailed(QAbstractSocket::SocketError error);
     void bytesWritten();

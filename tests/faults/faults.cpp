@@ -7,6 +7,8 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -24,6 +26,8 @@ namespace {
 std::atomic<int> g_kinds = 0;
 std::atomic<long> g_left = 0;
 std::atomic<bool> g_failed = false;
+std::atomic<int> g_error = QuarrynetUsualError;
+thread_local bool t_spared = false;
 const char* g_mark = nullptr;
 
 template <class Function>
@@ -32,10 +36,10 @@ Function* next(const char* name)
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/// Whether this call is the one that fails; its errno is set then.
-bool fails(int kind, int error)
+/// Whether this call is the one that fails.
+bool isTurn(int kind)
 {
-    if ((g_kinds.load(std::memory_order_relaxed) & kind) == 0 || g_left.fetch_sub(1) != 1)
+    if ((g_kinds.load(std::memory_order_relaxed) & kind) == 0 || t_spared || g_left.fetch_sub(1) != 1)
         return false;
     g_kinds = 0;
     g_failed = true;
@@ -44,20 +48,58 @@ bool fails(int kind, int error)
         static auto* const close = next<int(int)>("close");
         close(create(g_mark, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     }
-    errno = error;
     return true;
 }
 
-/// Not so for the descriptors by which a program wakes its own threads: those calls cannot fail.
-bool isFile(int number)
+/// Whether this call is the one that fails; its errno is set then, to `error` or what the test wants instead.
+bool fails(int kind, int error)
+{
+    const int wanted = g_error.load(std::memory_order_relaxed);
+    if (wanted == QuarrynetShortTransfer || !isTurn(kind))
+        return false;
+    errno = wanted == QuarrynetUsualError ? error : wanted;
+    return true;
+}
+
+mode_t typeOf(int number)
 {
     static auto* const real = next<int(int, struct stat*)>("fstat");
     const int error = errno;
     struct stat state
     {};
-    const bool file = real(number, &state) == 0 && (S_ISREG(state.st_mode) || S_ISDIR(state.st_mode));
+    const mode_t type = real(number, &state) == 0 ? state.st_mode & S_IFMT : 0;
     errno = error;
-    return file;
+    return type;
+}
+
+/// Not so for the descriptors by which a program wakes its own threads: those calls cannot fail.
+bool isFile(int number)
+{
+    const mode_t type = typeOf(number);
+    return type == S_IFREG || type == S_IFDIR;
+}
+
+bool isSocket(int number)
+{
+    return typeOf(number) == S_IFSOCK;
+}
+
+/// Sends or receives `count` bytes by `real`, which takes the number of bytes. A connection on which that fails because
+/// it is lost is shut, as one that the other side has reset.
+template <class Real>
+ssize_t transfer(int number, size_t count, Real real)
+{
+    if (g_error.load(std::memory_order_relaxed) == QuarrynetShortTransfer)
+        return real(count > 1 && isTurn(QuarrynetNetworkFaults) ? 1 : count);
+    if (!fails(QuarrynetNetworkFaults, ECONNRESET))
+        return real(count);
+    const int error = errno;
+    if (error == ECONNRESET || error == EPIPE || error == ETIMEDOUT) {
+        static auto* const shut = next<int(int, int)>("shutdown");
+        shut(number, SHUT_RDWR);
+    }
+    errno = error;
+    return -1;
 }
 
 __attribute__((constructor)) void armFromEnvironment()
@@ -97,6 +139,20 @@ __attribute__((constructor)) void armFromEnvironment()
         return real arguments;                                                                                         \
     }
 
+// Of what is done to a socket's descriptor only copying it fails: whether it blocks can always be set.
+#define QUARRYNET_CONTROL_FAULT(name)                                                                                  \
+    int name(int number, int command, ...)                                                                             \
+    {                                                                                                                  \
+        static auto* const real = next<int(int, int, ...)>(#name);                                                     \
+        va_list list;                                                                                                  \
+        va_start(list, command);                                                                                       \
+        void* value = va_arg(list, void*);                                                                             \
+        va_end(list);                                                                                                  \
+        const bool copies = command == F_DUPFD || command == F_DUPFD_CLOEXEC;                                          \
+        return copies && isSocket(number) && fails(QuarrynetSocketStateFaults, EMFILE) ? -1                            \
+                                                                                       : real(number, command, value); \
+    }
+
 extern "C" {
 
 void quarrynet_fail_at(long number, int kinds)
@@ -105,6 +161,16 @@ void quarrynet_fail_at(long number, int kinds)
     g_failed = false;
     g_left = number;
     g_kinds = kinds;
+}
+
+void quarrynet_fail_with(int error)
+{
+    g_error = error;
+}
+
+void quarrynet_spare_this_thread()
+{
+    t_spared = true;
 }
 
 bool quarrynet_stop_failing()
@@ -138,6 +204,8 @@ QUARRYNET_OPEN_FAULT(openat64, (int folder, const char* path, int flags, ...), (
 ssize_t read(int number, void* to, size_t count)
 {
     static auto* const real = next<ssize_t(int number, void* to, size_t count)>("read");
+    if (isSocket(number))
+        return transfer(number, count, [=](size_t part) { return real(number, to, part); });
     return isFile(number) && fails(QuarrynetFileFaults, EIO) ? -1 : real(number, to, count);
 }
 
@@ -148,6 +216,8 @@ QUARRYNET_FAULT(ssize_t, pread64, QuarrynetFileFaults, EIO, -1, (int number, voi
 ssize_t write(int number, const void* from, size_t count)
 {
     static auto* const real = next<ssize_t(int number, const void* from, size_t count)>("write");
+    if (isSocket(number))
+        return transfer(number, count, [=](size_t part) { return real(number, from, part); });
     return isFile(number) && fails(QuarrynetFileFaults, ENOSPC) ? -1 : real(number, from, count);
 }
 
@@ -198,12 +268,51 @@ QUARRYNET_FAULT(int, accept, QuarrynetNetworkFaults, EMFILE, -1, (int number, so
                 (number, name, size))
 QUARRYNET_FAULT(int, accept4, QuarrynetNetworkFaults, EMFILE, -1,
                 (int number, sockaddr* name, socklen_t* size, int flags), (number, name, size, flags))
-QUARRYNET_FAULT(ssize_t, send, QuarrynetNetworkFaults, ECONNRESET, -1,
-                (int number, const void* from, size_t count, int flags), (number, from, count, flags))
+ssize_t send(int number, const void* from, size_t count, int flags)
+{
+    static auto* const real = next<ssize_t(int, const void*, size_t, int)>("send");
+    return transfer(number, count, [=](size_t part) { return real(number, from, part, flags); });
+}
+
+ssize_t recv(int number, void* to, size_t count, int flags)
+{
+    static auto* const real = next<ssize_t(int, void*, size_t, int)>("recv");
+    return transfer(number, count, [=](size_t part) { return real(number, to, part, flags); });
+}
+
 QUARRYNET_FAULT(ssize_t, sendmsg, QuarrynetNetworkFaults, ECONNRESET, -1,
                 (int number, const msghdr* message, int flags), (number, message, flags))
-QUARRYNET_FAULT(ssize_t, recv, QuarrynetNetworkFaults, ECONNRESET, -1, (int number, void* to, size_t count, int flags),
-                (number, to, count, flags))
 QUARRYNET_FAULT(ssize_t, recvmsg, QuarrynetNetworkFaults, ECONNRESET, -1, (int number, msghdr* message, int flags),
                 (number, message, flags))
+
+QUARRYNET_FAULT(int, getsockopt, QuarrynetSocketStateFaults, ENOBUFS, -1,
+                (int number, int level, int option, void* value, socklen_t* size) noexcept,
+                (number, level, option, value, size))
+QUARRYNET_FAULT(int, setsockopt, QuarrynetSocketStateFaults, ENOBUFS, -1,
+                (int number, int level, int option, const void* value, socklen_t size) noexcept,
+                (number, level, option, value, size))
+QUARRYNET_FAULT(int, getsockname, QuarrynetSocketStateFaults, ENOBUFS, -1,
+                (int number, sockaddr* name, socklen_t* size) noexcept, (number, name, size))
+QUARRYNET_FAULT(int, getpeername, QuarrynetSocketStateFaults, ENOTCONN, -1,
+                (int number, sockaddr* name, socklen_t* size) noexcept, (number, name, size))
+QUARRYNET_FAULT(int, shutdown, QuarrynetSocketStateFaults, ENOTCONN, -1, (int number, int how) noexcept, (number, how))
+
+int ioctl(int number, unsigned long request, ...) noexcept
+{
+    static auto* const real = next<int(int, unsigned long, ...)>("ioctl");
+    va_list list;
+    va_start(list, request);
+    void* value = va_arg(list, void*);
+    va_end(list);
+    return isSocket(number) && fails(QuarrynetSocketStateFaults, ENOBUFS) ? -1 : real(number, request, value);
+}
+
+QUARRYNET_CONTROL_FAULT(fcntl)
+QUARRYNET_CONTROL_FAULT(fcntl64)
+
+QUARRYNET_FAULT(int, poll, QuarrynetWaitFaults, ENOMEM, -1, (pollfd * descriptors, nfds_t count, int milliseconds),
+                (descriptors, count, milliseconds))
+QUARRYNET_FAULT(int, ppoll, QuarrynetWaitFaults, ENOMEM, -1,
+                (pollfd * descriptors, nfds_t count, const timespec* time, const sigset_t* signals),
+                (descriptors, count, time, signals))
 }

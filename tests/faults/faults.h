@@ -8,7 +8,8 @@
 /// (a file that is made when the call has failed; without that file afterwards nothing failed any more).
 ///
 /// A call fails as a full disk, a worn-out one, a table without room or a lost connection would make it fail; what is
-/// closed is closed all the same. Linux with glibc, and not together with a sanitizer, which has its own allocator.
+/// closed is closed all the same, and a connection that is lost carries nothing afterwards. Linux with glibc, and not
+/// together with a sanitizer, which has its own allocator.
 extern "C" {
 
 enum QuarrynetFaultKind
@@ -17,12 +18,30 @@ enum QuarrynetFaultKind
     QuarrynetFileFaults = 1,
     /// malloc, calloc, realloc, and so operator new
     QuarrynetMemoryFaults = 2,
-    /// socket, connect, accept, send, receive
+    /// socket, connect, accept, send, receive, also by read and write
     QuarrynetNetworkFaults = 4,
+    /// what a socket is asked or told besides: its errors, names, options, bytes that wait, a second descriptor for it
+    QuarrynetSocketStateFaults = 8,
+    /// poll and ppoll
+    QuarrynetWaitFaults = 16,
 };
 
-/// From now on the `number`-th call (from 1) of these kinds fails, in any thread, once.
+enum QuarrynetFaultError
+{
+    /// Each call fails with an error of its own.
+    QuarrynetUsualError = 0,
+    /// What is sent and received is one byte; other calls neither fail nor count.
+    QuarrynetShortTransfer = -1,
+};
+
+/// From now on the `number`-th call (from 1) of these kinds fails, in any thread that is not spared, once.
 void quarrynet_fail_at(long number, int kinds);
+
+/// The errno of the calls that fail, or a QuarrynetFaultError.
+void quarrynet_fail_with(int error);
+
+/// The calls of the calling thread neither fail nor count: it is no part of what is tested.
+void quarrynet_spare_this_thread();
 
 /// Nothing fails any more. Whether the call was reached.
 bool quarrynet_stop_failing();
