@@ -27,6 +27,7 @@
 /// Without a data folder it indexes this machine. Wanted: above 0.9. Exit status: 0 when it is, 1 when it is not, 2
 /// when nothing can be measured.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

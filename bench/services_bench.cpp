@@ -17,6 +17,7 @@
 /// The local searches over this machine's own package lists, beside the same questions put to the tables without a
 /// full-text index. The wanted: a median below 20 ms, and an index of 63,000 packages within 20 s.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

@@ -14,7 +14,7 @@
 #include <xlocale.h>
 #endif
 
-#include "common/utf8.h"
+#include "ground/utf8.h"
 
 namespace quarrynet {
 
@@ -95,7 +95,7 @@ std::string lowerCase(std::string_view text)
 
 std::size_t letterBoundary(std::string_view text, std::size_t at)
 {
-    const auto continues = [text](std::size_t i) { return (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80; };
+    const auto continues = [text](std::size_t i) { return isUtf8Continuation(text[i]); };
     // A letter has three continuation bytes at most; where as many precede, the next one belongs to none.
     const auto cannotContinue = [&](std::size_t i) {
         return i >= 3 && continues(i - 1) && continues(i - 2) && continues(i - 3);

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <variant>
+
+#include "ground/Expected.h"
 
 namespace quarrynet {
 
@@ -27,26 +27,8 @@ std::string_view describe(RuntimeError error);
 /// The text of the error box: "Run-time error 'N':", an empty line and the description. Lines end in LF.
 std::string runtimeErrorText(RuntimeError error);
 
-/// A value, or the fault that kept it from being made. Faults in pages are ordinary, so they are values: nothing
-/// throws.
+/// A value, or the fault that kept it from being made. Faults in pages are ordinary.
 template <class T>
-class Result
-{
-public:
-    Result(T value) : content_(std::move(value)) {}
-    Result(RuntimeError error) : content_(error) {}
-
-    explicit operator bool() const { return std::holds_alternative<T>(content_); }
-
-    /// Only where the result holds a value.
-    const T& operator*() const { return *std::get_if<T>(&content_); }
-    const T* operator->() const { return std::get_if<T>(&content_); }
-
-    /// Only where the result holds a fault.
-    RuntimeError error() const { return *std::get_if<RuntimeError>(&content_); }
-
-private:
-    std::variant<T, RuntimeError> content_;
-};
+using Result = Expected<T, RuntimeError>;
 
 } // namespace quarrynet

@@ -6,7 +6,7 @@
 #include <QStringEncoder>
 #include <QTextBoundaryFinder>
 
-#include "common/utf8.h"
+#include "ground/utf8.h"
 
 namespace quarrynet {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 namespace {
 
@@ -22,4 +22,4 @@ bool CurrentTask::abandoned()
     return current != nullptr && current->load(std::memory_order_relaxed);
 }
 
-} // namespace quarrynet::services
+} // namespace quarrynet

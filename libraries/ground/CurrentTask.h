@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 /// Says for whom this thread works: while the object lives, long work on the same thread (a query, a wait for a
 /// thumbnail) asks abandoned() now and then and gives up when nobody wants its result any more.
@@ -22,4 +22,4 @@ private:
     const std::atomic<bool>* outer_;
 };
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -12,7 +12,7 @@
 #include <sys/syscall.h>
 #endif
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 namespace {
 
@@ -158,4 +158,4 @@ std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string
     return open;
 }
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -9,7 +9,7 @@
 
 #include "ground/Outcome.h"
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 /// A regular file, open for reading for as long as the object lives.
 class OpenFile
@@ -51,4 +51,4 @@ enum class OpenWay : std::uint8_t
 std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string_view relative,
                                             OpenWay way = OpenWay::Usual);
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -1,42 +1,23 @@
 #pragma once
 
 #include <string>
-#include <utility>
-#include <variant>
 
-/// What the services' functions give back when they can fail for reasons that a person has to read: a value, or one
-/// English sentence without a final full stop. Nothing here throws.
-namespace quarrynet::services {
+#include "ground/Expected.h"
 
+namespace quarrynet {
+
+/// A failure for a person to read: one English sentence without a final full stop.
 struct Failure
 {
     std::string message;
 };
 
+/// What a function returns that can fail for reasons that a person has to read.
 template <class T>
-class Outcome
-{
-public:
-    Outcome(T value) : content_(std::move(value)) {}
-    Outcome(Failure failure) : content_(std::move(failure)) {}
+using Outcome = Expected<T, Failure>;
 
-    explicit operator bool() const { return std::holds_alternative<T>(content_); }
-
-    /// Only where there is a value.
-    T& operator*() { return *std::get_if<T>(&content_); }
-    const T& operator*() const { return *std::get_if<T>(&content_); }
-    T* operator->() { return std::get_if<T>(&content_); }
-    const T* operator->() const { return std::get_if<T>(&content_); }
-
-    /// Only where there is none.
-    const Failure& failure() const { return *std::get_if<Failure>(&content_); }
-
-private:
-    std::variant<T, Failure> content_;
-};
-
-/// An outcome that carries nothing but success.
+/// The value of a function that has nothing to return but its success.
 struct Done
 {};
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -9,7 +9,7 @@
 
 extern char** environ;
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 bool makePipe(int (&ends)[2])
 {
@@ -84,4 +84,4 @@ Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
     return Done{};
 }
 
-} // namespace quarrynet::services
+} // namespace quarrynet

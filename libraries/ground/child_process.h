@@ -8,7 +8,7 @@
 
 #include "ground/Outcome.h"
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 /// The two ends of a pipe, the reading one first, or of a connection. They are closed in programs that are started
 /// here, unless they are put in a standard descriptor's place. False when the system has none left.
@@ -25,4 +25,4 @@ void closeOtherDescriptors(posix_spawn_file_actions_t& actions);
 Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
                                 const std::function<void(std::string_view)>& take);
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -4,7 +4,7 @@
 #include <dirent.h>
 #include <memory>
 
-namespace quarrynet::services {
+namespace quarrynet {
 
 std::error_code forEachEntry(const std::string& folder, const std::function<void(const std::string& name)>& take)
 {
@@ -26,4 +26,4 @@ std::error_code forEachEntry(const std::string& folder, const std::function<void
     }
 }
 
-} // namespace quarrynet::services
+} // namespace quarrynet

@@ -29,14 +29,14 @@ int runCrawl(const Options& options)
     const auto tell = [](const std::string& line) { std::fprintf(stderr, "quarrynet-services: %s\n", line.c_str()); };
     const Outcome<FtpAddress> address = readFtpAddress(options.crawlAddress);
     if (!address)
-        return complain(address.failure());
+        return complain(address.error());
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
-        return complain(data.failure());
+        return complain(data.error());
     // An index of crawled files alone would pass for a whole one.
     IndexPool pool(*data);
     if (const Outcome<IndexPool::Lease> index = pool.borrow(); !index)
-        return complain(index.failure());
+        return complain(index.error());
 
     FtpClient client(address->site);
     const CrawlTools tools{[&client](std::string_view path) { return client.list(path); },
@@ -46,7 +46,7 @@ int runCrawl(const Options& options)
                              options.crawlRate};
     Outcome<Crawl> found = crawl(address->path, limits, tools);
     if (!found)
-        return complain(found.failure());
+        return complain(found.error());
     const std::string base = address->site + "/" + encodePath(address->path);
     const std::string summary = "crawled " + withSeparators(static_cast<std::int64_t>(found->folders.size())) +
                                 " directories with " + withSeparators(static_cast<std::int64_t>(found->files.size())) +
@@ -65,7 +65,7 @@ int runCrawl(const Options& options)
             return true;
         });
     if (!stored)
-        return complain(stored.failure());
+        return complain(stored.error());
     tell(summary);
     if (refused > 0)
         tell(std::to_string(refused) + " directories could not be listed");

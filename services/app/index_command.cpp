@@ -20,7 +20,7 @@ int runIndex(const Options& options)
     };
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
-        return complain(data.failure());
+        return complain(data.error());
     if (options.ifNeeded && IndexPool(*data).borrow())
         return 0;
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
@@ -46,7 +46,7 @@ int runIndex(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", line.c_str());
     });
     if (!counts)
-        return complain(counts.failure());
+        return complain(counts.error());
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::fprintf(stderr,
                  "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents and %zu "

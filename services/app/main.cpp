@@ -14,7 +14,7 @@ int run(int argc, char** argv)
     const Outcome<Options> options = parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
     if (!options) {
         std::fprintf(stderr, "quarrynet-services: %s\nTry \"quarrynet-services --help\".\n",
-                     options.failure().message.c_str());
+                     options.error().message.c_str());
         return 2;
     }
     switch (options->command) {

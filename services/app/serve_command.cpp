@@ -64,19 +64,19 @@ int runServe(const Options& options)
 {
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", data.failure().message.c_str());
+        std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
         return 1;
     }
     Outcome<User> user = ::geteuid() == 0 ? findUser(options.user) : User();
     if (!user) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", user.failure().message.c_str());
+        std::fprintf(stderr, "quarrynet-services: %s\n", user.error().message.c_str());
         return 1;
     }
     IndexPool index(*data);
     if (::geteuid() == 0)
         index.keepFolder();
     if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
-        std::fprintf(stderr, "quarrynet-services: %s\n", ready.failure().message.c_str());
+        std::fprintf(stderr, "quarrynet-services: %s\n", ready.error().message.c_str());
 
     HttpServer server;
     Router router;
@@ -121,7 +121,7 @@ int runServe(const Options& options)
         return 1;
     }
     if (const Outcome<Done> dropped = dropRights(*data, *user, index); !dropped) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", dropped.failure().message.c_str());
+        std::fprintf(stderr, "quarrynet-services: %s\n", dropped.error().message.c_str());
         return 1;
     }
     // By whoever this process has become.

@@ -134,7 +134,7 @@ Outcome<Crawl> Crawler::run()
         failures = directory ? 0 : failures + 1;
         const bool isFirst = listed++ == 0;
         if (!directory && (isFirst || failures == kMaxFailures))
-            return directory.failure();
+            return directory.error();
         if (isFirst && directory->refused)
             return Failure{"the server does not list this directory"};
         if (!directory || directory->refused)

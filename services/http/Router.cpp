@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 
 namespace quarrynet::services {
 

@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/database.h"
 
 namespace quarrynet::services {
@@ -149,7 +149,7 @@ struct IndexWriter::Parts
     {
         const Outcome<Done> result = insert(which, values...);
         if (!result)
-            return result.failure();
+            return result.error();
         return database->lastRowId();
     }
 };
@@ -159,7 +159,7 @@ Outcome<bool> IndexWriter::Parts::copyOld() const
 {
     const Outcome<std::optional<Database>> old = openToTakeOver(folder);
     if (!old)
-        return old.failure();
+        return old.error();
     if (!*old)
         return false;
     std::error_code error;
@@ -175,12 +175,12 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     if (fromOld) {
         const Outcome<bool> copied = copyOld();
         if (!copied)
-            return copied.failure();
+            return copied.error();
         extending = *copied;
     }
     Outcome<Database> opened = Database::open(path, Database::Access::Create);
     if (!opened)
-        return opened.failure();
+        return opened.error();
     database.emplace(std::move(*opened));
     // The file is thrown away unless it becomes whole, so it needs no journal, and is flushed once at the end.
     Outcome<Done> result = database->execute("PRAGMA page_size = 8192; PRAGMA journal_mode = OFF;"
@@ -213,7 +213,7 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     for (const std::string_view sql : kInserts) {
         Outcome<Statement> statement = database->prepare(sql);
         if (!statement)
-            return statement.failure();
+            return statement.error();
         inserts.push_back(std::move(*statement));
     }
     return Done{};
@@ -224,7 +224,7 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 {
     Outcome<std::optional<Database>> old = openToTakeOver(folder);
     if (!old)
-        return old.failure();
+        return old.error();
     if (!*old)
         return Done{};
     Outcome<Statement> rows = (*old)->prepare(
@@ -232,7 +232,7 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
         "FROM file_site AS site JOIN file_folder AS folder ON folder.site = site.id "
         "JOIN file_entry AS entry ON entry.folder = folder.id WHERE site.crawled <> 0");
     if (!rows)
-        return keepOld(folder, rows.failure());
+        return keepOld(folder, rows.error());
     std::map<std::string, std::int64_t, std::less<>> sites;
     std::map<std::int64_t, std::int64_t> folders;
     Statement::Step step = rows->step();
@@ -243,17 +243,17 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
             // A crawl has seen what a mirror's package lists only announce, so it takes their place.
             const Outcome<Done> removed = writer.removeFileSite(base);
             if (!removed)
-                return removed.failure();
+                return removed.error();
             const Outcome<std::int64_t> number = writer.addFileSite(base, rows->number(1));
             if (!number)
-                return number.failure();
+                return number.error();
             site = sites.emplace(base, *number).first;
         }
         auto place = folders.find(rows->number(2));
         if (place == folders.end()) {
             const Outcome<std::int64_t> number = writer.addFileFolder(site->second, rows->text(3));
             if (!number)
-                return number.failure();
+                return number.error();
             place = folders.emplace(rows->number(2), *number).first;
         }
         FileEntry entry{place->second, std::string(rows->text(5))};
@@ -282,11 +282,11 @@ Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder, const st
 Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld)
 {
     if (!lock)
-        return lock.failure();
+        return lock.error();
     auto parts = std::make_unique<Parts>(dataFolder, std::move(*lock));
     const Outcome<Done> opened = parts->open(fromOld);
     if (!opened)
-        return opened.failure();
+        return opened.error();
     return IndexWriter(std::move(parts));
 }
 
@@ -318,7 +318,7 @@ Outcome<Done> IndexWriter::addPage(std::string_view address, std::string_view ti
     description = clipUtf8(description, kMaxIndexedText);
     const Outcome<std::int64_t> row = parts_->insertRow(Parts::PageRow, address, title, description);
     if (!row)
-        return row.failure();
+        return row.error();
     Outcome<Done> result = parts_->insert(Parts::PageTextRow, *row, title, description);
     for (auto name = names.begin(); result && name != names.end(); ++name)
         result = parts_->insert(Parts::PageNameRow, *name, *row);
@@ -367,7 +367,7 @@ Outcome<Done> IndexWriter::addPicture(std::int64_t folder, const Picture& pictur
     const Outcome<std::int64_t> row = parts_->insertRow(Parts::PictureRow, folder, picture.path, picture.name,
                                                         picture.place, picture.stem, picture.version);
     if (!row)
-        return row.failure();
+        return row.error();
     return parts_->insert(Parts::PictureTextRow, *row, picture.name, picture.place);
 }
 
@@ -386,7 +386,7 @@ Outcome<Done> IndexWriter::removeFileSite(std::string_view base)
     for (const std::string_view sql : kSteps) {
         Outcome<Statement> statement = parts_->database->prepare(sql);
         if (!statement)
-            return statement.failure();
+            return statement.error();
         statement->bind(1, base);
         Outcome<Done> result = statement->run();
         if (!result)
@@ -400,7 +400,7 @@ Outcome<std::int64_t> IndexWriter::nextCrawledFile()
     Outcome<Statement> statement =
         parts_->database->prepare("SELECT coalesce(max(id), 0) + 1 FROM file_entry WHERE id < ?1");
     if (!statement)
-        return statement.failure();
+        return statement.error();
     statement->bind(1, kFirstPackageFile);
     if (statement->step() != Statement::Step::Row)
         return statement->failure();

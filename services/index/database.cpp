@@ -72,7 +72,7 @@ Outcome<std::int64_t> indexLayout(Database& database)
 {
     Outcome<Statement> statement = database.prepare("PRAGMA user_version");
     if (!statement)
-        return statement.failure();
+        return statement.error();
     if (statement->step() != Statement::Step::Row)
         return statement->failure();
     return statement->number(0);
@@ -90,10 +90,10 @@ Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder)
     }
     Outcome<Database> old = Database::open(path, Database::Access::Read);
     if (!old)
-        return keepOld(dataFolder, old.failure());
+        return keepOld(dataFolder, old.error());
     const Outcome<std::int64_t> layout = indexLayout(*old);
     if (!layout && !old->isNoDatabase())
-        return keepOld(dataFolder, layout.failure());
+        return keepOld(dataFolder, layout.error());
     if (!layout || *layout != kIndexLayout)
         return std::optional<Database>();
     return std::optional<Database>(std::move(*old));
@@ -168,7 +168,7 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
     }
     Outcome<std::unique_ptr<Database>> made = connect();
     if (!made)
-        return made.failure();
+        return made.error();
     Lease lease(*this, std::move(*made), generation);
     lease->stopWhen(timeIsUp(queryTime_));
     return lease;
@@ -178,15 +178,15 @@ Outcome<std::unique_ptr<Database>> IndexPool::connect()
 {
     Outcome<Database> opened = Database::open(path_, Database::Access::Read);
     if (!opened)
-        return opened.failure();
+        return opened.error();
     const Outcome<std::int64_t> layout = indexLayout(*opened);
     if (!layout)
-        return layout.failure();
+        return layout.error();
     if (*layout != kIndexLayout)
         return Failure{"the index is of another version; \"quarrynet-services index\" makes a new one"};
     const Outcome<Done> added = addExcerpt(*opened);
     if (!added)
-        return added.failure();
+        return added.error();
     return std::make_unique<Database>(std::move(*opened));
 }
 

@@ -8,7 +8,7 @@
 
 #include <sqlite3.h>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
@@ -214,7 +214,7 @@ Outcome<Done> addExcerpt(Database& database)
 {
     Outcome<Statement> statement = database.prepare("SELECT fts5(?1)");
     if (!statement)
-        return statement.failure();
+        return statement.error();
     fts5_api* api = nullptr;
     statement->bindPointer(1, static_cast<void*>(&api), "fts5_api_ptr");
     (void)statement->step();

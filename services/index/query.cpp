@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/package_names.h"
 
 namespace quarrynet::services {
@@ -88,8 +88,8 @@ std::vector<Term> splitTerms(std::string_view text)
 
 std::size_t countCharacters(std::string_view text)
 {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return !isUtf8Continuation(c); }));
 }
 
 std::string likePattern(std::string_view text)

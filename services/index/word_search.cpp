@@ -12,21 +12,21 @@ Outcome<std::int64_t> searchWords(IndexPool& pool, const WordTable& table, std::
 {
     Outcome<IndexPool::Lease> index = pool.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     const WordQuery query = wordQuery(typed, table.nameColumn);
     if (query.expression.empty())
         return std::int64_t{0};
 
     Outcome<Statement> count = (*index)->prepare(table.count);
     if (!count)
-        return count.failure();
+        return count.error();
     count->bind(1, query.expression);
     if (count->step() != Statement::Step::Row)
         return count->failure();
 
     Outcome<Statement> rows = (*index)->prepare(table.rows);
     if (!rows)
-        return rows.failure();
+        return rows.error();
     rows->bind(1, query.expression);
     rows->bind(2, table.pageSize);
     rows->bind(3, start);

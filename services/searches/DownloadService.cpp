@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/word_search.h"
 #include "text/markup.h"
 
@@ -144,7 +144,7 @@ HttpResponse DownloadService::searchPage(int page, std::string_view query)
     const std::string typed = decodeQueryValue(typedPart(query));
     const Outcome<ProgramAnswer> found = search(typed, (static_cast<std::int64_t>(page) - 1) * kPageSize);
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
     response.body = downloadResultsPage(*found, typed);
     return response;
@@ -178,7 +178,7 @@ Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int6
                                std::string(row.text(5)) + encodePath(row.text(6))});
     });
     if (!total)
-        return total.failure();
+        return total.error();
     answer.total = *total;
     return answer;
 }
@@ -189,11 +189,11 @@ Outcome<std::string> DownloadService::findDownload(std::string_view place)
 {
     Outcome<IndexPool::Lease> index = index_.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     Outcome<Statement> mirrors = (*index)->prepare("SELECT id, base FROM mirror");
     Outcome<Statement> programs = (*index)->prepare("SELECT 1 FROM program WHERE file = ?1 AND mirror = ?2");
     if (!mirrors || !programs)
-        return mirrors ? programs.failure() : mirrors.failure();
+        return mirrors ? programs.error() : mirrors.error();
     while (mirrors->step() == Statement::Step::Row) {
         const std::string base(mirrors->text(1));
         const std::string_view prefix = placeOf(base);
@@ -213,7 +213,7 @@ HttpResponse DownloadService::redirectPage(std::string_view place)
 {
     const Outcome<std::string> address = findDownload(place);
     if (!address)
-        return errorResponse(503, "The download cannot be found: " + address.failure().message + ".");
+        return errorResponse(503, "The download cannot be found: " + address.error().message + ".");
     if (address->empty())
         return errorResponse(404, "There is no such download.");
     HttpResponse response;

@@ -97,7 +97,7 @@ Outcome<Done> readRows(Database& index, const std::string& source, const std::st
                       "folder.site WHERE " +
                       condition + " LIMIT ?1 OFFSET ?2");
     if (!rows)
-        return rows.failure();
+        return rows.error();
     // One more than the page holds tells whether there is another.
     rows->bind(1, static_cast<std::int64_t>(FileService::kPageSize - answer.hits.size()) + 1);
     rows->bind(2, skipped);
@@ -120,7 +120,7 @@ Outcome<std::int64_t> countRows(Database& index, const std::string& condition, c
 {
     Outcome<Statement> count = index.prepare("SELECT count(*) FROM file_entry AS entry WHERE " + condition);
     if (!count)
-        return count.failure();
+        return count.error();
     for (std::size_t i = 0; i < values.size(); ++i)
         count->bind(static_cast<int>(i) + 3, values[i]);
     if (count->step() != Statement::Step::Row)
@@ -197,7 +197,7 @@ HttpResponse FileService::searchPage(std::string_view query)
     const std::string typed = decodeQueryValue(asked.typed);
     const Outcome<FileAnswer> found = search(typed, asked.start);
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
     response.body = fileResultsPage(*found, typed);
     return response;
@@ -207,7 +207,7 @@ Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t sta
 {
     Outcome<IndexPool::Lease> index = index_.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     if (isAddress(typed))
         return listDirectory(**index, typed, start);
     const NameQuery names = nameQuery(typed);
@@ -231,10 +231,10 @@ Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& nam
                               "IN ('_', '.'), entry.id";
     Outcome<Done> read = readRows(index, "file_entry AS entry", begins + order, values, start, answer);
     if (!read || answer.more)
-        return read ? Outcome<FileAnswer>(answer) : read.failure();
+        return read ? Outcome<FileAnswer>(answer) : read.error();
     const Outcome<std::int64_t> begun = countRows(index, begins, values);
     if (!begun)
-        return begun.failure();
+        return begun.error();
 
     std::string source = "file_entry AS entry";
     std::string others = "NOT (" + begins + ")";
@@ -248,7 +248,7 @@ Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& nam
         others += " AND " + likeCondition(pattern, values);
     others += names.expression.empty() ? " ORDER BY entry.id" : " ORDER BY file_name.rowid";
     read = readRows(index, source, others, values, std::max<std::int64_t>(0, start - *begun), answer);
-    return read ? Outcome<FileAnswer>(answer) : read.failure();
+    return read ? Outcome<FileAnswer>(answer) : read.error();
 }
 
 Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view address, std::int64_t start)
@@ -258,7 +258,7 @@ Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view
     // A site may lie below another one.
     Outcome<Statement> sites = index.prepare("SELECT id, base FROM file_site ORDER BY length(base) DESC, id");
     if (!sites)
-        return sites.failure();
+        return sites.error();
     Statement::Step step = sites->step();
     for (; step == Statement::Step::Row && answer.hits.empty(); step = sites->step()) {
         const std::string_view base = sites->text(1);
@@ -271,7 +271,7 @@ Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view
                      "ORDER BY entry.id",
                      {path, std::to_string(sites->number(0))}, start, answer);
         if (!read)
-            return read.failure();
+            return read.error();
     }
     if (step == Statement::Step::Failed)
         return sites->failure();

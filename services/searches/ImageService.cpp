@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
@@ -134,7 +134,7 @@ HttpResponse ImageService::searchPage(std::string_view query)
     const std::string typed = decodeQueryValue(typedWords(query));
     const Outcome<ImageAnswer> found = search(typed, startPart(query));
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
     response.body = imageResultsPage(*found, typed);
     return response;
@@ -165,7 +165,7 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
         answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))});
     });
     if (!total)
-        return total.failure();
+        return total.error();
     answer.total = *total;
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
@@ -181,12 +181,12 @@ Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view p
         return none;
     Outcome<IndexPool::Lease> index = index_.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     Outcome<Statement> row = (*index)->prepare(
         "SELECT picture_folder.path FROM picture JOIN picture_folder ON picture_folder.id = picture.folder "
         "WHERE picture.folder = ?1 AND picture.path = ?2");
     if (!row)
-        return row.failure();
+        return row.error();
     row->bind(1, asked->folder);
     row->bind(2, asked->path);
     if (row->step() != Statement::Step::Row)
@@ -198,7 +198,7 @@ HttpResponse ImageService::thumbnail(std::string_view place)
 {
     const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
     if (!found)
-        return errorResponse(503, "The thumbnail cannot be served: " + found.failure().message + ".");
+        return errorResponse(503, "The thumbnail cannot be served: " + found.error().message + ".");
     const OpenFile* file = found->get();
     if (thumbnailer_ == nullptr || file == nullptr || file->size() > kMaxPicture)
         return missingPicture();
@@ -221,7 +221,7 @@ HttpResponse ImageService::picture(std::string_view place)
 {
     const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
     if (!found)
-        return errorResponse(503, "The picture cannot be served: " + found.failure().message + ".");
+        return errorResponse(503, "The picture cannot be served: " + found.error().message + ".");
     const std::optional<PictureFormat> format =
         *found == nullptr ? std::nullopt : pictureFormat((*found)->beginning(kPictureBeginning));
     if (!format)

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <optional>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
@@ -88,7 +88,7 @@ HttpResponse WebService::searchPage(std::string_view query)
     const std::string typed = decodeQueryValue(typedPart(query));
     const Outcome<WebAnswer> found = search(typed, startPart(query));
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.failure().message + ".");
+        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
     response.body = webResultsPage(*found, typed);
     return response;
@@ -126,7 +126,7 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
         answer.hits.push_back({std::move(address), std::string(row.text(1)), std::string(row.text(2))});
     });
     if (!total)
-        return total.failure();
+        return total.error();
     answer.total = *total;
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
@@ -138,12 +138,12 @@ Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folde
     const std::optional<Place> none;
     Outcome<IndexPool::Lease> index = index_.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     Outcome<Statement> row = (*index)->prepare(
         "SELECT path, EXISTS (SELECT 1 FROM document WHERE folder = ?1 AND path = ?2), "
         "EXISTS (SELECT 1 FROM shown_picture WHERE folder = ?1 AND path = ?2) FROM folder WHERE id = ?1");
     if (!row)
-        return row.failure();
+        return row.error();
     row->bind(1, folder);
     row->bind(2, path);
     if (row->step() != Statement::Step::Row)
@@ -162,7 +162,7 @@ HttpResponse WebService::document(std::string_view path)
         relative += "index.html";
     const Outcome<std::optional<Place>> place = placeOf(asked->folder, relative);
     if (!place)
-        return errorResponse(503, "The documents cannot be served: " + place.failure().message + ".");
+        return errorResponse(503, "The documents cannot be served: " + place.error().message + ".");
     HttpResponse response;
     response.file = *place ? openBeneath((*place)->folder, relative) : nullptr;
     if (response.file == nullptr)

@@ -4,7 +4,7 @@
 #include <set>
 #include <tuple>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/package_names.h"
 #include "text/markup.h"
 

@@ -65,14 +65,14 @@ Outcome<Done> PoolFiles::write(IndexWriter& writer)
     for (const std::string& site : sites_) {
         const Outcome<std::int64_t> row = writer.addFileSite(site, 0);
         if (!row)
-            return row.failure();
+            return row.error();
         siteRows.push_back(*row);
     }
     std::vector<std::int64_t> folderRows;
     for (const Folder& folder : folders_) {
         const Outcome<std::int64_t> row = writer.addFileFolder(siteRows[folder.site], folder.path);
         if (!row)
-            return row.failure();
+            return row.error();
         folderRows.push_back(*row);
     }
     std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {

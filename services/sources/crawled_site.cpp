@@ -13,23 +13,23 @@ Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, s
 {
     Outcome<IndexWriter> writer = IndexWriter::extend(dataFolder, again);
     if (!writer)
-        return writer.failure();
+        return writer.error();
     Outcome<Done> removed = writer->removeFileSite(base);
     if (!removed)
         return removed;
     const Outcome<std::int64_t> site = writer->addFileSite(base, time);
     if (!site)
-        return site.failure();
+        return site.error();
     std::vector<std::int64_t> folders;
     for (const std::string& path : crawl.folders) {
         const Outcome<std::int64_t> folder = writer->addFileFolder(*site, path);
         if (!folder)
-            return folder.failure();
+            return folder.error();
         folders.push_back(*folder);
     }
     const Outcome<std::int64_t> first = writer->nextCrawledFile();
     if (!first)
-        return first.failure();
+        return first.error();
     // Short names, which a typed text covers best, are shown first.
     std::sort(crawl.files.begin(), crawl.files.end(), [](const CrawledFile& a, const CrawledFile& b) {
         return std::make_tuple(a.name.size(), a.directory, std::string_view(a.name), a.folder) <

@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "ground/OpenFile.h"
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/IndexWriter.h"
 #include "index/database.h"
 #include "sources/HomePages.h"
@@ -78,7 +78,7 @@ private:
     void note(const Outcome<Done>& result)
     {
         if (!result && !fault_)
-            fault_ = result.failure();
+            fault_ = result.error();
     }
     void addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative);
 
@@ -118,7 +118,7 @@ void Run::addProgram(const Package& package, const std::string& base)
     if (mirror == mirrors_.end()) {
         const Outcome<std::int64_t> number = writer_.addMirror(base);
         if (!number) {
-            fault_ = number.failure();
+            fault_ = number.error();
             return;
         }
         mirror = mirrors_.emplace(base, *number).first;
@@ -173,7 +173,7 @@ void Run::addFolder(const std::string& folder)
         return;
     const Outcome<std::int64_t> number = writer_.addFolder(folder);
     if (!number) {
-        fault_ = number.failure();
+        fault_ = number.error();
         return;
     }
     const std::size_t before = counts_.documents;
@@ -191,7 +191,7 @@ void Run::addPictureFolder(const std::string& folder)
         return;
     const Outcome<std::int64_t> number = writer_.addPictureFolder(folder);
     if (!number) {
-        fault_ = number.failure();
+        fault_ = number.error();
         return;
     }
     for (const Picture& picture : pictures)
@@ -205,7 +205,7 @@ Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& c
 {
     Outcome<std::optional<Database>> opened = openToTakeOver(dataFolder);
     if (!opened)
-        return opened.failure();
+        return opened.error();
     if (!*opened)
         return Done{};
     Database& old = **opened;
@@ -216,7 +216,7 @@ Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& c
     for (const auto& [kind, sql, now] : kinds) {
         Outcome<Statement> row = old.prepare(sql);
         if (!row || row->step() != Statement::Step::Row)
-            return keepOld(dataFolder, row ? row->failure() : row.failure());
+            return keepOld(dataFolder, row ? row->failure() : row.error());
         const std::int64_t before = row->number(0);
         if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
             return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +
@@ -233,7 +233,7 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
 {
     Outcome<IndexWriter> writer = IndexWriter::begin(dataFolder);
     if (!writer)
-        return writer.failure();
+        return writer.error();
     Run run(*writer, progress);
     if (sources.packageFiles.empty()) {
         progress("reading the package lists");
@@ -242,13 +242,13 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
             readInstalledLists([&](const Package& package) { run.addPackage(package, mirrors.baseOf(package.file)); });
         // A machine without package lists still has its documentation.
         if (!read)
-            progress("no package lists: " + read.failure().message);
+            progress("no package lists: " + read.error().message);
     }
     for (const std::string& file : sources.packageFiles) {
         const Outcome<Done> read =
             readListFile(file, [&](const Package& package) { run.addPackage(package, sources.mirror); });
         if (!read)
-            return read.failure();
+            return read.error();
     }
     run.writePackages();
     for (const std::string& folder : sources.folders)
@@ -260,12 +260,12 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
     if (!sources.force) {
         const Outcome<Done> rich = compareWithOld(dataFolder, run.counts());
         if (!rich)
-            return rich.failure();
+            return rich.error();
     }
     progress("putting the index in its place");
     const Outcome<Done> committed = writer->commit();
     if (!committed)
-        return committed.failure();
+        return committed.error();
     return run.counts();
 }
 

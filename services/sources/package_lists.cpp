@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "ground/child_process.h"
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {

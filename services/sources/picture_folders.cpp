@@ -7,7 +7,7 @@
 #include <system_error>
 #include <tuple>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "sources/document_folders.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"

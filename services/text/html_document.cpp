@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "text/HtmlTree.h"
 #include "text/PageEncoding.h"
 

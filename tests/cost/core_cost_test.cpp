@@ -15,7 +15,7 @@
 #include "common/raster_head.h"
 #include "common/request_text.h"
 #include "common/text_utilities.h"
-#include "common/utf8.h"
+#include "ground/utf8.h"
 #include "search/download/redirect.h"
 #include "search/image/gallery.h"
 #include "search/page/keywords.h"

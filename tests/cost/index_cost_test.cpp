@@ -22,6 +22,7 @@
 
 /// What searches in the index, and making it, cost with an index of twice the size.
 using namespace quarrynet::cost;
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -33,7 +34,7 @@ constexpr std::chrono::milliseconds kNoDeadline = std::chrono::hours(1);
 void makeIndex(const std::string& folder, std::size_t rows)
 {
     Outcome<IndexWriter> writer = IndexWriter::begin(folder);
-    ASSERT_TRUE(writer) << writer.failure().message;
+    ASSERT_TRUE(writer) << writer.error().message;
     const Outcome<std::int64_t> mirror = writer->addMirror("http://m.example/");
     const Outcome<std::int64_t> site = writer->addFileSite("ftp://h.example/", 1);
     const Outcome<std::int64_t> files = writer->addFileFolder(*site, "pub/");
@@ -57,7 +58,7 @@ void makeIndex(const std::string& folder, std::size_t rows)
         ASSERT_TRUE(writer->addPicture(*pictures, picture));
     }
     const Outcome<Done> done = writer->commit();
-    ASSERT_TRUE(done) << done.failure().message;
+    ASSERT_TRUE(done) << done.error().message;
 }
 
 class IndexCost : public ::testing::Test

@@ -11,7 +11,7 @@
 
 #include "ftp/crawl.h"
 #include "ftp/listing.h"
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "http/message.h"
 #include "index/package_names.h"
 #include "index/query.h"
@@ -28,6 +28,7 @@
 
 /// What the services' readers and page makers cost with inputs of twice the length.
 using namespace quarrynet::cost;
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

@@ -30,12 +30,12 @@ inline std::string dumpOf(const std::string& dataFolder)
     std::string dump;
     Outcome<Database> index = Database::open(copy, Database::Access::Create);
     if (!index)
-        return index.failure().message;
+        return index.error().message;
     for (const char* table : {"web_page_text", "program_text", "file_name", "picture_text"}) {
         const std::string name = table;
         const std::string check = "INSERT INTO " + name + "(" + name + ", rank) VALUES ('integrity-check', 1)";
         if (const Outcome<Done> whole = index->execute(check.c_str()); !whole)
-            dump += name + ": " + whole.failure().message + "\n";
+            dump += name + ": " + whole.error().message + "\n";
     }
     for (const char* sql : {
              "PRAGMA integrity_check",
@@ -54,7 +54,7 @@ inline std::string dumpOf(const std::string& dataFolder)
          }) {
         Outcome<Statement> rows = index->prepare(sql);
         if (!rows)
-            return dump + rows.failure().message;
+            return dump + rows.error().message;
         Statement::Step step = rows->step();
         for (; step == Statement::Step::Row; step = rows->step())
             dump += std::string(rows->text(0)) + "\n";

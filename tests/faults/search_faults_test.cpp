@@ -1,10 +1,10 @@
 #include <cerrno>
-#include <thread>
-
-#include <QSignalSpy>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
+
+#include <QSignalSpy>
 
 #include "faults.h"
 #include "tab_controls.h"

@@ -1,4 +1,4 @@
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "tests/fuzz/fuzz_input.h"
 #include "text/html_document.h"
 

@@ -7,6 +7,7 @@
 #include "ground/OpenFile.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 namespace fs = std::filesystem;
 

@@ -3,6 +3,7 @@
 #include "ground/child_process.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -35,7 +36,7 @@ TEST(ReadProgramOutput, MissingProgramIsNamed)
 {
     const Outcome<Done> result = readProgramOutput({"/none/such-program"}, [](std::string_view) {});
     ASSERT_FALSE(result);
-    EXPECT_NE(result.failure().message.find("such-program"), std::string::npos);
+    EXPECT_NE(result.error().message.find("such-program"), std::string::npos);
 }
 
 TEST(ReadProgramOutput, ArgumentsMeetNoShell)

@@ -6,6 +6,7 @@
 #include "app/data_folder.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 TEST(OpenDataFolder, MakesTheChosenFolder)
@@ -38,6 +39,6 @@ TEST(OpenDataFolder, FileInItsPlaceIsNamed)
     for (const std::string& path : {file, file + "/below"}) {
         const Outcome<std::string> opened = openDataFolder(path);
         ASSERT_FALSE(opened) << path;
-        EXPECT_NE(opened.failure().message.find("file"), std::string::npos);
+        EXPECT_NE(opened.error().message.find("file"), std::string::npos);
     }
 }

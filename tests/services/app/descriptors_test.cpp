@@ -18,6 +18,7 @@
 
 /// What a program that the services start finds open: nothing of the services'.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 namespace fs = std::filesystem;
 

@@ -2,6 +2,7 @@
 
 #include "app/options.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 TEST(ParseOptions, ReadsBothForms)
@@ -68,11 +69,11 @@ TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)
 TEST(ParseOptions, NamesWhatItDoesNotUnderstand)
 {
     EXPECT_FALSE(parseOptions({}));
-    EXPECT_NE(parseOptions({"dance"}).failure().message.find("dance"), std::string::npos);
-    EXPECT_NE(parseOptions({"serve", "--folder", "x"}).failure().message.find("--folder"), std::string::npos);
-    EXPECT_NE(parseOptions({"serve", "--port"}).failure().message.find("--port"), std::string::npos);
+    EXPECT_NE(parseOptions({"dance"}).error().message.find("dance"), std::string::npos);
+    EXPECT_NE(parseOptions({"serve", "--folder", "x"}).error().message.find("--folder"), std::string::npos);
+    EXPECT_NE(parseOptions({"serve", "--port"}).error().message.find("--port"), std::string::npos);
     for (const char* mirror : {"mirror.example/d/", "http://", "file:///d/", "://h/"})
-        EXPECT_NE(parseOptions({"index", "--mirror", mirror}).failure().message.find(mirror), std::string::npos);
+        EXPECT_NE(parseOptions({"index", "--mirror", mirror}).error().message.find(mirror), std::string::npos);
     EXPECT_TRUE(parseOptions({"index", "--mirror", "https://mirror.example/d"}));
     for (const char* port : {"65536", "-1", "x", "", "99999999999"})
         EXPECT_FALSE(parseOptions({"serve", "--port", port})) << port;

@@ -13,6 +13,7 @@
 
 /// The program itself, as a person or a script starts it.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

@@ -11,6 +11,7 @@
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -151,7 +152,7 @@ TEST(Crawl, ARealServerWithMlsdIsListedWhole)
     if (!server.running())
         GTEST_SKIP() << "the Debian package python3-pyftpdlib is not installed";
     const Outcome<Crawl> found = crawlSite(server.site());
-    ASSERT_TRUE(found) << found.failure().message;
+    ASSERT_TRUE(found) << found.error().message;
     EXPECT_EQ(pathsOf(*found), kPlanted);
     EXPECT_EQ(found->cut, "");
     const Outcome<Crawl> below = crawlSite(server.site(), "pub/sub/deep/");
@@ -179,7 +180,7 @@ TEST(Crawl, ARealServerWithoutMlsdIsListedWhole)
                                      "/root\nsecure_chroot_dir=" + folder.path() + "/chroot\n");
     const TestServer server([&](int socket) { serveByProgram(socket, {kProgram, settings}); });
     const Outcome<Crawl> found = crawlSite(server.site());
-    ASSERT_TRUE(found) << found.failure().message;
+    ASSERT_TRUE(found) << found.error().message;
     EXPECT_EQ(pathsOf(*found), kPlanted);
     for (const CrawledFile& file : found->files) {
         if (file.name == "alias.txt" || file.name == "file.txt") {
@@ -198,7 +199,7 @@ TEST(Crawl, LoopsWithoutUniqueFactsEnd)
         });
     });
     const Outcome<Crawl> found = crawlSite(server.site());
-    ASSERT_TRUE(found) << found.failure().message;
+    ASSERT_TRUE(found) << found.error().message;
     EXPECT_EQ(pathsOf(*found), (std::set<std::string>{"again/", "a", "other/"}));
     EXPECT_EQ(listings, 3);
 }
@@ -280,7 +281,7 @@ TEST(Crawl, ADirectoryWithTooManyEntriesCountsAsRefused)
         });
     });
     const Outcome<Crawl> found = crawlSite(server.site());
-    ASSERT_TRUE(found) << found.failure().message;
+    ASSERT_TRUE(found) << found.error().message;
     EXPECT_EQ(pathsOf(*found), (std::set<std::string>{"many/", "one"}));
     EXPECT_EQ(found->refused, 1U);
 }
@@ -317,7 +318,7 @@ TEST(Crawl, RefusedDirectoriesAndHostileNamesArePassedOver)
         });
     });
     const Outcome<Crawl> found = crawlSite(server.site());
-    ASSERT_TRUE(found) << found.failure().message;
+    ASSERT_TRUE(found) << found.error().message;
     EXPECT_EQ(pathsOf(*found), (std::set<std::string>{"no/", "long/", "ok/", "\xC3\xA4 \xFF/", "out"}));
     EXPECT_EQ(found->refused, 2U);
 }

@@ -9,6 +9,7 @@
 #include "http/HttpServer.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

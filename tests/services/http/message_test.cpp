@@ -5,6 +5,7 @@
 #include "http/message.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 using namespace std::string_literals;
 

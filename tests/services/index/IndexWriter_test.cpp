@@ -16,6 +16,7 @@
 #include "sources/indexing.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -43,7 +44,7 @@ std::vector<std::string> find(IndexPool& pool, std::string_view words)
 {
     WebService service(pool, "http://h");
     const Outcome<WebAnswer> answer = service.search(words, 0);
-    EXPECT_TRUE(answer) << answer.failure().message;
+    EXPECT_TRUE(answer) << answer.error().message;
     std::vector<std::string> addresses;
     for (const WebHit& hit : answer->hits)
         addresses.push_back(hit.address);
@@ -91,7 +92,7 @@ TEST_F(Index, MissingIndexAndOtherLayoutSayWhatToDo)
     IndexPool pool(data_.path());
     const auto missing = pool.borrow();
     ASSERT_FALSE(missing);
-    EXPECT_NE(missing.failure().message.find("quarrynet-services index"), std::string::npos);
+    EXPECT_NE(missing.error().message.find("quarrynet-services index"), std::string::npos);
     ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute("CREATE TABLE x(y)"));
     EXPECT_FALSE(pool.borrow());
 }
@@ -160,7 +161,7 @@ TEST_F(Index, OnlyOneWriterAtATime)
     ASSERT_TRUE(first);
     const Outcome<IndexWriter> second = IndexWriter::begin(data_.path());
     ASSERT_FALSE(second);
-    EXPECT_NE(second.failure().message.find("another"), std::string::npos);
+    EXPECT_NE(second.error().message.find("another"), std::string::npos);
 }
 
 TEST_F(Index, LockIsWaitedForWhileAnotherHoldsIt)
@@ -187,7 +188,7 @@ TEST_F(Index, LockIsNotWaitedForWhereNoWaitingMends)
     input_.write("index.lock/file", "");
     const Outcome<IndexLock> blocked = IndexLock::take(input_.path(), again);
     ASSERT_FALSE(blocked);
-    EXPECT_NE(blocked.failure().message.find(input_.path()), std::string::npos);
+    EXPECT_NE(blocked.error().message.find(input_.path()), std::string::npos);
     EXPECT_FALSE(IndexWriter::extend(input_.path(), again));
     EXPECT_EQ(asked, 0);
 }
@@ -199,7 +200,7 @@ Outcome<Done> runEndlessly(IndexPool& pool)
 {
     Outcome<IndexPool::Lease> index = pool.borrow();
     if (!index)
-        return index.failure();
+        return index.error();
     return (*index)->execute("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT 1 FROM n) SELECT count(*) FROM n");
 }
 
@@ -211,7 +212,7 @@ TEST_F(Index, AQueryEndsWhenItsTimeIsUpAndTheConnectionServesTheNext)
     IndexPool pool(data_.path(), std::chrono::milliseconds(20));
     const Outcome<Done> result = runEndlessly(pool);
     ASSERT_FALSE(result);
-    EXPECT_EQ(result.failure().message, "it took too long");
+    EXPECT_EQ(result.error().message, "it took too long");
     IndexPool usual(data_.path());
     EXPECT_EQ(find(usual, "apple").size(), 1U);
 }
@@ -271,8 +272,7 @@ TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
     ASSERT_TRUE(build(many));
     const Outcome<IndexCounts> poorer = build(stanza("p", "apple"));
     ASSERT_FALSE(poorer);
-    EXPECT_NE(poorer.failure().message.find("1 web pages instead of 100"), std::string::npos)
-        << poorer.failure().message;
+    EXPECT_NE(poorer.error().message.find("1 web pages instead of 100"), std::string::npos) << poorer.error().message;
     IndexPool pool(data_.path());
     EXPECT_EQ(find(pool, "apple").size(), 30U);
     EXPECT_FALSE(std::filesystem::exists(indexPath(data_.path()) + ".new"));

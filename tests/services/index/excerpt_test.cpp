@@ -5,6 +5,7 @@
 #include "index/excerpt.h"
 #include "text/markup.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

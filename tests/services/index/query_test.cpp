@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "index/query.h"
 #include "index/sqlite.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

@@ -3,6 +3,7 @@
 #include "index/sqlite.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 using namespace std::string_literals;
 
@@ -47,7 +48,7 @@ TEST(Database, FaultsSayWhatIsWrong)
     ASSERT_TRUE(database);
     const Outcome<Statement> select = database->prepare("SELECT * FROM sqlite_schema");
     ASSERT_FALSE(select);
-    EXPECT_NE(select.failure().message.find("not a database"), std::string::npos);
+    EXPECT_NE(select.error().message.find("not a database"), std::string::npos);
 }
 
 TEST(Database, FaultOfAStatementLeavesItUsable)

@@ -4,6 +4,7 @@
 #include "sources/indexing.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -15,7 +16,7 @@ protected:
     {
         const Outcome<IndexCounts> counts =
             buildIndex(data_.path(), {{input_.write("list", stanzas)}, mirror, {}}, [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
     }
 
     HttpResponse get(const std::string& path, const std::string& query = "")

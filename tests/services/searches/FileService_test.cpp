@@ -7,6 +7,7 @@
 #include "sources/indexing.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -21,7 +22,7 @@ protected:
             stanzas.append("Package: p\nSize: 5\nFilename: ").append(file).append("\n\n");
         const Outcome<IndexCounts> counts = buildIndex(
             data_.path(), {{input_.write("list", stanzas)}, "http://mirror.example/d/", {}}, [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
     }
 
     std::vector<std::string> find(const std::string& typed, std::int64_t start = 0)
@@ -130,7 +131,7 @@ TEST_F(Files, MirrorsKeepTheirScheme)
         const Outcome<IndexCounts> counts =
             buildIndex(data_.path(), {{input_.write("list", "Package: p\nFilename: pool/apple_1.deb\n")}, mirror, {}},
                        [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
         const Outcome<FileAnswer> file = service_.search("apple", 0);
         ASSERT_EQ(file->hits.size(), 1U);
         EXPECT_EQ(file->hits[0].address, mirror + "pool/apple_1.deb");

@@ -42,7 +42,7 @@ protected:
         sources.packageFiles = {input_.write("list", "")};
         sources.pictureFolders = {input_.path() + "/none", input_.path() + "/pics"};
         const Outcome<IndexCounts> counts = buildIndex(data_.path(), sources, [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
     }
 
     HttpResponse get(const std::string& target, Route route = Route::Direct)

@@ -7,6 +7,7 @@
 #include "tests/services/support/service_support.h"
 #include "text/markup.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -18,7 +19,7 @@ protected:
     {
         const Outcome<IndexCounts> counts = buildIndex(
             data_.path(), {{input_.write("list", stanzas)}, "", {input_.path() + "/docs"}}, [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
     }
 
     HttpResponse get(const std::string& path, const std::string& query = "")

@@ -62,7 +62,7 @@ protected:
     {
         const Outcome<IndexCounts> counts =
             buildIndex(data_.path(), {{input_.write("list", stanzas)}, mirror, {}}, [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
     }
 
     /// The body of the answer to a request of the program's.

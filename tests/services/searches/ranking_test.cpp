@@ -14,6 +14,7 @@
 
 /// What the searches show first.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
@@ -41,7 +42,7 @@ protected:
             buildIndex(data_.path(),
                        {{input_.write("list", stanzas_)}, "http://mirror.example/", {}, {input_.path() + "/pictures"}},
                        [](const std::string&) {});
-        ASSERT_TRUE(counts) << counts.failure().message;
+        ASSERT_TRUE(counts) << counts.error().message;
         counts_ = *counts;
     }
 

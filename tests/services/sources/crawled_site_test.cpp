@@ -8,6 +8,7 @@
 #include "sources/indexing.h"
 #include "tests/services/support/service_support.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 TEST(StoreCrawl, IsFoundByTheFileSearchAndReplacesTheCrawlBefore)
@@ -34,7 +35,7 @@ TEST(StoreCrawl, IsFoundByTheFileSearchAndReplacesTheCrawlBefore)
         found.folders = {"", "dir/"};
         found.files = {{0, "dir", std::nullopt, true}, {1, name, 5, false}};
         const Outcome<Done> stored = storeCrawl(data.path(), base, 1, std::move(found));
-        ASSERT_TRUE(stored) << stored.failure().message;
+        ASSERT_TRUE(stored) << stored.error().message;
     };
     store("ftp://c/", "apple one");
     EXPECT_EQ(find("apple"), (std::set<std::string>{"ftp://c/dir/apple%20one", "ftp://h/pool/apple_1.deb"}));

@@ -148,7 +148,7 @@ TEST(ReadListFile, ReadsAFileAndNamesAMissingOne)
     EXPECT_EQ(count, 2U);
     const auto missing = readListFile(folder.path() + "/none", [](const Package&) {});
     ASSERT_FALSE(missing);
-    EXPECT_NE(missing.failure().message.find("none"), std::string::npos);
+    EXPECT_NE(missing.error().message.find("none"), std::string::npos);
 }
 
 TEST(RepositoriesFrom, GroupsListsAndDropsWhatIsNoWebAddress)

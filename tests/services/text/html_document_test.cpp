@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "ground/text_encoding.h"
+#include "ground/utf8.h"
 #include "tests/services/support/service_support.h"
 #include "text/html_document.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

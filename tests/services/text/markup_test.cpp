@@ -2,6 +2,7 @@
 
 #include "text/markup.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 TEST(EscapeText, LeavesNoTagAndNoReference)

@@ -2,6 +2,7 @@
 
 #include "text/PageEncoding.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 TEST(PageEncoding, LabelsCompareWithoutCaseAndBlanks)

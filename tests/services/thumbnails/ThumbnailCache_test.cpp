@@ -8,6 +8,7 @@
 #include "ground/CurrentTask.h"
 #include "thumbnails/ThumbnailCache.h"
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {

@@ -14,6 +14,7 @@
 
 /// The thumbnails, made by the program quarrynet-thumbnails itself.
 
+using namespace quarrynet;
 using namespace quarrynet::services;
 using quarrynet::samples::dataFile;
 

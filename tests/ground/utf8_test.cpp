@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/utf8.h"
+#include "ground/utf8.h"
 
 using namespace quarrynet;
 
@@ -154,4 +154,47 @@ TEST(AppendUtf8, PutsTheSequenceBehindTheText)
     appendUtf8(text, 0x1F600);
     appendUtf8(text, 0);
     EXPECT_EQ(text, std::string_view("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\0", 11));
+}
+
+TEST(ToUtf8, KeepsGoodBytesAndTakesOthersAsLatin1)
+{
+    EXPECT_EQ(toUtf8("\xe2\x82\xac"), "\xe2\x82\xac");
+    EXPECT_EQ(toUtf8("\xe9"), "\xc3\xa9");
+    EXPECT_TRUE(isUtf8("\xf4\x8f\xbf\xbf"));
+    for (const char* bad : {"\xc0\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82", "\x80", "\xff", "\xe0\x80\x80"})
+        EXPECT_FALSE(isUtf8(bad)) << bad;
+}
+
+TEST(ClipUtf8, NeverCutsACharacter)
+{
+    EXPECT_EQ(clipUtf8("ab\xc3\xa9", 3), "ab");
+    EXPECT_EQ(clipUtf8("ab\xc3\xa9", 4), "ab\xc3\xa9");
+    EXPECT_EQ(clipUtf8("", 4), "");
+    EXPECT_EQ(clipUtf8("\xc3\xa9", 0), "");
+}
+
+TEST(AppendUtf8, NumberThatIsNoCharacterIsReplaced)
+{
+    std::string text;
+    appendUtf8(text, 0x10FFFF);
+    appendUtf8(text, 0xD800);
+    appendUtf8(text, 0x110000);
+    EXPECT_EQ(text, "\xf4\x8f\xbf\xbf\xef\xbf\xbd\xef\xbf\xbd");
+}
+
+TEST(IsUtf8, TextsOfWholeCharacters)
+{
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_TRUE(isUtf8(std::string_view("a\0\xC3\xBC", 4)));
+    EXPECT_FALSE(isUtf8("a\xC3"));
+    EXPECT_FALSE(isUtf8("\xBC"
+                        "a"));
+}
+
+TEST(WithoutBrokenCharacters, EveryByteThatBelongsToNoneIsReplaced)
+{
+    EXPECT_EQ(withoutBrokenCharacters(""), "");
+    EXPECT_EQ(withoutBrokenCharacters("a\xE2\x82\xAC"), "a\xE2\x82\xAC");
+    EXPECT_EQ(withoutBrokenCharacters("\xE2\x82"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(withoutBrokenCharacters("\xFFz\x80"), "\xEF\xBF\xBDz\xEF\xBF\xBD");
 }
