@@ -8,7 +8,7 @@
 #include "http/Router.h"
 #include "index/IndexWriter.h"
 #include "index/database.h"
-#include "search/download/link_resolution.h"
+#include "search/download/redirect.h"
 #include "search/download/request.h"
 #include "search/download/results.h"
 #include "search/file/request.h"
