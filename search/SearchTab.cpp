@@ -38,25 +38,11 @@ public:
 
 } // namespace
 
-void wireSession(TcpClientSocket& socket, FetchSession& session, QObject& context)
-{
-    using Socket = TcpClientSocket;
-    QObject::connect(&socket, &Socket::connected, &context, [&session] { session.connected(); });
-    QObject::connect(&socket, &Socket::sendProgress, &context, [&session] { session.sendProgress(); });
-    QObject::connect(&socket, &Socket::sendComplete, &context, [&session] { session.sendComplete(); });
-    QObject::connect(&socket, &Socket::dataArrival, &context, [&session] { session.dataArrived(); });
-    QObject::connect(&socket, &Socket::closedByPeer, &context, [&session] { session.closed(); });
-    QObject::connect(&socket, &Socket::failed, &context, [&session](int number, const QString& description) {
-        session.failed(number, toBytes(description));
-    });
-}
-
 SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent)
     : CoverableFrame(parent)
     , window_(window)
-    , socket_(row.socket, this)
+    , exchange_(row.socket, row.settings, *this, window.receiveState(), this)
     , buffer_(row.buffer, this)
-    , session_(row.settings, socket_, *this, window.receiveState())
 {
     setObjectName(row.frame);
     setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
@@ -65,8 +51,7 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
     timer_.setObjectName(row.timer);
     timer_.setInterval(row.interval);
     timer_.setTimerType(Qt::PreciseTimer);
-    connect(&timer_, &QTimer::timeout, this, [this] { session_.tick(); });
-    wireSession(socket_, session_, *this);
+    connect(&timer_, &QTimer::timeout, this, [this] { exchange_.session().tick(); });
 }
 
 void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs)
@@ -97,7 +82,7 @@ void SearchTab::setReachable(bool reachable)
 void SearchTab::fetch(const std::string& directHost)
 {
     buffer_.setText({});
-    session_.start(window_.target(directHost));
+    exchange_.session().start(window_.target(directHost));
 }
 
 void SearchTab::enableStartButton()

@@ -4,22 +4,18 @@
 
 #include <QTimer>
 
-#include "common/FetchSession.h"
 #include "common/request_text.h"
 #include "common/result_heading.h"
 #include "platform/CoverableFrame.h"
 #include "platform/HiddenText.h"
 #include "platform/PagingSlider.h"
-#include "platform/TcpClientSocket.h"
+#include "search/Exchange.h"
 #include "search/SearchWindow.h"
 
 class QLineEdit;
 class QPushButton;
 
 namespace quarrynet {
-
-/// Connects a socket's events to the cycle's functions of the same meaning.
-void wireSession(TcpClientSocket& socket, FetchSession& session, QObject& context);
 
 /// A row of the per-socket table.
 struct SocketRow
@@ -40,7 +36,7 @@ class SearchTab : public CoverableFrame, public FetchTab
     Q_DISABLE_COPY_MOVE(SearchTab)
 
 public:
-    TcpClientSocket& socket() { return socket_; }
+    TcpClientSocket& socket() { return exchange_.socket(); }
     HiddenText& buffer() { return buffer_; }
     QTimer& timer() { return timer_; }
     QPushButton& startButton() { return *startButton_; }
@@ -85,10 +81,9 @@ protected:
 
 private:
     SearchWindow& window_;
-    TcpClientSocket socket_;
+    Exchange exchange_;
     QTimer timer_;
     HiddenText buffer_;
-    FetchSession session_;
     QPushButton* startButton_ = nullptr;
 };
 

@@ -5,7 +5,6 @@
 #include "dialogs/Dialog.h"
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
-#include "search/SearchTab.h"
 #include "search/download/redirect.h"
 
 namespace quarrynet {
@@ -13,12 +12,9 @@ namespace quarrynet {
 LinkResolution::LinkResolution(SearchWindow& window, QWidget* parent)
     : QObject(parent)
     , window_(window)
-    , DownSock(QStringLiteral("DownSock"), parent)
+    , exchange_(QStringLiteral("DownSock"), {.marksHeader = false}, *this, window.receiveState(), parent)
     , Text14(QStringLiteral("Text14"), parent)
-    , session_({.marksHeader = false}, DownSock, *this, window.receiveState())
-{
-    wireSession(DownSock, session_, *this);
-}
+{}
 
 LinkResolution::~LinkResolution() = default;
 
@@ -30,8 +26,8 @@ void LinkResolution::start(const std::string& link)
         return;
     }
     Text14.setText(*path);
-    session_.start(window_.target(site()));
-    if (DownSock.State() == SocketState::Closed)
+    exchange_.session().start(window_.target(site()));
+    if (exchange_.socket().State() == SocketState::Closed)
         return; // memory did not suffice, and nothing would close the wait box
     if (!dialog_)
         dialog_ = new Dialog(owner());

@@ -2,9 +2,8 @@
 
 #include <QObject>
 
-#include "common/FetchSession.h"
 #include "platform/HiddenText.h"
-#include "platform/TcpClientSocket.h"
+#include "search/Exchange.h"
 #include "search/SearchWindow.h"
 
 namespace quarrynet {
@@ -24,7 +23,7 @@ public:
     LinkResolution(SearchWindow& window, QWidget* parent);
     ~LinkResolution() override;
 
-    /// Begins with `link`, a path as it stood in the page. One that is being resolved is given up for it.
+    /// Starts resolving `link` (a path, as the page had it). Cancels a resolution that is still running.
     void start(const std::string& link);
 
 protected:
@@ -44,9 +43,8 @@ private:
     const std::string& site() const { return window_.serviceHosts().downloadSite; }
 
     SearchWindow& window_;
-    TcpClientSocket DownSock;
+    Exchange exchange_; // of DownSock
     HiddenText Text14;
-    FetchSession session_;
     Dialog* dialog_ = nullptr; // made for the first link, a child of the window
 };
 
