@@ -1,16 +1,12 @@
 #include "app/Main.h"
 
-#include <limits>
-
 #include <QApplication>
-#include <QFile>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QResizeEvent>
 
 #include "common/local_pages.h"
-#include "common/numbers.h"
 #include "common/request_text.h"
 #include "icons/icons.h"
 #include "platform/HiddenText.h"
@@ -28,12 +24,6 @@
 namespace quarrynet {
 
 namespace {
-
-constexpr const char* kOn = "on";
-constexpr const char* kOff = "off";
-constexpr const char* kHostSection = "ProxyHost";
-constexpr const char* kPortSection = "ProxyPort";
-constexpr const char* kKey = "Value";
 
 constexpr int kDesignWidth = 608;
 constexpr int kDesignHeight = 434;
@@ -58,7 +48,8 @@ std::vector<QWidget*> placedControls(QWidget& centre)
 
 } // namespace
 
-Main::Main(const Surroundings& surroundings) : surroundings_(surroundings), registry_(systemRegistry())
+Main::Main(const Surroundings& surroundings)
+    : surroundings_(surroundings), registry_(systemRegistry()), settings_(settingsPath())
 {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral("Quarrynet"));
@@ -121,7 +112,7 @@ void Main::makeControls()
     StatusBar1->addPanel(*ActivityPanel, 3);
 
     ProxySwitch = new HiddenText(QStringLiteral("ProxySwitch"), STI);
-    ProxySwitch->setText(kOff);
+    ProxySwitch->setText(ProxySettings::switchText(false));
     connect(ProxySwitch, &HiddenText::changed, this, &Main::ProxySwitch_Change);
 }
 
@@ -145,18 +136,14 @@ void Main::joinTabs()
 
 bool Main::load()
 {
-    settings_.setFileName(settingsPath());
-    if (QFile::exists(toText(settingsPath()))) {
-        std::string value;
-        settings_.ReadValue("ProxySwitch", kKey, value);
-        if (value == kOn) {
-            {
-                // The change's own handling would only read the same file, and show an overflow a second time.
-                const QSignalBlocker once(ProxySwitch);
-                ProxySwitch->setText(kOn);
-            }
-            if (!readProxy(nullptr))
-                return false;
+    settings_.load();
+        if (!takeProxy(nullptr))
+            return false;
+    if (settings_.on) {
+        {
+            // The change's own handling would only read the same file, and show an overflow a second time.
+            const QSignalBlocker once(ProxySwitch);
+            ProxySwitch->setText(ProxySettings::switchText(true));
         }
     }
 
@@ -198,19 +185,14 @@ bool Main::isDirect() const
     return routeFor(ProxySwitch->text()) == Route::Direct;
 }
 
-bool Main::readProxy(QWidget* owner)
+bool Main::takeProxy(QWidget* owner)
 {
-    // A value that is missing or empty leaves its variable alone, and must not leave the last proxy's there.
-    std::string host;
-    std::string port;
-    settings_.ReadValue(kHostSection, kKey, host);
-    settings_.ReadValue(kPortSection, kKey, port);
-    CurrentProxyHost = host;
-    const Result<std::int16_t> number = roundToInt16(leadingNumber(port));
+    CurrentProxyHost = settings_.host;
+    const Result<std::int16_t> number = settings_.portNumber();
     if (!number) {
         const QString reason = tr("Section [%1]: the port must not be greater than %2.")
-                                   .arg(QLatin1String(kPortSection))
-                                   .arg(std::numeric_limits<std::int16_t>::max());
+                                   .arg(toText(ProxySettings::kPortSection))
+                                   .arg(ProxySettings::kLargestPort);
         showSettingError(owner, number.error(), toText(settingsPath()), reason);
         return false;
     }
@@ -222,15 +204,13 @@ void Main::ProxySwitch_Change()
 {
     if (isDirect())
         return;
-    settings_.setFileName(settingsPath());
-    std::string value;
-    settings_.ReadValue("ProxySwitch", kKey, value);
-    if (value != kOn)
+    settings_.load();
+    if (!settings_.on)
         return;
-    ProxySwitch->setText(kOn);
+    ProxySwitch->setText(ProxySettings::switchText(true));
     // The options dialog is still open when its OK brings this about.
     QWidget* dialog = QApplication::activeModalWidget();
-    readProxy(dialog ? dialog : this);
+    takeProxy(dialog ? dialog : this);
 }
 
 void Main::showConnection(std::string_view caption)

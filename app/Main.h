@@ -9,7 +9,7 @@
 
 #include "app/ChangeSize.h"
 #include "app/FormLayout.h"
-#include "common/CDS_CIni.h"
+#include "common/ProxySettings.h"
 #include "common/runtime_error.h"
 #include "search/SearchWindow.h"
 
@@ -103,9 +103,9 @@ private:
 
     std::string settingsPath() const;
 
-    /// Takes host and port from the settings. False when the port does not fit; the box that says so, `owner`'s, has
-    /// been answered then.
-    bool readProxy(QWidget* owner);
+    /// Takes host and port from the loaded settings. Returns false when the port does not fit, after `owner`'s box that
+    /// says so has been answered.
+    bool takeProxy(QWidget* owner);
 
     // Handlers and commands, named control and event.
     void Form_Resize();
@@ -130,7 +130,7 @@ private:
     Surroundings surroundings_;
     ReceiveState receiveState_;
     std::unique_ptr<Registry> registry_;
-    CDS_CIni settings_;
+    ProxySettings settings_;
     std::string CurrentProxyHost;
     std::int16_t CurrentProxyPort = 0;
 

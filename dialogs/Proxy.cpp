@@ -10,11 +10,6 @@ namespace quarrynet {
 
 namespace {
 
-constexpr const char* kSwitchSection = "ProxySwitch";
-constexpr const char* kHostSection = "ProxyHost";
-constexpr const char* kPortSection = "ProxyPort";
-constexpr const char* kKey = "Value";
-
 // A line end that was pasted along with a name is not seen in the field, and the settings file could not hold it.
 std::string typedText(const QLineEdit& field)
 {
@@ -25,10 +20,10 @@ std::string typedText(const QLineEdit& field)
 
 } // namespace
 
-Proxy::Proxy(std::string settingsPath, SwitchSetter setProxySwitch, QWidget* parent)
+Proxy::Proxy(const std::string& settingsPath, SwitchSetter setProxySwitch, QWidget* parent)
     : QDialog(parent)
     , ui_(std::make_unique<Ui::Proxy>())
-    , settingsPath_(std::move(settingsPath))
+    , settings_(settingsPath)
     , setProxySwitch_(std::move(setProxySwitch))
 {
     ui_->setupUi(this);
@@ -44,26 +39,19 @@ Proxy::Proxy(std::string settingsPath, SwitchSetter setProxySwitch, QWidget* par
 
 Proxy::~Proxy() = default;
 
-std::string Proxy::readSetting(const std::string& section)
-{
-    std::string value;
-    store_.ReadValue(section, kKey, value); // what is missing reads as empty
-    return value;
-}
-
 void Proxy::showHostAndPort()
 {
-    ui_->Text1->setText(toText(readSetting(kHostSection)));
-    ui_->Text2->setText(toText(readSetting(kPortSection)));
+    ui_->Text1->setText(toText(settings_.host));
+    ui_->Text2->setText(toText(settings_.port));
 }
 
 void Proxy::Form_Load()
 {
-    store_.setFileName(settingsPath_);
-    ui_->Check1->setChecked(readSetting(kSwitchSection) == "on");
+    settings_.load();
+    ui_->Check1->setChecked(settings_.on);
     showHostAndPort();
-    ui_->Text1->setEnabled(ui_->Check1->isChecked());
-    ui_->Text2->setEnabled(ui_->Check1->isChecked());
+    ui_->Text1->setEnabled(settings_.on);
+    ui_->Text2->setEnabled(settings_.on);
 }
 
 void Proxy::Check1_Click()
@@ -72,7 +60,7 @@ void Proxy::Check1_Click()
     ui_->Text1->setEnabled(on);
     ui_->Text2->setEnabled(on);
     if (on) {
-        store_.setFileName(settingsPath_);
+        settings_.load();
         showHostAndPort(); // what was saved last comes back
     } else {
         ui_->Text1->clear();
@@ -80,19 +68,12 @@ void Proxy::Check1_Click()
     }
 }
 
-void Proxy::writeSettings(const std::string& proxySwitch)
-{
-    // A write that fails is passed over: whoever handles the switch reads back what the file holds.
-    store_.WriteValue(kSwitchSection, kKey, proxySwitch);
-    store_.WriteValue(kHostSection, kKey, typedText(*ui_->Text1));
-    store_.WriteValue(kPortSection, kKey, typedText(*ui_->Text2));
-}
-
 void Proxy::Command1_Click()
 {
-    store_.setFileName(settingsPath_);
-    const bool on = ui_->Check1->isChecked();
-    if (on) {
+    settings_.on = ui_->Check1->isChecked();
+    settings_.host = typedText(*ui_->Text1);
+    settings_.port = typedText(*ui_->Text2);
+    if (settings_.on) {
         for (QLineEdit* field : {ui_->Text1, ui_->Text2}) {
             if (typedText(*field).empty()) {
                 showInformation(this, tr("All fields are mandatory"));
@@ -101,9 +82,8 @@ void Proxy::Command1_Click()
             }
         }
     }
-    const std::string proxySwitch = on ? "on" : "off";
-    writeSettings(proxySwitch);
-    setProxySwitch_(proxySwitch);
+    settings_.save(); // a failed write is passed over: whoever handles the switch reads back what the file holds
+    setProxySwitch_(ProxySettings::switchText(settings_.on));
     accept();
 }
 

@@ -6,7 +6,7 @@
 
 #include <QDialog>
 
-#include "common/CDS_CIni.h"
+#include "common/ProxySettings.h"
 
 class QLineEdit;
 
@@ -29,7 +29,7 @@ public:
 
     /// `settingsPath`: the settings file, in the file system's encoding; it need not exist. `setProxySwitch` runs on
     /// every OK that is carried out, after the file was written, while the dialog is still open.
-    Proxy(std::string settingsPath, SwitchSetter setProxySwitch, QWidget* parent = nullptr);
+    Proxy(const std::string& settingsPath, SwitchSetter setProxySwitch, QWidget* parent = nullptr);
     ~Proxy() override;
 
 private:
@@ -38,13 +38,10 @@ private:
     void Command1_Click();
     void Command2_Click();
 
-    std::string readSetting(const std::string& section);
     void showHostAndPort();
-    void writeSettings(const std::string& proxySwitch);
 
     std::unique_ptr<Ui::Proxy> ui_;
-    CDS_CIni store_;
-    std::string settingsPath_;
+    ProxySettings settings_;
     SwitchSetter setProxySwitch_;
 };
 
