@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include "common/local_pages.h"
+#include "platform/message_boxes.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
@@ -17,6 +19,19 @@ QString rewriteFile(const std::string& path, std::string_view bytes)
     if (file.write(bytes.data(), size) != size || !file.flush())
         return file.errorString();
     return {};
+}
+
+bool writePages(QWidget* owner, const std::string& folder,
+                std::initializer_list<std::pair<std::string_view, std::string_view>> pages)
+{
+    for (const auto& [name, text] : pages) {
+        const std::string path = pathInFolder(folder, name);
+        if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
+            showFileError(owner, toText(path), reason);
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace quarrynet

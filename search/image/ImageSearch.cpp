@@ -135,14 +135,10 @@ void ImageSearch::Text9_Change()
 
 bool ImageSearch::writeGallery(const std::string& gallery)
 {
-    for (const auto& [name, text] : {std::pair<std::string_view, std::string>(kGalleryPageName, gallery),
-                                     std::pair<std::string_view, std::string>(kGalleryFrameName, galleryFramePage())}) {
-        const std::string path = pathInFolder(searchWindow().programFolder(), name);
-        if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
-            showFileError(window(), toText(path), reason);
-            emit unwritable();
-            return false;
-        }
+    if (!writePages(window(), searchWindow().programFolder(),
+                    {{kGalleryPageName, gallery}, {kGalleryFrameName, galleryFramePage()}})) {
+        emit unwritable();
+        return false;
     }
     showPage(kGalleryFrameName, shownPictures());
     return true;
