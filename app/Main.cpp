@@ -119,15 +119,9 @@ void Main::makeControls()
 // Where one tab touches another: all of it, and all on purpose.
 void Main::joinTabs()
 {
-    // Stop, with the first tab's row as the pattern. Two rows differ from it: on the image tab the page check's timer
-    // is stopped, on the file tab the download search's socket is closed.
-    stopRows_ = {
-        {&STI->socket(), &STI->buffer(), &STI->startButton(), &STI->timer(), STI, &STI->socket()},
-        {&SPS->socket(), &SPS->buffer(), &SPS->startButton(), &SPS->timer(), SPS, &SPS->socket()},
-        {&IMG->socket(), &IMG->buffer(), &IMG->startButton(), &SPS->timer(), IMG, &IMG->socket()},
-        {&SFD->socket(), &SFD->buffer(), &SFD->startButton(), &SFD->timer(), SFD, &SFD->socket()},
-        {&SFS->socket(), &SFS->buffer(), &SFS->startButton(), &SFS->timer(), SFS, &SFD->socket()},
-    };
+    // Stop acts on the tab in front, but on the image tab it stops the page check's timer, and on the file tab it
+    // closes the download search's socket.
+    stopExceptions_ = {{IMG, SPS, IMG}, {SFS, SFS, SFD}};
     // The image search's command empties the page check's list, and through a proxy it asks for the page that the web
     // search's slider shows.
     IMG->setNeighbours([this] { SPS->clearView(); }, [this] { return STI->page(); });
@@ -137,14 +131,14 @@ void Main::joinTabs()
 bool Main::load()
 {
     settings_.load();
-        if (!takeProxy(nullptr))
-            return false;
     if (settings_.on) {
         {
             // The change's own handling would only read the same file, and show an overflow a second time.
             const QSignalBlocker once(ProxySwitch);
             ProxySwitch->setText(ProxySettings::switchText(true));
         }
+        if (!takeProxy(nullptr))
+            return false;
     }
 
     const std::vector<QWidget*> controls = placedControls(*centralWidget());
@@ -152,14 +146,8 @@ bool Main::load()
     layout_ = std::make_unique<FormLayout>(*this, controls, [this] { Form_Resize(); });
     changeSize_.Init(*layout_);
 
-    for (const auto& [name, text] : {std::pair<std::string_view, std::string>(kBlankFrameName, blankFramePage()),
-                                     std::pair<std::string_view, std::string>(kBlankPageName, blankPage())}) {
-        const std::string path = pathInFolder(programFolder(), name);
-        if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
-            showFileError(nullptr, toText(path), reason);
-            return false;
-        }
-    }
+    if (!writePages(nullptr, programFolder(), {{kBlankFrameName, blankFramePage()}, {kBlankPageName, blankPage()}}))
+        return false;
     IMG->clearView();
 
     setMinimumSize((kDesignWidth + 1) / 2, (kDesignHeight + 1) / 2);

@@ -14,8 +14,6 @@
 #include "search/SearchWindow.h"
 
 class QLabel;
-class QPushButton;
-class QTimer;
 
 namespace quarrynet {
 
@@ -29,7 +27,6 @@ class Registry;
 class SearchTab;
 class StatusBar;
 class TabStrip;
-class TcpClientSocket;
 class ToolBar;
 class WebSearch;
 
@@ -85,15 +82,12 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    // A row of Stop's table: what Stop does while a tab is in front.
+    // What Stop acts on while `front` is in front: everything of that tab, but the timer and the socket of these.
     struct StopRow
     {
-        TcpClientSocket* tested;
-        HiddenText* buffer;
-        QPushButton* button;
-        QTimer* timer;
-        SearchTab* cleared;
-        TcpClientSocket* closed;
+        SearchTab* front;
+        SearchTab* timer;
+        SearchTab* socket;
     };
 
     void makeControls();
@@ -110,7 +104,6 @@ private:
     // Handlers and commands, named control and event.
     void Form_Resize();
     void TabStrip1_Click();
-    void Toolbar1_ButtonClick(int index);
     void ProxySwitch_Change();
     void exitmnu_Click();
     void proxymnu_Click();
@@ -121,11 +114,16 @@ private:
     void aboutmnu_Click();
     void stopmnu_Click();
 
+    void showOwnAbout() { showAbout(this); }
     void showAbout(QWidget* owner);
+
+    /// Empties the buffer, the activity panel and the result view, shows "Closed", enables the button, stops the timer
+    /// and closes the socket.
+    void bringToRest(const StopRow& row);
 
     /// Frees the response that was received so far, unless another exchange is under way.
     void giveMemoryBack();
-    int selectedTag() const;
+    SearchTab* frontTab() const; // null when the selected tab carries no known tag
 
     Surroundings surroundings_;
     ReceiveState receiveState_;
@@ -147,7 +145,7 @@ private:
     DownloadSearch* SFD = nullptr;
     FileSearch* SFS = nullptr;
     std::array<SearchTab*, 5> tabs_{};
-    std::vector<StopRow> stopRows_;
+    std::vector<StopRow> stopExceptions_; // the tabs that are not in it are brought to rest whole
 
     ChangeSize changeSize_;
     std::unique_ptr<FormLayout> layout_;

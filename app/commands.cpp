@@ -1,10 +1,12 @@
 // The command layer of the main window: tabs, menus, toolbar, keys and Stop.
 
+#include <algorithm>
+#include <array>
+
 #include <QAction>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QTimer>
 
 #include "app/Main.h"
 #include "dialogs/Proxy.h"
@@ -20,29 +22,6 @@
 #include "search/SearchTab.h"
 
 namespace quarrynet {
-
-namespace {
-
-// A button's tool tip, which is its name too, and its picture; a separator has none.
-struct ToolbarButton
-{
-    const char* toolTip;
-    const char* picture;
-};
-
-constexpr std::array<ToolbarButton, 9> kToolbarButtons = {{
-    {nullptr, nullptr},
-    {"Configure Proxy", "proxy"},
-    {nullptr, nullptr},
-    {"Stop Current Search", "stop"},
-    {nullptr, nullptr},
-    {"Help", "help"},
-    {"E-mail Author", "mail"},
-    {"Webpage", "webpage"},
-    {"About Quarrynet", "about"},
-}};
-
-} // namespace
 
 void Main::makeMenus()
 {
@@ -74,28 +53,43 @@ void Main::makeMenus()
 
 void Main::makeToolbar()
 {
+    // A button's tool tip, which is its name too, its picture and its command. A row without them is a separator.
+    struct Button
+    {
+        const char* toolTip = nullptr;
+        const char* picture = nullptr;
+        void (Main::*command)() = nullptr;
+    };
+    static constexpr std::array<Button, 9> kButtons = {{
+        {},
+        {"Configure Proxy", "proxy", &Main::proxymnu_Click},
+        {},
+        {"Stop Current Search", "stop", &Main::stopmnu_Click},
+        {},
+        {"Help", "help", &Main::helpmnu_Click}, // does nothing: the manual is reached through Help > Contents alone
+        {"E-mail Author", "mail", &Main::emailauth_Click},
+        {"Webpage", "webpage", &Main::webpage_Click},
+        {"About Quarrynet", "about", &Main::showOwnAbout},
+    }};
     ImageList1 = new ImageList(this);
     ImageList1->setObjectName(QStringLiteral("ImageList1"));
-    for (std::size_t i = 0; i < kToolbarButtons.size(); ++i) {
-        const ToolbarButton& button = kToolbarButtons[i];
-        if (!button.toolTip) {
+    for (const Button& button : kButtons) {
+        if (!button.command) {
             Toolbar1->addSeparator();
             continue;
         }
         ImageList1->add(icon(QLatin1String(button.picture)));
         QAction* action = Toolbar1->addAction(ImageList1->image(ImageList1->count()), tr(button.toolTip));
         action->setToolTip(tr(button.toolTip));
-        const int index = static_cast<int>(i) + 1;
-        connect(action, &QAction::triggered, this, [this, index] { Toolbar1_ButtonClick(index); });
+        connect(action, &QAction::triggered, this, button.command);
     }
 }
 
 void Main::TabStrip1_Click()
 {
-    const int tag = selectedTag();
-    if (tag < 1 || tag > static_cast<int>(tabs_.size()))
+    SearchTab* chosen = frontTab();
+    if (!chosen)
         return;
-    SearchTab* chosen = tabs_[static_cast<std::size_t>(tag) - 1];
     const bool typing = centralWidget()->isAncestorOf(focusWidget()) && focusWidget() != TabStrip1;
     chosen->setReachable(true);
     chosen->show();
@@ -107,35 +101,10 @@ void Main::TabStrip1_Click()
         chosen->firstField().setFocus();
 }
 
-int Main::selectedTag() const
+SearchTab* Main::frontTab() const
 {
-    return TabStrip1->tabData(TabStrip1->currentIndex()).toString().toInt();
-}
-
-void Main::Toolbar1_ButtonClick(int index)
-{
-    switch (index) {
-    case 2:
-        proxymnu_Click();
-        break;
-    case 4:
-        stopmnu_Click();
-        break;
-    case 6:
-        helpmnu_Click(); // which does nothing: the manual is reached through Help > Contents alone
-        break;
-    case 7:
-        emailauth_Click();
-        break;
-    case 8:
-        webpage_Click();
-        break;
-    case 9:
-        showAbout(this);
-        break;
-    default:
-        break;
-    }
+    const int tag = TabStrip1->tabData(TabStrip1->currentIndex()).toString().toInt();
+    return tag >= 1 && tag <= static_cast<int>(tabs_.size()) ? tabs_[static_cast<std::size_t>(tag) - 1] : nullptr;
 }
 
 void Main::exitmnu_Click()
@@ -193,21 +162,25 @@ void Main::keyPressEvent(QKeyEvent* event)
 
 void Main::stopmnu_Click()
 {
-    const int tag = selectedTag();
-    if (tag < 1 || tag > static_cast<int>(stopRows_.size()))
+    SearchTab* front = frontTab();
+    if (!front || front->socket().State() == SocketState::Closed)
         return;
-    const StopRow& row = stopRows_[static_cast<std::size_t>(tag) - 1];
-    if (row.tested->State() == SocketState::Closed)
-        return;
-    row.buffer->setText({});
-    showActivity({});
-    showConnection(socketStateName(SocketState::Closed));
-    row.button->setEnabled(true);
-    row.timer->stop();
-    row.cleared->clearView();
-    row.closed->Close();
+    const auto exception = std::find_if(stopExceptions_.begin(), stopExceptions_.end(),
+                                        [front](const StopRow& row) { return row.front == front; });
+    bringToRest(exception != stopExceptions_.end() ? *exception : StopRow{front, front, front});
     giveMemoryBack();
     showCritical(this, tr("User cancel the operation"));
+}
+
+void Main::bringToRest(const StopRow& row)
+{
+    row.front->buffer().setText({});
+    showActivity({});
+    showConnection(socketStateName(SocketState::Closed));
+    row.front->startButton().setEnabled(true);
+    row.timer->timer().stop();
+    row.front->clearView();
+    row.socket->socket().Close();
 }
 
 void Main::giveMemoryBack()
@@ -223,25 +196,14 @@ void Main::giveMemoryBack()
 
 void Main::outOfMemory()
 {
+    SearchTab* front = frontTab();
     for (SearchTab* tab : tabs_) {
-        if (tab->socket().State() != SocketState::Closed) {
-            tab->socket().Close();
-            tab->startButton().setEnabled(true);
-            tab->timer().stop();
-        }
-    }
-    // What is shown is what could not be laid out or painted; it would fail again behind the box.
-    const int tag = selectedTag();
-    if (tag >= 1 && tag <= static_cast<int>(tabs_.size())) {
-        SearchTab* front = tabs_[static_cast<std::size_t>(tag) - 1];
-        front->buffer().setText({});
-        front->clearView();
-        front->startButton().setEnabled(true);
-        front->timer().stop(); // a search that has no connection yet, or gets none, runs its timer all the same
+        // The front's view is what could not be laid out or painted; it would fail again behind the box. Its search may
+        // have no connection yet, or get none.
+        if (tab == front || tab->socket().State() != SocketState::Closed)
+            bringToRest({tab, tab, tab});
     }
     giveMemoryBack();
-    showActivity({});
-    showConnection(socketStateName(SocketState::Closed));
     showRuntimeError(this, RuntimeError::OutOfMemory);
 }
 
