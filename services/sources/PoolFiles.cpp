@@ -51,11 +51,13 @@ bool PoolFiles::add(std::string_view base, std::string_view file, std::int64_t s
         static_cast<std::size_t>(std::count(file.begin(), file.end(), '/')) > kMaxPoolLevels)
         return false;
     bytes_ += file.size() - split + kNodeBytes;
-    auto site = std::find(sites_.begin(), sites_.end(), base);
-    if (site == sites_.end())
-        site = sites_.insert(sites_.end(), std::string(base));
-    const auto number = static_cast<std::size_t>(site - sites_.begin());
-    entries_.push_back({folderNumber(number, file.substr(0, split)), std::string(file.substr(split)), size, false});
+    auto site = siteNumbers_.find(base);
+    if (site == siteNumbers_.end()) {
+        sites_.emplace_back(base);
+        site = siteNumbers_.emplace(base, sites_.size() - 1).first;
+    }
+    entries_.push_back(
+        {folderNumber(site->second, file.substr(0, split)), std::string(file.substr(split)), size, false});
     return true;
 }
 

@@ -48,6 +48,7 @@ private:
 
     std::size_t bytes_ = 0;
     std::vector<std::string> sites_;
+    std::map<std::string, std::size_t, std::less<>> siteNumbers_;
     std::vector<Folder> folders_;
     std::vector<Entry> entries_;
     std::map<std::string, std::size_t, std::less<>> folderNumbers_; ///< by site number, "/" and path
