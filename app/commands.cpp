@@ -200,7 +200,8 @@ void Main::outOfMemory()
     for (SearchTab* tab : tabs_) {
         // The front's view is what could not be laid out or painted; it would fail again behind the box. Its search may
         // have no connection yet, or get none.
-        if (tab == front || tab->socket().State() != SocketState::Closed)
+        const bool searching = tab->socket().State() != SocketState::Closed;
+        if (searching || tab == front)
             bringToRest({tab, tab, tab});
     }
     giveMemoryBack();
