@@ -40,8 +40,8 @@ foreach(file IN LISTS files)
 endforeach()
 
 # A capital says that the folder's headers declare a class of that name; of a class within a class, the end of the name.
-set(begins "(class|struct) ([A-Za-z0-9_]+::)*")
-set(continues "( final)?( :|[ \n]*{)")
+set(begins "(class|struct|using) ([A-Za-z0-9_]+::)*")
+set(continues "( final)?( :| =|[ \n]*{)")
 
 function(check_declares file name text)
   string(REGEX MATCHALL "${begins}[A-Za-z0-9_]+${continues}" classes "${text}")
