@@ -24,7 +24,8 @@ class SettingsCost : public ::testing::Test
 protected:
     SettingsCost()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / ("quarrynet-cost-" + std::string(6, 'X'))).string();
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / ("quarrynet-cost-" + std::string(6, 'X'))).string();
         folder_ = ::mkdtemp(pattern.data());
         store_.setFileName((folder_ / "Quarrynet.ini").string());
     }
@@ -77,8 +78,9 @@ TEST_F(SettingsCost, Reading)
 TEST_F(SettingsCost, Writing)
 {
     expectProportionalFiles("written value", [&] { ASSERT_TRUE(store_.WriteValue("s", "key", "other")); });
-    expectProportionalFiles("written section",
-                            [&] { ASSERT_TRUE(store_.WriteSection("s", {"key", "new"}, {"value", "value"})); });
+    expectProportionalFiles("written section", [&] {
+        ASSERT_TRUE(store_.WriteSection("s", {"key", "new"}, {"value", "value"}));
+    });
     expectProportional("long written value", [&](std::size_t length) {
         std::filesystem::remove(store_.FileName());
         const std::string value(length, 'x');

@@ -10,6 +10,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
+/// How often a page that is shown is loaded, with what it shows in frames and what it loads in its own place.
+constexpr qsizetype kMostLoads = 8;
+/// How often the view tries again to show a page whose loading was ended.
+constexpr qsizetype kMostRetries = 3;
+
 /// What a hostile page cannot do.
 class HtmlEngineGuardTest final : public EngineFixture
 {
@@ -22,6 +27,8 @@ private slots:
     void drawingsAreNotShown();
     void pageCannotLeaveByItself_data();
     void pageCannotLeaveByItself();
+    void pageLoadsItselfAgainAFewTimes_data();
+    void pageLoadsItselfAgainAFewTimes();
     void localFilesAreClosed();
     void netIsClosedButForPictures();
     void picturesBeyondTheirNumberAreLeftOut();
@@ -111,6 +118,36 @@ void HtmlEngineGuardTest::pageCannotLeaveByItself()
     QCOMPARE(engine()->property("url").toUrl(), QUrl::fromLocalFile(path(u"images.html"_s)));
     QVERIFY(!server_->targets().contains("/page"));
     QVERIFY(links_.empty());
+}
+
+void HtmlEngineGuardTest::pageLoadsItselfAgainAFewTimes_data()
+{
+    QTest::addColumn<QByteArray>("page");
+    QTest::addColumn<QByteArray>("other");
+    const QByteArray again = "<meta http-equiv=refresh content=0><img src=PICTURE>";
+    const QByteArray images = "<meta http-equiv=refresh content=\"0;url=images.html\"><img src=PICTURE>";
+    const QByteArray other = "<meta http-equiv=refresh content=\"0;url=new.html\"><img src=PICTURE>";
+    QTest::newRow("as the same page") << again << QByteArray();
+    QTest::newRow("by its name") << images << QByteArray();
+    QTest::newRow("in turn with another one") << other << images;
+    // The frame comes first, and the page's own attempt, which is refused, ends the test.
+    QTest::newRow("in a frame") << QByteArray("<meta http-equiv=refresh content=3><iframe src=new.html></iframe>")
+                                << again;
+}
+
+// Each load asks for the picture again, so that the server sees how many there were.
+void HtmlEngineGuardTest::pageLoadsItselfAgainAFewTimes()
+{
+    QFETCH(QByteArray, page);
+    QFETCH(QByteArray, other);
+    server_->answerWithPicture("/a", Qt::red);
+    write(u"new.html"_s, other.replace("PICTURE", address("/a")));
+    open(page.replace("PICTURE", address("/a")));
+    QSignalSpy finished(engine(), SIGNAL(loadFinished(bool)));
+    const auto refused = [&] { return finished.count(QList<QVariant>{false}); };
+    QTRY_COMPARE_WITH_TIMEOUT(refused(), 1 + kMostRetries, 30000);
+    QVERIFY2(server_->requests.size() > 1, "it did not load itself again");
+    QVERIFY2(server_->requests.size() <= kMostLoads, qPrintable(QString::number(server_->requests.size())));
 }
 
 void HtmlEngineGuardTest::localFilesAreClosed()
