@@ -5,6 +5,8 @@
 #include <cstddef>
 
 #include "common/cutting.h"
+#include "ground/ascii.h"
+#include "ground/percent_coding.h"
 
 namespace quarrynet {
 
@@ -13,67 +15,9 @@ namespace {
 // An argument of a program may be 128 KB long on the strictest of the systems.
 constexpr std::size_t kMaxLength = 64 * 1024;
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool isAlphanumeric(char c)
-{
-    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z');
-}
-
-bool isHexDigit(char c)
-{
-    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f');
-}
-
 bool isOneOf(char c, std::string_view characters)
 {
     return characters.find(c) != std::string_view::npos;
-}
-
-bool isControl(char c)
-{
-    return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-}
-
-bool isNonAscii(char c)
-{
-    return static_cast<unsigned char>(c) >= 0x80;
-}
-
-std::string lowered(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
-    return result;
-}
-
-// `text` with every byte encoded that is neither a letter, a digit nor one of `allowed`; what is encoded already stays.
-std::string encoded(std::string_view text, std::string_view allowed)
-{
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string result;
-    result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        const bool escape = c == '%' && i + 2 < text.size() && isHexDigit(text[i + 1]) && isHexDigit(text[i + 2]);
-        if (escape || isAlphanumeric(c) || isOneOf(c, allowed)) {
-            result += c;
-        } else {
-            const auto code = static_cast<unsigned char>(c);
-            result += '%';
-            result += kDigits[code >> 4U];
-            result += kDigits[code & 15U];
-        }
-    }
-    return result;
 }
 
 // RFC 3986, section 3.2: user information, host and port. Stricter where a program behind the desktop might stumble: no
@@ -87,7 +31,7 @@ bool isAuthority(std::string_view authority)
         host = authority.substr(at + 1);
     }
     const auto isUserByte = [](char c) {
-        return isAlphanumeric(c) || isNonAscii(c) || isOneOf(c, "-._~%!&*+,;=:$'()");
+        return isAsciiAlphanumeric(c) || !isAscii(c) || isOneOf(c, "-._~%!&*+,;=:$'()");
     };
     if (!std::all_of(user.begin(), user.end(), isUserByte))
         return false;
@@ -100,14 +44,14 @@ bool isAuthority(std::string_view authority)
         if (end == std::string_view::npos || end < 3)
             return false;
         const std::string_view inner = host.substr(1, end - 1);
-        if (!std::all_of(inner.begin(), inner.end(), [](char c) { return isHexDigit(c) || isOneOf(c, ":."); }))
+        if (!std::all_of(inner.begin(), inner.end(), [](char c) { return hexDigitValue(c) >= 0 || isOneOf(c, ":."); }))
             return false;
         port = host.substr(end + 1);
     } else {
         const std::size_t colon = std::min(host.find(':'), host.size());
         port = host.substr(colon);
         const std::string_view name = host.substr(0, colon);
-        const auto isHostByte = [](char c) { return isAlphanumeric(c) || isNonAscii(c) || isOneOf(c, "-._~%"); };
+        const auto isHostByte = [](char c) { return isAsciiAlphanumeric(c) || !isAscii(c) || isOneOf(c, "-._~%"); };
         if (name.empty() || !std::all_of(name.begin(), name.end(), isHostByte))
             return false;
     }
@@ -116,7 +60,7 @@ bool isAuthority(std::string_view authority)
     if (port.front() != ':')
         return false;
     port.remove_prefix(1);
-    return port.size() <= 5 && std::all_of(port.begin(), port.end(), isDigit);
+    return port.size() <= 5 && std::all_of(port.begin(), port.end(), isAsciiDigit);
 }
 
 // Between a scheme's colon and the end. "!" stays: pages that keep their place behind "#!" would lose it.
@@ -127,11 +71,11 @@ std::string encodedPath(std::string_view text)
     const std::size_t fragment = std::min(text.find('#'), text.size());
     const std::size_t query = std::min(text.find('?'), fragment);
     constexpr std::string_view kQueryBytes = "-._~!*&+,;=:@/?";
-    std::string result = encoded(text.substr(0, query), kPathBytes);
+    std::string result = encodePercentOnce(text.substr(0, query), kPathBytes);
     if (query < fragment)
-        result += '?' + encoded(text.substr(query + 1, fragment - query - 1), kQueryBytes);
+        result += '?' + encodePercentOnce(text.substr(query + 1, fragment - query - 1), kQueryBytes);
     if (fragment < text.size())
-        result += '#' + encoded(text.substr(fragment + 1), kQueryBytes);
+        result += '#' + encodePercentOnce(text.substr(fragment + 1), kQueryBytes);
     return result;
 }
 
@@ -144,7 +88,8 @@ std::optional<std::string> networkAddress(std::string_view scheme, std::string_v
     const std::string_view authority = rest.substr(0, end);
     if (!isAuthority(authority))
         return std::nullopt;
-    return std::string(scheme) + "://" + encoded(authority, "-._~!*&+,;=:@[]") + encodedPath(rest.substr(end));
+    return std::string(scheme) + "://" + encodePercentOnce(authority, "-._~!*&+,;=:@[]") +
+           encodedPath(rest.substr(end));
 }
 
 // RFC 6068, section 4: of the fields that an address may set, only those that a letter is made of are safe.
@@ -152,7 +97,7 @@ bool isLetterField(std::string_view field)
 {
     constexpr std::array<std::string_view, 7> kFields = {"to",   "cc",       "bcc",        "subject",
                                                          "body", "keywords", "in-reply-to"};
-    const std::string name = lowered(field.substr(0, field.find('=')));
+    const std::string name = toLowerAscii(field.substr(0, field.find('=')));
     return std::find(kFields.begin(), kFields.end(), name) != kFields.end();
 }
 
@@ -178,12 +123,12 @@ std::optional<std::string> mailAddress(std::string_view rest)
 std::optional<std::string> openableAddress(std::string_view address)
 {
     address = trimBlanks(address);
-    if (address.size() > kMaxLength || std::any_of(address.begin(), address.end(), isControl))
+    if (address.size() > kMaxLength || std::any_of(address.begin(), address.end(), isAsciiControl))
         return std::nullopt;
     const std::size_t colon = address.find(':');
     if (colon == std::string_view::npos)
         return std::nullopt;
-    const std::string scheme = lowered(address.substr(0, colon));
+    const std::string scheme = toLowerAscii(address.substr(0, colon));
     const std::string_view rest = address.substr(colon + 1);
 
     std::optional<std::string> result;

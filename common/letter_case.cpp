@@ -14,6 +14,7 @@
 #include <xlocale.h>
 #endif
 
+#include "ground/ascii.h"
 #include "ground/utf8.h"
 
 namespace quarrynet {
@@ -59,11 +60,6 @@ char32_t lower(char32_t letter)
     return static_cast<char32_t>(::towlower_l(static_cast<wint_t>(letter), letters()));
 }
 
-bool isAscii(char c)
-{
-    return static_cast<unsigned char>(c) < 0x80;
-}
-
 } // namespace
 
 std::string lowerCase(std::string_view text)
@@ -72,7 +68,7 @@ std::string lowerCase(std::string_view text)
     std::size_t plain = 0;
     for (; plain < out.size() && isAscii(out[plain]); ++plain) {
         const char c = out[plain];
-        out[plain] = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        out[plain] = toLowerAscii(c);
     }
     if (plain == out.size())
         return out;
@@ -81,7 +77,7 @@ std::string lowerCase(std::string_view text)
     for (std::size_t at = plain; at < text.size();) {
         const char c = text[at];
         if (isAscii(c)) {
-            out.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+            out.push_back(toLowerAscii(c));
             ++at;
             continue;
         }

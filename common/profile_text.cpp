@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ground/ascii.h"
+
 namespace quarrynet {
 
 namespace {
@@ -15,16 +17,6 @@ std::string_view trim(std::string_view text)
     if (first == std::string_view::npos)
         return {};
     return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool sameName(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
 }
 
 enum class LineKind
@@ -84,7 +76,7 @@ public:
     {
         const std::string_view name = trim(section);
         while (const std::optional<Line> line = next()) {
-            if (line->kind == LineKind::Section && sameName(line->name, name))
+            if (line->kind == LineKind::Section && equalsIgnoringCase(line->name, name))
                 return true;
         }
         return false;
@@ -137,7 +129,7 @@ std::optional<std::string_view> profileValue(std::string_view text, std::string_
     while (const std::optional<Line> line = lines.next()) {
         if (line->kind == LineKind::Section)
             break;
-        if (line->kind != LineKind::Entry || !sameName(line->name, name))
+        if (line->kind != LineKind::Entry || !equalsIgnoringCase(line->name, name))
             continue;
         std::string_view value = line->value;
         if (value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\''))
@@ -186,7 +178,7 @@ std::string withProfileValue(std::string_view text, std::string_view section, st
     while (const std::optional<Line> line = lines.next()) {
         if (line->kind == LineKind::Section)
             break;
-        if (line->kind == LineKind::Entry && sameName(line->name, name)) {
+        if (line->kind == LineKind::Entry && equalsIgnoringCase(line->name, name)) {
             const std::string_view old = text.substr(line->begin, line->end - line->begin);
             const std::size_t content = std::min(old.find_last_not_of("\r\n") + 1, old.size());
             return splice(text, line->begin, line->end, entryLine(line->name, value, old.substr(content)));

@@ -6,6 +6,7 @@
 #include <QNetworkProxy>
 #include <QUrl>
 
+#include "ground/ascii.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
@@ -59,8 +60,7 @@ bool canBeHost(const QString& name)
     const auto allOf = [](const auto& text, std::string_view marks) {
         return std::all_of(text.begin(), text.end(), [marks](QChar c) {
             const char latin = c.toLatin1();
-            return (latin >= 'a' && latin <= 'z') || (latin >= 'A' && latin <= 'Z') || (latin >= '0' && latin <= '9') ||
-                   (latin != 0 && marks.find(latin) != std::string_view::npos);
+            return isAsciiAlphanumeric(latin) || (latin != 0 && marks.find(latin) != std::string_view::npos);
         });
     };
     constexpr qsizetype kLongestName = 254; // the root's dot included

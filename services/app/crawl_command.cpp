@@ -7,6 +7,7 @@
 #include "app/commands.h"
 #include "app/data_folder.h"
 #include "ftp/crawl.h"
+#include "ground/percent_coding.h"
 #include "index/database.h"
 #include "sources/crawled_site.h"
 #include "text/markup.h"

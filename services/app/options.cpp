@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "http/message.h"
+#include "ground/decimal.h"
 
 namespace quarrynet::services {
 

@@ -7,8 +7,9 @@
 
 #include <curl/curl.h>
 
-#include "http/message.h"
-#include "text/markup.h"
+#include "ground/ascii.h"
+#include "ground/decimal.h"
+#include "ground/percent_coding.h"
 
 namespace quarrynet::services {
 
@@ -127,7 +128,7 @@ Outcome<FtpAddress> readFtpAddress(std::string_view address)
         return Failure{"an address with a user name cannot be crawled: the file search is open to everybody"};
     const std::string_view host = authority.substr(0, authority.rfind(':'));
     const bool hostFits = !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.';
+        return isAsciiAlphanumeric(c) || c == '-' || c == '.';
     });
     if (!hostFits || (host.size() < authority.size() && !wholeNumber(authority.substr(host.size() + 1))))
         return Failure{std::string(authority) + " is not a host with or without a port"};

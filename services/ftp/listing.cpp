@@ -4,41 +4,17 @@
 #include <array>
 #include <functional>
 
+#include "ground/ascii.h"
+#include "ground/decimal.h"
+
 namespace quarrynet::services {
 
 namespace {
 
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool sameLetters(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lower(x) == lower(y); });
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-/// A whole number of at most 18 digits, which always fits.
-std::optional<std::int64_t> sizeNumber(std::string_view text)
-{
-    if (text.empty() || text.size() > 18 || !std::all_of(text.begin(), text.end(), isDigit))
-        return std::nullopt;
-    std::int64_t number = 0;
-    for (const char c : text)
-        number = number * 10 + (c - '0');
-    return number;
-}
-
 bool canBeName(std::string_view name)
 {
     return !name.empty() && name.size() <= kMaxListedName && name != "." && name != ".." &&
-           std::none_of(name.begin(), name.end(),
-                        [](char c) { return c == '/' || static_cast<unsigned char>(c) < 0x20 || c == '\x7F'; });
+           std::none_of(name.begin(), name.end(), [](char c) { return c == '/' || isAsciiControl(c); });
 }
 
 std::vector<FtpEntry> readLines(std::string_view listing,
@@ -66,19 +42,19 @@ bool takeFact(FtpEntry& entry, std::string_view fact)
     const std::size_t equals = std::min(fact.find('='), fact.size());
     const std::string_view name = fact.substr(0, equals);
     const std::string_view value = fact.substr(std::min(equals + 1, fact.size()));
-    if (sameLetters(name, "type")) {
-        if (sameLetters(value, "cdir") || sameLetters(value, "pdir"))
+    if (equalsIgnoringCase(name, "type")) {
+        if (equalsIgnoringCase(value, "cdir") || equalsIgnoringCase(value, "pdir"))
             return false;
         constexpr std::string_view kLink = "OS.unix=s"; // "slink:target" or "symlink"
-        if (sameLetters(value, "dir")) {
+        if (equalsIgnoringCase(value, "dir")) {
             entry.kind = FtpEntry::Kind::Directory;
-        } else if (sameLetters(value.substr(0, kLink.size()), kLink)) {
+        } else if (startsWithIgnoringCase(value, kLink)) {
             entry.kind = FtpEntry::Kind::Link;
             entry.target = std::string(value.substr(std::min(value.find(':'), value.size() - 1) + 1));
         }
-    } else if (sameLetters(name, "size")) {
-        entry.size = sizeNumber(value);
-    } else if (sameLetters(name, "unique") && value.size() <= kMaxUniqueFact) {
+    } else if (equalsIgnoringCase(name, "size")) {
+        entry.size = wholeNumberAs<std::int64_t>(value);
+    } else if (equalsIgnoringCase(name, "unique") && value.size() <= kMaxUniqueFact) {
         entry.unique = std::string(value);
     }
     return true;
@@ -118,14 +94,14 @@ bool isMonth(std::string_view word)
     constexpr std::array<std::string_view, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     return std::any_of(kMonths.begin(), kMonths.end(),
-                       [word](std::string_view month) { return sameLetters(word, month); });
+                       [word](std::string_view month) { return equalsIgnoringCase(word, month); });
 }
 
 /// "hh:mm" or a year.
 bool isTimeOrYear(std::string_view word)
 {
     return word.size() >= 4 && word.size() <= 5 &&
-           std::all_of(word.begin(), word.end(), [](char c) { return isDigit(c) || c == ':'; });
+           std::all_of(word.begin(), word.end(), [](char c) { return isAsciiDigit(c) || c == ':'; });
 }
 
 /// "drwxr-xr-x 2 owner group 4096 Jan 31 12:00 name". How many words stand before the size differs from server to
@@ -150,12 +126,12 @@ std::optional<FtpEntry> readUnixLine(std::string_view line)
     constexpr int kMaxWords = 8;
     for (int i = 0; i < kMaxWords; ++i) {
         const std::string_view word = takeWord(rest);
-        const std::optional<std::int64_t> size = sizeNumber(before);
+        const std::optional<std::int64_t> size = wholeNumberAs<std::int64_t>(before);
         before = word;
         if (!size || !isMonth(word))
             continue;
         std::string_view date = rest;
-        const std::optional<std::int64_t> day = sizeNumber(takeWord(date));
+        const std::optional<std::int64_t> day = wholeNumberAs<std::int64_t>(takeWord(date));
         if (!day || *day < 1 || *day > 31 || !isTimeOrYear(takeWord(date)) || date.size() < 2)
             continue;
         date.remove_prefix(1); // further blanks belong to the name
@@ -186,7 +162,7 @@ std::optional<FtpEntry> readWindowsLine(std::string_view line)
         entry.kind = FtpEntry::Kind::Directory;
         rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     } else {
-        entry.size = sizeNumber(size);
+        entry.size = wholeNumberAs<std::int64_t>(size);
         if (!entry.size)
             return std::nullopt;
         rest.remove_prefix(1);
@@ -205,7 +181,7 @@ std::vector<FtpEntry> readMlsd(std::string_view listing)
 std::vector<FtpEntry> readList(std::string_view listing)
 {
     return readLines(listing, [](std::string_view line) {
-        return !line.empty() && isDigit(line.front()) ? readWindowsLine(line) : readUnixLine(line);
+        return !line.empty() && isAsciiDigit(line.front()) ? readWindowsLine(line) : readUnixLine(line);
     });
 }
 

@@ -10,6 +10,8 @@
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/write.hpp>
 
+#include "ground/ascii.h"
+#include "ground/percent_coding.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
@@ -17,14 +19,6 @@ namespace quarrynet::services {
 namespace {
 
 namespace http = boost::beast::http;
-
-std::string lowered(std::string_view text)
-{
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return out;
-}
 
 std::string_view viewOf(boost::beast::string_view text)
 {
@@ -34,7 +28,7 @@ std::string_view viewOf(boost::beast::string_view text)
 /// Line ends are left out: they end a line.
 bool isControl(char c)
 {
-    return (static_cast<unsigned char>(c) < 0x20 && c != '\r' && c != '\n') || c == '\x7f';
+    return isAsciiControl(c) && c != '\r' && c != '\n';
 }
 
 /// Whether the third word of a request line is a version of HTTP that is not spoken here: nothing of that line is known
@@ -43,16 +37,15 @@ bool namesOtherVersion(std::string_view line)
 {
     const std::size_t target = line.find(' ') + 1;
     const std::string_view version = line.substr(std::min(line.find(' ', target), line.size() - 1) + 1, 8);
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isDigit(version[5]) && version[6] == '.' &&
-           isDigit(version[7]) && version != "HTTP/1.0" && version != "HTTP/1.1";
+    return version.size() == 8 && version.substr(0, 5) == "HTTP/" && isAsciiDigit(version[5]) && version[6] == '.' &&
+           isAsciiDigit(version[7]) && version != "HTTP/1.0" && version != "HTTP/1.1";
 }
 
 /// Splits the request target (RFC 9112, section 3.2) into the request's host, path and query.
 std::optional<HttpResponse> readTarget(std::string_view target, HttpRequest& request)
 {
     constexpr std::string_view kScheme = "http://";
-    if (target.size() >= kScheme.size() && lowered(target.substr(0, kScheme.size())) == kScheme) {
+    if (startsWithIgnoringCase(target, kScheme)) {
         request.absoluteForm = true;
         target.remove_prefix(kScheme.size());
         const std::size_t end = std::min(target.find_first_of("/?"), target.size());
@@ -211,21 +204,8 @@ std::string hostOfAuthority(std::string_view authority)
     if (at != std::string_view::npos)
         authority.remove_prefix(at + 1);
     if (!authority.empty() && authority.front() == '[')
-        return lowered(authority.substr(0, authority.find(']') + 1));
-    return lowered(authority.substr(0, authority.find(':')));
-}
-
-std::optional<int> wholeNumber(std::string_view text)
-{
-    if (text.empty() || text.size() > 9)
-        return std::nullopt;
-    int number = 0;
-    for (const char c : text) {
-        if (c < '0' || c > '9')
-            return std::nullopt;
-        number = number * 10 + (c - '0');
-    }
-    return number;
+        return toLowerAscii(authority.substr(0, authority.find(']') + 1));
+    return toLowerAscii(authority.substr(0, authority.find(':')));
 }
 
 } // namespace quarrynet::services

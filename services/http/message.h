@@ -80,7 +80,4 @@ std::string responseBytes(const HttpResponse& response, bool headOnly);
 /// The lower-case host of "host", "host:port" or "[address]:port".
 std::string hostOfAuthority(std::string_view authority);
 
-/// The whole number that `text` consists of, at most nine digits and nothing else.
-std::optional<int> wholeNumber(std::string_view text);
-
 } // namespace quarrynet::services

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "ground/ascii.h"
+
 namespace quarrynet::services {
 
 namespace {
@@ -13,21 +15,6 @@ constexpr std::string_view kLanguages = "-l10n";
 constexpr std::array<std::string_view, 13> kCompanionWords{
     "common", "data", "dbgsym",        "debug", "dev",         "devel",       "development",
     "doc",    "docs", "documentation", "l10n",  "translation", "translations"};
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isWordByte(char c)
-{
-    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z');
-}
 
 } // namespace
 
@@ -53,15 +40,16 @@ bool asksForCompanions(const std::vector<std::string>& words)
 
 bool isNamedIn(std::string_view name, std::string_view address)
 {
-    while (!name.empty() && (isDigit(name.back()) || name.back() == '.'))
+    while (!name.empty() && (isAsciiDigit(name.back()) || name.back() == '.'))
         name.remove_suffix(1);
     if (name.empty())
         return false;
-    const auto same = [](char a, char b) { return lower(a) == lower(b); };
+    const auto same = [](char a, char b) { return toLowerAscii(a) == toLowerAscii(b); };
     const std::size_t scheme = address.find("://");
     for (std::size_t at = scheme == std::string_view::npos ? 0 : scheme + 3; at + name.size() <= address.size(); ++at) {
         const std::size_t end = at + name.size();
-        if ((at == 0 || !isWordByte(address[at - 1])) && (end == address.size() || !isWordByte(address[end])) &&
+        if ((at == 0 || !isAsciiAlphanumeric(address[at - 1])) &&
+            (end == address.size() || !isAsciiAlphanumeric(address[end])) &&
             std::equal(name.begin(), name.end(), address.begin() + static_cast<std::ptrdiff_t>(at), same))
             return true;
     }

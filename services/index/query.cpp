@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ground/ascii.h"
 #include "ground/utf8.h"
 #include "index/package_names.h"
 
@@ -26,19 +27,11 @@ struct Term
     bool phrase = false;
 };
 
-bool isBlank(char c)
-{
-    return static_cast<unsigned char>(c) <= 0x20 || c == '\x7f';
-}
-
 /// Whether there is anything in `text` that the tokenizer can make a word of. Non-ASCII punctuation passes; the index
 /// itself leaves out a phrase without a word.
 bool hasWord(std::string_view text)
 {
-    return std::any_of(text.begin(), text.end(), [](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-               static_cast<unsigned char>(c) >= 0x80;
-    });
+    return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiAlphanumeric(c) || !isAscii(c); });
 }
 
 /// A string of the full-text syntax. NULs would end the expression, so they are blanks.
@@ -59,7 +52,7 @@ std::vector<Term> splitTerms(std::string_view text)
 {
     std::vector<Term> terms;
     while (terms.size() < kMaxTerms) {
-        while (!text.empty() && isBlank(text.front()))
+        while (!text.empty() && isBlankOrControl(text.front()))
             text.remove_prefix(1);
         if (text.empty())
             break;
@@ -76,7 +69,7 @@ std::vector<Term> splitTerms(std::string_view text)
             term.phrase = true;
             text.remove_prefix(std::min(length + 1, text.size()));
         } else {
-            while (length < text.size() && !isBlank(text[length]))
+            while (length < text.size() && !isBlankOrControl(text[length]))
                 ++length;
             term.text = std::string(text.substr(0, length));
             text.remove_prefix(length);
@@ -102,13 +95,6 @@ std::string likePattern(std::string_view text)
     }
     pattern.push_back('%');
     return pattern;
-}
-
-std::string lowered(std::string text)
-{
-    for (char& c : text)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    return text;
 }
 
 /// The wanted words with `divider` between them; empty where they cannot be a name.
@@ -161,13 +147,13 @@ WordQuery wordQuery(std::string_view typed, std::string_view nameColumn)
 {
     const std::vector<Term> terms = splitTerms(toUtf8(typed));
     WordQuery query;
-    query.name = lowered(joined(terms, '-'));
+    query.name = toLowerAscii(joined(terms, '-'));
     if (!query.name.empty())
         query.nameEnd = query.name + std::string(kLastCharacter);
     std::vector<std::string> words;
     words.reserve(terms.size());
     for (const Term& term : terms)
-        words.push_back(lowered(term.text));
+        words.push_back(toLowerAscii(term.text));
     query.companions = asksForCompanions(words);
     // The index has the words of a name only: of "g++" it would look for all names that begin with "g".
     std::string beginning;
@@ -185,7 +171,7 @@ NameQuery nameQuery(std::string_view typed)
     std::size_t terms = 0;
     while (!rest.empty() && terms < kMaxTerms) {
         std::size_t length = 0;
-        while (length < rest.size() && !isBlank(rest[length]))
+        while (length < rest.size() && !isBlankOrControl(rest[length]))
             ++length;
         const std::string_view word = clipUtf8(rest.substr(0, length), kMaxTermBytes);
         rest.remove_prefix(std::min(length + 1, rest.size()));

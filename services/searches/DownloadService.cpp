@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "ground/decimal.h"
+#include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "index/word_search.h"
 #include "text/markup.h"

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ground/decimal.h"
+#include "ground/percent_coding.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"

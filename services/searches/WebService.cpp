@@ -4,6 +4,7 @@
 #include <chrono>
 #include <optional>
 
+#include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "index/word_search.h"
 #include "searches/search_page.h"

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdio>
 
+#include "ground/decimal.h"
+#include "ground/percent_coding.h"
 #include "http/message.h"
 #include "text/markup.h"
 

@@ -1,8 +1,9 @@
 #include "searches/served_files.h"
 
+#include "ground/ascii.h"
+#include "ground/decimal.h"
+#include "ground/percent_coding.h"
 #include "http/message.h"
-#include "sources/document_folders.h"
-#include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
 namespace quarrynet::services {
@@ -19,7 +20,7 @@ std::optional<ServedPlace> servedPlace(std::string_view text)
 
 std::string_view pageType(std::string_view path)
 {
-    return hasEnding(path, ".xhtml") ? "application/xhtml+xml" : "text/html";
+    return endsWithIgnoringCase(path, ".xhtml") ? "application/xhtml+xml" : "text/html";
 }
 
 std::string_view pictureType(std::string_view beginning)
@@ -31,7 +32,7 @@ std::string_view pictureType(std::string_view beginning)
 std::string_view styleType(std::string_view path, std::string_view beginning)
 {
     const bool isText = beginning.find('\0') == std::string_view::npos;
-    return hasEnding(path, ".css") && isText ? "text/css" : std::string_view();
+    return endsWithIgnoringCase(path, ".css") && isText ? "text/css" : std::string_view();
 }
 
 } // namespace quarrynet::services

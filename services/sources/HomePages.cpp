@@ -4,6 +4,7 @@
 #include <set>
 #include <tuple>
 
+#include "ground/ascii.h"
 #include "ground/utf8.h"
 #include "index/package_names.h"
 #include "text/markup.h"
@@ -24,7 +25,7 @@ std::string commonPart(std::string_view address)
     for (char& c : common) {
         if (c == '/' || c == '?' || c == '#')
             break;
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        c = toLowerAscii(c);
     }
     return common;
 }

@@ -9,8 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "ground/ascii.h"
 #include "ground/folder_entries.h"
-#include "text/markup.h"
+#include "ground/percent_coding.h"
 #include "thumbnails/picture_format.h"
 
 namespace quarrynet::services {
@@ -99,16 +100,6 @@ void LeftOut::add(const LeftOut& others)
     count += others.count;
 }
 
-bool hasEnding(std::string_view path, std::string_view ending)
-{
-    if (path.size() < ending.size())
-        return false;
-    path.remove_prefix(path.size() - ending.size());
-    return std::equal(path.begin(), path.end(), ending.begin(), [](char a, char b) {
-        return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
-    });
-}
-
 LeftOut findFiles(const std::string& root, const std::function<bool(std::string_view)>& wanted,
                   const std::function<void(const std::string&)>& take)
 {
@@ -118,7 +109,8 @@ LeftOut findFiles(const std::string& root, const std::function<bool(std::string_
 LeftOut findHtmlFiles(const std::string& root, const std::function<void(const std::string&)>& take)
 {
     const auto isHtml = [](std::string_view name) {
-        return hasEnding(name, ".html") || hasEnding(name, ".htm") || hasEnding(name, ".xhtml");
+        return endsWithIgnoringCase(name, ".html") || endsWithIgnoringCase(name, ".htm") ||
+               endsWithIgnoringCase(name, ".xhtml");
     };
     return findFiles(root, isHtml, take);
 }

@@ -34,7 +34,4 @@ LeftOut findHtmlFiles(const std::string& root, const std::function<void(const st
 /// query and a fragment or not. Nothing where that leads out of the root, or is no relative address.
 std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view address);
 
-/// Whether `path` ends in `ending`, which is in lower case; ASCII letters compare without case.
-bool hasEnding(std::string_view path, std::string_view ending);
-
 } // namespace quarrynet::services

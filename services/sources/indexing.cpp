@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "ground/OpenFile.h"
+#include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "index/IndexWriter.h"
 #include "index/database.h"

@@ -6,7 +6,9 @@
 #include <unordered_map>
 #include <utility>
 
+#include "ground/ascii.h"
 #include "ground/child_process.h"
+#include "ground/decimal.h"
 #include "ground/utf8.h"
 #include "text/markup.h"
 
@@ -21,25 +23,11 @@ std::string oneLine(const std::string& text)
     return collapseBlanks(toUtf8(text));
 }
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [lower](char x, char y) { return lower(x) == lower(y); });
-}
-
-/// A size in bytes; 0 for what is no such number.
+/// Returns a size in bytes; 0 for a text that is no number, or one beyond any package.
 std::int64_t byteCount(std::string_view text)
 {
-    std::int64_t number = 0;
-    if (text.size() > 15)
-        return 0;
-    for (const char c : text) {
-        if (c < '0' || c > '9')
-            return 0;
-        number = number * 10 + (c - '0');
-    }
-    return number;
+    constexpr std::size_t kMaxDigits = 15;
+    return text.size() > kMaxDigits ? 0 : wholeNumberAs<std::int64_t>(text).value_or(0);
 }
 
 std::string_view withoutUser(std::string_view address, std::string& cleaned)
@@ -129,7 +117,7 @@ void StanzaReader::takeLine(std::string_view line)
         }
     }
     // A translated description carries its language in the field's name; the untranslated one goes before it.
-    if (name.size() > 12 && equalsIgnoringCase(name.substr(0, 12), "Description-") &&
+    if (name.size() > 12 && startsWithIgnoringCase(name, "Description-") &&
         !equalsIgnoringCase(name, "Description-md5") && package_.summary.empty()) {
         package_.summary = std::string(value);
         field_ = &package_.description;

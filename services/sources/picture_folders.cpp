@@ -7,6 +7,8 @@
 #include <system_error>
 #include <tuple>
 
+#include "ground/ascii.h"
+#include "ground/decimal.h"
 #include "ground/utf8.h"
 #include "sources/document_folders.h"
 #include "text/markup.h"
@@ -18,31 +20,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isUpper(char c)
-{
-    return c >= 'A' && c <= 'Z';
-}
-
-bool isLower(char c)
-{
-    return c >= 'a' && c <= 'z';
-}
-
 /// The number that `text` begins with, taken off it; 0 when there is none of at most four digits.
 int takeNumber(std::string_view& text)
 {
-    int number = 0;
-    std::size_t length = 0;
-    for (; length < text.size() && isDigit(text[length]); ++length) {
-        if (length == 4)
-            return 0;
-        number = number * 10 + (text[length] - '0');
-    }
+    constexpr std::size_t kMaxDigits = 4;
+    const std::size_t length = countLeadingDigits(text);
+    if (length > kMaxDigits)
+        return 0;
+    const int number = wholeNumber(text.substr(0, length)).value_or(0);
     text.remove_prefix(length);
     return number;
 }
@@ -107,7 +92,7 @@ std::size_t lengthWithoutSize(std::string_view stem, int& size)
 
 std::string_view withoutEnding(std::string_view text, std::string_view ending)
 {
-    return hasEnding(text, ending) ? text.substr(0, text.size() - ending.size()) : text;
+    return endsWithIgnoringCase(text, ending) ? text.substr(0, text.size() - ending.size()) : text;
 }
 
 struct Taken
@@ -140,15 +125,6 @@ Taken withoutSizes(std::string_view path)
     return taken;
 }
 
-std::string lowered(std::string text)
-{
-    for (char& c : text) {
-        if (isUpper(c))
-            c = static_cast<char>(c - 'A' + 'a');
-    }
-    return text;
-}
-
 /// One of the sizes of a picture.
 struct Candidate
 {
@@ -173,7 +149,8 @@ std::string spacedWords(std::string_view text)
 {
     std::string spaced;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (i > 0 && ((isLower(text[i - 1]) && isUpper(text[i])) || (isDigit(text[i - 1]) != isDigit(text[i]))))
+        if (i > 0 && ((isAsciiLower(text[i - 1]) && isAsciiUpper(text[i])) ||
+                      (isAsciiDigit(text[i - 1]) != isAsciiDigit(text[i]))))
             spaced.push_back(' ');
         spaced.push_back(text[i]);
     }
@@ -195,8 +172,8 @@ std::vector<Picture> findPictures(const std::string& root, LeftOut& left)
         if (error || candidate.bytes == 0)
             return;
         Taken taken = withoutSizes(path);
-        candidate.stem = lowered(std::string(withoutEnding(taken.group, "-symbolic").substr(taken.stemBegin)));
-        candidate.drawn = hasEnding(path, ".svg");
+        candidate.stem = toLowerAscii(withoutEnding(taken.group, "-symbolic").substr(taken.stemBegin));
+        candidate.drawn = endsWithIgnoringCase(path, ".svg");
         candidate.size = taken.size;
         const auto mixed = static_cast<std::uint64_t>(changed.time_since_epoch().count()) * 31 + candidate.bytes;
         candidate.version = static_cast<std::int64_t>(mixed & 0xFFFFFFFFU);

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <iconv.h>
 
+#include "ground/ascii.h"
+
 namespace quarrynet::services {
 
 namespace {
@@ -73,7 +75,7 @@ std::string tidyLabel(std::string_view label)
     for (const char c : label) {
         const bool blank = c == ' ' || (c >= '\t' && c <= '\r');
         if (!blank)
-            tidy.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+            tidy.push_back(toLowerAscii(c));
         else if (!tidy.empty())
             tidy.push_back(' ');
     }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "ground/ascii.h"
 #include "ground/utf8.h"
 #include "text/HtmlTree.h"
 #include "text/PageEncoding.h"
@@ -29,8 +30,7 @@ public:
     {
         constexpr std::string_view kNoBreakSpace = "\xC2\xA0";
         for (std::size_t i = 0; i < text.size() && !full(); ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            if (byte <= 0x20 || byte == 0x7F) {
+            if (isBlankOrControl(text[i])) {
                 addBlank();
             } else if (text.substr(i, kNoBreakSpace.size()) == kNoBreakSpace) {
                 addBlank();
@@ -209,14 +209,6 @@ void addPictures(const GumboElement& element, std::vector<std::string>& pictures
     default:
         break;
     }
-}
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase)
-{
-    return text.size() == lowerCase.size() &&
-           std::equal(text.begin(), text.end(), lowerCase.begin(), [](char a, char b) {
-               return (a >= 'A' && a <= 'Z' ? static_cast<char>(a - 'A' + 'a') : a) == b;
-           });
 }
 
 /// The label in "text/html; charset=LABEL"; empty when there is none.

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "ground/ascii.h"
 #include "text/HtmlTree.h"
 
 namespace quarrynet::services {
@@ -42,19 +43,9 @@ constexpr Names kInline =
     " abbr acronym b bdi bdo big cite code data del dfn em font i ins kbd label mark q s samp small "
     "span strike strong sub sup time tt u var ";
 
-bool isLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r';
-}
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
 /// Reads the tags of a page, one after the other, and keeps the names of the elements that are open.
@@ -71,10 +62,10 @@ public:
                 break;
             at_ = open + 1;
             const char next = at_ < page_.size() ? page_[at_] : '\0';
-            if (isLetter(next)) {
+            if (isAsciiLetter(next)) {
                 if (!startTag())
                     return open;
-            } else if (next == '/' && at_ + 1 < page_.size() && isLetter(page_[at_ + 1])) {
+            } else if (next == '/' && at_ + 1 < page_.size() && isAsciiLetter(page_[at_ + 1])) {
                 ++at_;
                 const std::string name = tagName();
                 if (attributes().count > limits_.attributes) // the parser compares those of end tags as well
@@ -94,7 +85,7 @@ private:
     {
         std::string name;
         for (; at_ < page_.size() && !isBlank(page_[at_]) && page_[at_] != '/' && page_[at_] != '>'; ++at_)
-            name.push_back(lower(page_[at_]));
+            name.push_back(toLowerAscii(page_[at_]));
         return name;
     }
 
@@ -190,8 +181,7 @@ private:
         for (; at_ < page_.size(); ++at_) {
             at_ = std::min(page_.find("</", at_), page_.size());
             const std::string_view text = page_.substr(std::min(at_ + 2, page_.size()), name.size() + 1);
-            if (text.size() == name.size() + 1 &&
-                std::equal(name.begin(), name.end(), text.begin(), [](char a, char b) { return a == lower(b); }) &&
+            if (text.size() == name.size() + 1 && equalsIgnoringCase(text.substr(0, name.size()), name) &&
                 (isBlank(text.back()) || text.back() == '/' || text.back() == '>'))
                 return;
         }

@@ -3,29 +3,12 @@
 #include <array>
 #include <cstdio>
 
+#include "ground/ascii.h"
+#include "ground/percent_coding.h"
+
 namespace quarrynet::services {
 
 namespace {
-
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
-
-bool isAlphanumeric(char c)
-{
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-bool isUnreserved(char c)
-{
-    return isAlphanumeric(c) || c == '-' || c == '.' || c == '_' || c == '~';
-}
-
-void appendPercent(std::string& out, char c)
-{
-    const auto byte = static_cast<unsigned char>(c);
-    out.push_back('%');
-    out.push_back(kHexDigits[byte >> 4U]);
-    out.push_back(kHexDigits[byte & 15U]);
-}
 
 /// Whether an "&" before `rest` could be read as the beginning of a character reference, also once the program has
 /// taken the bold tags out.
@@ -33,7 +16,7 @@ bool beginsReference(std::string_view rest)
 {
     while (!rest.empty() && (rest.front() == kMatchBegin || rest.front() == kMatchEnd))
         rest.remove_prefix(1);
-    return !rest.empty() && (isAlphanumeric(rest.front()) || rest.front() == '#');
+    return !rest.empty() && (isAsciiAlphanumeric(rest.front()) || rest.front() == '#');
 }
 
 void appendEscaped(std::string& out, std::string_view text, std::size_t i)
@@ -44,17 +27,6 @@ void appendEscaped(std::string& out, std::string_view text, std::size_t i)
         out += "&amp;";
     else
         out.push_back(text[i]);
-}
-
-int hexValue(char c)
-{
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
 }
 
 } // namespace
@@ -100,65 +72,12 @@ std::string tidyAddress(std::string_view address)
     std::string out;
     out.reserve(address.size());
     for (const char c : address) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte <= 0x20 || byte >= 0x7F || std::string_view("\"'<>`").find(c) != std::string_view::npos)
-            appendPercent(out, c);
+        if (!isAscii(c) || isBlankOrControl(c) || std::string_view("\"'<>`").find(c) != std::string_view::npos)
+            appendPercentEscape(out, c);
         else
             out.push_back(c);
     }
     return out;
-}
-
-std::string encodePath(std::string_view path)
-{
-    std::string out;
-    out.reserve(path.size());
-    for (const char c : path) {
-        if (isUnreserved(c) || std::string_view("/+:@=,").find(c) != std::string_view::npos)
-            out.push_back(c);
-        else
-            appendPercent(out, c);
-    }
-    return out;
-}
-
-std::string encodeComponent(std::string_view text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (const char c : text) {
-        if (isUnreserved(c))
-            out.push_back(c);
-        else
-            appendPercent(out, c);
-    }
-    return out;
-}
-
-std::string decodePercent(std::string_view text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 && hexValue(text[i + 2]) >= 0) {
-            out.push_back(
-                static_cast<char>(static_cast<unsigned char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]))));
-            i += 2;
-        } else {
-            out.push_back(text[i]);
-        }
-    }
-    return out;
-}
-
-std::string decodeQueryValue(std::string_view value)
-{
-    std::string blanks(value);
-    for (char& c : blanks) {
-        if (c == '+')
-            c = ' ';
-    }
-    return decodePercent(blanks);
 }
 
 std::string withSeparators(std::int64_t number)
@@ -204,8 +123,7 @@ std::string collapseBlanks(std::string_view text)
     out.reserve(text.size());
     bool blankDue = false;
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte <= 0x20 || byte == 0x7F) {
+        if (isBlankOrControl(c)) {
             blankDue = !out.empty();
             continue;
         }

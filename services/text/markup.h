@@ -25,19 +25,6 @@ std::string escapeMatches(std::string_view text);
 /// brackets, backquotes, control and non-ASCII bytes become percent escapes; the rest, escapes included, is unchanged.
 std::string tidyAddress(std::string_view address);
 
-/// A path's bytes as a URL path (RFC 3986, section 3.3): unreserved characters, "/", "+", ":", "@", "=" and "," stay,
-/// anything else becomes a percent escape.
-std::string encodePath(std::string_view path);
-
-/// Every byte that is not unreserved (RFC 3986, section 2.3) as a percent escape; "/" and ":" included.
-std::string encodeComponent(std::string_view text);
-
-/// Percent escapes decoded. A "%" without two hexadecimal digits stands for itself.
-std::string decodePercent(std::string_view text);
-
-/// A query value as typed: every "+" is a blank, percent escapes are decoded as above.
-std::string decodeQueryValue(std::string_view value);
-
 /// 1234567 as "1,234,567".
 std::string withSeparators(std::int64_t number);
 

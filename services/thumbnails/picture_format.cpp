@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "sources/document_folders.h"
+#include "ground/ascii.h"
 
 namespace quarrynet::services {
 
@@ -63,7 +63,7 @@ bool hasPictureName(std::string_view name)
 {
     constexpr std::array<std::string_view, 6> kEndings{".png", ".jpg", ".jpeg", ".gif", ".webp", ".svg"};
     return std::any_of(kEndings.begin(), kEndings.end(),
-                       [name](std::string_view ending) { return hasEnding(name, ending); });
+                       [name](std::string_view ending) { return endsWithIgnoringCase(name, ending); });
 }
 
 } // namespace quarrynet::services

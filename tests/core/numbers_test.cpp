@@ -59,3 +59,12 @@ TEST(Round, WhatDoesNotFitOverflows)
     EXPECT_EQ(roundToInt32(2147483648.0).error(), RuntimeError::Overflow);
     EXPECT_EQ(roundToInt32(leadingNumber(std::string(400, '9'))).error(), RuntimeError::Overflow);
 }
+
+// The digits' places summed up gave 0.30000000000000004.
+TEST(LeadingNumber, IsTheNearestDouble)
+{
+    EXPECT_EQ(leadingNumber("0.3"), 0.3);
+    EXPECT_EQ(leadingNumber(" -0.7x"), -0.7);
+    EXPECT_EQ(*strictNumber("0.3"), 0.3);
+    EXPECT_EQ(*strictNumber(" 1234567.891 "), 1234567.891);
+}

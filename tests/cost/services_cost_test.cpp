@@ -11,6 +11,7 @@
 
 #include "ftp/crawl.h"
 #include "ftp/listing.h"
+#include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "http/message.h"
 #include "index/package_names.h"

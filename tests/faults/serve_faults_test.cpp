@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "FaultyProgram.h"
+#include "ground/decimal.h"
 #include "http/message.h"
 #include "tests/services/support/service_support.h"
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ground/decimal.h"
 #include "http/message.h"
 #include "tests/core/test_data.h"
 #include "tests/services/support/ftp_support.h"

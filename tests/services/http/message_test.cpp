@@ -221,11 +221,3 @@ TEST(ErrorResponse, EscapesItsTextAndNamesTheMethods)
     ASSERT_EQ(response.fields.size(), 1U);
     EXPECT_EQ(response.fields[0].first, "Allow");
 }
-
-TEST(WholeNumber, TakesDigitsOnly)
-{
-    EXPECT_EQ(wholeNumber("0"), 0);
-    EXPECT_EQ(wholeNumber("999999999"), 999999999);
-    for (const char* text : {"", "-1", "+1", " 1", "1 ", "1.0", "9999999999", "x"})
-        EXPECT_EQ(wholeNumber(text), std::nullopt) << text;
-}

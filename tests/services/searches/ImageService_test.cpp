@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ground/percent_coding.h"
 #include "http/Router.h"
 #include "search/image/request.h"
 #include "search/image/results.h"

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "common/address_check.h"
+#include "ground/percent_coding.h"
 #include "http/Router.h"
 #include "index/IndexWriter.h"
 #include "index/database.h"

@@ -26,28 +26,6 @@ TEST(TidyAddress, EscapesWhatAnAttributeWithoutQuotesCannotHold)
     EXPECT_EQ(tidyAddress("http://h/\xc3\xa9\n"), "http://h/%C3%A9%0A");
 }
 
-TEST(EncodePath, KeepsSlashesAndRoundTrips)
-{
-    EXPECT_EQ(encodePath("a b/c++_1.0~x.deb"), "a%20b/c++_1.0~x.deb");
-    std::string all;
-    for (int c = 0; c < 256; ++c)
-        all.push_back(static_cast<char>(static_cast<unsigned char>(c)));
-    EXPECT_EQ(decodePercent(encodePath(all)), all);
-    EXPECT_EQ(decodePercent(encodeComponent(all)), all);
-    EXPECT_EQ(decodeQueryValue(encodeComponent(all)), all);
-    EXPECT_EQ(encodeComponent(":/"), "%3A%2F");
-}
-
-TEST(DecodePercent, EscapeThatIsNoneStandsForItself)
-{
-    EXPECT_EQ(decodePercent("100%"), "100%");
-    EXPECT_EQ(decodePercent("%4"), "%4");
-    EXPECT_EQ(decodePercent("%zz%41%4g"), "%zzA%4g");
-    EXPECT_EQ(decodePercent("%41"), "A");
-    EXPECT_EQ(decodePercent("%00").size(), 1U);
-    EXPECT_EQ(decodeQueryValue("a++b%2B"), "a  b+");
-}
-
 TEST(WithSeparators, GroupsThreeDigits)
 {
     EXPECT_EQ(withSeparators(0), "0");
