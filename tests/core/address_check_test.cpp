@@ -1,11 +1,11 @@
 #include <random>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "common/address_check.h"
+#include "tests/support/test_data.h"
 
 namespace quarrynet {
 namespace {
@@ -14,11 +14,9 @@ using namespace std::string_literals;
 using testing::Eq;
 using testing::Optional;
 
-// Read from a block of exactly its size, so that a step beyond it is seen by the sanitizer.
 std::optional<std::string> check(const std::string& address)
 {
-    const std::vector<char> exact(address.begin(), address.end());
-    return openableAddress({exact.data(), exact.size()});
+    return openableAddress(samples::ExactBytes(address));
 }
 
 TEST(OpenableAddress, AllowedSchemesStandAsTheyAre)

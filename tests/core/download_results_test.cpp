@@ -9,7 +9,7 @@
 #include "common/memory.h"
 #include "search/download/results.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -63,7 +63,7 @@ struct PlainRows
 
 DownloadResults parse(std::string_view page)
 {
-    return parseDownloadResults(ExactPage(page));
+    return parseDownloadResults(ExactBytes(page));
 }
 
 std::size_t rowsFor(std::string_view range)

@@ -6,7 +6,7 @@
 #include "common/memory.h"
 #include "search/file/results.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -16,7 +16,7 @@ namespace {
 
 FileResults parse(std::string_view page, std::vector<Position> linkPositions = {})
 {
-    return parseFileResults(ExactPage(page), std::move(linkPositions));
+    return parseFileResults(ExactBytes(page), std::move(linkPositions));
 }
 
 } // namespace

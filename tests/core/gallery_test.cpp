@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "search/image/gallery.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 

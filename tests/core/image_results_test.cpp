@@ -7,7 +7,7 @@
 #include "search/image/gallery.h"
 #include "search/image/results.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -17,7 +17,7 @@ namespace {
 
 ImageResults parse(std::string_view page)
 {
-    return parseImageResults(ExactPage(page), "engine.example");
+    return parseImageResults(ExactBytes(page), "engine.example");
 }
 
 } // namespace

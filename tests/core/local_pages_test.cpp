@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "common/local_pages.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;

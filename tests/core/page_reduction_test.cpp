@@ -1,4 +1,3 @@
-#include <memory>
 #include <random>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 #include "search/page/reduction/TagIndex.h"
 #include "search/page/reduction/TagRemoval.h"
 #include "search/page/reduction/reduction.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 
@@ -33,10 +33,7 @@ std::string plainReduction(const std::string& body)
 
 std::string reduced(std::string_view body)
 {
-    // An exact-size copy, so that a read behind the end is seen by the sanitizers.
-    const std::unique_ptr<char[]> copy(new char[body.size()]);
-    body.copy(copy.get(), body.size());
-    return reducedPage(std::string_view(copy.get(), body.size()));
+    return reducedPage(samples::ExactBytes(body));
 }
 
 std::string times(std::size_t count, std::string_view text)

@@ -10,7 +10,7 @@
 #include "tests/core/page_checks.h"
 #include "tests/core/page_markers.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -83,7 +83,7 @@ void runMutations(const std::string& page, unsigned seed, const std::function<vo
     for (int round = 0; round < kRounds && !testing::Test::HasFailure(); ++round) {
         const std::string broken = mutator.mutated(page);
         SCOPED_TRACE("round " + std::to_string(round));
-        check(ExactPage(broken));
+        check(ExactBytes(broken));
     }
 }
 

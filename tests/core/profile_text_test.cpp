@@ -1,4 +1,3 @@
-#include <memory>
 #include <random>
 #include <string>
 
@@ -6,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "common/profile_text.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using testing::ElementsAre;
@@ -15,10 +15,8 @@ namespace {
 
 std::optional<std::string> value(std::string_view text, std::string_view section, std::string_view key)
 {
-    // An exact-size copy, so that a read behind the end is seen by the sanitizers.
-    const std::unique_ptr<char[]> copy(new char[text.size()]);
-    text.copy(copy.get(), text.size());
-    const auto found = profileValue(std::string_view(copy.get(), text.size()), section, key);
+    const samples::ExactBytes exact(text);
+    const auto found = profileValue(exact, section, key);
     return found ? std::optional(std::string(*found)) : std::nullopt;
 }
 

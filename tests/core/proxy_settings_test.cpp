@@ -31,10 +31,7 @@ protected:
         fs::remove_all(folder_, ignored);
     }
 
-    void put(const std::string& content) const
-    {
-        std::ofstream(path_, std::ios::binary) << content;
-    }
+    void put(const std::string& content) const { std::ofstream(path_, std::ios::binary) << content; }
 
     std::string content() const
     {
@@ -55,8 +52,8 @@ protected:
 
 std::string savedFile(const std::string& proxySwitch, const std::string& host, const std::string& port)
 {
-    return "[ProxySwitch]\r\nValue=" + proxySwitch + "\r\n[ProxyHost]\r\nValue=" + host + "\r\n[ProxyPort]\r\nValue=" +
-           port + "\r\n";
+    return "[ProxySwitch]\r\nValue=" + proxySwitch + "\r\n[ProxyHost]\r\nValue=" + host +
+           "\r\n[ProxyPort]\r\nValue=" + port + "\r\n";
 }
 
 } // namespace
@@ -157,8 +154,14 @@ TEST_F(ProxyFile, WhatCannotBeWrittenIsTold)
 TEST(ProxyPort, IsTheNumberThatTheTextBeginsWith)
 {
     ProxySettings settings("");
-    for (const auto& [text, number] : {std::pair<const char*, int>("", 0), {"8080", 8080}, {" 80x80", 80}, {"x", 0},
-                                       {"1.5", 2}, {"2.5", 2}, {"-5", -5}, {"32767.4", 32767}}) {
+    for (const auto& [text, number] : {std::pair<const char*, int>("", 0),
+                                       {"8080", 8080},
+                                       {" 80x80", 80},
+                                       {"x", 0},
+                                       {"1.5", 2},
+                                       {"2.5", 2},
+                                       {"-5", -5},
+                                       {"32767.4", 32767}}) {
         settings.port = text;
         ASSERT_TRUE(settings.portNumber()) << text;
         EXPECT_EQ(*settings.portNumber(), number) << text;

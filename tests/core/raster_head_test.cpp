@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <memory>
 #include <optional>
 #include <random>
 #include <string>
@@ -7,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "common/raster_head.h"
+#include "tests/support/test_data.h"
 
 namespace quarrynet {
 
@@ -41,12 +40,9 @@ std::string webp(const std::string& chunk)
     return "RIFF\0\0\0\0WEBP"s + chunk + std::string(20, '\0');
 }
 
-// Read from a block of just its size, so that a sanitizer sees what reads on.
 std::optional<RasterHead> read(const std::string& bytes)
 {
-    const auto exact = std::make_unique<char[]>(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), exact.get());
-    return readRasterHead({exact.get(), bytes.size()});
+    return readRasterHead(samples::ExactBytes(bytes));
 }
 
 void expectHead(const std::string& bytes, RasterFormat format, std::uint32_t width, std::uint32_t height)

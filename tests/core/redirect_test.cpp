@@ -3,7 +3,7 @@
 #include "common/memory.h"
 #include "search/download/redirect.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -12,7 +12,7 @@ namespace {
 
 std::string addressIn(std::string_view page)
 {
-    const Result<std::optional<std::string>> address = downloadAddress(ExactPage(page));
+    const Result<std::optional<std::string>> address = downloadAddress(ExactBytes(page));
     return address ? address->value_or("(none)") : "(fault)";
 }
 

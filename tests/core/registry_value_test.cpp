@@ -1,10 +1,10 @@
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "dialogs/registry_value.h"
+#include "tests/support/test_data.h"
 
 namespace quarrynet {
 namespace {
@@ -13,11 +13,9 @@ using namespace std::string_literals;
 using testing::Eq;
 using testing::Optional;
 
-// Read from a block of exactly its size, so that a step beyond it is seen by the sanitizer.
 std::string trimmed(const std::string& bytes, std::size_t size)
 {
-    const std::vector<char> exact(bytes.begin(), bytes.end());
-    return std::string(trimmedRegistryValue({exact.data(), exact.size()}, size));
+    return std::string(trimmedRegistryValue(samples::ExactBytes(bytes), size));
 }
 
 TEST(TrimmedRegistryValue, TextLosesTheZeroThatEndsIt)

@@ -5,7 +5,7 @@
 
 #include "search/web/results.h"
 #include "tests/core/page_samples.h"
-#include "tests/core/test_data.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
@@ -15,7 +15,7 @@ namespace {
 
 WebResults parse(std::string_view page)
 {
-    return parseWebResults(ExactPage(page));
+    return parseWebResults(ExactBytes(page));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include <initializer_list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -7,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "ground/utf8.h"
+#include "tests/support/test_data.h"
 
 using namespace quarrynet;
 
@@ -14,10 +14,7 @@ namespace {
 
 std::optional<Utf8Character> first(std::string_view bytes)
 {
-    // An exact-size copy, so that a read behind the end is seen by the sanitizers.
-    const std::unique_ptr<char[]> copy(new char[bytes.size()]);
-    bytes.copy(copy.get(), bytes.size());
-    return utf8Character(std::string_view(copy.get(), bytes.size()));
+    return utf8Character(samples::ExactBytes(bytes));
 }
 
 std::string bytes(std::initializer_list<int> values)

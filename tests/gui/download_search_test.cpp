@@ -7,14 +7,6 @@ using namespace quarrynet::samples;
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds; what takes long under the sanitizers
-constexpr std::size_t kHuge = 10'000'000;
-
-QByteArray bytes(const std::string& text)
-{
-    return QByteArray::fromStdString(text);
-}
-
 // A page with a count, a range, and entries "Program 1" and so on with links that hold their number.
 QByteArray downloadPage(std::string_view count, std::string_view range, int entries)
 {
@@ -22,14 +14,6 @@ QByteArray downloadPage(std::string_view count, std::string_view range, int entr
     for (int i = 1; i <= entries; ++i)
         page += downloadEntry("Program " + std::to_string(i), "/redir?id=" + std::to_string(i));
     return bytes(page);
-}
-
-QByteArray dataFile(const char* name)
-{
-    QFile file(QStringLiteral(QUARRYNET_TEST_DATA "/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no test data %s", name);
-    return file.readAll();
 }
 
 } // namespace
@@ -69,37 +53,6 @@ private slots:
         QVERIFY(window_->boxes.boxes().isEmpty());
     }
 
-    void emptyKeywordsAreRefused()
-    {
-        QTest::mouseClick(button(), Qt::LeftButton);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Please enter keyword/s to search!!!")});
-        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
-        QVERIFY(button()->isEnabled());
-        QCOMPARE(window_->socketState("SFDSock"), 0);
-    }
-
-    void keywordsAreTrimmedAndOtherwisePassAsTyped_data()
-    {
-        QTest::addColumn<QString>("keywords");
-        QTest::addColumn<QByteArray>("query");
-        QTest::newRow("blanks alone") << "   " << QByteArray("");
-        QTest::newRow("blanks around and between") << "  a  b " << QByteArray("a++b");
-        QTest::newRow("signs") << "a&b#c%d\"" << QByteArray("a&b#c%d\"");
-        QTest::newRow("letters beyond ASCII") << QString::fromUtf8("käse") << QByteArray("k\xC3\xA4se");
-        QTest::newRow("100 KB") << QString(100'000, u'k') << QByteArray(100'000, 'k');
-    }
-
-    void keywordsAreTrimmedAndOtherwisePassAsTyped()
-    {
-        QFETCH(QString, keywords);
-        QFETCH(QByteArray, query);
-        window_->service.answerWith(downloadPage("1", "1 - 1", 1));
-        search(keywords);
-        QTRY_COMPARE(rows().size(), 1);
-        QCOMPARE(window_->service.lastRequestLine(), "GET /3120-20-0-1-5.html?qt=" + query + "&ca=20 HTTP/1.1");
-    }
-
     void pageTotalSurvivesIntoTheNextSearch()
     {
         window_->service.answerWith(downloadPage("300", "1 - 25", 25));
@@ -120,9 +73,7 @@ private slots:
     void proxyRequestsHaveTwoSlashesFirstAndOneLater()
     {
         auto window = std::make_unique<WindowFixture>();
-        window->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                              QByteArray::number(window->service.port()) + "\n");
+        window->useServiceAsProxy();
         open(std::move(window));
         const QByteArray rest = " HTTP/1.1\r\n"
                                 "HOST: down.example\r\n"
@@ -183,71 +134,6 @@ private slots:
         verifyIdle();
     }
 
-    void sliderWidensToThirteenPagesAndNoFurther()
-    {
-        window_->service.answerWith(downloadPage("300", "1 - 25", 25));
-        search();
-        QTRY_COMPARE(window_->hidden("Text13"), std::string("13"));
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->minimum(), 1);
-        QCOMPARE(slider()->maximum(), 13);
-        QCOMPARE(slider()->value(), 10);
-        QTRY_COMPARE(window_->service.lastRequestLine(),
-                     QByteArray("GET /3120-20-0-10-5.html?qt=apple&ca=20 HTTP/1.1"));
-        QTRY_VERIFY(!timer()->isActive());
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->maximum(), 13);
-        QCOMPARE(slider()->value(), 13);
-        QTRY_COMPARE(window_->service.lastRequestLine(),
-                     QByteArray("GET /3120-20-0-13-5.html?qt=apple&ca=20 HTTP/1.1"));
-        QTRY_VERIFY(!timer()->isActive());
-        QCOMPARE(rows().size(), 25);
-        QVERIFY(window_->boxes.boxes().isEmpty());
-    }
-
-    void sliderMovesItsWindowBelowALargerTotal()
-    {
-        window_->service.answerWith(downloadPage("300", "1 - 25", 25));
-        search();
-        QTRY_COMPARE(window_->hidden("Text13"), std::string("13"));
-        window_->control<HiddenText>("Text13")->setText("40");
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->minimum(), 10);
-        QCOMPARE(slider()->maximum(), 19);
-        QCOMPARE(slider()->value(), 10);
-        QTRY_COMPARE(window_->service.requests().size(), 2);
-        QVERIFY(window_->service.lastRequestLine().contains("-10-5.html"));
-    }
-
-    void aTotalThatIsNoNumberAbandonsTheChange()
-    {
-        window_->service.answerWith(downloadPage("300", "1 - 25", 25));
-        search();
-        QTRY_COMPARE(window_->hidden("Text13"), std::string("13"));
-        window_->control<HiddenText>("Text13")->setText("soon");
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
-        QCOMPARE(window_->service.requests().size(), 1);
-        QCOMPARE(rows().size(), 25);
-        QCOMPARE(links().size(), std::size_t(25));
-    }
-
-    void pageChangeEmptiesListAndLinksAndLeavesTheButton()
-    {
-        window_->service.answerWith(downloadPage("300", "1 - 25", 25));
-        search();
-        QTRY_COMPARE(rows().size(), 25);
-        window_->service.stall();
-        QTest::keyClick(slider(), Qt::Key_Right);
-        QVERIFY(button()->isEnabled());
-        QVERIFY(timer()->isActive());
-        QVERIFY(rows().isEmpty());
-        QVERIFY(links().empty());
-        QCOMPARE(window_->hidden("Text12"), std::string());
-        QCOMPARE(window_->text("Label15"), QStringLiteral("0"));
-        QVERIFY(slider()->isEnabled());
-    }
-
     void pageChangeReplacesARunningSearch()
     {
         window_->service.stall();
@@ -282,17 +168,6 @@ private slots:
         QVERIFY(slider()->isEnabled());
         QCOMPARE(slider()->maximum(), 3);
         QTRY_VERIFY(!timer()->isActive());
-        verifyIdle();
-    }
-
-    void emptyPageSaysNothing()
-    {
-        window_->service.answerWith("");
-        search();
-        QTRY_COMPARE(window_->service.requests().size(), 1);
-        QTRY_VERIFY(button()->isEnabled());
-        QVERIFY(window_->boxes.boxes().isEmpty());
-        QCOMPARE(window_->text("Label15"), QStringLiteral("0"));
         verifyIdle();
     }
 
@@ -382,52 +257,6 @@ private slots:
         for (int column = 0; column < list()->model()->columnCount(); ++column)
             names.append(list()->model()->headerData(column, Qt::Horizontal).toString());
         QCOMPARE(names, QStringList({tr("Program Name"), tr("Description"), tr("OS"), tr("File Size"), tr("License")}));
-    }
-
-    void aResetShowsTheErrorBoxAndRunsNoParser()
-    {
-        window_->service.stall();
-        search();
-        QTRY_COMPARE(window_->service.requests().size(), 1);
-        window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + downloadPage("2", "1 - 2", 2));
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
-        window_->service.reset();
-        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QVERIFY(window_->boxes.texts()[0].startsWith(tr("Error occurred.\r\nError #: 10054\r\n")));
-        QTRY_VERIFY(button()->isEnabled());
-        QVERIFY(rows().isEmpty());
-        QVERIFY(!timer()->isActive());
-    }
-
-    void hostilePagesEndIdle_data()
-    {
-        QTest::addColumn<QByteArray>("page");
-        const auto row = [](const char* name, const std::string& page) { QTest::newRow(name) << bytes(page); };
-        const std::string head = downloadHead("63", "1 - 2000000000");
-        const auto filled = [&](std::string_view piece) { return head + repeated(piece, kHuge / piece.size()); };
-        row("entries", filled(downloadEntry("x")));
-        row("bold only", filled("<b>"));
-        row("bold ends only", filled("</b>"));
-        row("links only", filled("/redir?"));
-        row("classes only", filled("class"));
-        row("picks only", filled("class=pick "));
-        row("openings only", filled("<"));
-        row("everything but the end", filled("<b>x</b><i class=d>y</i><b>OS:</b>z <b>"));
-        row("one name of the whole page", head + "<b>" + std::string(kHuge, 'x') + "</b>");
-        row("entries behind a gap", head + std::string(kHuge, ' ') + downloadEntry("x"));
-        row("main loop over and over", repeated("main loop", kHuge / 9));
-        row("NULs", head + std::string(kHuge, '\0'));
-    }
-
-    void hostilePagesEndIdle()
-    {
-        QFETCH(QByteArray, page);
-        window_->service.answerWith(page);
-        search();
-        QTRY_VERIFY_WITH_TIMEOUT(button()->isEnabled(), kPatience);
-        QCOMPARE(links().size(), static_cast<std::size_t>(list()->model()->rowCount()));
-        QVERIFY(window_->boxes.boxes().isEmpty());
-        verifyIdle();
     }
 
 private:

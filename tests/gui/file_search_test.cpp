@@ -7,14 +7,6 @@ using namespace quarrynet::samples;
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds; what takes long under the sanitizers
-constexpr std::size_t kHuge = 10'000'000;
-
-QByteArray bytes(const std::string& text)
-{
-    return QByteArray::fromStdString(text);
-}
-
 QByteArray page(std::size_t files, std::size_t directories = 0)
 {
     return bytes(filePage(files, directories));
@@ -33,9 +25,7 @@ private slots:
 
     void searchFillsFilesAndDirectories()
     {
-        QFile data(QStringLiteral(QUARRYNET_TEST_DATA "/file_results.html"));
-        QVERIFY(data.open(QIODevice::ReadOnly));
-        window_->service.answerWith(data.readAll());
+        window_->service.answerWith(dataFile("file_results.html"));
         window_->type("Text11", tr(" setup exe "));
         QTest::keyClick(window_->control<QLineEdit>("Text11"), Qt::Key_Return);
         QVERIFY(!button()->isEnabled());
@@ -58,36 +48,6 @@ private slots:
         QCOMPARE(scratch().size(), std::size_t(3));
         verifyIdle();
         QVERIFY(window_->boxes.boxes().isEmpty());
-    }
-
-    void emptyFileNameIsRefused()
-    {
-        QTest::mouseClick(button(), Qt::LeftButton);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Please enter keyword/s to search!!!")});
-        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QVERIFY(button()->isEnabled());
-        QCOMPARE(window_->socketState("SFSSock"), 0);
-    }
-
-    void namesAreTrimmedAndOtherwisePassAsTyped_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("query");
-        QTest::newRow("blanks alone") << "  " << QByteArray("");
-        QTest::newRow("two blanks between") << " a  b " << QByteArray("a++b");
-        QTest::newRow("signs") << "a&f=9%" << QByteArray("a&f=9%");
-        QTest::newRow("letters beyond ASCII") << QString::fromUtf8("käse") << QByteArray("k\xC3\xA4se");
-        QTest::newRow("100 KB") << QString(100'000, u'k') << QByteArray(100'000, 'k');
-    }
-
-    void namesAreTrimmedAndOtherwisePassAsTyped()
-    {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, query);
-        window_->service.answerWith(page(1));
-        search(name);
-        QTRY_COMPARE(rows().size(), 1);
-        QCOMPARE(window_->service.lastRequestLine(), kFirstPage + query + " HTTP/1.1");
     }
 
     void twentyFiveFilesFillTwentyRowsAndOfferPages()
@@ -131,22 +91,6 @@ private slots:
         QTRY_COMPARE(rows().size(), 20);
     }
 
-    void sliderMovesItsWindowWithoutACap()
-    {
-        window_->service.answerWith(page(20));
-        search();
-        QTRY_VERIFY(slider()->isEnabled());
-        for (int reached = 10; reached <= 37; reached += 9) {
-            QTest::keyClick(slider(), Qt::Key_End);
-            QCOMPARE(slider()->minimum(), reached);
-            QCOMPARE(slider()->maximum(), reached + 9);
-            QCOMPARE(slider()->value(), reached);
-            QTRY_COMPARE(window_->service.lastRequestLine(),
-                         kFirstPage + "apple&f=" + QByteArray::number(reached * 20 - 19) + " HTTP/1.1");
-            QTRY_VERIFY(!timer()->isActive());
-        }
-    }
-
     void newSearchStartsFromTheFirstPageForm()
     {
         window_->service.answerWith(page(20));
@@ -169,9 +113,7 @@ private slots:
     void proxyRequestsFollowTheSliderToo()
     {
         auto window = std::make_unique<WindowFixture>();
-        window->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                              QByteArray::number(window->service.port()) + "\n");
+        window->useServiceAsProxy();
         open(std::move(window));
         const QByteArray first = "GET http://file.example/cgi-bin/s?t=f&d=&l=en&m=20&q=apple";
         const QByteArray rest = " HTTP/1.1\r\n"
@@ -261,17 +203,6 @@ private slots:
         QTRY_COMPARE(rows().size(), 2);
     }
 
-    void emptyPageLeavesNoRows()
-    {
-        window_->service.answerWith("");
-        search();
-        QTRY_COMPARE(window_->service.requests().size(), 1);
-        QTRY_VERIFY(button()->isEnabled());
-        QVERIFY(rows().isEmpty());
-        QVERIFY(window_->boxes.boxes().isEmpty());
-        verifyIdle();
-    }
-
     void aFaultInThePageKeepsWhatWasCutAndEndsIdle()
     {
         window_->service.answerWith(page(3) + "<b> 9 ");
@@ -359,36 +290,6 @@ private slots:
         for (int column = 0; column < list()->model()->columnCount(); ++column)
             names.append(list()->model()->headerData(column, Qt::Horizontal).toString());
         QCOMPARE(names, QStringList({tr("FileName"), tr("FilePath"), tr("FileSize")}));
-    }
-
-    void hostilePagesEndIdle_data()
-    {
-        QTest::addColumn<QByteArray>("page");
-        const auto row = [](const char* name, const std::string& page) { QTest::newRow(name) << bytes(page); };
-        const auto filled = [](std::string_view piece) {
-            return "<form></form>" + repeated(piece, kHuge / piece.size());
-        };
-        row("files", filled(fileEntry("a")));
-        row("directories", filled(directoryEntry("a")));
-        row("sizes only", filled("<b> 1 </b>"));
-        row("directory markers only", filled("&lt;dir&gt; "));
-        row("directory markers and links", filled("&lt;dir&gt; <a <a <a "));
-        row("one directory with all links", "&lt;dir&gt; " + repeated("<a ", kHuge / 3) + "q=x class<b>n</b>");
-        row("many links before each name", filled("&lt;dir&gt; <a <a <a q= class<b>n</b>"));
-        row("one name of the whole page", "/form<b> 1 <a href=ftp://h class=f>" + std::string(kHuge, 'x') + "<");
-        row("equals signs only", filled("="));
-        row("NULs", std::string(kHuge, '\0'));
-    }
-
-    void hostilePagesEndIdle()
-    {
-        QFETCH(QByteArray, page);
-        window_->service.answerWith(page);
-        search();
-        QTRY_VERIFY_WITH_TIMEOUT(button()->isEnabled(), kPatience);
-        QVERIFY(list()->model()->rowCount() <= 20);
-        QVERIFY(window_->boxes.boxes().size() <= 1);
-        verifyIdle();
     }
 
 private:

@@ -106,21 +106,6 @@ private slots:
         QVERIFY(!QFile::exists(file("images.html")));
     }
 
-    void emptyKeywordsAreRefused()
-    {
-        QTest::keyClick(window_->control<QLineEdit>("Text7"), Qt::Key_Return);
-        QCOMPARE(window_->boxes.texts(), QStringList{QStringLiteral("Please enter keyword/s to search!!!")});
-        QCOMPARE(window_->socketState("ImgSock"), 0);
-    }
-
-    void blanksAloneSendAnEmptyQuery()
-    {
-        window_->service.answerWith(resultsPage(1, "1"));
-        search(QStringLiteral("  "));
-        QTRY_COMPARE(window_->service.lastRequestLine(),
-                     QByteArray("GET /images?num=10&hl=en&filter=0&safe=off&q= HTTP/1.1"));
-    }
-
     void everyLaterSearchTakesThePagedForm()
     {
         window_->service.answerWith(resultsPage(10, "95"));
@@ -160,31 +145,6 @@ private slots:
         QCOMPARE(items("List8").size(), std::size_t(10));
     }
 
-    void sliderWidensOrTakesTheTotal_data()
-    {
-        QTest::addColumn<QByteArray>("total");
-        QTest::addColumn<int>("minimum");
-        QTest::addColumn<int>("maximum");
-        QTest::newRow("50 pages") << QByteArray("50") << 10 << 19;
-        QTest::newRow("12 pages") << QByteArray("12") << 1 << 12;
-    }
-
-    void sliderWidensOrTakesTheTotal()
-    {
-        QFETCH(QByteArray, total);
-        QFETCH(int, minimum);
-        QFETCH(int, maximum);
-        window_->service.answerWith(resultsPage(10, "1,234"));
-        search();
-        QTRY_VERIFY(slider()->isEnabled());
-        window_->control<HiddenText>("Text8")->setText(total.toStdString());
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->minimum(), minimum);
-        QCOMPARE(slider()->maximum(), maximum);
-        QCOMPARE(slider()->value(), 10);
-        QTRY_VERIFY(window_->service.lastRequestLine().contains("start=90&"));
-    }
-
     void twoPagesLowerTheMaximum()
     {
         window_->service.answerWith(resultsPage(10, "16"));
@@ -205,9 +165,7 @@ private slots:
     void throughAProxyThePageIsTheWebSliders()
     {
         window_ = std::make_unique<WindowFixture>();
-        window_->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window_->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                               QByteArray::number(window_->service.port()) + "\n");
+        window_->useServiceAsProxy();
         window_->start();
         window_->chooseTab(3);
         window_->service.answerWith(resultsPage(10, "1,234"));
@@ -238,9 +196,7 @@ private slots:
     {
         // Through the proxy, because a thumbnail's address has no port of its own.
         window_ = std::make_unique<WindowFixture>();
-        window_->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window_->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                               QByteArray::number(window_->service.port()) + "\n");
+        window_->useServiceAsProxy();
         window_->start();
         window_->chooseTab(3);
         window_->service.answerWith(resultsPage(3, "3"));
@@ -262,29 +218,6 @@ private slots:
         QCOMPARE(window_->boxes.boxes().size(), 1);
         QVERIFY(window_->boxes.texts()[0].startsWith(QStringLiteral("Run-time error '75':")));
         QVERIFY(window_->boxes.texts()[0].contains(file("images.html")));
-    }
-
-    void brokenMarkersEndWithAFaultOrCutPieces_data()
-    {
-        QTest::addColumn<QByteArray>("page");
-        QTest::newRow("no colon, no blank") << QByteArray("src=/images?q=tbn");
-        QTest::newRow("one colon") << QByteArray("src=/images?q=tbn:a b");
-        QTest::newRow("no blank") << QByteArray("src=/images?q=tbn:a:b");
-        QTest::newRow("ten thousand") << QByteArray("src=/images?q=tbn:a:b ").repeated(10'000);
-        QTest::newRow("one of a megabyte") << "src=/images?q=tbn:a:" + QByteArray(1'000'000, 'x') + " <b>1</b>";
-        QTest::newRow("1,000 nested tables")
-            << resultsPage(1, "1").replace("p1.jpg", "p1.jpg\">" + QByteArray("<table><tr><td>").repeated(1000));
-        QTest::newRow("NULs") << QByteArray("src=/images?q=tbn\0:\0:\0 \0", 24);
-    }
-
-    void brokenMarkersEndWithAFaultOrCutPieces()
-    {
-        QFETCH(QByteArray, page);
-        window_->service.answerWith(page);
-        search();
-        QTRY_VERIFY(button()->isEnabled());
-        QTRY_COMPARE(window_->socketState("ImgSock"), 0);
-        QVERIFY(items("List7").size() <= 10);
     }
 
 private:

@@ -112,9 +112,7 @@ private slots:
     void proxyRequestJoinsHostAndPath()
     {
         auto window = std::make_unique<WindowFixture>();
-        window->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                              QByteArray::number(window->service.port()) + "\n");
+        window->useServiceAsProxy();
         open(std::move(window));
         fill({kLink});
         window_->service.answerWith("nothing");

@@ -98,33 +98,6 @@ private slots:
         QVERIFY(QByteArray::fromStdString(window_->hidden("Text2")).startsWith("<html>"));
     }
 
-    void emptyKeywordsAreRefused()
-    {
-        QTest::mouseClick(button(), Qt::LeftButton);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Please enter keyword/s to search!!!")});
-        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
-        QVERIFY(button()->isEnabled());
-        QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->socketState("NetSock"), 0);
-    }
-
-    void blanksAloneAreAnEmptyQuery()
-    {
-        window_->service.answerWith(resultsPage(1, "1"));
-        search(tr("   "));
-        QTRY_COMPARE(window_->service.lastRequestLine(),
-                     QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q= HTTP/1.1"));
-    }
-
-    void specialAndNonAsciiKeywordsPassAsTyped()
-    {
-        window_->service.answerWith(resultsPage(1, "1"));
-        search(tr("a&b#c%d\"é"));
-        QTRY_COMPARE(window_->service.lastRequestLine(),
-                     QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q=a&b#c%d\"\xC3\xA9 HTTP/1.1"));
-    }
-
     void nothingFoundIsSaid()
     {
         window_->service.answerWith("<html>nothing here</html>");
@@ -151,25 +124,6 @@ private slots:
         QVERIFY(!timer()->isActive());
     }
 
-    void aResetShowsTheErrorBoxAndRunsNoParser()
-    {
-        window_->service.stall();
-        search();
-        QTRY_COMPARE(window_->service.requests().size(), 1);
-        window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + resultsPage(5, "5"));
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
-        window_->service.reset();
-        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
-        QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
-        QVERIFY(window_->boxes.texts()[0].startsWith(tr("Error occurred.\r\nError #: 10054\r\n")));
-        QTRY_VERIFY(button()->isEnabled());
-        QVERIFY(rows().isEmpty());
-        QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
-        QCOMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
-    }
-
     void sliderAsksForAnotherPage()
     {
         window_->service.answerWith(resultsPage(30, "1,234"));
@@ -189,36 +143,6 @@ private slots:
                      QByteArray("GET /search?num=30&hl=en&filter=0&start=0&safe=off&q=apple HTTP/1.1"));
     }
 
-    void sliderWidensAtItsEndUpToTheTotal()
-    {
-        window_->service.answerWith(resultsPage(30, "741")); // 25 pages: 741 / 30 = 24.7, remainder 21
-        search();
-        QTRY_COMPARE(window_->hidden("Text3"), std::string("25"));
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->minimum(), 10);
-        QCOMPARE(slider()->maximum(), 19);
-        QCOMPARE(slider()->value(), 10);
-        QTRY_COMPARE(window_->service.requests().size(), 2);
-        QVERIFY(window_->service.lastRequestLine().contains("start=270&"));
-        QTRY_VERIFY(!timer()->isActive());
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(slider()->maximum(), 25);
-        QCOMPARE(slider()->value(), 19);
-        QTRY_COMPARE(window_->service.requests().size(), 3);
-    }
-
-    void aTotalThatIsNoNumberAbandonsTheChange()
-    {
-        window_->service.answerWith(resultsPage(30, "1,234"));
-        search();
-        QTRY_VERIFY(slider()->isEnabled());
-        window_->control<HiddenText>("Text3")->setText("soon");
-        QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
-        QCOMPARE(window_->service.requests().size(), 1);
-        QCOMPARE(rows().size(), 30);
-    }
-
     void aNewSearchStartsFromTheFirstPageForm()
     {
         window_->service.answerWith(resultsPage(30, "1,234"));
@@ -229,24 +153,6 @@ private slots:
         QCOMPARE(rows().size(), 0);
         QTRY_COMPARE(window_->service.lastRequestLine(),
                      QByteArray("GET /search?num=30&hl=en&filter=0&safe=off&q=pear HTTP/1.1"));
-    }
-
-    void proxyModeConnectsToTheProxyWithTheAbsoluteForm()
-    {
-        window_ = std::make_unique<WindowFixture>();
-        window_->hosts = {"web.example", "img.example", "down.example", "file.example", 80};
-        window_->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                               QByteArray::number(window_->service.port()) + "\n");
-        window_->start();
-        window_->service.answerWith(resultsPage(1, "1"));
-        search();
-        QTRY_COMPARE(window_->service.requests().size(), 1);
-        QCOMPARE(window_->service.requests()[0],
-                 QByteArray("GET http://web.example/search?num=30&hl=en&filter=0&safe=off&q=apple HTTP/1.1\r\n"
-                            "HOST: web.example\r\n"
-                            "Proxy-Connection: close\r\n"
-                            "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
-                            "ACCEPT: */*\r\n\r\n"));
     }
 
     void doubleClickOpensEverySelectedAddress_data()
@@ -319,17 +225,6 @@ private slots:
         QCOMPARE(window_->control<QLabel>("Label3")->textFormat(), Qt::PlainText);
         QVERIFY(window_->text("Label3").startsWith(QStringLiteral("1<img src=")));
         QVERIFY(window_->text("Label3").size() < 10'000);
-    }
-
-    void aLargeHostilePageLeavesTheTabIdle()
-    {
-        QByteArray page;
-        for (int i = 0; i < 300'000; ++i)
-            page += "<p><a href=http";
-        window_->service.answerWith(page);
-        search();
-        QTRY_VERIFY_WITH_TIMEOUT(button()->isEnabled(), 20'000);
-        QCOMPARE(window_->socketState("NetSock"), 0);
     }
 
 private:

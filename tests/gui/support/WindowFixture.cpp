@@ -33,6 +33,13 @@ void WindowFixture::writeSettings(const QByteArray& text)
     QCOMPARE(file.write(text), text.size());
 }
 
+void WindowFixture::useServiceAsProxy()
+{
+    hosts = {"web.example", "img.example", "down.example", "file.example", 80};
+    writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
+                  QByteArray::number(service.port()) + "\n");
+}
+
 QStringList WindowFixture::rows(const char* list)
 {
     const QAbstractItemModel* model = control<QTreeView>(list)->model();

@@ -45,6 +45,9 @@ public:
     /// Gives the window the keyboard; without a window manager nobody does after a box has closed.
     void activate();
     void writeSettings(const QByteArray& text);
+    /// Before start(): the settings switch the proxy on, and the test's service is that proxy. The searches' hosts are
+    /// web.example, img.example, down.example and file.example, at port 80.
+    void useServiceAsProxy();
 
     /// A control of the window by its name; fails the test when there is none.
     template <class Control>

@@ -2,9 +2,8 @@
 
 #include <array>
 
-#include <QFile>
-
 #include "WindowFixture.h"
+#include "test_pages.h"
 
 /// What the five tabs call the same things, and what a person types to search on each.
 struct TabControls
@@ -116,10 +115,7 @@ inline const char* fillIn(WindowFixture& window, const TabControls& tab)
 /// The tab's results page, from the tests' data.
 inline QByteArray pageOf(const TabControls& tab)
 {
-    QFile file(QStringLiteral(QUARRYNET_TEST_DATA "/") + QLatin1String(tab.page));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("no test data %s", tab.page);
-    return file.readAll();
+    return dataFile(tab.page);
 }
 
 /// The tab is as an exchange leaves it: button on, timer off, socket closed, panels at rest.

@@ -8,9 +8,9 @@
 
 #include "ground/decimal.h"
 #include "http/message.h"
-#include "tests/core/test_data.h"
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"
+#include "tests/support/test_data.h"
 
 /// The program itself, as a person or a script starts it.
 

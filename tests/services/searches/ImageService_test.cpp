@@ -10,8 +10,8 @@
 #include "search/image/results.h"
 #include "searches/ImageService.h"
 #include "sources/indexing.h"
-#include "tests/core/test_data.h"
 #include "tests/services/support/service_support.h"
+#include "tests/support/test_data.h"
 #include "text/markup.h"
 
 /// The image search, asked with the program's own requests and read with its own parser.

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "ground/CurrentTask.h"
-#include "tests/core/test_data.h"
 #include "tests/services/support/service_support.h"
+#include "tests/support/test_data.h"
 #include "thumbnails/Thumbnailer.h"
 
 /// The thumbnails, made by the program quarrynet-thumbnails itself.

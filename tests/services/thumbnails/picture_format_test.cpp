@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "tests/core/test_data.h"
 #include "tests/services/support/service_support.h"
+#include "tests/support/test_data.h"
 #include "thumbnails/picture_format.h"
 
 using namespace quarrynet::services;

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-/// What the parsers' tests feed them from.
+/// What tests feed readers from.
 namespace quarrynet::samples {
 
 /// A file below tests/data as bytes. A missing file fails the test.
@@ -19,11 +19,11 @@ inline std::string dataFile(const std::string& name)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The bytes in a heap block of exactly their size: a read beyond the end of a page is then a sanitizer's fault.
-class ExactPage
+/// The bytes in a heap block of exactly their size, so that the address sanitizer reports every read behind the end.
+class ExactBytes
 {
 public:
-    explicit ExactPage(std::string_view bytes) : bytes_(new char[bytes.size()]), size_(bytes.size())
+    explicit ExactBytes(std::string_view bytes) : bytes_(new char[bytes.size()]), size_(bytes.size())
     {
         bytes.copy(bytes_.get(), size_);
     }
