@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the program if needed, starts the local search services and then the program, and ends the services with it.
-# Without a display it makes pictures of a tour through the tabs instead (also with --tour, which takes a folder).
+# Builds the program if needed, starts the local search services and then the program, and stops the services with it.
+# Without a display, or with --tour [FOLDER], it takes screenshots of a tour through the tabs instead.
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
-# shellcheck disable=SC2154,SC2086 # lists of words, from the file above
+# shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
 install_missing $build_packages $run_packages
 
 cmake --preset release >/dev/null
@@ -14,7 +14,7 @@ bin=$PWD/build/release/bin
 data=${XDG_DATA_HOME:-$HOME/.local/share}/quarrynet
 "$bin/quarrynet-services" index --if-needed --data "$data"
 
-# The services answer on port 80 of loopback addresses, where ordinary users may not listen without leave.
+# The services listen on port 80 of loopback addresses, for which ordinary users need a permission.
 lowest=$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024)
 if [ "$(id -u)" != 0 ] && [ "$lowest" -gt 80 ] && ! getcap "$bin/quarrynet-services" | grep -q cap_net_bind_service; then
     echo "Permitting quarrynet-services to listen on port 80:"
@@ -36,7 +36,7 @@ if [ "${1:-}" != --tour ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
 else
     pictures=${2:-$PWD/tour}
     mkdir -p "$pictures"
-    # A display of its own also where there is one: the tour must not fight a person for the keyboard.
+    # The tour gets its own display even if there is one, so that it does not compete with a user for the keyboard.
     xvfb-run -a -s "-screen 0 1280x960x24" "$bin/quarrynet" --tour "$pictures"
     echo "The tour's pictures are in $pictures"
 fi

@@ -1,4 +1,4 @@
-# What every target of this project is compiled with. Third-party headers are included as system headers and stay quiet.
+# Compiler settings of all targets. Third-party headers are included as system headers, so they give no warnings.
 
 option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
@@ -42,14 +42,15 @@ if(QUARRYNET_SANITIZE)
 endif()
 
 if(QUARRYNET_SANITIZE_THREADS)
-  # The sanitizer does not understand fences; without them Asio orders its threads by locks alone, which it does.
+  # The sanitizer does not support fences. Without them Asio synchronizes with locks alone, which the sanitizer
+  # supports.
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -DBOOST_ASIO_DISABLE_FENCED_BLOCK)
   add_link_options(-fsanitize=thread)
 endif()
 
 if(QUARRYNET_BUILD_FUZZERS)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    message(FATAL_ERROR "QUARRYNET_BUILD_FUZZERS needs clang: libFuzzer is a part of it")
+    message(FATAL_ERROR "QUARRYNET_BUILD_FUZZERS needs clang, which includes libFuzzer")
   endif()
   add_compile_options(-fsanitize=fuzzer-no-link,address,undefined)
   add_link_options(-fsanitize=address,undefined)

@@ -1,4 +1,4 @@
-# Cross-compiles for 64-bit Windows with Debian's MinGW. The programs need no DLLs beside them.
+# Cross-compiles for 64-bit Windows with Debian's MinGW. The programs are linked statically and need no further DLLs.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formats all sources by .clang-format; with --check only tells whether they are.
+# Formats all sources by .clang-format; with --check it only reports, and fails if a source is not formatted.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ "${1:-}" = --check ]; then

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Draws icons/pictures/NAME-WIDTH.png from icons/drawings/NAME.svg. To be run after a drawing has changed: the pictures
-# are kept, so that neither the build nor the program needs something that draws SVG.
+# Renders icons/pictures/NAME-WIDTH.png from icons/drawings/NAME.svg. Run it after changing a drawing. The pictures are
+# in the repository, so that neither the build nor the program needs an SVG renderer.
 set -euo pipefail
 cd "$(dirname "$0")/../icons"
 . ../tools/packages.sh
 install_missing librsvg2-bin optipng
 
-# The widths are those that are shown at 1, 1.5 and 2 pixels to a point, and some for larger windows.
+# The widths cover device pixel ratios of 1, 1.5 and 2, and larger windows.
 draw() {
     local name=$1 width
     shift

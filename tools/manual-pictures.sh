@@ -1,17 +1,18 @@
 #!/usr/bin/env bash
-# Takes the manual's pictures anew, over sample data: programs, hosts and drawings that are nobody's.
+# Takes the manual's screenshots again, with sample data: invented programs, hosts and drawings.
 # Arguments: the folder of the built programs (default build/release/bin), the folder for the pictures
-# (default docs/manual/pictures). It needs xvfb, and leave to listen on port 80 (see run.sh).
+# (default docs/manual/pictures). It needs xvfb, and permission to listen on port 80 (see run.sh).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bin=${1:-build/release/bin}
 pictures=${2:-docs/manual/pictures}
 sample=$(mktemp -d)
-chmod 755 "$sample" # started by root, the services go on as a user who has to reach the drawings
+chmod 755 "$sample" # when root starts the services, they switch to a user that must be able to read the drawings
 services=
 trap '[ -z "$services" ] || { kill "$services" 2>/dev/null; wait "$services" 2>/dev/null; } || true; rm -rf "$sample"' EXIT
 
-# package NAME SUMMARY SECTION: a stanza; its size follows from its name, so that the pictures stay the same.
+# package NAME SUMMARY SECTION: prints a stanza. The size derives from the name, so that each run gives the same
+# pictures.
 package() {
     local size
     size=$(printf '%s' "$1" | cksum | cut -d' ' -f1)
@@ -22,7 +23,7 @@ package() {
 }
 
 {
-    # name | summary, of programs that do not exist
+    # name | summary, of invented programs
     while IFS='|' read -r name summary; do
         package "$name" "$summary" editors
     done <<'TEXTS'
@@ -61,7 +62,7 @@ GAMES
     done
 } >"$sample/packages"
 
-# drawing NAME COLOUR: an envelope.
+# One drawing of an envelope for each line "NAME COLOUR".
 mkdir "$sample/drawings" "$sample/data" "$sample/bin"
 while read -r name colour; do
     cat >"$sample/drawings/$name.svg" <<SVG
@@ -80,7 +81,7 @@ mail-archive #2e3436
 mail-flagged #f57900
 DRAWINGS
 
-# Copies: the settings of a person who runs this, which may lie beside the program, must not show, nor be changed.
+# Runs copies, because the user's own settings may lie beside the program and must neither be shown nor changed.
 for file in quarrynet quarrynet-services quarrynet-thumbnails libquarrynet_webengine.so; do
     [ ! -e "$bin/$file" ] || cp "$bin/$file" "$sample/bin/"
 done

@@ -1,4 +1,4 @@
-# Sourced by the scripts at the top: installs the Debian packages that are missing, and does nothing when none is.
+# Sourced by other scripts. install_missing installs those of the named Debian packages that are missing, if any.
 
 build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libqt6svg6
     qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libcap2-bin libcap-dev
@@ -15,7 +15,7 @@ as_root() {
 install_missing() {
     missing=""
     for package in "$@"; do
-        # shellcheck disable=SC2016 # a format of dpkg-query, not of the shell
+        # shellcheck disable=SC2016 # dpkg-query expands this, not the shell
         [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing="$missing $package"
     done
     [ -n "$missing" ] || return 0
