@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Click to all ten thumbnails drawn in the program's window, beside headless Chromium opening the same gallery file. Both
-# fetch the thumbnails from the same local services, through their proxy. The browser's figure includes its start; the
-# window's does not, because a window is open already when somebody searches in it.
+# Measures the time from the click until all ten thumbnails are drawn in the program's window, and compares it with
+# headless Chromium opening the same gallery file. Both fetch the thumbnails from the same local services, through their
+# proxy. The browser's figure includes its start; the window's does not, because a user searches in an open window.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/packages.sh
@@ -11,7 +11,7 @@ cmake --build --preset dev --target quarrynet-services quarrynet_webengine quarr
 bin=build/dev/bin
 work=$(mktemp -d)
 "$bin/quarrynet-services" index --data "$work/index" >/dev/null 2>&1
-port=$((20000 + RANDOM % 10000)) # a proxy's port in the settings is at most 32767, so not one that the system chooses
+port=$((20000 + RANDOM % 10000)) # not chosen by the system: the settings accept ports up to 32767 only
 "$bin/quarrynet-services" serve --data "$work/index" --port 0 --proxy-port "$port" >"$work/log" 2>&1 &
 services=$!
 trap 'kill $services; wait $services 2>/dev/null || true; rm -rf "$work"' EXIT

@@ -1,6 +1,6 @@
-// From the click on Search to the last of ten thumbnails drawn, in the real window with its browser engine. Run by
-// gallery.sh, which gives the proxy port of running local services, the keywords, the number of searches, and the
-// folder for the window's files; the gallery stays there for the browser that the figure is compared with.
+// Measures the time from the click on Search until the last of ten thumbnails is drawn, in the real window with its
+// browser engine. gallery.sh runs it and passes the proxy port of running local services, the keywords, the number of
+// searches, and the folder for the window's files. The gallery stays in that folder for the browser to compare with.
 #include <algorithm>
 #include <cstdio>
 #include <vector>
@@ -29,7 +29,7 @@ public:
     void open(std::string_view) override {}
 };
 
-// Answered behind the next frame that the engine draws, with the number of pictures in it.
+// Evaluates to the number of pictures in the gallery, or 0 until all of them are loaded.
 const QString kDrawn =
     QStringLiteral("(() => { const page = frames.length ? frames[0].document : null;"
                    "if (!page || !page.URL.endsWith('images.html')) return 0;"
@@ -55,7 +55,7 @@ void waitUntil(const std::function<bool()>& reached)
     while (!reached()) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
         if (since.elapsed() > 30'000) {
-            std::fputs("gallery_window: gave up after 30 seconds\n", stderr);
+            std::fputs("gallery_window: timed out after 30 seconds\n", stderr);
             std::exit(1);
         }
     }
@@ -93,7 +93,7 @@ int main(int argc, char** argv)
     std::vector<double> times;
     for (int i = 0; i < arguments[3].toInt(); ++i) {
         QFile::remove(folder + QStringLiteral("/images.html"));
-        viewer->navigate(folder + QStringLiteral("/blank.html")); // the last gallery must not count
+        viewer->navigate(folder + QStringLiteral("/blank.html")); // so that the previous gallery is not counted
         waitUntil([&] { return drawn(*engine) == 0; });
         QElapsedTimer since;
         since.start();

@@ -12,9 +12,9 @@
 #include "platform/Shell.h"
 #include "tests/core/page_samples.h"
 
-/// A step of a resize, as while a person drags the window's corner: new size, layout, painting. Each tab with its list
-/// empty, filled with a page of results, and with a thousand times as many rows, which is to cost no more: a step is to
-/// stay below 16 ms.
+/// Measures one step of a resize, as when a user drags the window's corner: new size, layout, painting. Each tab is
+/// measured with an empty list, with one page of results, and with a thousand times as many rows. Each step should take
+/// less than 16 ms; the number of rows should make no difference.
 
 using namespace quarrynet;
 using namespace quarrynet::samples;

@@ -1,7 +1,8 @@
-// The reduction of a page to its text. Pages without and with nested tags (the second argument) against
-// sed 's/<[^>]*>//g' on the same file: at least 5 times as fast. At ten times the size a page without nested tags may
-// take 12 times as long, where the caches are not larger than the small page; with nested ones all tags stand in a
-// table that outgrows the caches, and it takes 20 times as long. The hostile pages, 10 MB each, stay below two seconds.
+// Measures the reduction of a page to its text. Pages without and with nested tags (the second argument) are compared
+// with sed 's/<[^>]*>//g' on the same file; the reduction should be at least 5 times as fast. A page of ten times the
+// size may take 12 times as long without nested tags, if the caches are not larger than the small page; with nested
+// tags it takes 20 times as long, because the table of all tags outgrows the caches. Each hostile page, 10 MB long,
+// should take less than two seconds.
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -43,7 +44,7 @@ std::string joined(std::initializer_list<std::string_view> parts)
     return out;
 }
 
-// 30,000 different tags a megabyte, and some line ends, quotes and text between them.
+// 30,000 different tags per megabyte, with some line ends, quotes and text between them.
 std::string page(std::size_t megabytes, bool nested)
 {
     std::string text;
@@ -75,8 +76,8 @@ void sed(benchmark::State& state, const std::string& text)
     std::filesystem::remove(file);
 }
 
-// A program reduces a page once, into memory that it has not touched yet. Without this the small page, over and over,
-// would get the same warm memory back, and only the large one pay for its own.
+// The program reduces a page once, into memory that it has not touched yet. Without this setting, the repeated small
+// page would reuse the same warm memory, and only the large page would pay for fresh memory.
 [[maybe_unused]] const bool freshMemory = [] {
 #ifdef __GLIBC__
     return mallopt(M_MMAP_THRESHOLD, 1 << 20) == 1;
@@ -159,13 +160,13 @@ std::string everyRemovalFormsANewTag()
     return joined({"<b>", times(kHostile / 6, "<a<b>"), times(kHostile / 6, ">")});
 }
 
-// One long tag whose end looks like every nest that follows, but fits none.
+// One long tag whose end resembles every nest that follows, but matches none.
 std::string longTagBeforeNest()
 {
     return joined({times(kHostile / 3, "<"), "><>", times(kHostile / 4, "<"), times(kHostile / 4, ">")});
 }
 
-// The same with thousands of long tags.
+// As above, with thousands of long tags.
 std::string manyTagsBeforeNest()
 {
     std::string text;
@@ -175,7 +176,7 @@ std::string manyTagsBeforeNest()
     return joined({text, "<>", times(half, "<"), times(half, ">")});
 }
 
-// The worst there is: many nests, none of whose ends is among many tags with the same last tag.
+// The worst known case: many nests whose ends are all missing among many tags with the same last tag.
 std::string manyTagsBeforeManyNests()
 {
     std::string text = joined({"<x", times(600, "<"), ">"});
@@ -185,7 +186,7 @@ std::string manyTagsBeforeManyNests()
     return text + times((kHostile - text.size()) / 1200, joined({times(600, "<"), times(600, ">")}));
 }
 
-// Rounds that are past when the nest arrives.
+// Tags of rounds that are over before the nest is reached.
 std::string staleTagsBeforeNest()
 {
     std::string text;
@@ -196,7 +197,8 @@ std::string staleTagsBeforeNest()
     return joined({text, times(half, "<"), "<z>", times(half, ">")});
 }
 
-// The shortest name of this number: three bytes for the first ten million, without "<", ">" and the quote.
+// Returns the shortest name for `number`: at most three bytes for the first ten million, without "<", ">" and the
+// quote.
 std::string shortName(std::size_t number)
 {
     static const std::string kLetters = [] {
@@ -245,7 +247,7 @@ std::string differentDeepNests()
     return numbered("<", "<<<<<>");
 }
 
-// Every tag is a round of its own first, and then the end of a nest.
+// Each tag is first removed in its own round and later ends a nest.
 std::string differentTagsThenNests()
 {
     const std::string tags = numbered("<", ">");
@@ -255,7 +257,7 @@ std::string differentTagsThenNests()
     return text;
 }
 
-// Every nest comes twice, and behind the first ones a part of each stays to end a further nest.
+// Every nest occurs twice; a part of each second one remains and ends a further nest.
 std::string differentNestsTwice()
 {
     std::string text;

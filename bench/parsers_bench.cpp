@@ -9,8 +9,9 @@
 #include "search/web/results.h"
 #include "tests/core/page_samples.h"
 
-/// The result parsers: a page as the engines send it (each is to take less than a millisecond), a page a thousand times
-/// as long beside it (the time a row must stay the same), and hostile pages of 10 MB (less than a second each).
+/// Measures the result parsers with a page as the services send it (should take less than a millisecond), with a page
+/// of 400 or 1,000 times as many rows (the time per row should stay the same), and with hostile pages of 10 MB (less
+/// than a second each).
 
 using namespace quarrynet;
 using namespace quarrynet::samples;

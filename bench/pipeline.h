@@ -8,27 +8,27 @@
 #include <unistd.h>
 #include <vector>
 
-/// Other programs, which a benchmark runs beside our own code.
+/// Runs other programs that a benchmark compares with our code.
 namespace quarrynet::bench {
 
-using Command = std::vector<std::string>; // a program, looked up on the path, and its arguments
+using Command = std::vector<std::string>; // a program, searched for in PATH, and its arguments
 
-/// Runs the commands, each one's output the next one's input and the last one's dropped, and waits for all of them. No
-/// command interpreter takes part: its start would count in the figure. True when the last command ended with status 0.
+/// Runs the commands as a pipeline, discards the output of the last one, and waits for all of them. It uses no shell,
+/// whose start would count in the figure. Returns whether all started and the last one exited with status 0.
 inline bool runPipeline(std::initializer_list<Command> commands)
 {
     std::vector<pid_t> children;
     int input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     std::size_t left = commands.size();
     for (const Command& command : commands) {
-        int ends[2] = {-1, -1}; // where the next command reads, where this one writes
+        int ends[2] = {-1, -1}; // the next command reads from [0], this one writes to [1]
         if (--left > 0 && ::pipe2(ends, O_CLOEXEC) != 0)
             break;
         if (left == 0)
             ends[1] = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
         std::vector<char*> words;
         for (const std::string& word : command)
-            words.push_back(const_cast<char*>(word.c_str())); // the interface's type; it is not written to
+            words.push_back(const_cast<char*>(word.c_str())); // the interface takes char*, but does not write to it
         words.push_back(nullptr);
         posix_spawn_file_actions_t streams;
         ::posix_spawn_file_actions_init(&streams);

@@ -19,13 +19,13 @@
 #include "searches/WebService.h"
 #include "sources/indexing.h"
 
-/// Measures how far up the searches show what a person wants first: the mean reciprocal rank over a judged set, beside
-/// that of the plain order by bm25 (for files: the order of the names) over the same index.
+/// Measures the ranking of the searches: the mean reciprocal rank over a judged set, compared with that of plain bm25
+/// order (for files: the order of names) over the same index.
 ///
 ///     ranking_bench bench/ranking/judged.tsv [DATA-FOLDER]
 ///
-/// Without a data folder it indexes this machine. Wanted: above 0.9. Exit status: 0 when it is, 1 when it is not, 2
-/// when nothing can be measured.
+/// Without a data folder it indexes this machine. The target is above 0.9. Exit status: 0 when it is reached, 1 when it
+/// is missed, 2 when nothing can be measured.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -33,7 +33,7 @@ using namespace quarrynet::services;
 namespace {
 
 constexpr double kWanted = 0.9;
-constexpr std::size_t kDepth = 100; ///< an answer further down counts as not shown
+constexpr std::size_t kDepth = 100; ///< an answer at a later place counts as missing
 
 struct Judged
 {
@@ -66,7 +66,7 @@ std::vector<Judged> readJudged(const char* path)
     return judged;
 }
 
-/// How the judged set names an answer.
+/// Returns `address` as the judged set names it: without scheme and trailing slashes.
 std::string addressName(std::string_view address)
 {
     const std::size_t scheme = address.find("://");
@@ -95,7 +95,7 @@ std::string pictureStem(std::string_view path)
 using Names = std::vector<std::string>;
 using Ask = std::function<Names(const std::string& typed)>;
 
-/// The answers of a service, page for page.
+/// Returns a function that collects a service's answers, page by page.
 template <class Service, class Name>
 Ask pagesOf(Service& service, Name name)
 {
@@ -112,7 +112,8 @@ Ask pagesOf(Service& service, Name name)
     };
 }
 
-/// The answers of a plain statement, whose one column is named by `name`. ?1 is the expression for the typed words.
+/// Returns a function that collects the answers of a plain statement. `name` turns its only column into a name; ?1 is
+/// the expression for the typed words.
 Ask rowsOf(IndexPool& pool, const char* sql, std::string (*name)(std::string_view))
 {
     return [&pool, sql, name](const std::string& typed) {

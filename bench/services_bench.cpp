@@ -14,15 +14,15 @@
 #include "searches/WebService.h"
 #include "sources/indexing.h"
 
-/// The local searches over this machine's own package lists, beside the same questions put to the tables without a
-/// full-text index. The wanted: a median below 20 ms, and an index of 63,000 packages within 20 s.
+/// Measures the local searches over this machine's package lists, compared with the same queries on the tables without
+/// a full-text index. The targets are a median below 20 ms, and an index of 63,000 packages within 20 s.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
 
-/// An index of the machine's package lists in a folder of its own.
+/// An index of the machine's package lists in a temporary folder.
 class Machine
 {
 public:
@@ -54,7 +54,7 @@ public:
     IndexPool& index() { return *index_; }
     const IndexCounts& counts() const { return counts_; }
 
-    /// Words that people look for: the first parts of program names, from all over the alphabet.
+    /// Returns a typical search word: the first part of a program name, from all over the alphabet.
     const std::string& word(std::size_t number) const { return words_[number % words_.size()]; }
 
 private:
@@ -83,7 +83,7 @@ Machine& machine()
     return made;
 }
 
-/// Asks one question an iteration, each for another word, and reports how long single ones took.
+/// Sends one query per iteration, each for another word, and reports the median, 95th percentile and maximum time.
 template <class Ask>
 void askAll(benchmark::State& state, Ask ask)
 {
@@ -109,7 +109,7 @@ void askAll(benchmark::State& state, Ask ask)
     state.counters["rows"] = static_cast<double>(machine().counts().programs);
 }
 
-/// The same question without an index: SQL with "?1" for the pattern.
+/// Measures the same query without an index: `sql` has ?1 for the LIKE pattern.
 void scanAll(benchmark::State& state, const std::string& sql)
 {
     askAll(state, [&sql](const std::string& word) {

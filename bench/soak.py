@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
-"""Asks the local services for a long time as well and as badly as their clients may, and watches what that costs.
+"""Sends valid and broken requests to the local services for a long time, and watches their resources.
 
     bench/soak.py BUILD_FOLDER [MINUTES]         two hours by default
 
-Eight clients search on all four services, page, fetch thumbnails and pages, send broken requests, go away in the middle
-and read slowly; every ten minutes the index is made anew. All of it is on loopback addresses and bounded: each client
-waits a moment between two requests. Once a minute a line says how much memory and how many descriptors and threads the
-services have, and how long a search took; the lines are kept in soak.tsv in the current folder. The end fails where
-memory or descriptors have grown since the tenth minute, a search took longer than two seconds, or the services ended.
+Eight clients search on all four services, page, fetch thumbnails, send broken requests, disconnect early and read
+slowly; every ten minutes the index is rebuilt. All traffic is on loopback addresses and bounded: each client pauses
+between two requests. Once a minute a line reports the services' memory, descriptors and threads, and the search times;
+soak.tsv in the current folder keeps the lines. The exit status is 1 if memory or descriptors have grown since the tenth
+minute, a search took longer than two seconds, or the services ended.
 """
 
 import pathlib
@@ -23,8 +23,8 @@ WORDS = ["text", "editor", "python", "library", "game", "image", "vim", "doc", "
 HOSTS = {"web": "127.80.0.1", "image": "127.80.0.2", "download": "127.80.0.3", "file": "127.80.0.4"}
 PAUSE = 0.02  # seconds between two requests of a client
 SLOWEST = 2.0  # seconds that a search may take
-SETTLED = 10  # minutes until memory and descriptors have found their level
-GROWTH = 1.25  # of memory from then on, and GROWTH_MB beside it
+SETTLED = 10  # minutes until memory and descriptors are stable
+GROWTH = 1.25  # permitted factor of memory growth from then on, in addition to GROWTH_MB
 GROWTH_MB = 32
 
 
@@ -108,7 +108,7 @@ def client(number, services, stop, faults):
             else:
                 exchange(services.port, request(service, chance), slowly=True)
         except (ConnectionError, socket.timeout):
-            pass  # refused and dropped connections are part of it
+            pass  # refused and dropped connections are expected
         except OSError as fault:
             faults.append(str(fault))
         stop.wait(PAUSE)
@@ -145,7 +145,7 @@ def main():
                     times.append(time.monotonic() - begin)
                     time.sleep(0.5)
                 if indexing and indexing.wait() != 0:
-                    problems.append(f"minute {minute}: the index could not be made")
+                    problems.append(f"minute {minute}: indexing failed")
                 if services.process.poll() is not None:
                     problems.append(f"minute {minute}: the services ended with {services.process.returncode}")
                     break
@@ -171,9 +171,9 @@ def main():
             begin = time.monotonic()
             services.process.terminate()
             services.process.wait(20)
-            print(f"ended {time.monotonic() - begin:.1f} s after it was told to")
+            print(f"the services ended {time.monotonic() - begin:.1f} s after SIGTERM")
         problems += sorted(set(faults))
-        print("\n".join(problems) if problems else "nothing has grown, nothing was slow")
+        print("\n".join(problems) if problems else "passed: no growth, no slow search")
         sys.exit(1 if problems else 0)
 
 

@@ -1,5 +1,5 @@
-// FindReplace, in calls that the program makes, against one std::string pass that does the same replacement from left
-// to right. Compare the rows of one size: at most 3 times the pass. Compare the rows of one routine: 8 MB may take 8
+// Compares FindReplace, in calls that the program makes, with a single std::string pass that does the same replacement
+// from left to right. FindReplace may take at most 3 times as long as the pass of the same size, and 8 MB may take 8
 // times as long as 1 MB.
 #include <cstddef>
 #include <string>
@@ -13,7 +13,7 @@ using namespace quarrynet;
 
 namespace {
 
-// A match every 20 bytes, so 50,000 in a megabyte.
+// A match about every 20 bytes, so about 50,000 per megabyte.
 std::string textWithMatches(std::size_t megabytes, std::string_view sought)
 {
     std::string text;
@@ -44,7 +44,7 @@ void replace(benchmark::State& state, Routine* routine, std::string_view sought,
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-// Every removal forms the next match, to the middle of the text and out again.
+// Each removal forms the next match, from the middle of the text outward.
 void nest(benchmark::State& state)
 {
     const auto depth = static_cast<std::size_t>(state.range(0)) << 18;
@@ -57,7 +57,7 @@ void nest(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-// Never ends when done plainly: runs into the bound.
+// Replacing one match at a time would never end: this reaches the bound.
 void growing(benchmark::State& state)
 {
     std::string text;

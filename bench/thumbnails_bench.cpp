@@ -9,7 +9,8 @@
 #include "thumbnails/Thumbnailer.h"
 #include "thumbnails/picture_format.h"
 
-/// Thumbnails of this machine's icons a second: made, with the process under way, and out of the cache.
+/// Measures thumbnails of this machine's icons: made by a running process, taken from the cache, and made by a new
+/// process.
 
 using namespace quarrynet::services;
 
@@ -21,7 +22,7 @@ struct Source
     std::string content;
 };
 
-/// Some of the machine's icons, drawings and others; 200 at most.
+/// Returns at most 200 of the machine's icons, SVG and raster.
 const std::vector<Source>& sources()
 {
     static const std::vector<Source> read = [] {
@@ -40,7 +41,7 @@ const std::vector<Source>& sources()
     return read;
 }
 
-/// The cache's answer for picture `number`, made when it is not there.
+/// Returns whether the cache has a thumbnail of picture `number`, after making it if it is missing.
 bool show(ThumbnailCache& cache, Thumbnailer& thumbnailer, std::size_t number)
 {
     const Source& source = sources()[number % sources().size()];
@@ -48,7 +49,7 @@ bool show(ThumbnailCache& cache, Thumbnailer& thumbnailer, std::size_t number)
         .has_value();
 }
 
-/// Either each picture under a new key, or all of them again and again.
+/// Shows each picture under a new key if `cold`, otherwise the same pictures again and again.
 void showAll(benchmark::State& state, bool cold)
 {
     if (sources().empty()) {

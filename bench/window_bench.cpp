@@ -1,7 +1,8 @@
-// The real window on loopback, from click to result, beside other programs that fetch the same page from the same
-// server: the page check of a 6 MB page with 180,000 different tags is to be 3 times as fast as curl, w3m and grep; a
-// web search, up to its filled rows, at most 3 times as long as curl. Also the hand-over of a 50 MB body beside one
-// copy of it, and the peak memory of a process whose window receives 100 MB, at most 2.5 times that.
+// Measures the real window on loopback, from click to result, and compares it with other programs that fetch the same
+// page from the same server. The page check of a 6 MB page with 180,000 different tags should be 3 times as fast as
+// curl, w3m and grep; a web search, up to its filled rows, should take at most 3 times as long as curl. It also
+// compares the hand-over of a 50 MB body with one copy of it, and reports the peak memory of a process whose window
+// receives 100 MB, which should be at most 2.5 times that.
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -39,7 +40,7 @@ constexpr std::size_t kReceived = 100 * kMegabyte;
 
 int port = 0;
 
-// 30,000 different tags a megabyte.
+// 30,000 different tags per megabyte.
 std::string checkedPage(std::size_t megabytes)
 {
     std::string text = "<html><body>";
@@ -79,7 +80,7 @@ std::string checkedPage(std::size_t megabytes)
     }
 }
 
-/// Starts the server in a process of its own and sets `port`.
+/// Starts the server in a child process, sets `port`, and returns the child's process id.
 pid_t startServer()
 {
     const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
@@ -125,7 +126,7 @@ public:
 
     void type(const char* field, const QString& text) { control<QLineEdit>(field)->setText(text); }
 
-    /// Clicks a start button and returns when the search is over; gives the number of rows.
+    /// Clicks a start button, waits until the search is over, and returns the number of rows.
     int click(const char* button, const char* list)
     {
         auto* start = control<QPushButton>(button);
@@ -232,7 +233,7 @@ std::size_t peakBytes()
     return 0;
 }
 
-/// The child's part of receive(): one search, then the peak memory on standard output.
+/// The child's part of receive(): runs one search, then prints the peak memory before and after it.
 int receiveHere(const char* tab)
 {
     Window window;
@@ -278,7 +279,7 @@ int main(int argc, char** argv)
     }
     const pid_t server = startServer();
     const QApplication application(argc, argv);
-    if (!bench::runPipeline({curl("/search")})) // the server is ready when it has answered once
+    if (!bench::runPipeline({curl("/search")})) // once it has answered, the server is ready
         return 1;
     const auto add = [](const char* name, auto function) {
         return benchmark::RegisterBenchmark(name, function)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -1,7 +1,7 @@
 #include <QApplication>
 #include <QTabBar>
 
-// The least that the program could be: a window with five tabs.
+// The lower bound for the program: a window with five tabs.
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Ends the program at the first turn of its event loop after a window was exposed, which has painted it.
+/// Ends the program in the first iteration of its event loop after a window was exposed; by then it has been painted.
 class ShownProbe final : public QObject
 {
 public:

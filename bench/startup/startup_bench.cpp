@@ -9,8 +9,8 @@
 #include <QDir>
 #include <QProcess>
 
-/// From the start of a program to its shown window: the program beside a bare window with a tab bar, in turn, so that
-/// whatever else the machine does meets both. The program is to take at most half as long again.
+/// Measures the time from the start of a program until its window shows. The program and a bare window with a tab bar
+/// run in turn, so that other load on the machine affects both. The program should take at most 1.5 times as long.
 ///
 ///     startup_bench [RUNS]
 
@@ -55,11 +55,11 @@ int main(int argc, char** argv)
         const std::optional<double> first = startOnce(here.filePath(QStringLiteral("bare_window")));
         const std::optional<double> second = startOnce(here.filePath(QStringLiteral("quarrynet")));
         if (!first || !second) {
-            std::fputs("a program did not come up, or went on behind its window\n", stderr);
+            std::fputs("a program showed no window, or did not end after showing it\n", stderr);
             return EXIT_FAILURE;
         }
         if (i == 0)
-            continue; // fills the system's caches
+            continue; // the first run fills the system's caches
         bare.push_back(*first);
         program.push_back(*second);
         ratios.push_back(*second / *first);
