@@ -18,15 +18,15 @@
 
 extern char** environ;
 
-/// A program of its own, run with a call in it that fails.
+/// Runs a child process in which one call fails.
 namespace quarrynet {
 
-/// A started program that has to end within a minute. What it complains of goes to a file.
+/// A child process that must end within a minute. Its standard error goes to a file.
 class FaultyProgram
 {
 public:
-    /// The `number`-th call of these kinds fails (0: none does). `folder` gets the files "errors" and "mark", and
-    /// has to let the program's user write.
+    /// Starts `arguments`; the `number`-th call of these kinds fails (0: none does). The files "errors" and "mark" are
+    /// written to `folder`, which must be writable for the program's user.
     FaultyProgram(std::vector<std::string> arguments, std::string folder, long number, int kinds)
         : folder_(std::move(folder))
     {
@@ -68,7 +68,7 @@ public:
 
     void signal(int number) const { ::kill(process_, number); }
 
-    /// Whether the program ended within so many milliseconds.
+    /// Waits at most `milliseconds` and returns whether the program has ended.
     bool endsWithin(int milliseconds) const
     {
         if (process_ <= 0)
@@ -79,7 +79,8 @@ public:
         return ended;
     }
 
-    /// The exit status; the signal's number below zero when one ended it, SIGKILL's when it did not end.
+    /// Waits for the end and returns the exit status, or the negative signal number if a signal ended the program.
+    /// Kills a program that has not ended after a minute.
     int wait()
     {
         if (process_ <= 0)
@@ -93,7 +94,7 @@ public:
         return status_;
     }
 
-    /// Whether a call failed so far.
+    /// Returns whether the call has failed.
     bool failed() const { return std::filesystem::exists(folder_ + "/mark"); }
 
     std::string errors() const
@@ -102,7 +103,8 @@ public:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    /// One line of output without its end; what there is when the output ends, or nothing more comes within a minute.
+    /// Returns the next line of output without its line end; an incomplete one if the output ends or stalls for a
+    /// minute.
     std::string readLine() const
     {
         std::string line;

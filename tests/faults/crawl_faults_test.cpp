@@ -5,8 +5,8 @@
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"
 
-/// Every call that a crawl needs fails once, in the program itself: the index has the whole crawl, or what could not be
-/// listed is told, or the old index stays.
+/// Each call that a crawl makes fails once, in the real program. Then the index has the whole crawl, or the program
+/// reports what could not be listed, or the old index stays.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -57,7 +57,8 @@ protected:
         return program.failed();
     }
 
-    /// Each of the first calls fails, and of the later ones ever fewer, as the distance grows.
+    /// Makes each of the first `eachUpTo` calls fail, then calls at growing distances, until none fails any more.
+    /// Returns the last number.
     long judgeAll(int kinds, long eachUpTo)
     {
         constexpr long kTooMany = 1'000'000;

@@ -3,8 +3,8 @@
 #include "../core/faulty_exchange.h"
 #include "faults.h"
 
-/// Memory runs out at each allocation of a search: the tab is at rest, there was a message, and the next search shows
-/// its whole result.
+/// Each allocation of a search fails once. Then the tab is idle, there was a message, and the next search shows its
+/// whole result.
 
 using namespace quarrynet;
 

@@ -14,7 +14,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-// The C library's own names for its allocator: looking them up would allocate.
+// glibc's internal names of its allocator; dlsym() would allocate.
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
@@ -36,7 +36,7 @@ Function* next(const char* name)
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/// Whether this call is the one that fails.
+/// Counts a call of `kind` and returns whether it is the one that fails.
 bool isTurn(int kind)
 {
     if ((g_kinds.load(std::memory_order_relaxed) & kind) == 0 || t_spared || g_left.fetch_sub(1) != 1)
@@ -51,7 +51,7 @@ bool isTurn(int kind)
     return true;
 }
 
-/// Whether this call is the one that fails; its errno is set then, to `error` or what the test wants instead.
+/// Returns whether this call is the one that fails, and then sets errno to `error` or to the error that the test chose.
 bool fails(int kind, int error)
 {
     const int wanted = g_error.load(std::memory_order_relaxed);
@@ -72,7 +72,8 @@ mode_t typeOf(int number)
     return type;
 }
 
-/// Not so for the descriptors by which a program wakes its own threads: those calls cannot fail.
+/// Returns whether the descriptor is a file or a folder. Calls on the pipes that wake a program's own threads cannot
+/// fail.
 bool isFile(int number)
 {
     const mode_t type = typeOf(number);
@@ -84,8 +85,8 @@ bool isSocket(int number)
     return typeOf(number) == S_IFSOCK;
 }
 
-/// Sends or receives `count` bytes by `real`, which takes the number of bytes. A connection on which that fails because
-/// it is lost is shut, as one that the other side has reset.
+/// Sends or receives `count` bytes by `real`, which takes the number of bytes. When it fails with the error of a lost
+/// connection, it shuts the connection down, as a reset by the peer would.
 template <class Real>
 ssize_t transfer(int number, size_t count, Real real)
 {
@@ -114,7 +115,7 @@ __attribute__((constructor)) void armFromEnvironment()
 
 } // namespace
 
-// A call that is given up with `failure` when it is its turn, and else handed on.
+// Defines a function that returns `failure` when its call is to fail, and otherwise calls the real one.
 #define QUARRYNET_FAULT(result, name, kind, error, failure, parameters, arguments)                                     \
     result name parameters                                                                                             \
     {                                                                                                                  \
@@ -122,7 +123,7 @@ __attribute__((constructor)) void armFromEnvironment()
         return fails(kind, error) ? (failure) : real arguments;                                                        \
     }
 
-// Opening takes a mode only where a file may be made.
+// open() has a mode argument only if it may create a file.
 #define QUARRYNET_OPEN_FAULT(name, parameters, types, arguments)                                                       \
     int name parameters                                                                                                \
     {                                                                                                                  \
@@ -139,7 +140,7 @@ __attribute__((constructor)) void armFromEnvironment()
         return real arguments;                                                                                         \
     }
 
-// Of what is done to a socket's descriptor only copying it fails: whether it blocks can always be set.
+// On sockets only the duplication of the descriptor fails; setting its flags cannot fail.
 #define QUARRYNET_CONTROL_FAULT(name)                                                                                  \
     int name(int number, int command, ...)                                                                             \
     {                                                                                                                  \

@@ -1,26 +1,25 @@
 #pragma once
 
-/// Faults on purpose: a library that stands in front of the C library and makes one call fail.
+/// Fault injection: a library that intercepts calls of the C library and makes one of them fail.
 ///
-/// A test that links it arms it around the operation under test and counts upward until the operation needs no call
-/// that many: every call has failed once then. A program of its own is run with the library in LD_PRELOAD,
-/// QUARRYNET_FAIL_AT (the number), QUARRYNET_FAIL_KINDS (the sum of the kinds; all when unset) and QUARRYNET_FAIL_MARK
-/// (a file that is made when the call has failed; without that file afterwards nothing failed any more).
+/// A test that links it arms it around the operation under test, with a number that grows by one until the operation
+/// makes fewer calls; by then each call has failed once. Child processes get the library through LD_PRELOAD, the number
+/// in QUARRYNET_FAIL_AT, the sum of the kinds in QUARRYNET_FAIL_KINDS (default: all), and in QUARRYNET_FAIL_MARK the
+/// path of a file that is created when the call fails.
 ///
-/// A call fails as a full disk, a worn-out one, a table without room or a lost connection would make it fail; what is
-/// closed is closed all the same, and a connection that is lost carries nothing afterwards. Linux with glibc, and not
-/// together with a sanitizer, which has its own allocator.
+/// Calls fail as with a full or defective disk, a full table or a lost connection. A failing close() still closes, and
+/// a lost connection transfers nothing more. Needs Linux with glibc, and no sanitizer, which has its own allocator.
 extern "C" {
 
 enum QuarrynetFaultKind
 {
-    /// open, read, write, seek, state, synchronise, truncate, rename, remove, close; directory steps
+    /// open, read, write, seek, stat, chmod, chown, fsync, truncate, rename, unlink, mkdir, close, opendir, readdir
     QuarrynetFileFaults = 1,
-    /// malloc, calloc, realloc, and so operator new
+    /// malloc, calloc, realloc, and thus operator new
     QuarrynetMemoryFaults = 2,
-    /// socket, connect, accept, send, receive, also by read and write
+    /// socket, connect, accept, send and receive, also through read and write
     QuarrynetNetworkFaults = 4,
-    /// what a socket is asked or told besides: its errors, names, options, bytes that wait, a second descriptor for it
+    /// other socket calls: options and errors, names, shutdown, pending bytes, duplication of the descriptor
     QuarrynetSocketStateFaults = 8,
     /// poll and ppoll
     QuarrynetWaitFaults = 16,
@@ -28,29 +27,29 @@ enum QuarrynetFaultKind
 
 enum QuarrynetFaultError
 {
-    /// Each call fails with an error of its own.
+    /// Each call fails with its typical error.
     QuarrynetUsualError = 0,
-    /// What is sent and received is one byte; other calls neither fail nor count.
+    /// The call sends or receives only one byte; other calls neither fail nor count.
     QuarrynetShortTransfer = -1,
 };
 
-/// From now on the `number`-th call (from 1) of these kinds fails, in any thread that is not spared, once.
+/// Makes the `number`-th call from now (1-based) of these kinds fail once, in any thread that is not spared.
 void quarrynet_fail_at(long number, int kinds);
 
-/// The errno of the calls that fail, or a QuarrynetFaultError.
+/// Sets the errno of failing calls, or a QuarrynetFaultError.
 void quarrynet_fail_with(int error);
 
-/// The calls of the calling thread neither fail nor count: it is no part of what is tested.
+/// Exempts the calling thread, which is not under test: its calls neither fail nor count.
 void quarrynet_spare_this_thread();
 
-/// Nothing fails any more. Whether the call was reached.
+/// Stops failing calls. Returns whether the call was reached.
 bool quarrynet_stop_failing();
 }
 
 namespace quarrynet {
 
-/// Runs `operation` again and again; in each run one call more succeeds before one fails. `prepare` runs before, and
-/// `judge` after it, without faults. Gives how many runs failed a call, or -1 when that would not end.
+/// Runs `operation` repeatedly; each run makes the next call fail. `prepare` runs before it and `judge` after it,
+/// without faults. Returns the number of runs in which a call failed, or -1 if the runs do not come to an end.
 template <class Prepare, class Operation, class Judge>
 long failEveryCall(int kinds, Prepare prepare, Operation operation, Judge judge)
 {

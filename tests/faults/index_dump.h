@@ -8,7 +8,7 @@
 #include "index/database.h"
 #include "index/sqlite.h"
 
-/// What the tests look at in an index.
+/// Reads an index for comparison in tests.
 namespace quarrynet::services {
 
 inline std::string fileContent(const std::string& path)
@@ -17,11 +17,11 @@ inline std::string fileContent(const std::string& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Returns all rows of the index in a data folder as lines of text, in an order of their own; a line that says what is
-/// wrong where the index cannot be read, or where its full-text tables do not fit the others.
+/// Returns all rows of the index in a data folder as sorted lines of text. Adds an error message if the index cannot be
+/// read, or if its full-text tables do not match the others.
 inline std::string dumpOf(const std::string& dataFolder)
 {
-    // A copy, so that asking changes nothing.
+    // Reads a copy, so that the index itself does not change.
     const std::string copy = dataFolder + ".copy";
     std::error_code error;
     std::filesystem::copy_file(indexPath(dataFolder), copy, std::filesystem::copy_options::overwrite_existing, error);

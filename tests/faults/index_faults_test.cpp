@@ -7,7 +7,7 @@
 #include "sources/crawled_site.h"
 #include "tests/services/support/service_support.h"
 
-/// Every call that indexing needs fails once, in the program itself: the new index is whole, or the old one stays.
+/// Each call that indexing makes fails once, in the real program. Then the new index is complete, or the old one stays.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -42,7 +42,7 @@ protected:
         ASSERT_EQ(whole_.rfind("ok\n", 0), 0U) << whole_;
     }
 
-    /// Indexes over the old index while the `number`-th call of these kinds fails. Gives the exit status.
+    /// Indexes over the old index while the `number`-th call of these kinds fails. Returns the exit status.
     int run(long number, int kinds)
     {
         if (!old_.empty())
@@ -57,13 +57,13 @@ protected:
         return status;
     }
 
-    /// Runs and judges; false when no call failed any more.
+    /// Runs and judges. Returns whether a call failed.
     bool judge(long number, int kinds)
     {
         const int status = run(number, kinds);
         SCOPED_TRACE("call " + std::to_string(number) + ", status " + std::to_string(status) + "\n" + errors_);
         if (status == 0) {
-            // What lies in the folders is told when it cannot be read; the rest has to be there.
+            // Unreadable contents of the folders are reported; everything else must be in the index.
             const bool told = errors_.find("left out, such as " + folder_.path()) != std::string::npos;
             const std::string now = dumpOf(data());
             if (told)
@@ -81,28 +81,28 @@ protected:
         std::set<std::string> files;
         for (const auto& entry : std::filesystem::directory_iterator(data()))
             files.insert(entry.path().filename().string());
-        // Only where removing it was what failed, and until the next run.
+        // This file stays until the next run if its removal failed.
         files.erase("index.sqlite.new");
         EXPECT_EQ(files, (std::set<std::string>{"index.lock", "index.sqlite"}));
         return failed_;
     }
 
-    /// Where the last line begins.
+    /// Returns the offset of the last line.
     static std::size_t last(const std::string& lines)
     {
         const std::size_t end = lines.size() < 2 ? std::string::npos : lines.rfind('\n', lines.size() - 2);
         return end == std::string::npos ? 0 : end + 1;
     }
 
-    /// Every one of the first calls fails, and of the many later ones, which are mostly SQLite's, a share of steady
-    /// density: the distance grows with the number. Gives the last number that was reached.
+    /// Makes each of the first `eachUpTo` calls fail, then calls at growing distances (most of them are SQLite's),
+    /// until none fails any more. Returns the last number.
     long judgeAll(int kinds, long eachUpTo)
     {
         constexpr long kTooMany = 1'000'000;
         long number = 1;
         while (number < kTooMany && judge(number, kinds) && !HasFailure())
             number += number < eachUpTo ? 1 : 1 + number / 40;
-        // The last run had no fault: what others left behind is gone.
+        // The last run had no fault and has removed what earlier runs left behind.
         EXPECT_FALSE(std::filesystem::exists(indexPath(data()) + ".new"));
         return number;
     }

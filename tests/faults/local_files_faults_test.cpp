@@ -8,7 +8,7 @@
 
 using namespace quarrynet;
 
-/// Every file call that a page of the program's own needs fails once: there is a reason to show, or the page is whole.
+/// Each file call that writes a local page fails once. Then there is a reason to show, or the page is complete.
 class LocalFilesFaultsTest final : public QObject
 {
     Q_OBJECT

@@ -13,8 +13,8 @@ using namespace quarrynet;
 
 namespace {
 
-/// Answers each request on a free loopback port with the same bytes and closes the connection, in a thread whose calls
-/// never fail.
+/// Answers each request on a free loopback port with the same bytes and closes the connection, in a thread that is
+/// exempt from faults.
 class SparedService
 {
 public:
@@ -99,8 +99,8 @@ void addFaultRows()
     add(waiting, QuarrynetWaitFaults, EINTR, "EINTR");
 }
 
-/// Runs the event loop until `condition` holds; gives up after ten seconds. Unlike QTest::qWaitFor it does not sleep in
-/// between.
+/// Runs the event loop until `condition` holds, for at most ten seconds. Returns whether it holds. Unlike
+/// QTest::qWaitFor() it does not sleep.
 template <class Condition>
 bool runUntil(Condition condition)
 {
@@ -116,8 +116,8 @@ bool runUntil(Condition condition)
 
 } // namespace
 
-/// Every call to the network that a search needs fails once: there is a message or the whole result, and the next
-/// search is one like any other.
+/// Each network call that a search makes fails once. Then there is a message or the whole result, and the next search
+/// works.
 class SearchFaultsTest final : public QObject
 {
     Q_OBJECT
@@ -157,7 +157,7 @@ private slots:
             [&](long number, bool reached) {
                 const QByteArray call = "call " + QByteArray::number(static_cast<qlonglong>(number));
                 QVERIFY2(ended, call.constData());
-                // Behind an error nothing goes on that could end a second time.
+                // After an error nothing is left that could end a second time.
                 if (closed.isEmpty())
                     QVERIFY2(runUntil([&] { return socket.findChildren<QTcpSocket*>().isEmpty(); }), call.constData());
                 QVERIFY2(closed.count() + failed.count() == 1, call.constData());

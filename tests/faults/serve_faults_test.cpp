@@ -9,8 +9,8 @@
 #include "http/message.h"
 #include "tests/services/support/service_support.h"
 
-/// Every call that serving needs fails once, in the program itself: the client that it struck gets a whole answer or
-/// the end of its connection, the next one its answer, and the program ends when it is told to.
+/// Each call that serving makes fails once, in the real program. The affected client gets a whole response or the end
+/// of its connection, the next client gets its response, and the program ends on SIGTERM.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -22,7 +22,7 @@ struct Question
     const char* service;
     const char* address;
     const char* target;
-    const char* answer; ///< what stands in it
+    const char* answer; ///< a text that the response contains
 };
 
 constexpr std::array<Question, 5> kQuestions{
@@ -32,7 +32,7 @@ constexpr std::array<Question, 5> kQuestions{
      {"file", "127.80.0.4", "/cgi-bin/s?t=f&d=&l=en&m=20&q=apple", "http://mirror.example/apple.deb"},
      {"proxy", "127.0.0.1", "http://127.80.0.1/search?q=apple", "http://apple.example/"}}};
 
-/// The port behind "name=http://address:" in the ready line; 0 when it is not there.
+/// Returns the port after "name=http://address:" in the ready line, or 0 if it is missing.
 std::uint16_t portOf(const std::string& ready, const std::string& name)
 {
     const std::size_t at = ready.find(" " + name + "=http://");
@@ -43,7 +43,7 @@ std::uint16_t portOf(const std::string& ready, const std::string& name)
         wholeNumber(ready.substr(colon + 1, ready.find('/', colon) - colon - 1)).value_or(0));
 }
 
-/// Nothing when the server neither answers nor ends the connection.
+/// Returns the response, or nothing if the server neither answers nor ends the connection.
 std::optional<std::string> ask(const Question& question, const std::string& ready)
 {
     const std::uint16_t port = portOf(ready, question.service);
@@ -54,7 +54,7 @@ std::optional<std::string> ask(const Question& question, const std::string& read
     return client.receiveAllWithin(20);
 }
 
-/// Whether an answer claims to be a good one and is there to its end.
+/// Returns whether a response has status 200 and is complete.
 bool isWhole(const std::string& answer)
 {
     const std::string length = "Content-Length: ";
@@ -73,7 +73,7 @@ protected:
     void SetUp() override
     {
         namespace fs = std::filesystem;
-        // Root becomes somebody else, who has to get there and to leave the mark.
+        // The services give up root, and their new user must be able to reach the folder and to create the mark.
         fs::permissions(folder_.path(), fs::perms::others_exec, fs::perm_options::add);
         folder_.write("run/errors", "");
         fs::permissions(folder_.path() + "/run", fs::perms::all);
@@ -89,21 +89,21 @@ protected:
         ASSERT_EQ(index.wait(), 0) << index.errors();
     }
 
-    /// Serves while the `number`-th call of these kinds fails; false when none failed any more.
+    /// Serves while the `number`-th call of these kinds fails. Returns whether a call failed.
     bool judge(long number, int kinds)
     {
         FaultyProgram server(
             {QUARRYNET_SERVICES, "serve", "--data", folder_.path() + "/data", "--port", "0", "--proxy-port", "0"},
             folder_.path() + "/run", number, kinds);
         std::string ready = server.readLine();
-        // The threads are what comes last: without them there is no server either.
+        // The threads start last, after the ready line; without them there is no server either.
         if (!ready.empty() && !ask(kQuestions.front(), ready).value_or("").starts_with("HTTP/1.1 200") &&
             server.errors().find("refuses the threads") != std::string::npos)
             ready.clear();
         SCOPED_TRACE("call " + std::to_string(number) + "\n" + ready + "\n" + server.errors());
         if (ready.empty()) {
             const int status = server.wait();
-            // The C library's search for the user that root becomes cannot do without memory.
+            // The C library crashes when memory runs out while it looks up the user that root becomes.
             const std::string errors = server.errors();
             if (::geteuid() == 0 && kinds == QuarrynetMemoryFaults &&
                 ((status == -SIGSEGV && errors.empty()) ||
@@ -134,7 +134,8 @@ protected:
             EXPECT_TRUE(server.failed()) << *answer;
     }
 
-    /// As many of the first calls fail as asked for, and then ever fewer.
+    /// Makes each of the first `eachUpTo` calls fail, then calls at growing distances, until none fails any more.
+    /// Returns the last number.
     long judgeAll(int kinds, long eachUpTo)
     {
         constexpr long kTooMany = 1'000'000;

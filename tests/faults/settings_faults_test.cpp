@@ -10,8 +10,8 @@
 #include "common/CDS_CIni.h"
 #include "faults.h"
 
-/// Every call that the settings file needs fails once: the file holds the old content or the new one, whole, and a
-/// failure has a description.
+/// Each call that the settings store makes fails once. Then the file has the complete old or new content, and a failure
+/// has a description.
 
 using namespace quarrynet;
 namespace fs = std::filesystem;
@@ -55,7 +55,7 @@ protected:
         return text.str();
     }
 
-    /// Runs the operation, which must not throw.
+    /// Returns a function that runs the operation and records its result, or that it threw, which it must not.
     template <class Operation>
     auto attempt(Operation operation)
     {
@@ -90,7 +90,8 @@ protected:
 
 TEST_F(SettingsFaults, WritingAValue)
 {
-    const std::string value = "a-new-and-longer-host.example"; // made here, so that only the store runs out of memory
+    const std::string value =
+        "a-new-and-longer-host.example"; // allocated outside of the store, which runs out of memory
     const long calls = failEveryCall(
         kKinds, [this] { putOld(); }, attempt([&] { return store_.WriteValue(kHost, kKey, value); }),
         judgeWrite("; a comment\n[ProxySwitch]\nValue=off\n[ProxyHost]\nValue=" + value + "\n", 1));

@@ -18,8 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::check(known, "only these schemes are opened");
     for (const char c : *address)
         fuzz::check(c > ' ' && c < '\x7f' && std::string_view("\"'`<>\\^{|}$()").find(c) == std::string_view::npos,
-                    "no byte that means something to an opener");
-    fuzz::check(address->size() <= 64 * 1024, "the bound on the length");
-    fuzz::check(openableAddress(*address) == address, "an address that was checked stays as it is");
+                    "no byte is special to an opener");
+    fuzz::check(address->size() <= 64 * 1024, "the length is bounded");
+    fuzz::check(openableAddress(*address) == address, "checking a checked address changes nothing");
     return 0;
 }

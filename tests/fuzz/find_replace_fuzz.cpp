@@ -6,13 +6,13 @@
 
 using namespace quarrynet;
 
-// The input is the search text and the replacement, each with a NUL behind it, and the source.
+// The input is the search text and the replacement, each terminated by a NUL, and the source.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::string_view source = fuzz::textOf(data, size);
     const std::string_view search = fuzz::takeText(source);
     const std::string_view replacement = fuzz::takeText(source);
-    // Some calls grow without end or beyond any memory; with a bound they give nothing.
+    // Some results grow without end or beyond any memory; the bounded function returns nothing for them.
     constexpr std::size_t kMost = 1 << 18;
     const std::optional<std::string> result = FindReplaceWithin(source, search, replacement, kMost);
     if (search.empty())
@@ -20,11 +20,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!result || search.empty() || replacement.find(search) != std::string_view::npos)
         return 0;
     std::string current(source);
-    // As many rounds as a small machine bears; calls that never end are not compared.
+    // Bounds the work for small machines; replacements that never terminate are not compared.
     for (std::size_t work = 0; work < 200'000; work += current.size() + 100) {
         std::string next = ReplaceFirstInstance(current, search, replacement);
         if (next == current) {
-            fuzz::check(*result == current, "the result is that of the plain procedure");
+            fuzz::check(*result == current, "the result equals that of replacing one by one");
             return 0;
         }
         current = std::move(next);

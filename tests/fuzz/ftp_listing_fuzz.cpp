@@ -11,12 +11,12 @@ namespace {
 void checkEntries(const std::vector<FtpEntry>& entries, std::string_view listing)
 {
     const auto lines = static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n')) + 1;
-    fuzz::check(entries.size() <= lines, "a line holds one entry at most");
+    fuzz::check(entries.size() <= lines, "a line has at most one entry");
     for (const FtpEntry& entry : entries) {
-        fuzz::check(!entry.name.empty() && entry.name.size() <= kMaxListedName, "a name has a length");
-        fuzz::check(entry.name != "." && entry.name != "..", "and is no way up");
+        fuzz::check(!entry.name.empty() && entry.name.size() <= kMaxListedName, "the length of a name is in range");
+        fuzz::check(entry.name != "." && entry.name != "..", "a name does not lead upward");
         for (const char c : entry.name)
-            fuzz::check(c != '/' && static_cast<unsigned char>(c) >= ' ', "and can stand in a directory");
+            fuzz::check(c != '/' && static_cast<unsigned char>(c) >= ' ', "a name has no slash or control character");
         fuzz::check(!entry.size || *entry.size >= 0, "no size is negative");
     }
 }

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-/// What the fuzz targets share: the input as text, cut where a target needs several texts, and a check that stays in
+/// Shared by the fuzz targets: the input as text, split where a target needs several texts, and a check that stays in
 /// optimised builds.
 namespace quarrynet::fuzz {
 
@@ -15,7 +15,8 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size)
     return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Takes what stands before the first NUL off `rest`; all of it where there is none.
+/// Removes the text before the first NUL, and the NUL, from `rest` and returns the text; all of `rest` if there is no
+/// NUL.
 inline std::string_view takeText(std::string_view& rest)
 {
     const std::size_t end = rest.find('\0');
@@ -24,7 +25,7 @@ inline std::string_view takeText(std::string_view& rest)
     return text;
 }
 
-/// Ends the program where `holds` is false: the fuzzer keeps the input then.
+/// Aborts the program unless `holds`; the fuzzer then keeps the input. `what` names the violated condition.
 inline void check(bool holds, const char* what)
 {
     if (holds)

@@ -9,11 +9,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     constexpr std::size_t kMaxText = 1000;
     const HtmlDocument document = readHtml(fuzz::textOf(data, size), kMaxText);
-    fuzz::check(isUtf8(document.title) && isUtf8(document.text), "what is read is UTF-8");
-    fuzz::check(document.text.size() <= kMaxText, "the bound on the text");
+    fuzz::check(isUtf8(document.title) && isUtf8(document.text), "title and text are UTF-8");
+    fuzz::check(document.text.size() <= kMaxText, "the text is bounded");
     for (const std::string_view text : {std::string_view(document.title), std::string_view(document.text)}) {
         for (const char c : text)
-            fuzz::check(static_cast<unsigned char>(c) >= ' ', "on one line");
+            fuzz::check(static_cast<unsigned char>(c) >= ' ', "title and text have no control characters");
     }
     return 0;
 }

@@ -22,7 +22,7 @@ std::string told(const HeadState& state)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    // With an end that makes every head whole: when a head that cannot become one is refused is no matter.
+    // The appended end completes every head: it does not matter how early an invalid head is rejected.
     const std::string head = std::string(fuzz::textOf(data, size)) + "\r\n\r\n";
     RequestReader whole;
     const std::string once = told(whole.take(head));
@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     HeadState state;
     for (std::size_t i = 0; i < head.size() && std::holds_alternative<HeadIncomplete>(state); ++i)
         state = reader.take(std::string_view(head).substr(i, 1));
-    fuzz::check(told(state) == once, "a head says the same whole and byte by byte");
+    fuzz::check(told(state) == once, "a head is read alike whole and byte by byte");
     hostOfAuthority(head);
     return 0;
 }

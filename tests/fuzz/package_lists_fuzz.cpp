@@ -29,12 +29,12 @@ std::vector<std::string> told(std::string_view list, std::size_t piece)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view list = fuzz::textOf(data, size);
-    fuzz::check(told(list, size + 1) == told(list, 1), "a list says the same whole and byte by byte");
+    fuzz::check(told(list, size + 1) == told(list, 1), "a list is read alike whole and byte by byte");
     for (const Repository& repository : repositoriesFrom(list)) {
         fuzz::check(!repository.base.empty() && repository.base.back() == '/', "a base ends in a slash");
         fuzz::check(repository.base.find('@') == std::string::npos ||
                         repository.base.find('@') > repository.base.find('/', repository.base.find("://") + 3),
-                    "and holds no password");
+                    "a base contains no password");
     }
     return 0;
 }

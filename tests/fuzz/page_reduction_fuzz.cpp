@@ -14,7 +14,7 @@ std::string without(std::string text, const std::string& sought)
     return text;
 }
 
-// The procedure as it is defined, at the cost of the square.
+// The reduction as it is defined, in quadratic time.
 std::string plainReduction(std::string_view body)
 {
     std::string text = without(std::string(body), "\"");
@@ -33,6 +33,6 @@ std::string plainReduction(std::string_view body)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view body = fuzz::textOf(data, size);
-    fuzz::check(reducedPage(body) == plainReduction(body), "the reduction is that of the plain procedure");
+    fuzz::check(reducedPage(body) == plainReduction(body), "the reduction equals that of the plain procedure");
     return 0;
 }

@@ -16,17 +16,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<std::string> entries = keywordEntries(typed);
     const std::string lowerPage = lowerCase(page);
     const std::vector<PresenceRow> any = presenceRows(page, entries, typed, static_cast<int>(MatchMode::AnyKeyword));
-    fuzz::check(any.size() == entries.size(), "a row for each keyword");
+    fuzz::check(any.size() == entries.size(), "there is a row for each keyword");
     bool all = true;
     for (const PresenceRow& row : any) {
         const bool found = lowerPage.find(row.keyword) != std::string::npos;
-        fuzz::check(row.result == (found ? "Found" : "Not Found"), "a keyword is found where it stands");
+        fuzz::check(row.result == (found ? "Found" : "Not Found"), "a keyword is found if and only if it occurs");
         all = all && found;
     }
     const auto rows = presenceRows(page, entries, typed, static_cast<int>(MatchMode::AllKeywords));
-    fuzz::check(all ? rows == any : rows.size() == 1 && !rows[0].result, "all of them, or the summary");
+    fuzz::check(all ? rows == any : rows.size() == 1 && !rows[0].result, "the rows are all keywords, or the summary");
     fuzz::check(presenceRows(page, entries, typed, static_cast<int>(MatchMode::ExactSearch)).size() == 1,
-                "one row for the phrase");
-    fuzz::check(presenceRows(page, entries, typed, 7).empty(), "no rows for an unknown mode");
+                "the phrase has one row");
+    fuzz::check(presenceRows(page, entries, typed, 7).empty(), "an unknown mode has no rows");
     return 0;
 }

@@ -5,7 +5,7 @@
 
 using namespace quarrynet;
 
-// The input is a section, a key and a value, each with a NUL behind it, and the text of a settings file.
+// The input is a section, a key and a value, each terminated by a NUL, and the text of a settings file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::string_view text = fuzz::textOf(data, size);
@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const std::string written = withProfileValue(text, section, key, value);
     const std::optional<std::string_view> read = profileValue(written, section, key);
-    fuzz::check(read.has_value(), "what was written is there");
-    fuzz::check(value.find(*read) != std::string_view::npos, "and it is the value, but for blanks and quotes");
+    fuzz::check(read.has_value(), "a written value can be read");
+    fuzz::check(value.find(*read) != std::string_view::npos, "it is the written value, except for blanks and quotes");
     fuzz::check(withProfileValue(written, section, key, value) == written, "writing it again changes nothing");
     for (const std::string_view name : profileSectionNames(text))
         fuzz::check(profileEntries(written, name).size() >= profileEntries(text, name).size(), "nothing else is lost");

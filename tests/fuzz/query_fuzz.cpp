@@ -13,13 +13,13 @@ Database& index()
 {
     static Database database = [] {
         Outcome<Database> opened = Database::open(":memory:", Database::Access::Create);
-        fuzz::check(bool(opened), "a database in memory");
+        fuzz::check(bool(opened), "the database in memory opens");
         Database made = std::move(*opened);
         fuzz::check(bool(made.execute("CREATE VIRTUAL TABLE words USING fts5(text);"
                                       "CREATE VIRTUAL TABLE names USING fts5(name, tokenize = 'trigram');"
                                       "INSERT INTO words VALUES ('a text editor');"
                                       "INSERT INTO names VALUES ('editor_1.0.deb');")),
-                    "its tables");
+                    "its tables are created");
         return made;
     }();
     return database;
@@ -28,12 +28,12 @@ Database& index()
 void checkRuns(const char* sql, const std::string& expression)
 {
     Outcome<Statement> statement = index().prepare(sql);
-    fuzz::check(bool(statement), "the statement");
+    fuzz::check(bool(statement), "the statement compiles");
     statement->bind(1, expression);
     Statement::Step step = Statement::Step::Row;
     while (step == Statement::Step::Row)
         step = statement->step();
-    fuzz::check(step == Statement::Step::Finished, "whatever is typed is an expression that the index understands");
+    fuzz::check(step == Statement::Step::Finished, "any typed text becomes a valid expression");
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Runs the fuzz targets for a longer time, one after the other. An input that breaks something is left in the current
-# folder; mend the fault and keep the input under corpus/TARGET, named after what it was.
+# Runs the fuzz targets for a longer time, one after another. An input that breaks something is saved in the current
+# folder; fix the fault and keep the input under corpus/TARGET, with a name that says what it is.
 #     tests/fuzz/run.sh [SECONDS_EACH] [TARGET...]
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 top=$(cd "$here/../.." && pwd)
 . "$top/tools/packages.sh"
-# shellcheck disable=SC2154,SC2086 # lists of words, from the file above
+# shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
 install_missing $build_packages $test_packages
 seconds=${1:-60}
 shift || true

@@ -8,8 +8,8 @@ using namespace quarrynet::services;
 
 namespace {
 
-/// Whether the bytes that a reader of drawings takes from `address` are no drawing. It takes those behind the last
-/// "base64," and goes by them alone; the media type that the address names means nothing to it.
+/// Returns whether the data in `address` is a raster picture. SVG readers decode what follows the last "base64," and
+/// ignore the media type that the address declares.
 bool isRasterContent(const QString& address)
 {
     const QByteArray text = address.toLatin1();
@@ -27,7 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     QXmlStreamReader reader(filtered);
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
-        fuzz::check(token != QXmlStreamReader::DTD && token != QXmlStreamReader::EntityReference, "no document type");
+        fuzz::check(token != QXmlStreamReader::DTD && token != QXmlStreamReader::EntityReference,
+                    "there is no document type");
         if (token != QXmlStreamReader::StartElement ||
             reader.name().compare(QLatin1String("image"), Qt::CaseInsensitive) != 0)
             continue;
@@ -35,10 +36,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (attribute.name() != QLatin1String("href"))
                 continue;
             const QString address = attribute.value().toString();
-            fuzz::check(address.startsWith(QLatin1String("data:")), "a picture lies in the drawing itself");
-            fuzz::check(isRasterContent(address), "and is no drawing");
+            fuzz::check(address.startsWith(QLatin1String("data:")), "a picture is embedded in the drawing");
+            fuzz::check(isRasterContent(address), "an embedded picture is a raster picture");
         }
     }
-    fuzz::check(filtered.isEmpty() || !reader.hasError(), "what is drawn is well formed");
+    fuzz::check(filtered.isEmpty() || !reader.hasError(), "the output is well-formed");
     return 0;
 }
