@@ -24,7 +24,7 @@
 #include "tests/core/page_samples.h"
 #include "tests/cost/step_counter.h"
 
-/// What the rest of the core costs with inputs of twice the length.
+/// Compares the cost of the core, parsers excluded, for inputs of single and double length.
 using namespace quarrynet;
 using namespace quarrynet::cost;
 using quarrynet::samples::repeated;
@@ -33,7 +33,7 @@ namespace {
 
 using Texts = std::vector<std::pair<std::string, std::function<std::string(std::size_t)>>>;
 
-/// A text of one pattern for each.
+/// Returns for each pattern a function that makes a text of it, named by the pattern.
 Texts patterns(const std::vector<std::string>& all)
 {
     Texts texts;
@@ -80,7 +80,7 @@ Texts pages()
     return texts;
 }
 
-/// A picture of a format that is `length` bytes long.
+/// Returns for each format a function that makes a picture of a given length, in bytes.
 Texts pictures()
 {
     const auto after = [](std::string head, std::string pattern) {
@@ -194,7 +194,7 @@ TEST(CoreCost, RedirectPathsAndLinkRequests)
     links.emplace_back("many words and a long tail", [](std::size_t length) {
         return filled("redir", length / 2) + "%2F" + std::string(length / 2, 'x');
     });
-    // A path gets its tail in the place of every word: as many times as long as the link, up to its bound.
+    // The tail replaces every word in a path, so the path may be many times as long as the link, up to its bound.
     for (const auto& [name, make] : links) {
         expectProportional(
             "redirect path, " + name,
@@ -257,7 +257,7 @@ TEST(CoreCost, SettingsFiles)
 
 TEST(CoreCost, Addresses)
 {
-    // Above 64 KB an address is refused.
+    // Addresses longer than 64 KB are rejected.
     for (const std::string scheme : {"http://h/", "http://", "mailto:", "mailto:a@b?", "ftp://u@", ""}) {
         expectProportionalTexts(
             "address " + scheme,

@@ -5,8 +5,8 @@
 
 #include "tests/cost/step_counter.h"
 
-/// The memory functions of the C library with their lengths counted. Programs' own definitions go before the library's,
-/// for the libraries that the program uses as well: std::string's members are such code.
+/// Replaces the memory functions of the C library by ones that count the bytes. A program's definitions take precedence
+/// in the libraries that it uses, too, such as the code of std::string.
 
 using quarrynet::cost::countSteps;
 
@@ -80,7 +80,7 @@ std::size_t strlen(const char* text) noexcept
 
 } // extern "C"
 
-// <cstring> gives these two overloads in C++, so they are defined under names of their own.
+// <cstring> declares overloads of these two, so they are defined under other names.
 extern "C" void* countedMemchr(const void* block, int value, std::size_t count) __asm__("memchr");
 extern "C" void* countedMemrchr(const void* block, int value, std::size_t count) __asm__("memrchr");
 

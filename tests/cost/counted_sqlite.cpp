@@ -4,14 +4,14 @@
 
 #include "tests/cost/step_counter.h"
 
-/// SQLite's work counted: the operations of its machine, and the pages that it looks at. The bytes that it copies count
-/// anyway. The linker sends the calls here (--wrap).
+/// Counts SQLite's work: the operations of its virtual machine, and the pages that it accesses. counted_memory.cpp
+/// counts the bytes that it copies. The linker redirects the calls here (--wrap).
 extern "C" int __real_sqlite3_step(sqlite3_stmt* statement);
 extern "C" int __wrap_sqlite3_step(sqlite3_stmt* statement);
 
 namespace {
 
-constexpr std::uint64_t kStepsOfAPage = 64; // about a search for a row within it
+constexpr std::uint64_t kStepsOfAPage = 64; // roughly the cost of a search for a row in a page
 
 std::uint64_t pagesSeen(sqlite3* database)
 {

@@ -5,8 +5,8 @@
 #include "tests/cost/step_counter.h"
 #include "thumbnails/thumbnail.h"
 
-/// What drawings of twice the length cost before they are drawn. The XML reader's own loops do not count, but the
-/// memory that it moves and takes does.
+/// Compares the cost of preparing SVG drawings of single and double length. The loops of the XML reader do not count,
+/// but the memory that it copies and allocates does.
 using namespace quarrynet::cost;
 using namespace quarrynet::services;
 
@@ -27,7 +27,7 @@ void expectProportionalDrawing(const std::string& head, const std::string& patte
 
 TEST(DrawingCost, ElementsAndTexts)
 {
-    // Fewer elements than the bound: beyond it nothing is drawn.
+    // The number of elements stays below the bound, beyond which nothing is drawn.
     for (const std::string pattern : {"<g/>", "<g a='b'/>", "<image href='x'/>", "<image><g/></image>", "x", "&amp;",
                                       " ", "<!-- -->", "<?a?>", "<a></a>", "\xc3\xa9", "<b xmlns:c='d'/>"}) {
         expectProportionalDrawing("", pattern, "</svg>");

@@ -20,7 +20,7 @@
 #include "tests/cost/step_counter.h"
 #include "tests/services/support/service_support.h"
 
-/// What searches in the index, and making it, cost with an index of twice the size.
+/// Compares the cost of searching and making an index of single and double size.
 using namespace quarrynet::cost;
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -30,7 +30,7 @@ namespace {
 constexpr std::size_t kRows = 2000;
 constexpr std::chrono::milliseconds kNoDeadline = std::chrono::hours(1);
 
-/// An index with this many rows of each kind, all of them found by "word".
+/// Makes an index with `rows` rows of each kind, all of which "word" finds.
 void makeIndex(const std::string& folder, std::size_t rows)
 {
     Outcome<IndexWriter> writer = IndexWriter::begin(folder);
@@ -64,14 +64,14 @@ void makeIndex(const std::string& folder, std::size_t rows)
 class IndexCost : public ::testing::Test
 {
 protected:
-    /// A search over indexes of two sizes.
+    /// Expects that a search costs in proportion to the size of the index.
     static void expectProportionalSearch(const std::string& what, const std::function<void(IndexPool&)>& search)
     {
         expectProportional(
             what,
             [&](std::size_t rows) {
                 IndexPool& pool = indexOf(rows);
-                search(pool); // a connection's first search reads the layout of the tables
+                search(pool); // the first search of a connection reads the schema
                 return stepsOf([&] { search(pool); });
             },
             kRows);
@@ -125,7 +125,7 @@ TEST_F(IndexCost, SearchesThatFindEverything)
 
 TEST_F(IndexCost, LongQueries)
 {
-    // A request line has 16 KB at most.
+    // A request line has at most 16 KB.
     for (const std::string pattern : {"word ", "a ", "w", "\"word word\" ", "-word ", "wor", "other "}) {
         const auto make = [&](std::size_t length) { return filled(pattern, length); };
         constexpr std::size_t kTyped = 4 * 1024;

@@ -15,7 +15,7 @@
 #include "tests/core/page_samples.h"
 #include "tests/cost/step_counter.h"
 
-/// What the result parsers cost, by pages that are twice as long.
+/// Compares the cost of the result parsers for pages of single and double length.
 using namespace quarrynet;
 using namespace quarrynet::cost;
 using namespace quarrynet::samples;
@@ -70,14 +70,14 @@ struct Parser
 {
     std::string name;
     std::size_t (*parse)(std::string_view page);  ///< returns the bytes of all texts that it makes
-    std::function<std::string(std::size_t)> head; ///< what an honest page of this length begins with
-    std::string entry;                            ///< and what it repeats
+    std::function<std::string(std::size_t)> head; ///< returns the beginning of a well-formed page of this length
+    std::string entry;                            ///< the entry that the page repeats
 };
 
 const std::vector<Parser>& parsers()
 {
     const auto results = [](std::size_t) { return heading("1,000"); };
-    // As many rows are announced as the page has, and one and a half times that.
+    // The heading announces 1.5 times as many rows as the page has.
     const auto announced = [](std::size_t length) {
         return downloadHead("1000", "1 - " + std::to_string(length / (2 * downloadEntry("Program").size() / 3)));
     };
@@ -94,8 +94,8 @@ const std::vector<Parser>& parsers()
     return all;
 }
 
-/// A broken page can make many rows reach to the same distant marker, and their texts grow with the square until
-/// PageCutter's allowance ends them. So the measure is the page and the texts that are cut out of it.
+/// Expects cost in proportion to the size of the page and of the texts cut out of it. In a broken page many rows can
+/// reach to the same distant marker, so that their texts grow quadratically up to PageCutter's allowance.
 void expectProportionalPage(const Parser& parser, const std::string& what,
                             const std::function<std::string(std::size_t)>& make, std::size_t length = kLength)
 {
@@ -110,7 +110,7 @@ void expectProportionalPage(const Parser& parser, const std::string& what,
         length);
 }
 
-constexpr std::size_t kShort = kLength / 4; // for the many
+constexpr std::size_t kShort = kLength / 4; // for tests of many pages
 
 } // namespace
 
@@ -128,7 +128,7 @@ TEST(ParserCost, OneHugeEntry)
 {
     for (const Parser& parser : parsers()) {
         if (parser.name == "download of many rows")
-            continue; // all of them would have the huge text
+            continue; // every row would have the huge text
         for (std::size_t at = 1; at <= parser.entry.size(); at += 3) {
             expectProportionalPage(
                 parser, "an entry with a long text at " + std::to_string(at),

@@ -27,18 +27,18 @@
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
-/// What the services' readers and page makers cost with inputs of twice the length.
+/// Compares the cost of the services' readers and page makers for inputs of single and double length.
 using namespace quarrynet::cost;
 using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
 
-constexpr std::size_t kShort = kLength / 4; // for the many
+constexpr std::size_t kShort = kLength / 4; // for tests of many inputs
 
 using Make = std::function<std::string(std::size_t)>;
 
-/// `pattern` again and again behind `head`.
+/// Returns a function that makes a text of `head` and repeated `pattern`.
 Make behind(std::string head, std::string pattern)
 {
     return [head = std::move(head), pattern = std::move(pattern)](std::size_t length) {
@@ -114,7 +114,7 @@ TEST(ServicesCost, PackageStanzas)
     }
     expectProportionalPatterns("repositories", {"http://h/\t/file\n", "\t", "\n", "x", "ftp://u:p@h/\t/f\n", "@"},
                                [](const std::string& text) { repositoriesFrom(text); });
-    // One repository each.
+    // Each line has a repository of its own.
     expectProportional("many repositories", [](std::size_t length) {
         std::string text;
         for (std::size_t i = 0; text.size() < length; ++i)
@@ -134,7 +134,7 @@ TEST(ServicesCost, DirectoryListings)
                                 "lrwxrwxrwx 1 u g 12 Jan  1 2020 a -> b\r\n", "01-01-20  12:00PM  <DIR> d\r\n",
                                 "01-01-20  12:00PM  12 f\r\n", " ", "x", "\n", "-> ", "l", "- ", kNul, "\xff", "1 "},
                                [](const std::string& text) { readList(text); });
-    // Entries of which each has another name.
+    // Each entry has a different name.
     expectProportional("MLSD of different names", [](std::size_t length) {
         std::string text;
         for (std::size_t i = 0; text.size() < length; ++i)
@@ -207,7 +207,7 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
             }
         };
     };
-    // Both below the bounds of a line and of a head.
+    // Both lengths are below the bounds of a line and of a head.
     constexpr std::size_t kLine = 7 * 1024;
     constexpr std::size_t kFields = 30 * 1024;
     for (const std::size_t piece : {1U, 2U, 16U, 1460U, 65536U}) {
@@ -220,7 +220,7 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
         expectProportionalPatterns(what + ", host", {"x", "@", ":", "[", "."}, read(piece), kFields,
                                    "GET http://h/ HTTP/1.1\r\nHost: ");
     }
-    // Beyond the bounds it costs no more.
+    // Input beyond the bounds costs nothing more.
     for (const std::size_t piece : {1U, 1460U}) {
         expectProportionalPatterns("endless request", {"x", "GET ", "A: b\r\n", "\r\n"}, read(piece));
         expectProportionalPatterns("endless head", {"x", "A: b\r\n", " "}, read(piece), kShort,

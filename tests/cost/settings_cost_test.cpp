@@ -12,8 +12,7 @@
 #include "common/CDS_CIni.h"
 #include "tests/cost/step_counter.h"
 
-/// What reading and writing a settings file costs, the file's own reading and replacing included, with one of twice the
-/// length.
+/// Compares the cost of reading and writing settings files of single and double length, file access included.
 using namespace quarrynet;
 using namespace quarrynet::cost;
 
@@ -35,7 +34,7 @@ protected:
         std::filesystem::remove_all(folder_, ignored);
     }
 
-    /// An operation on files of every shape.
+    /// Expects that an operation costs in proportion to the file's length, for files of every shape.
     void expectProportionalFiles(const std::string& what, const std::function<void()>& operation)
     {
         const std::vector<std::pair<std::string, std::function<std::string(std::size_t)>>> files = {

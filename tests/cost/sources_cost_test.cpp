@@ -16,7 +16,7 @@
 #include "tests/cost/step_counter.h"
 #include "tests/services/support/service_support.h"
 
-/// What gathering for the index costs with folders and package lists of twice the size.
+/// Compares the cost of collecting index data from folders and package lists of single and double size.
 using namespace quarrynet::cost;
 using namespace quarrynet::services;
 
@@ -27,7 +27,7 @@ constexpr std::size_t kPackages = 2000;
 
 using Name = std::function<std::string(std::size_t)>;
 
-/// Folders of as many files as asked for, each shape with its own way to name the i-th.
+/// Returns shapes of folders: each names its i-th file in a different way.
 std::vector<std::pair<std::string, Name>> folders()
 {
     const auto numbered = [](std::size_t i) { return std::to_string(i); };
@@ -49,10 +49,11 @@ std::vector<std::pair<std::string, Name>> folders()
     };
 }
 
-/// Walks through folders of two sizes.
+/// Expects that walking a folder costs in proportion to its number of files.
 void expectProportionalWalk(const std::string& what, const std::function<void(const std::string&)>& walk)
 {
-    static std::map<std::pair<std::string, std::size_t>, TemporaryFolder> made; // making them takes longer than walking
+    // Kept, because making a folder takes longer than walking it.
+    static std::map<std::pair<std::string, std::size_t>, TemporaryFolder> made;
     for (const auto& [shape, nameOf] : folders()) {
         expectProportional(
             what + ", " + shape,
@@ -66,7 +67,7 @@ void expectProportionalWalk(const std::string& what, const std::function<void(co
     }
 }
 
-/// Package lists of two lengths, gathered by `gather` and written into an index.
+/// Expects cost in proportion to the number of packages, which `gather` collects and writes into an index.
 void expectProportionalLists(const std::string& what,
                              const std::function<void(std::size_t count, IndexWriter& writer)>& gather)
 {

@@ -9,7 +9,7 @@ namespace quarrynet::cost {
 
 namespace {
 
-// A square shows as a factor of four long before this; a step from one way of working to another one does not reach it.
+// Quadratic cost gives a factor near four even for small inputs; a switch to another algorithm stays below this.
 constexpr double kSurelySquare = 3.5;
 
 constinit thread_local std::uint64_t steps = 0;
@@ -47,11 +47,11 @@ void expectProportional(const std::string& what, const std::function<Cost(std::s
 {
     const Growth growth = growthOf(length, run);
     if (std::getenv("QUARRYNET_COST_TABLE") != nullptr)
-        std::printf("%5.2f times, %9.2f steps for each of %zu: %s\n", growth.ratio(),
+        std::printf("%5.2f times, %9.2f steps per unit at %zu: %s\n", growth.ratio(),
                     static_cast<double>(growth.once.steps) / static_cast<double>(length), length, what.c_str());
-    EXPECT_LE(growth.ratio(), most) << what << ": " << growth.once.steps << " steps, with twice the input "
-                                    << growth.doubled.steps;
-    EXPECT_GT(growth.once.steps, 0U) << what << ": nothing was counted";
+    EXPECT_LE(growth.ratio(), most) << what << ": " << growth.once.steps << " steps, and " << growth.doubled.steps
+                                    << " for twice the input";
+    EXPECT_GT(growth.once.steps, 0U) << what << ": no steps were counted";
 }
 
 std::string filled(std::string_view pattern, std::size_t length)

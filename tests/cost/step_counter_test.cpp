@@ -6,13 +6,13 @@
 
 #include "tests/cost/step_counter.h"
 
-/// This file is compiled as counted code: what grows with the square must be seen, wherever its time goes.
+/// This file is compiled as counted code. The counter must reveal quadratic growth wherever the time is spent.
 using namespace quarrynet::cost;
 
 namespace {
 
 constexpr std::size_t kShort = 8 * 1024;
-constexpr double kNearSquare = 0.5; // a square beside something linear
+constexpr double kNearSquare = 0.5; // tolerance, because linear costs are added to the quadratic ones
 
 template <typename Call>
 double growth(Call call)

@@ -17,8 +17,8 @@
 #include "platform/text_border.h"
 #include "tests/cost/step_counter.h"
 
-/// What the views cost with twice the rows, pictures or text. The toolkit's own loops do not count, but the questions
-/// that it asks of the model do, and the memory that it moves and takes.
+/// Compares the cost of the views for single and double numbers of rows, pictures or bytes. The toolkit's loops do not
+/// count, but its queries to the model do, and the memory that it copies and allocates.
 using namespace quarrynet;
 using namespace quarrynet::cost;
 
@@ -68,7 +68,7 @@ protected:
         widget.render(&image);
     }
 
-    /// The cost of `action` on a list of rows that is shown.
+    /// Returns the cost of `action` on a visible list of rows.
     static void expectProportionalList(const std::string& what, const std::function<void(ListView&)>& action,
                                        double most = kMostGrowth)
     {
