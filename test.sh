@@ -2,7 +2,8 @@
 # Builds everything and runs all tests, twice: under the address and undefined-behaviour sanitizers, and optimised with
 # warnings as errors. In between the services run under the thread sanitizer, and every reader of what comes from outside
 # meets some seconds of fuzzing.
-# Options: --quick leaves the sanitizers, the fuzzing and the static analysis out.
+# Options: --quick leaves the sanitizers, the fuzzing and the static analysis out; --all analyses every source, not only
+# those that differ from the upstream branch.
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
@@ -10,7 +11,11 @@ cd "$(dirname "$0")"
 install_missing $build_packages $run_packages $test_packages
 
 quick=""
-[ "${1:-}" = --quick ] && quick=yes
+tidy=()
+case "${1:-}" in
+--quick) quick=yes ;;
+--all) tidy=(--all) ;;
+esac
 
 tools/format.sh --check
 
@@ -19,7 +24,7 @@ build_and_test() {
     cmake --preset "$1" >"build-$1.log" 2>&1 || { cat "build-$1.log"; rm -f "build-$1.log"; return 1; }
     rm -f "build-$1.log"
     cmake --build --preset "$1"
-    [ "$1" != ci ] || [ -n "$quick" ] || tools/tidy.sh "$1"
+    [ "$1" != ci ] || [ -n "$quick" ] || tools/tidy.sh "${tidy[@]}" "$1"
     ctest --preset "$1"
 }
 

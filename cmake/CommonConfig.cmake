@@ -3,6 +3,7 @@
 option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(QUARRYNET_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
+option(QUARRYNET_PRECOMPILE "Precompile the headers of the libraries; builds without this show what a file forgot to include" OFF)
 option(QUARRYNET_BUILD_FUZZERS "Build the libFuzzer programs in tests/fuzz (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -19,6 +20,11 @@ endif()
 find_program(QUARRYNET_CCACHE ccache)
 if(QUARRYNET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${QUARRYNET_CCACHE}")
+  if(QUARRYNET_PRECOMPILE) # it keeps nothing of such compilations otherwise
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+      "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${QUARRYNET_CCACHE}")
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+  endif()
 endif()
 
 add_library(quarrynet_warnings INTERFACE)
@@ -32,8 +38,12 @@ else()
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual)
   if(QUARRYNET_WARNINGS_AS_ERRORS)
     target_compile_options(quarrynet_warnings INTERFACE -Werror)
-    target_compile_definitions(quarrynet_warnings INTERFACE _GLIBCXX_ASSERTIONS)
   endif()
+endif()
+
+# What is tested is tested with the standard library's own checks.
+if(QUARRYNET_BUILD_TESTS)
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
 if(QUARRYNET_SANITIZE)
