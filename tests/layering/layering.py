@@ -20,7 +20,7 @@ TREE = {
     "dialogs": "common icons platform",
     "search": "common platform",
     "search/web": "common platform search",
-    "search/page/reduction": "common",
+    "search/page/reduction": "",
     "search/page": "common platform search search/page/reduction",
     "search/image": "common platform search",
     "search/download": "common dialogs platform search",

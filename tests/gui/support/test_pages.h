@@ -8,7 +8,7 @@
 
 /// What the tests of several windows answer with, and how long they wait for it.
 
-inline constexpr int kPatience = 60'000;           // milliseconds; what takes long under the sanitizers
+inline constexpr int kPatience = 60'000;         // milliseconds; what takes long under the sanitizers
 inline constexpr std::size_t kHuge = 10'000'000; // bytes of a hostile page
 
 inline QByteArray bytes(const std::string& text)
