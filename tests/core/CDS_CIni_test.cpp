@@ -355,7 +355,7 @@ TEST_F(Ini, UnreadableFileOrFolderIsAFailureWithADescription)
 
 namespace {
 
-/// Every operation fails with `description`, and the text in `value` stays.
+/// Expects that every operation fails with `description` and leaves its output arguments unchanged.
 void expectAllFail(CDS_CIni& store, const std::string& description)
 {
     std::string value = "kept";

@@ -17,7 +17,7 @@ using Property = LayoutProperty;
 using testing::ElementsAre;
 using testing::Optional;
 
-// A control that has just the properties it is made with.
+// A control that has only the properties passed to its constructor.
 class MadeUpControl : public LayoutControl
 {
 public:
@@ -47,7 +47,7 @@ private:
     bool line_;
 };
 
-// Raises its resize notification as a window does: for each change of its size, before the setter returns.
+// A form that raises its resize notification as a window does: for each change of its size, before the setter returns.
 class MadeUpForm : public LayoutForm
 {
 public:
@@ -114,7 +114,7 @@ class ChangeSizeTest : public testing::Test
 protected:
     ChangeSizeTest() { form.layout = &layout; }
 
-    // The form as designed, with its first notification over.
+    // Records the layout of the form as designed, and sends the first notification.
     void record()
     {
         ASSERT_EQ(layout.Init(form, ScreenFit::Keep), std::nullopt);
@@ -192,7 +192,7 @@ TEST_F(ChangeSizeTest, InitScalesFormByScreenOverDesignScreen)
     ASSERT_EQ(layout.Init(form), std::nullopt);
     EXPECT_EQ(form.height(), 12800);
     EXPECT_EQ(form.width(), 18000);
-    // The height's notification is the swallowed first one, the width's scales for both.
+    // The notification of the height is the first one, which is ignored; that of the width scales both directions.
     EXPECT_EQ(form.notifications, 2);
     EXPECT_THAT(boxOf(button), ElementsAre(206, 400, 620, 800)); // 100 and 300 times 12400 / 6000, rounded down
 }
@@ -368,7 +368,7 @@ TEST_F(ChangeSizeTest, HeightOfTheCaptionAloneIsDivisionByZero)
     form.resize(400, 9000);
     EXPECT_THAT(form.lastFault, Optional(RuntimeError::DivisionByZero));
     EXPECT_THAT(boxOf(button), ElementsAre(1, 2, 3, 4));
-    EXPECT_TRUE(form.redraw); // the fault leaves the handler before it is restored
+    EXPECT_TRUE(form.redraw); // the handler fails before it restores the flag
 }
 
 TEST_F(ChangeSizeTest, DesignOfTheCaptionAloneSkipsEveryVerticalStep)

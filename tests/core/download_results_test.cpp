@@ -16,10 +16,10 @@ using namespace quarrynet::samples;
 
 namespace {
 
-// The rows as the plain procedure gives them: every search anew, every row anew.
+// The rows of the plain procedure, which repeats every search for every row.
 struct PlainRows
 {
-    std::vector<std::string> fields; // six a row, the link last
+    std::vector<std::string> fields; // six per row, the link last
 
     PlainRows(std::string_view page, std::size_t count)
     {
@@ -71,7 +71,7 @@ std::size_t rowsFor(std::string_view range)
     return parse(downloadHead("9", range) + repeated(downloadEntry("x"), 40)).rows.size();
 }
 
-// An entry that no marker can be taken from without breaking it.
+// The shortest valid entry: it consists of markers only.
 constexpr std::string_view kShortestEntry = "<b></b>class><OS:> </b></b></redir?>";
 
 } // namespace
@@ -187,8 +187,8 @@ TEST(DownloadResults, SurplusRowsTakeTheirTextsFromFurtherUp)
     ASSERT_EQ(results.rows.size(), 7u);
     ASSERT_EQ(results.links.size(), 7u);
     EXPECT_EQ(results.rows[1].name, "two");
-    // Behind the last entry no "<b>" is left. The name's end is then the page's first "</b>", before the count's, and
-    // the rest of the row comes from the first entry.
+    // No "<b>" follows the last entry. The name then ends at the first "</b>" of the page, which belongs to the count,
+    // and the rest of the row comes from the first entry.
     EXPECT_EQ(results.rows[2].name, "und: <b>9");
     EXPECT_EQ(results.rows[2].description, "Text of one");
     EXPECT_EQ(results.links[2], "/redir?1");
@@ -201,7 +201,7 @@ TEST(DownloadResults, SurplusRowsTakeTheirTextsFromFurtherUp)
 
 TEST(DownloadResults, RepeatedRowsAreThoseThatReadingOnWouldGive)
 {
-    // The same page read row by row up to ever larger ranges: each is the beginning of the next.
+    // Beyond the end of the page the rows repeat with a period of three.
     const std::string entries = downloadEntry("one", "/redir?1") + "<b>broken</b>" + downloadEntry("two", "/redir?2") +
                                 downloadEntry("three", "/redir?3");
     const DownloadResults all = parse(downloadHead("9", "1 - 60") + entries);
@@ -245,7 +245,7 @@ TEST(DownloadResults, NameThatCannotBeCutKeepsTheOneBefore)
     EXPECT_EQ(results.rows[0].name, "one");
     EXPECT_EQ(results.rows[1].name, "two");
     EXPECT_EQ(results.rows[2].name, "two");
-    // Only the name is kept: behind the missing "</b>" the rest of the row comes from the first entry.
+    // The row keeps only the name: because "</b>" is missing, the rest comes from the first entry.
     EXPECT_EQ(results.rows[2].description, "Text of one");
     EXPECT_EQ(results.links[2], "/redir?1");
 }

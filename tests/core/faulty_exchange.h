@@ -8,7 +8,7 @@
 
 #include "common/FetchSession.h"
 
-/// A whole search over a socket and a tab whose n-th operation fails.
+/// Simulates a whole search over a socket and a tab whose n-th operation fails.
 namespace quarrynet {
 
 inline constexpr std::string_view kWholeResponse =
@@ -21,18 +21,18 @@ enum class Fault
 {
     None,
     MemoryBefore, ///< The operation throws std::bad_alloc and does nothing.
-    MemoryAfter,  ///< The operation does what it is for and throws std::bad_alloc then.
-    ErrorWithin,  ///< The socket's error event comes while the operation is under way.
-    ErrorAfter,   ///< The socket's error event is the next one.
+    MemoryAfter,  ///< The operation takes effect and then throws std::bad_alloc.
+    ErrorWithin,  ///< The socket raises its error event during the operation.
+    ErrorAfter,   ///< The socket raises its error event as the next event.
 };
 
-/// A socket and a tab in one, with the session between them. What comes of a search is read from the public members.
+/// A socket and a tab in one object, with the session between them. The public members hold the results of a search.
 class FaultySearch final : public ClientSocket, public FetchTab
 {
 public:
     FaultySearch() : session_({}, *this, *this, shared_) {}
 
-    /// The `number`-th operation from now on fails (0: none does).
+    /// Makes the `number`-th operation from now on fail (0: none fails).
     void failAt(long number, Fault fault)
     {
         left_ = number;
@@ -40,9 +40,8 @@ public:
         failed = false;
     }
 
-    /// Runs a search as the window does it: the start command, then the socket's events. An event that the socket would
-    /// not raise any more after its close is left out. `errorAt` puts the server's error in the place of the event with
-    /// this number.
+    /// Runs a search as the window does: the start command, then the socket's events. Leaves out events that a closed
+    /// socket would not raise. Replaces the event with the index `errorAt` by an error of the server.
     void search(std::size_t errorAt = kEvents)
     {
         messages = 0;
@@ -77,15 +76,15 @@ public:
 
     static constexpr std::size_t kEvents = 8;
 
-    // What a person would see.
+    // What the user would see.
     bool button = true;
     bool timer = false;
     std::string connection;
     std::string activity;
-    std::optional<std::string> body; ///< what was handed over, if anything
-    int messages = 0;                ///< error boxes, the program's own about memory included
-    int errors = 0;                  ///< of them, those with the socket's error
-    bool failed = false;             ///< whether the operation that fails was reached
+    std::optional<std::string> body; ///< the text that was handed over, if any
+    int messages = 0;                ///< number of error boxes, including the program's own about memory
+    int errors = 0;                  ///< number of error boxes with the socket's error
+    bool failed = false;             ///< whether the failing operation was reached
 
     // ClientSocket
     void Close() override
@@ -151,7 +150,7 @@ public:
     }
 
 private:
-    /// Runs an event as the program's event loop does, which has a message of its own when memory runs out.
+    /// Runs an event as the program's event loop does, which shows its own message when memory runs out.
     template <class Event>
     void event(Event run)
     {
@@ -184,7 +183,7 @@ private:
         session_.failed(kLostConnection, "The connection is reset by remote side");
     }
 
-    /// A text as a control keeps it, which takes memory for the shortest one.
+    /// Returns the text as a control stores it: even the shortest text needs an allocation.
     static std::string painted(std::string_view text)
     {
         constexpr std::size_t kMoreThanFitsInside = 64;
@@ -194,7 +193,7 @@ private:
         return copy;
     }
 
-    static constexpr std::size_t kFirstPiece = 44; // ends within the empty line behind the header
+    static constexpr std::size_t kFirstPiece = 44; // ends within the empty line after the header
 
     ReceiveState shared_;
     SocketState state_ = SocketState::Closed;

@@ -2,7 +2,7 @@
 
 #include "faulty_exchange.h"
 
-/// Each operation of the socket and the tab fails once, at each step of a search: the tab is at rest, there was a
+/// Each operation of the socket and the tab fails once, at each step of a search. Then the tab is idle, there was a
 /// message, and the next search shows its whole result.
 
 using namespace quarrynet;
@@ -11,7 +11,7 @@ namespace {
 
 constexpr long kTooMany = 1000;
 
-/// Lets the first operation fail, then the second and so on, until a search needs fewer. Returns how many failed.
+/// Makes the first operation fail, then the second and so on, until a search has fewer. Returns how many failed.
 long failEachOperation(Fault fault, std::size_t errorAt)
 {
     for (long number = 1; number < kTooMany; ++number) {

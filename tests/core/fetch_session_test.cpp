@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kResponse = "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\n\r\nbody\r\n\r\nmore";
 constexpr std::string_view kBody = "body\r\n\r\nmore";
 
-// Notes what is asked of it, in one log shared with the tab, so that the order across both shows.
+// Logs its calls. It shares the log with the tab, so that the log shows the order of calls to both.
 class FakeSocket final : public ClientSocket
 {
 public:
@@ -299,13 +299,13 @@ TEST(OverlappingExchanges, MixTheirDataInOneBuffer)
     Exchange file(shared);
     web.session.start({"web", 80});
     web.arrive("WEB HEAD\r\n\r\nweb ");
-    file.session.start({"file", 80}); // empties what the first had received
+    file.session.start({"file", 80}); // discards what the first has received
     web.arrive("rest of web ");
     file.arrive("FILE HEAD\r\n\r\nfile");
     web.session.closed();
     file.session.closed();
     EXPECT_THAT(web.tab.bodies, ElementsAre("file"));
-    // The flag is set by now, so the second hand-over cuts nothing.
+    // The flag is already set, so the second hand-over removes no header.
     EXPECT_THAT(file.tab.bodies, ElementsAre("file"));
 }
 

@@ -125,7 +125,7 @@ TEST(FileResults, DirectoryWithOneLinkLooksBehindAnEarlierRowsLink)
 {
     EXPECT_EQ(parse("&lt;dir&gt; <a href=?q=one class><b>n</b>", {2}).rows[0].path, "one");
     const FileResults beyond = parse("&lt;dir&gt; <a href=?q=one class><b>n</b>", {1000});
-    // Nothing is found that far on, and the cut begins at the second byte.
+    // The search from there finds nothing, so the cut begins at the second byte.
     EXPECT_EQ(beyond.rows[0].path, "<a href=?q=one");
 }
 
@@ -149,7 +149,7 @@ TEST(FileResults, PageCutAtAnyByteGivesAtMostAPageOrAFault)
 
 TEST(FileResults, EntryWithoutASchemeReadsTheFirstAddressOfThePage)
 {
-    // No colon follows, so the search for "=" begins at the top, and the rows after it begin there again.
+    // No colon follows, so the search for "=" starts at the beginning of the page, and the next rows restart there.
     const FileResults results = parse("<p id=top class=a>t</form>" + fileEntry("a.zip") + "<b> 7 <");
     ASSERT_GE(results.rows.size(), 2u);
     EXPECT_EQ(results.rows[1].path, "top");
@@ -170,6 +170,6 @@ TEST(FileResults, TextsThatAllReachToTheSameEndRunOutOfMemory)
     const std::string page = "</form>:=" + std::string(textAllowance() / 8, 'x') + " class>n<i><b> 1<";
     const FileResults results = parse(page);
     EXPECT_EQ(results.fault, RuntimeError::OutOfMemory);
-    EXPECT_EQ(results.rows.size(), 7u); // an eighth is short of the names and sizes
+    EXPECT_EQ(results.rows.size(), 7u); // not 8, because names and sizes need memory, too
     EXPECT_FALSE(results.sliderAvailable);
 }

@@ -9,7 +9,7 @@ using namespace quarrynet;
 
 namespace {
 
-// Numbers whose hash is what is left of a division: `values[number - 1]` is the record of `number`.
+// Values whose hash is the remainder of a division. The record with the number n is `values_[n - 1]`.
 class Values
 {
 public:
@@ -71,7 +71,7 @@ TEST(HashSlots, RecordsOfOtherHashesAreNotCompared)
 {
     Values values(0xFFFFFFFF);
     for (std::uint32_t i = 0; i < 1000; ++i)
-        values.add(64 * i); // which all begin at one place of a small table
+        values.add(64 * i); // all of them start at the same slot of a small table
     EXPECT_EQ(values.find(64 * 1000), HashSlots::kNone);
     EXPECT_EQ(values.compared(), 0u);
 }

@@ -109,8 +109,8 @@ TEST(ImageResults, MissingBlankEndsTheParseWithoutAGallery)
 TEST(ImageResults, MissingColonsTakeTheSearchToTheTop)
 {
     const ImageResults results = parse("to: be cut src=/images?q=tbn x");
-    // Both colons are missed: the second search begins at the top and ends at the first blank behind "to:", so the
-    // address is what stands between, and the thumbnail's path would end before it begins.
+    // Both colons are missing: the second search starts at the beginning of the page and finds "to:". The address is
+    // the empty text between it and the next blank, and the thumbnail's path would end before it begins.
     EXPECT_THAT(results.lists.addresses, ElementsAre(""));
     EXPECT_TRUE(results.lists.thumbnails.empty());
     EXPECT_EQ(results.fault, RuntimeError::InvalidProcedureCall);

@@ -60,7 +60,7 @@ TEST(Round, WhatDoesNotFitOverflows)
     EXPECT_EQ(roundToInt32(leadingNumber(std::string(400, '9'))).error(), RuntimeError::Overflow);
 }
 
-// The digits' places summed up gave 0.30000000000000004.
+// Summing up the values of the digits gave 0.30000000000000004.
 TEST(LeadingNumber, IsTheNearestDouble)
 {
     EXPECT_EQ(leadingNumber("0.3"), 0.3);

@@ -10,7 +10,7 @@
 #include "search/image/results.h"
 #include "search/web/results.h"
 
-/// What holds for the parsers' results whatever the page is. Used by the mutation test.
+/// Checks invariants of the parsers' results that hold for every page. Used by the mutation test.
 namespace quarrynet::checks {
 
 inline void checkPaging(const PagingOffer& paging)
@@ -57,7 +57,7 @@ inline void checkDownload(std::string_view page)
     checkPaging(results.paging);
     for (const std::string& link : results.links) {
         if (results.links.size() > 100)
-            break; // the same few again
+            break; // the same few links repeat
         EXPECT_TRUE(link.empty() || link.starts_with("/redir")) << link;
         const Result<std::string> path = redirectPath(link);
         EXPECT_TRUE(path);

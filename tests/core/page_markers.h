@@ -5,7 +5,7 @@
 
 namespace quarrynet::samples {
 
-/// What the parsers look for in their pages, and numbers that they make much of: the words of broken pages.
+/// The pieces of broken pages: the markers that the parsers look for, and extreme numbers.
 inline const std::vector<std::string_view> kMarkers = {
     "<p><a",
     "<p><a href=",

@@ -15,7 +15,7 @@ using namespace quarrynet;
 
 namespace {
 
-// The procedure as it is defined, on FindReplace, which has tests of its own.
+// The reduction as it is defined, by means of FindReplace, which has its own tests.
 std::string plainReduction(const std::string& body)
 {
     std::string text = FindReplace(body, "\"", "");
@@ -181,7 +181,7 @@ TEST(ReducedPage, IsThePlainProcedureOnRandomTexts)
 
 TEST(ReducedPage, IsThePlainProcedureOnTextsOfTags)
 {
-    // Nests made of few tags, where earlier rounds cut later tags and tags are formed anew.
+    // Nests of few different tags, in which earlier rounds cut later tags and form new ones.
     std::mt19937 random(20240613);
     const std::string_view parts[] = {"<", ">", "<a>", "<b>", "<<a>", "<b<a>", "<a<b>",
                                       "a", "b", "<a",  "b>",  "<<",   ">>",    "<>"};
@@ -221,7 +221,7 @@ TEST(ReducedPage, HostilePagesAreThePlainProcedure)
              times(100, "x<y>") + times(60, "<") + times(60, ">") + times(60, "<<>") + "y",
          })
         EXPECT_EQ(reduced(page), plainReduction(page)) << page;
-    // Stale rounds of every depth below a nest that arrived later: none of them may be taken.
+    // Stale rounds of every depth precede a nest; none of them may be reused.
     std::string page = "x";
     for (std::size_t depth = 30; depth > 0; --depth)
         page += times(depth, "<") + ">";
@@ -259,7 +259,7 @@ TEST(TagRemoval, MisleadingFingerprintsAreNoticed)
     int done = 0;
     for (int i = 0; i < 30000; ++i) {
         const std::string text = randomText(random, 50, "<<>>abc");
-        // With base 1 all texts of the same letters have one fingerprint; 0 sees the last byte only.
+        // With base 1, all texts of the same letters have the same fingerprint; base 0 considers the last byte only.
         const std::optional<std::string> removed = TagRemoval(static_cast<std::uint64_t>(i % 2)).run(text);
         if (!removed) {
             ++noticed;

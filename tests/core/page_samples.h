@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// Result pages for the parsers' tests, put together from the markers that the parsers look for.
+/// Builds result pages for the parsers' tests from the markers that the parsers look for.
 namespace quarrynet::samples {
 
 inline std::string repeated(std::string_view text, std::size_t count)
@@ -16,7 +16,7 @@ inline std::string repeated(std::string_view text, std::size_t count)
     return all;
 }
 
-/// The heading of web and image pages.
+/// Returns the heading of web and image pages.
 inline std::string heading(std::string_view count, std::string_view time = "0.27")
 {
     return "<p>Results <b>1</b> - <b>30</b> of about <b>" + std::string(count) + "</b>. Took <b>" + std::string(time) +

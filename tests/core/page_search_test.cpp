@@ -20,7 +20,7 @@ constexpr int kAny = 0;
 constexpr int kAll = 1;
 constexpr int kExact = 2;
 
-// The splitting step by step, removal included.
+// Splits the typed text step by step as defined, including the removal of empty entries.
 std::vector<std::string> plainEntries(const std::string& typed)
 {
     std::vector<std::string> entries;
@@ -217,7 +217,7 @@ TEST(Presence, ManyKeywordsAreAnsweredAsFewAre)
 
 TEST(Presence, KeywordsAtEveryPlaceOfALargePageAreFound)
 {
-    // Pages are read in pieces of a mebibyte; a keyword may lie across their ends.
+    // Pages are searched in pieces of a mebibyte; a keyword may cross their boundaries.
     constexpr std::size_t kPiece = std::size_t{1} << 20;
     const std::string keyword = "\xC3\x84pfel";
     for (std::size_t before = kPiece - 8; before <= kPiece + 1; ++before) {

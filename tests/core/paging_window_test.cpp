@@ -47,7 +47,8 @@ TEST(WidenedWindow, TotalBelowTheValueBecomesTheMaximumAndTheValueFollows)
     EXPECT_EQ(*widenedWindowByLeadingTotal({10, 19, 19}, "15"), (PagingWindow{10, 15, 15}));
 }
 
-// A window of 10 to 6 cannot be shown; the slider kept the minimum and stood still until a new search.
+// The window would be 10 to 6, which is impossible; the slider used to keep the minimum and stay stuck until a new
+// search.
 TEST(WidenedWindow, TotalNotAboveTheMinimumBringsTheFirstPageBack)
 {
     for (const auto& widened : {widenedWindow({10, 19, 19}, "6"), widenedWindowByLeadingTotal({10, 19, 19}, "6")})

@@ -15,7 +15,7 @@
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
-/// Thousands of broken pages, made from whole ones by a seeded generator: the same in every run.
+/// Parses thousands of broken pages, which a seeded generator makes from whole ones, the same in every run.
 namespace {
 
 constexpr int kRounds = 20000;

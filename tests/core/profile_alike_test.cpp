@@ -1,4 +1,4 @@
-// Windows only: what profile_text reads and writes against the system's private-profile calls on the same file.
+// Windows only: compares what profile_text reads and writes with the system's private-profile functions.
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -35,7 +35,7 @@ protected:
         fs::remove_all(folder_, ignored);
     }
 
-    // A new name each time: the system may keep what it read of a file.
+    // Uses a new name each time, because the system may cache the content of a file.
     std::string put(const std::string& content)
     {
         const fs::path path = folder_ / (std::to_string(++files_) + ".ini");
@@ -131,7 +131,7 @@ TEST_F(Alike, ListsAreCutAlike)
     const std::size_t exactSection = ownSection(text, "A").size() + 1;
     const std::size_t exactNames = ownNames(text).size() + 1;
     for (std::size_t capacity = 4; capacity < 40; ++capacity) {
-        // Wine takes a buffer that fits exactly for one that is too small; those two sizes say nothing.
+        // Wine treats a buffer that fits exactly as too small, so these two sizes are not compared.
         if (capacity != exactSection) {
             EXPECT_EQ(readProfileSection(file, "A", capacity).text, ownSection(text, "A", capacity)) << capacity;
         }

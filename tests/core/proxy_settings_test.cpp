@@ -139,7 +139,7 @@ TEST_F(ProxyFile, WhatCannotBeWrittenIsTold)
     EXPECT_FALSE(settings.save());
     EXPECT_FALSE(ProxySettings("").save());
 
-    // A line end would make another line of the file; the other two settings are written all the same.
+    // A line end would add a line to the file, so this setting is rejected; the other two are written nevertheless.
     ProxySettings broken(path_.string());
     broken.on = true;
     broken.host = "a\r\n[ProxyPort]";

@@ -22,10 +22,11 @@ std::string segment(char marker, const std::string& content)
     return {'\xFF', marker, static_cast<char>(length >> 8U), static_cast<char>(length & 0xFFU)};
 }
 
-// A JPEG picture of 320 by 240 pixels; its scans hold a stuffed 0xFF and a restart mark.
+// Returns a JPEG picture of 320 by 240 pixels; its scans contain a stuffed 0xFF and a restart marker.
 std::string jpeg(int scans)
 {
-    const std::string application = "Exif\0\0\xFF\xC0\0\x0B\x08\xFF\xFF\xFF\xFF"s; // a thumbnail's frame in it
+    const std::string application =
+        "Exif\0\0\xFF\xC0\0\x0B\x08\xFF\xFF\xFF\xFF"s; // contains the frame header of a thumbnail
     const std::string frame = "\x08\x00\xF0\x01\x40\x01\x01\x11\x00"s;
     const std::string scan = "\x01\x01\x00\x00\x3F\x00"s;
     std::string bytes =
@@ -78,7 +79,7 @@ TEST(RasterHead, FirstGifFrameCountsWhereItIsLargerThanTheCanvas)
     std::string gif = kGif;
     gif.replace(14, 8, "\x01\0\x02\0\xFF\xFF\xFE\xFF"s);
     expectHead(gif, RasterFormat::Gif, 0x10000, 0x10000);
-    // Behind a table of 256 colours and an extension.
+    // The frame follows a table of 256 colours and an extension.
     gif[10] = '\x87';
     gif.insert(13, std::string(768, ',') + "!\xFE\x03,,,\x01,\0"s);
     expectHead(gif, RasterFormat::Gif, 0x10000, 0x10000);

@@ -66,14 +66,14 @@ TEST(RedirectPath, LinkOf26KilobytesIsAPath)
 TEST(RedirectPath, TailThatFormsThePathWordIsReplacedAgain)
 {
     EXPECT_EQ(*redirectPath("rredir%2Fedir"), "edir%2Fedir");
-    // Each "r" passes the "edir"s behind it.
+    // Each "r" moves past the "edir"s after it.
     const std::string ends = "%2Fedirr";
     const std::string link = std::string(200, 'r') + repeated("edir", 100) + ends;
     std::string plain = link;
     for (std::size_t at = plain.find("redir"); at != std::string::npos; at = plain.find("redir"))
         plain.replace(at, 5, "edirr");
     EXPECT_TRUE(*redirectPath(link) == plain);
-    // The same ten thousand times as long takes a hundred million times as many steps.
+    // A link ten thousand times as long needs a hundred million times as many steps.
     EXPECT_EQ(redirectPath(std::string(2000000, 'r') + repeated("edir", 1000000) + ends).error(),
               RuntimeError::OutOfMemory);
 }

@@ -78,7 +78,7 @@ TEST(RegistryValueText, ZeroAndNothingAreZero)
 TEST(RegistryValueText, NumberLongerThanFourBytesIsReadWhole)
 {
     EXPECT_THAT(registryValueText(kRegistryNumber, std::string(9, '\xff')), Optional("4722366482869645213695"s));
-    EXPECT_EQ(registryValueText(kRegistryNumber, std::string(1024, '\xff'))->size(), 2467U); // 256 to the 1024th
+    EXPECT_EQ(registryValueText(kRegistryNumber, std::string(1024, '\xff'))->size(), 2467U); // 256 to the power of 1024
 }
 
 TEST(RegistryValueText, OtherTypesHaveNone)

@@ -20,9 +20,9 @@ enum class Plain
     GaveUp,
 };
 
-constexpr std::size_t kMostFormed = std::size_t{64} << 20; // in a text that grows
+constexpr std::size_t kMostFormed = std::size_t{64} << 20; // bound for texts that grow, in bytes
 
-// The procedure as it is defined: replace the first, start again, until nothing changes.
+// The procedure as it is defined: replaces the first match and starts again, until nothing changes.
 Plain plainFindReplace(std::string& text, const std::string& sought, const std::string& replacement)
 {
     for (int round = 0; round < 3000 && text.size() < 20000; ++round) {
@@ -48,11 +48,11 @@ std::string onePass(const std::string& source, const std::string& sought, const 
     return out + source.substr(from);
 }
 
-// How many bytes the plain procedure writes over matches that are not the source's own text; nothing when it does not
-// come to an end soon.
+// Returns how many bytes the plain procedure writes over matches that are not contiguous text of the source, or nothing
+// if it does not end soon.
 std::optional<std::size_t> formedBytes(std::string text, const std::string& sought, const std::string& replacement)
 {
-    std::vector<int> places(text.size()); // of each byte in the source; negative where a replacement wrote it
+    std::vector<int> places(text.size()); // position of each byte in the source; negative for bytes of a replacement
     std::iota(places.begin(), places.end(), 0);
     std::size_t formed = 0;
     for (int round = 0; round < 1000; ++round) {
@@ -169,16 +169,16 @@ TEST(FindReplace, ReplacementHoldingTheSearchTextGivesOnePass)
 
 TEST(FindReplace, ReplacementThatGrowsForEverGivesOnePass)
 {
-    // Each round makes another match out of the replacement and the byte before it.
+    // Each round forms another match from the replacement and the byte before it.
     EXPECT_EQ(FindReplace("aab", "ab", "bbaa"), onePass("aab", "ab", "bbaa"));
     EXPECT_EQ(FindReplace(repeated("aaab", 1000), "ab", "bbaa"), onePass(repeated("aaab", 1000), "ab", "bbaa"));
-    // Ends, but not before it has grown to 2^400 bytes.
+    // Would end, but only after growing to 2^400 bytes.
     EXPECT_EQ(FindReplace(std::string(400, 'a') + "b", "ab", "bba"), std::string(399, 'a') + "bba");
 }
 
 TEST(FindReplace, TextThatKeepsItsLengthIsRewrittenToTheEnd)
 {
-    // Each "b" passes each "a": n squared replacements.
+    // Each "b" moves past each "a", which takes n squared replacements.
     for (const std::size_t n : {1, 2, 1500, 2000, 5000})
         EXPECT_TRUE(FindReplace(std::string(n, 'a') + std::string(n, 'b'), "ab", "ba") ==
                     std::string(n, 'b') + std::string(n, 'a'))
@@ -189,7 +189,7 @@ TEST(FindReplace, TextThatKeepsItsLengthIsRewrittenToTheEnd)
 
 TEST(FindReplace, TextThatGrowsAndEndsIsRewrittenToTheEnd)
 {
-    // Each "a" doubles the "b"s behind it.
+    // Each "a" doubles the "b"s after it.
     for (const std::size_t n : {1, 5, 20})
         EXPECT_TRUE(FindReplace(std::string(n, 'a') + "b", "ab", "bba") ==
                     std::string(std::size_t{1} << n, 'b') + std::string(n, 'a'))
@@ -198,7 +198,7 @@ TEST(FindReplace, TextThatGrowsAndEndsIsRewrittenToTheEnd)
 
 TEST(FindReplaceWithin, GivesNothingBeyondItsBound)
 {
-    const std::string text = "aabb"; // of four replacements three stand on an earlier one
+    const std::string text = "aabb"; // three of four replacements overwrite an earlier one
     EXPECT_EQ(FindReplaceWithin(text, "ab", "ba", 6), "bbaa");
     EXPECT_EQ(FindReplaceWithin(text, "ab", "ba", 5), std::nullopt);
     EXPECT_EQ(FindReplaceWithin("a b c", " ", "+", 0), "a+b+c");
@@ -208,14 +208,14 @@ TEST(FindReplaceWithin, GivesNothingBeyondItsBound)
 
 TEST(FindReplaceWithin, BoundOfGrowingTextsIsTheOneThatIsStated)
 {
-    // 2^n replacements of three bytes, all but the first one standing on others.
+    // There are 2^n - 1 replacements of three bytes; all but the first one overwrite others.
     const std::size_t n = 20;
     const std::size_t formed = ((std::size_t{1} << n) - 2) * 3;
     ASSERT_LT(formed, kMostFormed);
     const std::string text = std::string(n, 'a') + "b";
     EXPECT_TRUE(FindReplaceWithin(text, "ab", "bba", formed).has_value());
     EXPECT_FALSE(FindReplaceWithin(text, "ab", "bba", formed - 1).has_value());
-    // The last n that fits the bound of FindReplace.
+    // 24 is the largest n within the bound of FindReplace.
     EXPECT_EQ(FindReplace(std::string(24, 'a') + "b", "ab", "bba").size(), (std::size_t{1} << 24) + 24);
     EXPECT_EQ(FindReplace(std::string(25, 'a') + "b", "ab", "bba"), std::string(24, 'a') + "bba");
 }

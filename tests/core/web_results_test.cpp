@@ -143,7 +143,7 @@ TEST(WebResults, FaultsInTheHeadingKeepTheRows)
 {
     const WebResults results = parse(webEntry("http://a.example/", "t"));
     EXPECT_EQ(results.rows, 1u);
-    EXPECT_FALSE(results.countCaption); // no "</b>" anywhere
+    EXPECT_FALSE(results.countCaption); // the page has no "</b>"
     EXPECT_EQ(results.fault, RuntimeError::InvalidProcedureCall);
 }
 
@@ -208,7 +208,7 @@ TEST(WebResults, TitlesThatAllReachToTheSameEndRunOutOfMemory)
 
 TEST(WebResults, PageOf26KilobytesIsRead)
 {
-    // Every title reaches to the page's end.
+    // Every title extends to the end of the page.
     const WebResults results = parse(heading("1") + repeated("<p><a href=http://a>", 1300) + "</a>");
     EXPECT_FALSE(results.fault == RuntimeError::OutOfMemory);
     EXPECT_EQ(results.lists.addresses.size(), 1300U);
