@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests, twice: under the address and undefined-behaviour sanitizers, and optimised with
-# warnings as errors. In between the services run under the thread sanitizer, and every reader of what comes from outside
-# meets some seconds of fuzzing.
-# Options: --quick leaves the sanitizers, the fuzzing and the static analysis out; --all analyses every source, not only
-# those that differ from the upstream branch.
+# Builds everything and runs the tests twice: under the address and undefined-behaviour sanitizers, and optimised with
+# warnings as errors. Fault and cost tests run in the second build only. In between it tests the services under the
+# thread sanitizer, and fuzzes every reader of outside input for some seconds.
+#     ./test.sh [--quick | --all]
+# --quick skips the sanitizers, the fuzzing and the static analysis. --all analyses every source, not only those that
+# differ from the upstream branch.
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
-# shellcheck disable=SC2154,SC2086 # lists of words, from the file above
+# shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
 install_missing $build_packages $run_packages $test_packages
 
 quick=""

@@ -3,7 +3,7 @@
 option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(QUARRYNET_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
-option(QUARRYNET_PRECOMPILE "Precompile the headers of the libraries; builds without this show what a file forgot to include" OFF)
+option(QUARRYNET_PRECOMPILE "Precompile the libraries' headers; only builds without this detect missing includes" OFF)
 option(QUARRYNET_BUILD_FUZZERS "Build the libFuzzer programs in tests/fuzz (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -20,7 +20,7 @@ endif()
 find_program(QUARRYNET_CCACHE ccache)
 if(QUARRYNET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${QUARRYNET_CCACHE}")
-  if(QUARRYNET_PRECOMPILE) # it keeps nothing of such compilations otherwise
+  if(QUARRYNET_PRECOMPILE) # without these settings ccache does not cache such compilations
     set(CMAKE_CXX_COMPILER_LAUNCHER
       "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${QUARRYNET_CCACHE}")
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
@@ -41,7 +41,7 @@ else()
   endif()
 endif()
 
-# What is tested is tested with the standard library's own checks.
+# Builds with tests enable the standard library's own checks.
 if(QUARRYNET_BUILD_TESTS)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()

@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# Static analysis by .clang-tidy of the sources that differ from the upstream branch, or that include a header which does.
+# Runs clang-tidy on the sources that differ from the upstream branch, or that include a header that differs.
 #     tools/tidy.sh [--all] [PRESET]
-# --all analyses every source. PRESET names the build whose compile commands are used (default ci); it has to be built.
+# --all analyses every source. PRESET names the build whose compile commands are used (default ci); it must be built.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 all=""
 [ "${1:-}" != --all ] || { all=yes; shift; }
 build=build/${1:-ci}
 
-# Files that differ from what is upstream; everything where there is no upstream, or where the rules have changed.
+# Prints the files that differ from the upstream branch. Fails if there is none, or if the rules have changed; all
+# sources are analysed then.
 changed() {
     base=$(git merge-base HEAD '@{upstream}' 2>/dev/null || git merge-base HEAD origin/HEAD 2>/dev/null) || return 1
     files=$(git diff --name-only "$base" && git ls-files --others --exclude-standard)
@@ -17,7 +18,7 @@ changed() {
 }
 
 if [ -z "$all" ] && files=$(changed); then
-    # Each object file's sources and headers, as the compiler named them to the build.
+    # ninja lists the source and the headers of each object file, as the compiler reported them.
     mapfile -t sources < <(ninja -C "$build" -t deps | awk -v top="$PWD/" -v files="$files" '
         BEGIN { n = split(files, list, "\n"); for (i = 1; i <= n; i++) if (list[i] ~ /\.(cpp|h)$/) wanted[list[i]] = 1 }
         /^[^ ]/ { source = "" }
@@ -27,7 +28,8 @@ if [ -z "$all" ] && files=$(changed); then
 else
     mapfile -t sources < <(git ls-files '*.cpp')
 fi
-# Only what this build compiles: other systems' files, fuzzers and benchmarks have no commands here. Tests are left out.
+# Keeps only what this build compiles, without tests. Files for other systems, fuzzers and benchmarks have no commands
+# here.
 wanted=()
 for source in "${sources[@]}"; do
     if [[ $source != tests/* ]] && grep -qF "\"file\": \"$PWD/$source\"" "$build/compile_commands.json"; then

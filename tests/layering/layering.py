@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Checks which folder includes which: nothing outside the table below, and nothing in it that is not used.
+"""Checks that each folder includes exactly the folders that the table below names.
 
     tests/layering/layering.py [SOURCE_FOLDER]
 
-A folder may use the folders that its line names, and itself. A name stands for that folder alone, not for those in it.
-The table has no circle, so every folder can be read and tested without those above it.
+A folder may use itself and the folders that its line names. A name means that folder only, not its subfolders. The
+table has no cycle, so every folder can be read and tested without those above it.
 """
 
 import pathlib
@@ -46,7 +46,7 @@ MAX_LINES = 600
 
 
 def place_of(name, file, top):
-    """The folder of the tree that `name`, included by `file`, stands in; None for a file that the build makes."""
+    """Returns the folder that contains `name`, included by `file`; None for a generated file."""
     if "/" not in name:
         folder = file.parent if (file.parent / name).exists() else None
     else:
@@ -65,7 +65,7 @@ def check(top):
     problems, arrows = [], {}
     for folder in TREE:
         if has_circle(folder):
-            problems.append(f"{folder}: the table leads from it back to it")
+            problems.append(f"{folder}: the table has a cycle through it")
     for folder, allowed in TREE.items():
         used = set()
         for file in sorted(path for path in (top / folder).iterdir() if path.suffix in (".cpp", ".h")):
@@ -79,7 +79,7 @@ def check(top):
                 used.add(place)
                 if place not in allowed.split():
                     problems.append(f"{file.relative_to(top)} includes {name}, which {folder} may not use")
-        problems += [f"{folder} does not use {unused}: take it out of the table"
+        problems += [f"{folder} does not use {unused}: remove it from the table"
                      for unused in sorted(set(allowed.split()) - used)]
         arrows[folder] = used
     known = {path.parent.relative_to(top).as_posix() for part in ("app", "common", "dialogs", "libraries", "platform",

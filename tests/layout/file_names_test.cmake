@@ -1,4 +1,4 @@
-# The names of files: see "Names" in CONTRIBUTING. Usage: cmake -D ROOT=<the tree> -P file_names_test.cmake
+# Checks the names of files: see "Names" in CONTRIBUTING. Usage: cmake -D ROOT=<the tree> -P file_names_test.cmake
 cmake_minimum_required(VERSION 3.25)
 
 set(broken "")
@@ -21,10 +21,10 @@ foreach(entry IN LISTS top)
 endforeach()
 list(LENGTH files count)
 if(count LESS 300)
-  message(FATAL_ERROR "${ROOT} holds ${count} files: this is not the tree")
+  message(FATAL_ERROR "${ROOT} has only ${count} files: this is not the tree")
 endif()
 
-# No two paths may differ by case or underscores alone: some file systems take them for one, and so do readers.
+# No two paths may differ only by case or underscores: some file systems, and readers, do not distinguish them.
 set(seen "")
 foreach(file IN LISTS files)
   get_filename_component(folder "${file}" DIRECTORY)
@@ -33,13 +33,14 @@ foreach(file IN LISTS files)
   string(TOLOWER "${folder}/${name}" folded)
   string(MAKE_C_IDENTIFIER "${folded}" key)
   if(DEFINED "path_${key}" AND "${path_${key}_folded}" STREQUAL "${folded}")
-    complain("${file} and ${path_${key}} have one name but for case and underscores")
+    complain("${file} and ${path_${key}} differ only by case and underscores")
   endif()
   set("path_${key}" "${file}")
   set("path_${key}_folded" "${folded}")
 endforeach()
 
-# A capital says that the folder's headers declare a class of that name; of a class within a class, the end of the name.
+# A capital means that a header of the folder declares a class of that name; for a nested class, the name ends with the
+# name of the class.
 set(begins "(class|struct|using) ([A-Za-z0-9_]+::)*")
 set(continues "( final)?( :| =|[ \n]*{)")
 
@@ -89,5 +90,5 @@ endforeach()
 
 if(broken)
   list(JOIN broken "\n  " text)
-  message(FATAL_ERROR "Names that break the rule:\n  ${text}")
+  message(FATAL_ERROR "These names break the rules:\n  ${text}")
 endif()
