@@ -1,13 +1,38 @@
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "app/commands.h"
 
 namespace quarrynet::services {
 
 namespace {
+
+void reportNoMemory()
+{
+    std::fputs("quarrynet-services: out of memory\n", stderr);
+}
+
+[[noreturn]] void endWithMessage()
+{
+    try {
+        throw; // the exception that nobody has caught
+    } catch (const std::bad_alloc&) {
+        reportNoMemory();
+        ::_exit(1);
+    } catch (...) {
+        std::abort();
+    }
+}
+
+/// Runs before the constants of the options library are initialized, which takes memory before main() can catch.
+[[gnu::constructor(101)]] void catchBeforeMain()
+{
+    std::set_terminate(endWithMessage);
+}
 
 int run(int argc, char** argv)
 {
@@ -45,7 +70,7 @@ int main(int argc, char** argv)
     try {
         return quarrynet::services::run(argc, argv);
     } catch (const std::bad_alloc&) {
-        std::fputs("quarrynet-services: out of memory\n", stderr);
+        quarrynet::services::reportNoMemory();
     } catch (const std::exception& fault) {
         std::fprintf(stderr, "quarrynet-services: %s\n", fault.what());
     }

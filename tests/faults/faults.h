@@ -66,4 +66,16 @@ long failEveryCall(int kinds, Prepare prepare, Operation operation, Judge judge)
     return -1;
 }
 
+/// Calls `judge` with the number of the call that fails: with each number up to `eachUpTo`, then with numbers that grow
+/// by one and a `step`-th each time, until it returns false. Returns the last number.
+template <class Judge>
+long failCallsUntil(long eachUpTo, long step, Judge judge)
+{
+    constexpr long kMostCalls = 1'000'000;
+    long number = 1;
+    while (number < kMostCalls && judge(number))
+        number += number < eachUpTo ? 1 : 1 + number / step;
+    return number;
+}
+
 } // namespace quarrynet

@@ -98,10 +98,8 @@ protected:
     /// until none fails any more. Returns the last number.
     long judgeAll(int kinds, long eachUpTo)
     {
-        constexpr long kTooMany = 1'000'000;
-        long number = 1;
-        while (number < kTooMany && judge(number, kinds) && !HasFailure())
-            number += number < eachUpTo ? 1 : 1 + number / 40;
+        const long number =
+            failCallsUntil(eachUpTo, 40, [&](long call) { return judge(call, kinds) && !HasFailure(); });
         // The last run had no fault and has removed what earlier runs left behind.
         EXPECT_FALSE(std::filesystem::exists(indexPath(data()) + ".new"));
         return number;

@@ -138,10 +138,8 @@ protected:
     /// Returns the last number.
     long judgeAll(int kinds, long eachUpTo)
     {
-        constexpr long kTooMany = 1'000'000;
-        long number = 1;
-        while (number < kTooMany && judge(number, kinds) && !HasFailure())
-            number += number < eachUpTo ? 1 : 1 + number / 40;
+        const long number =
+            failCallsUntil(eachUpTo, 40, [&](long call) { return judge(call, kinds) && !HasFailure(); });
         return number;
     }
 

@@ -55,6 +55,16 @@ private:
     std::thread thread_;
 };
 
+/// Answers "/large" with so much that a client which does not read stalls it.
+constexpr std::size_t kLarge = 64 * 1024 * 1024;
+
+HttpResponse largeOnRequest(const HttpRequest& request)
+{
+    HttpResponse response;
+    response.body = std::string(request.path == "/large" ? kLarge : 1, 'x');
+    return response;
+}
+
 HttpResponse echo(const HttpRequest& request)
 {
     HttpResponse response;
@@ -206,17 +216,11 @@ TEST(HttpServer, ClientThatDoesNotReadMakesRoomForOthers)
     HttpServer::Limits limits;
     limits.connections = 1;
     limits.writeTime = std::chrono::milliseconds(30);
-    const RunningServer server(
-        [](const HttpRequest& request) {
-            HttpResponse response;
-            response.body = std::string(request.path == "/large" ? 64 * 1024 * 1024 : 1, 'x');
-            return response;
-        },
-        limits);
+    const RunningServer server(largeOnRequest, limits);
     const RawClient idle("127.0.0.1", server.port());
     idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
-    EXPECT_LT(idle.receiveAll().size(), 64U * 1024 * 1024);
+    EXPECT_LT(idle.receiveAll().size(), kLarge);
 }
 
 TEST(HttpServer, AClientThatReadsTooSlowlyMakesRoomForOthers)
@@ -225,13 +229,7 @@ TEST(HttpServer, AClientThatReadsTooSlowlyMakesRoomForOthers)
     limits.connections = 1;
     limits.writeTime = std::chrono::hours(1);
     limits.answerTime = std::chrono::milliseconds(30);
-    const RunningServer server(
-        [](const HttpRequest& request) {
-            HttpResponse response;
-            response.body = std::string(request.path == "/large" ? 64 * 1024 * 1024 : 1, 'x');
-            return response;
-        },
-        limits);
+    const RunningServer server(largeOnRequest, limits);
     const RawClient idle("127.0.0.1", server.port());
     idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
