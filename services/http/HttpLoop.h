@@ -17,22 +17,22 @@
 
 #include "http/HttpServer.h"
 
-/// The inside of HttpServer: the loop with its listeners, and the sessions.
+/// Internals of HttpServer: the event loop with its listeners, and the sessions.
 namespace quarrynet::services {
 
 namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::system::error_code;
 
-/// What is known of the client at the other end of a connection.
+/// Known state of the client.
 enum class Client : std::uint8_t
 {
     Waits,
-    Ended, ///< its side of the connection; it may be gone as well
+    Ended, ///< it has closed its sending side, and may be gone as well
     Gone,
 };
 
-/// What goes over the connection: bytes, and behind them the content of a file.
+/// The bytes of a response, followed by the content of a file.
 struct Answer
 {
     std::string bytes;
@@ -57,7 +57,7 @@ private:
     class Session;
     using Queue = std::deque<std::shared_ptr<Session>>;
 
-    /// An address with its places. All of it belongs to the thread that runs the loop.
+    /// A listening address with its own limits. Only the loop's thread uses it.
     struct Listener
     {
         std::optional<tcp::acceptor> acceptor;
@@ -65,10 +65,10 @@ private:
         bool accepting = false;
         bool dispatching = false;
         std::size_t sessions = 0;
-        std::size_t held = 0;                      ///< bytes of answers
-        std::set<std::shared_ptr<Session>> making; ///< whose answers are in the making
-        Queue waiting;                             ///< for a place among them
-        Queue ended;                               ///< likewise, after all others: clients that ended their side
+        std::size_t held = 0;                      ///< bytes of responses in memory
+        std::set<std::shared_ptr<Session>> making; ///< sessions whose responses workers are making
+        Queue waiting;                             ///< sessions that wait for a worker
+        Queue ended;                               ///< clients that closed their sending side; served after all others
     };
 
     void accept(Listener& listener);
@@ -78,22 +78,22 @@ private:
     static std::shared_ptr<Session> next(Listener& listener);
     static void setAside(Listener& listener, std::shared_ptr<Session> session);
     void hold(Listener& listener, std::size_t bytes);
-    /// Must not throw: sessions end in it.
+    /// Must not throw: it is called by the destructor of a session.
     void release(Listener& listener, std::size_t bytes);
 
     Limits limits_;
-    bool placesFree_ = false; ///< for connections or for answers; what ended may have been waited for
+    bool placesFree_ = false; ///< a connection or a response has ended, so others may proceed
     std::size_t held_ = 0;
     std::size_t mostHeld_ = 0;
-    std::vector<std::unique_ptr<Listener>> listeners_; // sessions that are still held by the next one need them
+    std::vector<std::unique_ptr<Listener>> listeners_; // declared before io_: sessions that io_ still holds use them
     asio::io_context io_{1};
     asio::signal_set signals_{io_};
     asio::steady_timer acceptPause_{io_};
-    asio::io_context* workers_ = nullptr; ///< while run() runs
+    asio::io_context* workers_ = nullptr; ///< valid while run() runs
 };
 
-/// One connection. What is under way holds the session; when nothing is, it ends, and the connection with it. Behind
-/// the request the connection is still read, because that is how a client's going is noticed.
+/// One connection. Pending operations hold the session; it ends, and closes the connection, when none is left. It keeps
+/// reading after the request, because that is how it notices that the client has closed the connection.
 class HttpServer::Loop::Session : public std::enable_shared_from_this<Session>
 {
 public:
@@ -118,7 +118,7 @@ public:
 
     Client client();
 
-    /// Has the answer made by a worker. When it throws, the session is over.
+    /// Lets a worker make the response. If it throws, the session ends.
     void make();
     void abandon() { abandoned_ = true; }
     void send(Answer answer);
@@ -146,7 +146,7 @@ private:
     void finish();
     void takeFilePiece();
 
-    /// Runs a step; where it throws, nothing would go on with the connection any more, so that is closed.
+    /// Runs a step. If it throws, closes the connection, because no operation would be pending on it any more.
     template <class Step>
     void orClose(Step step)
     {
@@ -170,8 +170,8 @@ private:
     bool late_ = false;
     HttpRequest request_;
     std::atomic<bool> abandoned_ = false;
-    Answer answer_;        ///< the worker's while it is in the making
-    std::size_t sent_ = 0; ///< of answer_.bytes
+    Answer answer_;        ///< the worker's while phase_ is Making
+    std::size_t sent_ = 0; ///< bytes sent of answer_.bytes
     std::uint64_t fileSent_ = 0;
     std::size_t held_ = 0;
     std::chrono::steady_clock::time_point answerEnd_;

@@ -14,17 +14,17 @@ namespace quarrynet::services {
 
 namespace {
 
-/// When the system has no descriptors left, a further connection is tried so much later.
+/// Pause before the next accept() when the system has no file descriptors left.
 constexpr auto kAcceptPause = std::chrono::milliseconds(100);
 
-/// What the system may hold of an answer that the client does not take. By default it takes megabytes.
+/// Limit of the system's send buffer for a slow client. The default is megabytes.
 constexpr int kSendBuffer = 128 * 1024;
 
-/// Clients that have ended their side of the connection may still want an answer, but most are gone: so many at each
-/// address wait for one, after all others.
+/// Clients that have closed their sending side may still read a response, but most are gone. At each address, at most
+/// this many wait for a worker, after all others.
 constexpr std::size_t kEndedClients = 4;
 
-/// Keeps a socket from the processes that are started here: a connection that they held would not end in time.
+/// Child processes must not inherit a socket: a connection that they held open would not end in time.
 void keepFromChildren(int descriptor)
 {
     ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
@@ -56,7 +56,7 @@ void HttpServer::Loop::release(Listener& listener, std::size_t bytes)
     placesFree_ = true;
 }
 
-/// Gives the places that became free to whoever waits for one.
+/// Gives freed capacity to waiting clients.
 void HttpServer::Loop::lookAround()
 {
     if (!std::exchange(placesFree_, false))
@@ -66,7 +66,7 @@ void HttpServer::Loop::lookAround()
         dispatch(*listener);
 }
 
-/// Has answers made as long as there are places for them.
+/// Starts making responses while limits allow.
 void HttpServer::Loop::dispatch(Listener& listener)
 {
     const std::size_t share = limits_.answerBytes / listeners_.size();
@@ -76,7 +76,7 @@ void HttpServer::Loop::dispatch(Listener& listener)
             break;
         session->make();
     }
-    // Answers that probably nobody takes make room.
+    // Responses that probably nobody reads make room.
     if (listener.waiting.empty())
         return;
     for (const std::shared_ptr<Session>& session : listener.making) {
@@ -85,7 +85,7 @@ void HttpServer::Loop::dispatch(Listener& listener)
     }
 }
 
-/// Takes the next session that still wants an answer out of the queues; null when there is none.
+/// Removes and returns the next session that still needs a response, or null when there is none.
 std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& listener)
 {
     while (!listener.waiting.empty()) {
@@ -103,7 +103,7 @@ std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& list
     return session;
 }
 
-/// Takes a session whose client has ended its side, or is gone, out of the queue of those that wait.
+/// Removes a session from the queue `waiting` when its client has closed its sending side or is gone.
 void HttpServer::Loop::setAside(Listener& listener, std::shared_ptr<Session> session)
 {
     std::erase(listener.waiting, session);
@@ -114,7 +114,7 @@ void HttpServer::Loop::setAside(Listener& listener, std::shared_ptr<Session> ses
     if (listener.ended.size() < kEndedClients)
         listener.ended.push_back(std::move(session));
     else
-        session->send({responseBytes(errorResponse(503, "Too many requests wait for an answer."), false)});
+        session->send({responseBytes(errorResponse(503, "Too many requests are waiting."), false)});
 }
 
 std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const std::string& address,
@@ -131,7 +131,7 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
         acceptor.set_option(tcp::acceptor::reuse_address(true), error);
     }
     if (!error) {
-        // Connections have it from the socket that accepts them.
+        // Accepted connections inherit this.
         acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
     }
     if (!error)
@@ -180,7 +180,7 @@ void HttpServer::Loop::accept(Listener& listener)
         std::make_shared<Session>(*this, listener, std::move(socket))->start();
         acceptAll();
     });
-    listener.accepting = true; // not before: where memory is short for the order, it is given again
+    listener.accepting = true; // not before, so that acceptAll() retries when async_accept() throws
 }
 
 void HttpServer::Loop::acceptAll()
@@ -193,7 +193,7 @@ void HttpServer::Loop::acceptAll()
 
 bool HttpServer::Loop::run()
 {
-    // Asio's own pool would wait for ever for its first threads where a later one cannot be started.
+    // asio::thread_pool would wait forever for its first threads when a later one cannot be started.
     asio::io_context work;
     const auto more = asio::make_work_guard(work);
     std::vector<std::jthread> threads;
@@ -209,15 +209,15 @@ bool HttpServer::Loop::run()
         return false;
     }
     workers_ = &work;
-    const auto busy =
-        asio::make_work_guard(io_); // with all connections in the workers' hands nothing else is waited for
+    // When workers have all connections, no operation is pending.
+    const auto busy = asio::make_work_guard(io_);
     placesFree_ = true;
     while (!io_.stopped()) {
         try {
             lookAround();
             io_.run_one();
         } catch (const std::exception&) {
-            // Memory ran out: the connection that needed it is over, the others go on.
+            // Out of memory: the connection that needed it has ended, the others continue.
             placesFree_ = true;
         }
     }

@@ -16,15 +16,15 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// After the answer the client may still be sending, and closing then would reset the connection and lose the answer:
-// what it sends is read and thrown away for so long and so much.
+// The client may still be sending after the response. Closing the connection then would reset it and lose the response,
+// so input is read and discarded up to these limits.
 constexpr auto kDrainTime = std::chrono::seconds(2);
 constexpr std::size_t kDrainBytes = 1024 * 1024;
 
 /// Files are sent in pieces of this size.
 constexpr std::size_t kFilePiece = 64 * 1024;
 
-/// Without waiting, and without taking anything off the connection.
+/// Does not wait, and removes nothing from the input.
 Client stateOf(tcp::socket& socket)
 {
     char byte = 0;
@@ -34,7 +34,7 @@ Client stateOf(tcp::socket& socket)
     return count == 0 ? Client::Ended : Client::Gone;
 }
 
-/// How long to wait for a little memory.
+/// Pause before a retry when memory has run out.
 constexpr auto kMemoryPause = std::chrono::milliseconds(10);
 
 Answer makeAnswer(const HttpServer::Handler& handler, const HttpRequest& request)
@@ -42,15 +42,15 @@ Answer makeAnswer(const HttpServer::Handler& handler, const HttpRequest& request
     const bool headOnly = request.method == "HEAD";
     try {
         if (request.method != "GET" && !headOnly)
-            return {responseBytes(errorResponse(405, "Only GET and HEAD are answered here."), false)};
+            return {responseBytes(errorResponse(405, "This server answers only GET and HEAD."), false)};
         const HttpResponse response = handler(request);
         return {responseBytes(response, headOnly), headOnly ? nullptr : response.file};
     } catch (const std::exception&) {
-        return {responseBytes(errorResponse(500, "The answer could not be made."), headOnly)};
+        return {responseBytes(errorResponse(500, "The response could not be made."), headOnly)};
     }
 }
 
-/// An answer without bytes where not even an error has room.
+/// Returns an answer without bytes when there is no memory even for an error page.
 Answer answerTo(const HttpServer::Handler& handler, const HttpRequest& request)
 {
     try {
@@ -73,7 +73,7 @@ void HttpServer::Loop::Session::expireAfter(Clock::duration time)
 {
     timer_.expires_after(time);
     timer_.async_wait([weak = weak_from_this()](error_code error) {
-        // The handler may have been on its way when another time was set.
+        // The timer may have been restarted after this call was queued.
         if (const auto self = weak.lock(); self && !error && self->timer_.expiry() <= Clock::now())
             self->orClose([&self] { self->expire(); });
     });
@@ -85,7 +85,7 @@ void HttpServer::Loop::Session::expire()
         close();
         return;
     }
-    // Whoever has sent a part of a request is told what was wrong.
+    // A client that has sent part of a request gets an error response.
     late_ = true;
     error_code ignored;
     socket_.cancel(ignored);
@@ -134,7 +134,7 @@ void HttpServer::Loop::Session::received(error_code error, std::size_t count)
     }
 }
 
-/// What stands behind the request counts for nothing but its end.
+/// Discards input after the request; only its end matters.
 void HttpServer::Loop::Session::overheard(error_code error, std::size_t count)
 {
     overheard_ += count;
@@ -164,7 +164,7 @@ void HttpServer::Loop::Session::make()
     orClose([this] {
         const auto place = listener_.making.insert(shared_from_this()).first;
         try {
-            // The place holds the session, so that it always ends on the loop's thread.
+            // The set holds the session, so that it is destroyed on the loop's thread only.
             asio::post(*loop_.workers_, [this] {
                 const CurrentTask task(abandoned_);
                 answer_ = answerTo(listener_.handler, request_);
@@ -177,8 +177,7 @@ void HttpServer::Loop::Session::make()
     });
 }
 
-/// On the worker's thread. The word to the loop takes memory as well; until there is some, the answer is given up for
-/// it.
+/// Runs on the worker's thread. Posting needs memory too; while there is none, drops the answer to free some.
 void HttpServer::Loop::Session::bringBack()
 {
     while (!loop_.io_.stopped()) {
@@ -238,7 +237,7 @@ void HttpServer::Loop::Session::sent(error_code error, std::size_t count)
     sendRest();
 }
 
-/// A file that has become shorter ends the answer early, which the client knows by the length that it was told.
+/// If the file has become shorter, the response ends early, which the client sees by the Content-Length.
 void HttpServer::Loop::Session::takeFilePiece()
 {
     if (answer_.file == nullptr || fileSent_ >= answer_.file->size())

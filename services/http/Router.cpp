@@ -8,7 +8,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// An IPv4 address, or an IPv6 address in brackets; a request of HTTP/1.0 may have none.
+/// Returns whether `host` is an IPv4 address, an IPv6 address in brackets, or empty, as HTTP/1.0 allows.
 bool isNumeric(const std::string& host)
 {
     return host.substr(0, 1) == "[" || host.find_first_not_of("0123456789.") == std::string::npos;
@@ -26,14 +26,14 @@ HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request
     if (request.absoluteForm)
         return byHost(request);
     if (!isNumeric(request.host) && request.host != "localhost" && handlers_.find(request.host) == handlers_.end())
-        return errorResponse(421, "The local search services are not " + toUtf8(request.host) + ".");
+        return errorResponse(421, "The local search services do not serve " + toUtf8(request.host) + ".");
     return service(request);
 }
 
 HttpResponse Router::answerAsProxy(const HttpRequest& request) const
 {
     if (!request.absoluteForm)
-        return errorResponse(400, "This is the proxy port of the local search services: enter it as an HTTP proxy.");
+        return errorResponse(400, "This is the proxy port of the local search services. Use it as an HTTP proxy.");
     return byHost(request);
 }
 
@@ -41,8 +41,8 @@ HttpResponse Router::byHost(const HttpRequest& request) const
 {
     const auto found = handlers_.find(request.host);
     if (found == handlers_.end())
-        return errorResponse(403, "This proxy leads to the local search services only, not to " + toUtf8(request.host) +
-                                      ".");
+        return errorResponse(403,
+                             "This proxy serves the local search services only, not " + toUtf8(request.host) + ".");
     return found->second(request);
 }
 

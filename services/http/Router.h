@@ -8,23 +8,23 @@
 
 namespace quarrynet::services {
 
-/// Which service answers for which host: what makes one port of this program an HTTP proxy to the local services, and
-/// to nothing else.
+/// Chooses the service for a host. This makes one port of the program an HTTP proxy to the local services, and to
+/// nothing else.
 class Router
 {
 public:
     using Handler = std::function<HttpResponse(const HttpRequest&)>;
 
-    /// `host` as it stands in addresses, without a port.
+    /// Adds the handler for `host`, as it appears in addresses, without a port.
     void add(const std::string& host, Handler handler);
 
-    /// An answer to a request that arrived at a service's own port: its own, unless the request names an absolute
-    /// address (RFC 9112, section 3.2.2), which goes by its host. A Host that is neither a number, nor this machine,
-    /// nor a service's is refused with 421: a page of the outside world whose name was made to lead here would send it,
-    /// to read the user's documents.
+    /// Returns the response to a request at a service's own port. An absolute address in the request (RFC 9112, section
+    /// 3.2.2) selects the service by its host. A Host that is not an IP address, "localhost" or a service's host gets
+    /// 421: a foreign page whose host name was made to resolve to this address could read the user's documents
+    /// otherwise.
     HttpResponse answerAt(const Handler& service, const HttpRequest& request) const;
 
-    /// An answer to a request that arrived at the proxy port: 403 for hosts that are no local service.
+    /// Returns the response to a request at the proxy port: 403 for hosts that are not local services.
     HttpResponse answerAsProxy(const HttpRequest& request) const;
 
 private:

@@ -25,14 +25,14 @@ std::string_view viewOf(boost::beast::string_view text)
     return {text.data(), text.size()};
 }
 
-/// Line ends are left out: they end a line.
+/// Line ends do not count.
 bool isControl(char c)
 {
     return isAsciiControl(c) && c != '\r' && c != '\n';
 }
 
-/// Whether the third word of a request line is a version of HTTP that is not spoken here: nothing of that line is known
-/// to the parser, which has refused it.
+/// Returns whether the third word of a request line is an unsupported HTTP version. The parser has rejected the line
+/// and returns nothing of it.
 bool namesOtherVersion(std::string_view line)
 {
     const std::size_t target = line.find(' ') + 1;
@@ -67,7 +67,7 @@ std::optional<HttpResponse> readTarget(std::string_view target, HttpRequest& req
     return std::nullopt;
 }
 
-/// The current time as RFC 9110, section 5.6.7 wants it. The program never leaves the "C" locale.
+/// Returns the current time in the form of RFC 9110, section 5.6.7. The program never leaves the "C" locale.
 std::string httpDate()
 {
     const std::time_t now = std::time(nullptr);
@@ -97,7 +97,7 @@ class RequestReader::Parser
 public:
     Parser()
     {
-        parser_.skip(true); // no request that is answered here has a body
+        parser_.skip(true); // no request answered here has a body
         parser_.header_limit(kMaxHead);
     }
 
@@ -113,9 +113,9 @@ public:
         if (error == http::error::header_limit)
             return errorResponse(431, "The request's header is too large.");
         if (error == http::error::bad_version && namesOtherVersion(received_))
-            return errorResponse(505, "This server speaks HTTP/1.0 and HTTP/1.1.");
+            return errorResponse(505, "This server supports HTTP/1.0 and HTTP/1.1 only.");
         if (error)
-            return errorResponse(400, "The request is not well formed: " + error.message() + ".");
+            return errorResponse(400, "The request is malformed: " + error.message() + ".");
         return readMessage(parser_.get());
     }
 
@@ -127,7 +127,7 @@ private:
         for (const char c : piece) {
             if (received_.empty() && (c == '\r' || c == '\n'))
                 continue;
-            // The parser would refuse control bytes in the target, and keywords that were pasted may have them.
+            // The parser would reject control bytes in the target, but pasted keywords may contain them.
             if (lineSize_ == 0 && inTarget_ && isControl(c))
                 received_ += encodeComponent({&c, 1});
             else
@@ -145,18 +145,18 @@ private:
         HttpRequest request;
         request.method = std::string(viewOf(message.method_string()));
         request.host = hostOfAuthority(viewOf(message[http::field::host]));
-        // The absolute form's host goes before the field's (RFC 9112, section 3.2.2).
+        // The host of the absolute form takes precedence over the Host field (RFC 9112, section 3.2.2).
         if (auto refusal = readTarget(viewOf(message.target()), request))
             return *refusal;
         const std::size_t hosts = message.count(http::field::host);
         if (hosts > 1 || (hosts == 0 && message.version() >= 11))
-            return errorResponse(400, "The request needs exactly one Host line.");
+            return errorResponse(400, "The request needs exactly one Host field.");
         return request;
     }
 
     std::string received_;
-    bool inTarget_ = false;    ///< or behind it
-    std::size_t lineSize_ = 0; ///< of the request line with its end; 0 while that has not arrived
+    bool inTarget_ = false;    ///< or after it
+    std::size_t lineSize_ = 0; ///< of the request line including its end; 0 until it has arrived
     std::size_t parsed_ = 0;
     http::request_parser<http::empty_body> parser_;
 };
