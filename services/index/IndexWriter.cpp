@@ -336,7 +336,7 @@ Outcome<Done> IndexWriter::addProgram(std::int64_t number, const Program& progra
     const std::string_view description = clipUtf8(program.description, kMaxIndexedName);
     Outcome<Done> result =
         parts_->insert(Parts::ProgramRow, number, name, description, clipUtf8(program.system, kMaxIndexedName),
-                       program.size, clipUtf8(program.licence, kMaxIndexedName), program.mirror, program.file);
+                       program.size, clipUtf8(program.license, kMaxIndexedName), program.mirror, program.file);
     return result ? parts_->insert(Parts::ProgramTextRow, number, name, description) : result;
 }
 

@@ -14,7 +14,7 @@ struct Program
     std::string description;
     std::string system; ///< operating system and architecture
     std::int64_t size = 0;
-    std::string licence;
+    std::string license;
     std::int64_t mirror = 0; ///< number of the mirror that has it
     std::string file;        ///< path below the mirror's base, not escaped
 };

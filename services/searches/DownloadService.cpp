@@ -29,7 +29,7 @@ std::string searchForm(std::string_view typed)
            "value=\"Search\"></div></form>\n";
 }
 
-/// The page number in "/3120-20-0-PAGE-5.html"; nothing for another path.
+/// Returns the page number in "/3120-20-0-PAGE-5.html", or nothing for another path.
 std::optional<int> pageNumber(std::string_view path)
 {
     constexpr std::string_view kBegin = "/3120-20-0-";
@@ -40,7 +40,7 @@ std::optional<int> pageNumber(std::string_view path)
     return wholeNumber(path.substr(kBegin.size(), path.size() - kBegin.size() - kEnd.size()));
 }
 
-/// What stands between "qt=" and the closing "&ca=": people's "&" and "#" are part of what they typed.
+/// Returns the text between "qt=" and the last "&ca=": "&" and "#" may be part of what people typed.
 std::string_view typedPart(std::string_view query)
 {
     const std::size_t mark = query.find("qt=");
@@ -50,7 +50,7 @@ std::string_view typedPart(std::string_view query)
     return query.substr(0, query.rfind("&ca="));
 }
 
-/// Address and place are the same but for the scheme: "http://host/path" is at "/host/path".
+/// Returns the address without its scheme: "/host/path" for "http://host/path".
 std::string_view placeOf(std::string_view address)
 {
     const std::size_t scheme = address.find("://");
@@ -59,13 +59,13 @@ std::string_view placeOf(std::string_view address)
 
 void appendRow(std::string& page, const ProgramHit& hit)
 {
-    // The program reads a row from mark to mark: bold text for the name, the element behind the next "class" (whose
-    // following 25 bytes must not spell "pick", hence the long name), "OS:", a blank before "<", and twice a "</b>".
+    // The program parses a row from marker to marker: bold text for the name, the element after the next "class" (whose
+    // following 25 bytes must not contain "pick", hence the long name), "OS:", a blank before "<", and two "</b>".
     page += "<div class=\"program\"><b>" + escapeText(hit.name) + "</b><br>\n";
     page += "<span class=\"program-description\">" + escapeText(hit.description) + "</span><br>\n";
     page += "<b>OS:</b>" + escapeText(hit.system) + " <br>\n";
     page += "<b>File size:</b>" + readableSize(hit.size) + "<br>\n";
-    page += "<b>License:</b>" + escapeText(hit.licence) + "<br>\n";
+    page += "<b>License:</b>" + escapeText(hit.license) + "<br>\n";
     page += "<a href=\"/redir?destUrl=" + encodeComponent(hit.address) + "\">Download now</a></div>\n";
 }
 
@@ -75,12 +75,12 @@ std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view ty
 {
     std::string page(kPageHead);
     if (answer.hits.empty()) {
-        // What was typed is not repeated here: it could hold the mark by which the program knows a page of results.
+        // The typed text is not repeated here: it could contain the marker of a page with results.
         page += "<div>No program has these words.</div>\n" + searchForm("") + "</body></html>\n";
         return page;
     }
     const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
-    // The count goes without separators, because the program reads it as a number.
+    // The count has no separators, because the program parses it as a number.
     page += "<div>Found: <b>" + std::to_string(answer.total) + "</b> programs, showing <b>" +
             std::to_string(answer.start + 1) + " - " + std::to_string(last) + "</b></div>\n<!-- main loop -->\n";
     for (const ProgramHit& hit : answer.hits)
@@ -102,7 +102,7 @@ std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view ty
 
 std::string downloadPage(std::string_view address)
 {
-    // The program decodes "%3A" and "%2F" and nothing else, and stops at the first ";".
+    // The program decodes only "%3A" and "%2F", and stops at the first ";".
     std::string coded;
     for (const char c : address) {
         if (c == ':' || c == '/' || std::string_view(";\"\\<'").find(c) != std::string_view::npos)
@@ -110,8 +110,8 @@ std::string downloadPage(std::string_view address)
         else
             coded.push_back(c);
     }
-    // The program leaves out the last character of what stands between the quotes, so one more stands there: an empty
-    // fragment, which a browser that runs the script takes as no change.
+    // The program drops the last character between the quotes, so an extra one is added: an empty fragment, which
+    // changes nothing for a browser that runs the script.
     return std::string(kPageHead) + "<script>newlocation = \"" + coded +
            "#\"; location.replace(newlocation.replace(/%3A/g, \":\").replace(/%2F/g, \"/\"));</script>\n<div><a "
            "href=\"" +
@@ -154,9 +154,9 @@ HttpResponse DownloadService::searchPage(int page, std::string_view query)
 
 Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)
 {
-    // The program with the typed name, then those whose names begin with it, short ones first, then by rank: a word in
-    // the name says more than one in the description. Companions go behind the others of both kinds. Numbers make the
-    // order of equal ones certain, so that pages neither repeat nor lose any.
+    // The program with the typed name comes first, then those whose names begin with it, short ones first, then the
+    // rest by rank: a word in the name counts for more than one in the description. Within both kinds companions come
+    // last. The id breaks ties, so that pages neither repeat nor lose results.
     static constexpr WordTable kTable = {
         "name",
         "SELECT count(*) FROM program_text WHERE program_text MATCH ?1",
@@ -185,8 +185,8 @@ Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int6
     return answer;
 }
 
-/// The address of the download at `place`, or the empty text when the index has none there: the page leads to programs
-/// of the index and nowhere else.
+/// Returns the address of the download at `place`, or an empty text when the index has none there: the page redirects
+/// to indexed programs only.
 Outcome<std::string> DownloadService::findDownload(std::string_view place)
 {
     Outcome<IndexPool::Lease> index = index_.borrow();

@@ -10,28 +10,28 @@
 
 namespace quarrynet::services {
 
-/// A program that the download search found. Texts as the index has them.
+/// A program that the download search found. The index supplies the texts.
 struct ProgramHit
 {
     std::string name;
     std::string description;
     std::string system;
     std::int64_t size = 0;
-    std::string licence;
-    std::string address; ///< of the download
+    std::string license;
+    std::string address; ///< where the program is downloaded from
 };
 
 struct ProgramAnswer
 {
     std::int64_t total = 0;
-    std::int64_t start = 0; ///< how many results stand before this page
+    std::int64_t start = 0; ///< number of results before this page
     std::vector<ProgramHit> hits;
 };
 
-/// The download directory, twenty-five programs a page:
-///   /3120-20-0-PAGE-5.html?qt=WORDS&ca=20   a page of results, counted from 1
-///   /redir?destUrl=ADDRESS                  the page that leads to a download
-///   /%2Fhost%2Fpath...                      the same; this is the path that the program makes of a redirect link
+/// The download directory, with 25 programs per page:
+///   /3120-20-0-PAGE-5.html?qt=WORDS&ca=20   a results page, counted from 1
+///   /redir?destUrl=ADDRESS                  the page that redirects to a download
+///   /%2Fhost%2Fpath...                      the same page, under the path that the program makes of a redirect link
 class DownloadService
 {
 public:
@@ -41,7 +41,7 @@ public:
 
     HttpResponse answer(const HttpRequest& request);
 
-    /// Runs the search for typed words. Without words or matches there are no hits.
+    /// Runs the search for typed words. Returns no hits when there are no words or no matches.
     Outcome<ProgramAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
@@ -52,10 +52,10 @@ private:
     IndexPool& index_;
 };
 
-/// The results page in the layout that the program reads.
+/// Returns the results page in the layout that the program parses.
 std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed);
 
-/// The page that carries a download's address.
+/// Returns the page that carries a download's address.
 std::string downloadPage(std::string_view address);
 
 } // namespace quarrynet::services

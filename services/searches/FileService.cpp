@@ -22,14 +22,14 @@ constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
 
 void appendFile(std::string& page, const FileHit& hit)
 {
-    // The program reaches back ten bytes from the first ":" behind the size, over "a href=ftp", for the "=".
+    // From the first ":" after the size, the program goes back ten bytes over "a href=ftp" and takes the next "=".
     page += "<div><b> " + (hit.size ? readableSize(*hit.size) : std::string()) + "</b> <a href=" + hit.address +
             " class=file>" + fileNameText(hit.name) + "</a></div>\n";
 }
 
 void appendDirectory(std::string& page, const FileHit& hit)
 {
-    // The program takes the address from the "q=" of the last link, and wants a link before that one.
+    // The program takes the address from the "q=" of the last link, and expects a link before that one.
     page += "<div>&lt;dir&gt; <a href=" + hit.parent + " class=parent>In</a> <a href=/cgi-bin/s?t=f&q=" + hit.address +
             " class=directory>List</a> <b>" + fileNameText(hit.name) + "</b></div>\n";
 }
@@ -40,8 +40,8 @@ struct Asked
     std::int64_t start = 0;
 };
 
-/// What stands behind "q=", and the "&f=" with a number at its very end: people's "&" and "#" are part of what they
-/// typed.
+/// Splits a query into the text after "q=" and the number of an "&f=" at its very end: "&" and "#" may be part of what
+/// people typed.
 Asked readQuery(std::string_view query)
 {
     Asked asked;
@@ -64,7 +64,7 @@ bool isAddress(std::string_view typed)
     return typed.substr(0, 6) == "ftp://" || typed.substr(0, 7) == "http://" || typed.substr(0, 8) == "https://";
 }
 
-/// SQL that compares a name with `pattern`, which is put behind `values`.
+/// Appends `pattern` to `values` and returns the SQL condition that compares a name with it.
 std::string likeCondition(const std::string& pattern, std::vector<std::string>& values)
 {
     values.push_back(pattern);
@@ -80,7 +80,7 @@ FileHit readHit(const Statement& row)
     hit.address = hit.parent + addressBelow({}, row.text(2));
     if (hit.directory) {
         hit.address.push_back('/');
-        // It stands in a query, too, where a "+" would be a blank.
+        // The address is also used in a query, where a "+" would mean a blank.
         hit.address = withReplaced(hit.address, "+", "%2B");
     }
     if (!row.isNull(3))
@@ -88,7 +88,7 @@ FileHit readHit(const Statement& row)
     return hit;
 }
 
-/// Fills the page with the rows after the first `skipped`. `source` and `condition` are SQL of this file's making;
+/// Appends the rows after the first `skipped` to the page. `source` and `condition` are SQL written in this file;
 /// `values` are bound from the third parameter on.
 Outcome<Done> readRows(Database& index, const std::string& source, const std::string& condition,
                        const std::vector<std::string>& values, std::int64_t skipped, FileAnswer& answer)
@@ -100,7 +100,7 @@ Outcome<Done> readRows(Database& index, const std::string& source, const std::st
                       condition + " LIMIT ?1 OFFSET ?2");
     if (!rows)
         return rows.error();
-    // One more than the page holds tells whether there is another.
+    // One row more than the page holds shows whether there is another page.
     rows->bind(1, static_cast<std::int64_t>(FileService::kPageSize - answer.hits.size()) + 1);
     rows->bind(2, skipped);
     for (std::size_t i = 0; i < values.size(); ++i)
@@ -117,7 +117,7 @@ Outcome<Done> readRows(Database& index, const std::string& source, const std::st
     return Done{};
 }
 
-/// Counts the entries that `condition` holds for; values as above.
+/// Counts the entries that match `condition`; `values` are as above.
 Outcome<std::int64_t> countRows(Database& index, const std::string& condition, const std::vector<std::string>& values)
 {
     Outcome<Statement> count = index.prepare("SELECT count(*) FROM file_entry AS entry WHERE " + condition);
@@ -139,9 +139,9 @@ std::string addressBelow(std::string_view base, std::string_view path)
 
 std::string fileNameText(std::string_view name)
 {
-    // These two words would make the program take the page for one without results.
+    // The program takes a page with these two words for one without results.
     std::string text = withReplaced(escapeText(name), "not found", "not&#32;found");
-    // "<b> " begins a file's size.
+    // "<b> " marks a file's size.
     if (!text.empty() && text.front() == ' ')
         text.replace(0, 1, "&#32;");
     return text;
@@ -218,9 +218,9 @@ Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t sta
     return findNames(**index, names, start);
 }
 
-/// Names that begin with what was typed go before the others, and of these the ones that are it but for what follows
-/// the first "_" or ".". The two kinds are asked for one after the other, so that a search that finds many sorts the
-/// few only: the others come in the order of their numbers.
+/// Names that begin with the typed text come first, and among them those that continue with "_" or "." or not at all.
+/// The two kinds are read one after the other, so that a search with many matches sorts only the few; the others come
+/// in the order of their numbers.
 Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& names, std::int64_t start)
 {
     FileAnswer answer;
@@ -241,7 +241,7 @@ Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& nam
     std::string source = "file_entry AS entry";
     std::string others = "NOT (" + begins + ")";
     if (!names.expression.empty()) {
-        // The full-text table gives its rows in the order of their numbers, so no more are read than are shown.
+        // The full-text table returns its rows in the order of their numbers, so no more are read than are shown.
         source = "file_name CROSS JOIN file_entry AS entry ON entry.id = file_name.rowid";
         values.push_back(names.expression);
         others += " AND file_name MATCH ?" + std::to_string(values.size() + 2);
@@ -257,7 +257,7 @@ Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view
 {
     FileAnswer answer;
     answer.start = start;
-    // A site may lie below another one.
+    // One site may lie below another.
     Outcome<Statement> sites = index.prepare("SELECT id, base FROM file_site ORDER BY length(base) DESC, id");
     if (!sites)
         return sites.error();

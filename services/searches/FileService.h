@@ -16,22 +16,22 @@ namespace quarrynet::services {
 struct FileHit
 {
     std::string name;
-    std::string address; ///< on its server, as opened: on a mirror with the mirror's scheme; a directory's ends in "/"
-    std::string parent;  ///< address of the directory that it lies in
+    std::string address; ///< as opened, with the mirror's scheme on a mirror; a directory's ends in "/"
+    std::string parent;  ///< address of the directory that contains it
     std::optional<std::int64_t> size = std::nullopt;
     bool directory = false;
 };
 
 struct FileAnswer
 {
-    std::int64_t start = 0; ///< how many results stand before this page
+    std::int64_t start = 0; ///< number of results before this page
     std::vector<FileHit> hits;
     bool more = false; ///< there are further pages
 };
 
-/// The file search, twenty results a page:
-///   /cgi-bin/s?...&q=WORDS[&f=N]      names that hold every word somewhere, from the Nth on, counted from 1
-///   /cgi-bin/s?...&q=ADDRESS[&f=N]    what lies in the directory with that http, https or ftp address
+/// The file search, with 20 results per page:
+///   /cgi-bin/s?...&q=WORDS[&f=N]      names that contain every word, from the Nth on, counted from 1
+///   /cgi-bin/s?...&q=ADDRESS[&f=N]    the entries of the directory with that http, https or ftp address
 class FileService
 {
 public:
@@ -41,7 +41,8 @@ public:
 
     HttpResponse answer(const HttpRequest& request);
 
-    /// Finds names, or lists a directory when `typed` is its address. Without words or matches there are no hits.
+    /// Finds names, or lists a directory when `typed` is its address. Returns no hits when there are no words or no
+    /// matches.
     Outcome<FileAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
@@ -52,14 +53,14 @@ private:
     IndexPool& index_;
 };
 
-/// The results page in the layout that the program reads.
+/// Returns the results page in the layout that the program parses.
 std::string fileResultsPage(const FileAnswer& answer, std::string_view typed);
 
-/// A name inside an element of the page, escaped so that it spells none of the layout's marks.
+/// Returns a name for an element of the page, escaped so that it contains none of the layout's markers.
 std::string fileNameText(std::string_view name);
 
-/// Returns the address of `path`, not escaped, below `base`, which is. It is escaped so that the program can cut it out
-/// of the page: besides what a path may not hold, the word "class" has one escaped letter.
+/// Returns the address of `path` (not escaped) below `base` (escaped). Besides what a path must escape, one letter of
+/// the word "class" is escaped, because the program cuts the address out of the page at that word.
 std::string addressBelow(std::string_view base, std::string_view path);
 
 } // namespace quarrynet::services

@@ -28,7 +28,7 @@ vertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }</s
 constexpr std::string_view kThumbnailMark = "q=tbn:";
 constexpr std::string_view kPicturesPath = "/pictures/";
 
-/// The program takes every "src=/images?q=tbn" for a thumbnail, so no text that people or files bring may spell it.
+/// The program takes every "src=/images?q=tbn" for a thumbnail, so text from people or files must not contain it.
 std::string withoutMarker(std::string_view text)
 {
     return withReplaced(text, "=", "&#61;");
@@ -43,7 +43,7 @@ std::string searchForm(std::string_view typed)
            "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
 }
 
-/// The program takes an address from behind the second ":" to the next blank, so a path has neither.
+/// The program cuts an address out from the second ":" to the next blank, so the path must contain neither.
 std::string pictureAddress(const std::string& host, std::int64_t folder, std::string_view path)
 {
     std::string address = host;
@@ -58,7 +58,7 @@ std::string pictureAddress(const std::string& host, std::int64_t folder, std::st
     return address;
 }
 
-/// What was typed. The program's paged form sends a parameter behind it, which it can be told by.
+/// Returns the typed words. The program's paged form appends a parameter, by which that form is recognized.
 std::string_view typedWords(std::string_view query)
 {
     constexpr std::string_view kLast = "&sa=N";
@@ -96,7 +96,7 @@ std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
     const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
     page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
     for (const ImageHit& hit : answer.hits) {
-        // The program wants the address bare and a blank behind it.
+        // The program expects the address without quotes, followed by a blank.
         page += "<div class=\"picture\"><a href=http://" + hit.address + "><img src=" + hit.thumbnail +
                 " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption)) + "</div>\n";
     }
@@ -143,8 +143,9 @@ HttpResponse ImageService::searchPage(std::string_view query)
 
 Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
 {
-    // The same icon of five themes would fill a page, so the best of each name go first, then the second ones, and so
-    // on; of these the picture with the typed name, then those whose names begin with it.
+    // The same icon from five themes would fill a page, so the best picture of each name comes first, then the second
+    // best, and so on. Within each round the picture with the typed name comes first, then those whose names begin with
+    // it.
     static constexpr WordTable kTable = {
         "name",
         "SELECT count(*) FROM picture_text WHERE picture_text MATCH ?1",
@@ -172,8 +173,8 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
     return answer;
 }
 
-/// Opens the file of the picture at "FOLDER/PATH", escapes and all, that the index has and the folder still has inside;
-/// null when there is none.
+/// Opens the picture at "FOLDER/PATH" (escaped). Returns null unless the index has it and it still lies inside its
+/// folder.
 Outcome<std::shared_ptr<const OpenFile>> ImageService::fileAt(std::string_view place)
 {
     const std::shared_ptr<const OpenFile> none;
@@ -213,7 +214,7 @@ HttpResponse ImageService::thumbnail(std::string_view place)
     const bool png = pictureFormat(*made) == PictureFormat::Png;
     response.contentType = mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg);
     response.body = std::move(*made);
-    // A changed picture has another address.
+    // A changed picture gets another address.
     response.fields.emplace_back("Cache-Control", "max-age=86400");
     return response;
 }
@@ -230,7 +231,7 @@ HttpResponse ImageService::picture(std::string_view place)
     HttpResponse response;
     response.file = *found;
     response.contentType = mediaTypeOf(*format);
-    // A drawing may hold scripts, and load pictures and styles from anywhere.
+    // An SVG drawing may contain scripts, and load pictures and styles from anywhere.
     if (*format == PictureFormat::Svg)
         response.fields.emplace_back("Content-Security-Policy",
                                      "default-src 'none'; style-src 'unsafe-inline'; img-src data:; sandbox");

@@ -16,7 +16,7 @@ namespace quarrynet::services {
 /// A picture that the image search found.
 struct ImageHit
 {
-    std::string address;   ///< without its scheme, as the program takes it from the page
+    std::string address;   ///< without its scheme, as the program cuts it out of the page
     std::string thumbnail; ///< path of the thumbnail on this host
     std::string caption;   ///< its path below the folder, UTF-8
 };
@@ -24,31 +24,30 @@ struct ImageHit
 struct ImageAnswer
 {
     std::int64_t total = 0;
-    std::int64_t start = 0; ///< how many results stand before this page
-    double seconds = 0;     ///< what the search took
+    std::int64_t start = 0; ///< number of results before this page
+    double seconds = 0;     ///< duration of the search
     std::vector<ImageHit> hits;
 };
 
-/// The image search, ten results a page, and its pictures:
-///   /images?...&start=N&...&q=WORDS[&sa=N]        a page of results
-///   /images?q=tbn:ID:HOST/pictures/FOLDER/PATH    a thumbnail; the ID makes another address of a changed picture
+/// The image search, with ten results per page, and its pictures:
+///   /images?...&start=N&...&q=WORDS[&sa=N]        a results page
+///   /images?q=tbn:ID:HOST/pictures/FOLDER/PATH    a thumbnail; the ID changes with the file
 ///   /pictures/FOLDER/PATH                         the picture itself
-/// Only pictures of the index are served, and only while they are pictures inside of their folder.
+/// Only indexed files are served, and only while they are still pictures inside their folder.
 class ImageService
 {
 public:
     static constexpr int kPageSize = 10;
     static constexpr std::size_t kCacheBytes = 32 * 1024 * 1024;
 
-    /// `host` is the one that serves the pictures, with its port unless that is 80. Without `thumbnailer` there are no
-    /// thumbnails.
+    /// `host` serves the pictures; it includes the port unless that is 80. A null `thumbnailer` disables thumbnails.
     ImageService(IndexPool& index, std::string host, Thumbnailer* thumbnailer)
         : index_(index), host_(std::move(host)), thumbnailer_(thumbnailer)
     {}
 
     HttpResponse answer(const HttpRequest& request);
 
-    /// Runs the search for typed words. Without words or matches there are no hits.
+    /// Runs the search for typed words. Returns no hits when there are no words or no matches.
     Outcome<ImageAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
@@ -63,7 +62,8 @@ private:
     ThumbnailCache cache_{kCacheBytes};
 };
 
-/// The results page in the layout that the program reads. Without hits it holds no thumbnail, whatever was typed.
+/// Returns the results page in the layout that the program parses. Without hits it contains no thumbnail marker,
+/// whatever was typed.
 std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed);
 
 } // namespace quarrynet::services

@@ -16,7 +16,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// Pages are foreign: they may show what lies beside them, and do nothing.
+/// The pages are not ours: they may show the files next to them, and run nothing.
 constexpr std::string_view kPagePolicy =
     "default-src 'none'; img-src 'self' data:; style-src 'self' 'unsafe-inline'; sandbox";
 
@@ -97,10 +97,9 @@ HttpResponse WebService::searchPage(std::string_view query)
 
 Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)
 {
-    // Pages that are known by the typed name go first, then those by names that begin with it, short ones first, then
-    // the others by rank: a word in the title says more about a page than one in its text. The texts are cut for the
-    // pages that are shown only. Numbers make the order of equal ones certain, so that pages neither repeat nor lose
-    // any.
+    // Pages known by the typed name come first, then those whose names begin with it, short ones first, then the others
+    // by rank: a word in the title counts for more than one in the text. Excerpts are made only for the pages shown.
+    // The id breaks ties, so that pages neither repeat nor lose results.
     static constexpr WordTable kTable = {
         "title",
         "SELECT count(*) FROM web_page_text WHERE web_page_text MATCH ?1",
@@ -133,7 +132,7 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
     return answer;
 }
 
-/// The folder of a document, and what the index has the document as; nothing for a folder that it has not.
+/// Returns a document's folder and what the index has the document as, or nothing when the index has no such folder.
 Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folder, std::string_view path)
 {
     const std::optional<Place> none;
@@ -171,7 +170,7 @@ HttpResponse WebService::document(std::string_view path)
     if ((*place)->isPage) {
         response.contentType = pageType(relative);
     } else {
-        // Style sheets name further ones, so it does not take a page that shows them.
+        // Style sheets import others, so a style sheet needs no page that shows it.
         const std::string beginning = response.file->beginning(kPictureBeginning);
         response.contentType = (*place)->isPicture ? pictureType(beginning) : styleType(relative, beginning);
     }

@@ -11,7 +11,7 @@
 
 namespace quarrynet::services {
 
-/// One result of a web search. Titles and descriptions carry kMatchBegin and kMatchEnd around words that match.
+/// One result of a web search. Titles and descriptions have kMatchBegin and kMatchEnd around matching words.
 struct WebHit
 {
     std::string address;
@@ -19,37 +19,37 @@ struct WebHit
     std::string description;
 };
 
-/// A page of results: what stands between its header and its footer.
+/// The content of a results page, without header and footer.
 struct WebAnswer
 {
     std::int64_t total = 0;
-    std::int64_t start = 0; ///< how many results stand before this page
-    double seconds = 0;     ///< what the search took
+    std::int64_t start = 0; ///< number of results before this page
+    double seconds = 0;     ///< duration of the search
     std::vector<WebHit> hits;
 };
 
-/// The web search, thirty results a page, and the documents that it serves itself:
-///   /search?...&start=N&...&q=WORDS   a page of results; q is the last parameter and is taken to its end
+/// The web search, with 30 results per page, and the documents that it serves itself:
+///   /search?...&start=N&...&q=WORDS   a results page; q is the last parameter and extends to the end of the query
 ///   /doc/FOLDER/PATH                  an indexed page, or a picture or style sheet below its folder
 class WebService
 {
 public:
     static constexpr int kPageSize = 30;
 
-    /// `base` goes before the paths of the documents: "http://" and the host, without a slash at the end.
+    /// `base` is the prefix of the documents' paths: "http://" and the host, without a trailing slash.
     WebService(IndexPool& index, std::string base) : index_(index), base_(std::move(base)) {}
 
     HttpResponse answer(const HttpRequest& request);
 
-    /// Runs the search for typed words. Without words or matches there are no hits.
+    /// Runs the search for typed words. Returns no hits when there are no words or no matches.
     Outcome<WebAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
     struct Place
     {
         std::string folder;
-        bool isPage = false;    ///< a page of the index
-        bool isPicture = false; ///< that a page of the index shows
+        bool isPage = false;    ///< the index has it as a page
+        bool isPicture = false; ///< an indexed page shows it
     };
 
     HttpResponse searchPage(std::string_view query);
@@ -60,7 +60,8 @@ private:
     std::string base_;
 };
 
-/// The results page in the layout that the program reads. Without hits it holds no result marker, whatever was typed.
+/// Returns the results page in the layout that the program parses. Without hits it contains no result marker, whatever
+/// was typed.
 std::string webResultsPage(const WebAnswer& answer, std::string_view typed);
 
 } // namespace quarrynet::services

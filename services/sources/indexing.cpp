@@ -125,7 +125,7 @@ void Run::addProgram(const Package& package, const std::string& base)
         mirror = mirrors_.emplace(base, *number).first;
     }
     programs_.add({package.name, package.summary, systemOf(package.architecture), package.size,
-                   licenceOf(package.section), mirror->second, package.file},
+                   licenseOf(package.section), mirror->second, package.file},
                   package.source);
 }
 

@@ -24,7 +24,7 @@ std::string systemOf(std::string_view architecture)
     return std::string(kernel) + " (" + std::string(processor) + ")";
 }
 
-std::string licenceOf(std::string_view section)
+std::string licenseOf(std::string_view section)
 {
     const std::string_view area = section.substr(0, section.find('/'));
     if (area == "non-free" || area == "non-free-firmware" || area == "restricted" || area == "multiverse")

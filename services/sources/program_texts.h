@@ -9,7 +9,7 @@ namespace quarrynet::services {
 /// "Hurd (i386)".
 std::string systemOf(std::string_view architecture);
 
-/// The licence class that a package's area in the archive stands for. `section` is "games" or "non-free/games".
-std::string licenceOf(std::string_view section);
+/// The license class that a package's area in the archive stands for. `section` is "games" or "non-free/games".
+std::string licenseOf(std::string_view section);
 
 } // namespace quarrynet::services

@@ -22,7 +22,7 @@ enum class PictureFormat : std::uint8_t
 /// beginning: an XML text that holds the element, not compressed.
 std::optional<PictureFormat> pictureFormat(std::string_view content);
 
-/// So many bytes of a file's beginning are enough for pictureFormat(). Licences and notes of drawing programs stand
+/// So many bytes of a file's beginning are enough for pictureFormat(). Licenses and notes of drawing programs stand
 /// before the first element of an SVG text.
 inline constexpr std::size_t kPictureBeginning = 64 * 1024;
 

@@ -123,7 +123,7 @@ protected:
                     EXPECT_EQ(read.rows[i].description, escapeText(hit.description));
                     EXPECT_EQ(read.rows[i].systems, escapeText(hit.system));
                     EXPECT_EQ(read.rows[i].size, readableSize(hit.size));
-                    EXPECT_EQ(read.rows[i].license, escapeText(hit.licence));
+                    EXPECT_EQ(read.rows[i].license, escapeText(hit.license));
                     resolve(read.links[i], hit.address, route);
                 }
                 if (!held->hits.empty()) {

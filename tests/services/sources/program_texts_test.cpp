@@ -13,11 +13,11 @@ TEST(SystemOf, NamesKernelAndProcessor)
     EXPECT_EQ(systemOf("kfreebsd-amd64"), "FreeBSD (amd64)");
 }
 
-TEST(LicenceOf, GoesByTheArea)
+TEST(LicenseOf, GoesByTheArea)
 {
-    EXPECT_EQ(licenceOf("games"), "Free");
-    EXPECT_EQ(licenceOf(""), "Free");
-    EXPECT_EQ(licenceOf("contrib/games"), "Free, needs non-free");
-    EXPECT_EQ(licenceOf("non-free/games"), "Non-free");
-    EXPECT_EQ(licenceOf("non-free-firmware/kernel"), "Non-free");
+    EXPECT_EQ(licenseOf("games"), "Free");
+    EXPECT_EQ(licenseOf(""), "Free");
+    EXPECT_EQ(licenseOf("contrib/games"), "Free, needs non-free");
+    EXPECT_EQ(licenseOf("non-free/games"), "Non-free");
+    EXPECT_EQ(licenseOf("non-free-firmware/kernel"), "Non-free");
 }
