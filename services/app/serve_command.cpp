@@ -51,7 +51,7 @@ Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexP
     Outcome<Done> dropped = dropPrivileges(user);
     if (!dropped || !asRoot)
         return dropped;
-    index.closeIdle(); // connections of before have root's rights
+    index.closeIdle(); // they were opened with the rights of root
     if (ready && !index.borrow())
         return Failure{"the user " + user.name + " cannot read the index in " + dataFolder +
                        "; name another one with --user, or another folder with --data"};

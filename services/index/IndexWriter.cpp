@@ -23,7 +23,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// Waits until the file's or folder's content is on the disk.
+/// Waits until the content of the file or folder is on the disk.
 bool flush(const std::string& path)
 {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -34,8 +34,8 @@ bool flush(const std::string& path)
     return flushed;
 }
 
-/// What root makes in somebody's data folder is theirs, so that they, and services that gave up root's rights, can read
-/// it.
+/// Files that root creates in a user's data folder go to that user, who, like services that gave up root's rights, must
+/// be able to read them.
 void giveToOwnerOf(const std::string& folder, const std::string& file)
 {
     struct stat status
@@ -43,7 +43,7 @@ void giveToOwnerOf(const std::string& folder, const std::string& file)
     if (::geteuid() != 0 || ::stat(folder.c_str(), &status) != 0 || status.st_uid == 0)
         return;
     if (::lchown(file.c_str(), status.st_uid, status.st_gid) != 0)
-        return; // whoever cannot read it says so
+        return; // the first to read the file reports the error
 }
 
 } // namespace
@@ -53,7 +53,7 @@ Outcome<IndexLock> IndexLock::take(const std::string& dataFolder, const std::fun
     const std::string path = (std::filesystem::path(dataFolder) / "index.lock").string();
     const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
     if (descriptor < 0)
-        return Failure{"cannot write in " + dataFolder + ": " + std::strerror(errno)};
+        return Failure{"cannot write to " + dataFolder + ": " + std::strerror(errno)};
     IndexLock lock(descriptor);
     while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR)
@@ -108,7 +108,7 @@ struct IndexWriter::Parts
     IndexLock lock;
     std::optional<Database> database = std::nullopt;
     std::vector<Statement> inserts = {};
-    bool extending = false; ///< the old index is in here already
+    bool extending = false; ///< the database is a copy of the old index
     bool committed = false;
 
     Parts(std::string dataFolder, IndexLock taken)
@@ -133,7 +133,7 @@ struct IndexWriter::Parts
         database.reset();
     }
 
-    /// Runs one of the inserts with these values, texts and numbers.
+    /// Runs one of the inserts with these texts and numbers.
     template <class... Values>
     Outcome<Done> insert(Insert which, const Values&... values)
     {
@@ -143,7 +143,7 @@ struct IndexWriter::Parts
         return statement.run();
     }
 
-    /// The same, for the number of the new row.
+    /// Runs insert() and returns the number of the new row.
     template <class... Values>
     Outcome<std::int64_t> insertRow(Insert which, const Values&... values)
     {
@@ -154,7 +154,7 @@ struct IndexWriter::Parts
     }
 };
 
-/// Copies the index that is in use; false when there is none that could be gone on with.
+/// Copies the index in use. Returns false when there is none to continue from.
 Outcome<bool> IndexWriter::Parts::copyOld() const
 {
     const Outcome<std::optional<Database>> old = openToTakeOver(folder);
@@ -170,7 +170,7 @@ Outcome<bool> IndexWriter::Parts::copyOld() const
 
 Outcome<Done> IndexWriter::Parts::open(bool fromOld)
 {
-    // What an interrupted run left behind is worth nothing.
+    // Leftover of an interrupted run.
     std::remove(path.c_str());
     if (fromOld) {
         const Outcome<bool> copied = copyOld();
@@ -182,7 +182,7 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     if (!opened)
         return opened.error();
     database.emplace(std::move(*opened));
-    // The file is thrown away unless it becomes whole, so it needs no journal, and is flushed once at the end.
+    // An incomplete file is discarded, so it needs no journal, and is flushed once at the end.
     Outcome<Done> result = database->execute("PRAGMA page_size = 8192; PRAGMA journal_mode = OFF;"
                                              "PRAGMA synchronous = OFF; PRAGMA cache_size = -65536;");
     if (result && !extending)
@@ -219,7 +219,7 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
     return Done{};
 }
 
-/// Copies the crawled sites out of the index that is in use.
+/// Copies the crawled sites from the index in use.
 Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
 {
     Outcome<std::optional<Database>> old = openToTakeOver(folder);
@@ -240,7 +240,7 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
         const std::string base(rows->text(0));
         auto site = sites.find(base);
         if (site == sites.end()) {
-            // A crawl has seen what a mirror's package lists only announce, so it takes their place.
+            // A crawl saw the files that a mirror's package lists only announce, so it replaces them.
             const Outcome<Done> removed = writer.removeFileSite(base);
             if (!removed)
                 return removed.error();
@@ -373,7 +373,7 @@ Outcome<Done> IndexWriter::addPicture(std::int64_t folder, const Picture& pictur
 
 Outcome<Done> IndexWriter::removeFileSite(std::string_view base)
 {
-    // The full-text table has to be told the names that go, while they are still there.
+    // The full-text table needs the names of the removed files while they still exist.
     constexpr std::array<std::string_view, 4> kSteps{
         "INSERT INTO file_name(file_name, rowid, name) SELECT 'delete', entry.id, entry.name FROM file_entry AS entry "
         "WHERE folder IN (SELECT folder.id FROM file_folder AS folder JOIN file_site AS site ON site.id = folder.site "
@@ -422,9 +422,9 @@ Outcome<Done> IndexWriter::commit()
     const std::string target = indexPath(parts_->folder);
     giveToOwnerOf(parts_->folder, parts_->path);
     if (!flush(parts_->path) || std::rename(parts_->path.c_str(), target.c_str()) != 0)
-        return Failure{"cannot put the new index in its place: " + std::string(std::strerror(errno))};
+        return Failure{"cannot replace the index: " + std::string(std::strerror(errno))};
     parts_->committed = true;
-    // Without this a power cut could still bring the old index back, which would be whole as well.
+    // Without this a power cut could bring back the old index, which is intact as well.
     flush(parts_->folder);
     return Done{};
 }

@@ -15,10 +15,10 @@ namespace quarrynet::services {
 
 namespace {
 
-// The texts stand in ordinary tables, and the full-text tables hold only what finds them. Rows of file_entry are
-// numbered in the order in which a search shows them, so that a search that finds many need not sort them; those of
-// program in the order of the ones whose names begin with what was typed. A page has the names of its packages. A
-// file_site is crawled at a time in seconds since 1970, or 0 when its files come from the package lists.
+// Ordinary tables hold the texts, and full-text tables only the search data. Rows of file_entry are numbered in the
+// order in which searches show them, so that a search with many matches need not sort them; those of program, in the
+// order of the matches whose names begin with the typed text. The names of a page are its packages. file_site.crawled
+// is in seconds since 1970, or 0 when the files come from package lists.
 constexpr const char* kTables = R"(
 CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 CREATE TABLE document(folder INTEGER NOT NULL, path TEXT NOT NULL, PRIMARY KEY(folder, path)) WITHOUT ROWID;
@@ -101,8 +101,8 @@ Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder)
 
 Failure keepOld(const std::string& dataFolder, const Failure& fault)
 {
-    return Failure{"the index in use cannot be read, and stays (" + fault.message + "); where that lasts, remove " +
-                   indexPath(dataFolder)};
+    return Failure{"the index in use cannot be read, and is kept (" + fault.message +
+                   "); if the error persists, remove " + indexPath(dataFolder)};
 }
 
 Outcome<Done> createTables(Database& database)
@@ -146,7 +146,7 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
     struct stat status
     {};
     if (::stat(path_.c_str(), &status) != 0)
-        return Failure{"there is no index yet; \"quarrynet-services index\" makes one"};
+        return Failure{"there is no index yet; run \"quarrynet-services index\" to make one"};
     std::uint64_t generation = 0;
     {
         const std::lock_guard lock(mutex_);
@@ -183,7 +183,7 @@ Outcome<std::unique_ptr<Database>> IndexPool::connect()
     if (!layout)
         return layout.error();
     if (*layout != kIndexLayout)
-        return Failure{"the index is of another version; \"quarrynet-services index\" makes a new one"};
+        return Failure{"the index has another version; run \"quarrynet-services index\" to make a new one"};
     const Outcome<Done> added = addExcerpt(*opened);
     if (!added)
         return added.error();
@@ -198,7 +198,7 @@ void IndexPool::giveBack(std::unique_ptr<Database> database, std::uint64_t gener
         if (generation == generation_)
             idle_.push_back(std::move(database));
     } catch (const std::bad_alloc&) {
-        database.reset(); // the next one who asks gets a new connection
+        database.reset(); // the next borrow() connects again
     }
 }
 

@@ -11,41 +11,41 @@
 #include "ground/Outcome.h"
 #include "index/sqlite.h"
 
-/// The index: one SQLite file in the data folder. A new index takes the place of the old one by renaming, so whoever
-/// has the file open keeps a whole one.
+/// The index: one SQLite file in the data folder. A new index replaces the old one by renaming, so whoever has the old
+/// file open keeps it intact.
 namespace quarrynet::services {
 
-/// The file's place in the data folder.
+/// Returns the path of the index in the data folder.
 std::string indexPath(const std::string& dataFolder);
 
-/// Goes up whenever the tables change; an index of another layout has to be made anew.
+/// Incremented whenever the tables change; an index with another layout must be rebuilt.
 inline constexpr int kIndexLayout = 6;
 
-/// Files of the package lists are numbered from here on, those of crawled sites below it: whoever crawled a server
-/// wants to see its files before others that answer as well.
+/// Files from package lists are numbered from here on, those of crawled sites below it: a user who crawled a server
+/// expects its files before other matches.
 inline constexpr std::int64_t kFirstPackageFile = std::int64_t{1} << 40;
 
-/// Programs that go with another one are numbered from here on.
+/// Companions of other programs are numbered from here on.
 inline constexpr std::int64_t kFirstCompanion = std::int64_t{1} << 40;
 
-/// The layout of an index; fails for a file that is no database.
+/// Returns the layout of an index. Fails for a file that is not a database.
 Outcome<std::int64_t> indexLayout(Database& database);
 
-/// Opens the index in use for a new one to take over from; nothing where there is no index, or one of another layout,
-/// or no database. Fails where it is there but cannot be read: then it is not to be replaced. (SQLite calls an index
-/// damaged when its disk fails for a moment, so one that is damaged may well be whole.)
+/// Opens the index in use, to copy from it. Returns nothing when there is no index, or one of another layout, or a file
+/// that is not a database. Fails when the index cannot be read; it must not be replaced then, because SQLite reports an
+/// intact index as damaged when the disk fails for a moment.
 Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder);
 
-/// What to say when a new index cannot be made because of `fault` in the one in use.
+/// Returns the message for a new index that cannot be made because of `fault` in the old one.
 Failure keepOld(const std::string& dataFolder, const Failure& fault);
 
-/// Makes the tables in an empty database.
+/// Creates the tables in an empty database.
 Outcome<Done> createTables(Database& database);
 
-/// A search fails when it has taken so long: no document and no words hold the others up for longer.
+/// A search that takes longer fails, so that no document and no words delay the others for longer.
 inline constexpr std::chrono::milliseconds kMaxQueryTime = std::chrono::seconds(2);
 
-/// Connections for reading, one for each search under way, kept for the next one.
+/// Read connections: one for each running search, kept for later ones.
 class IndexPool
 {
 public:
@@ -57,14 +57,14 @@ public:
     IndexPool(const IndexPool&) = delete;
     IndexPool& operator=(const IndexPool&) = delete;
 
-    /// Keeps the data folder open, so that the index is found even when this process loses the right to go there.
-    /// Before the first borrow() only. Nothing happens where the system cannot do it.
+    /// Keeps the data folder open, so that the index is found even after this process has lost the right to enter it.
+    /// Call before the first borrow() only. Does nothing where the system does not support it.
     void keepFolder();
 
-    /// Closes the connections that nobody has borrowed: what they opened stays open to them whatever rights are left.
+    /// Closes idle connections. Call it after giving up rights, because they were opened with the former ones.
     void closeIdle();
 
-    /// A borrowed connection; goes back when it ends.
+    /// A borrowed connection; the destructor returns it to the pool.
     class Lease
     {
     public:
@@ -86,9 +86,9 @@ public:
         std::uint64_t generation_;
     };
 
-    /// Returns a connection to the index that is there now, or a Failure that says what to do when there is none. Its
-    /// statements fail when the query time, counted from now, is over, or when this thread's task (CurrentTask) is
-    /// abandoned. It has excerpt().
+    /// Returns a connection to the current index, or a Failure that says what to do when there is none. Its statements
+    /// fail once the query time, counted from now, is over, or this thread's task (CurrentTask) is abandoned. It has
+    /// excerpt().
     Outcome<Lease> borrow();
 
 private:
@@ -96,11 +96,11 @@ private:
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
     std::string path_;
-    int folder_ = -1; ///< kept open; -1: not so
+    int folder_ = -1; ///< descriptor, or -1
     std::chrono::milliseconds queryTime_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Database>> idle_;
-    std::uint64_t generation_ = 0; ///< of the file that idle_ belongs to
+    std::uint64_t generation_ = 0; ///< counts the files seen; idle_ belongs to the latest
     std::uint64_t device_ = 0;
     std::uint64_t inode_ = 0;
 };

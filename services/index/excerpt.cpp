@@ -16,9 +16,9 @@ namespace quarrynet::services {
 namespace {
 
 constexpr std::string_view kLeftOut = "...";
-constexpr int kFirstOfPhrase = 1000; // a further phrase counts for more than any number of repetitions in a window
+constexpr int kFirstOfPhrase = 1000; // a further phrase outweighs any number of repetitions in a window
 
-/// A match, in words of the column's text counted from 0.
+/// A match; words of the column's text are counted from 0.
 struct Match
 {
     int phrase = 0;
@@ -26,7 +26,7 @@ struct Match
     int end = 0;
 };
 
-/// The words that are shown, likewise.
+/// The words of the excerpt, counted likewise.
 struct Window
 {
     int begin = 0;
@@ -48,13 +48,13 @@ int matchesOf(const Fts5ExtensionApi* api, Fts5Context* context, int column, std
     return code;
 }
 
-/// The match's end; a phrase that is longer than the window is shown as far as that goes.
+/// Returns the match's end, clipped to the window size for a longer phrase.
 int endWithin(const Match& match, int words)
 {
     return std::min(match.end, match.begin + words);
 }
 
-/// Moves a window over the matches, which are in the order of their beginnings, and returns the best place for it.
+/// Moves a window over the matches, which are sorted by their beginnings, and returns its best position.
 Window bestWindow(const std::vector<Match>& matches, int phrases, int size, int words)
 {
     std::vector<int> repetitions(static_cast<std::size_t>(std::max(phrases, 1)), 0);
@@ -81,7 +81,7 @@ Window bestWindow(const std::vector<Match>& matches, int phrases, int size, int 
     return window;
 }
 
-/// Puts the excerpt together while the tokenizer goes through the text.
+/// Builds the excerpt while the tokenizer walks through the text.
 class Excerpt
 {
 public:
@@ -158,10 +158,10 @@ private:
     Window window_;
     const std::vector<Match>& matches_;
     std::string out_;
-    std::size_t begin_ = 0; ///< of the shown text
-    std::size_t done_ = 0;  ///< how far the text is in out_
-    std::size_t match_ = 0; ///< the next one that may begin
-    int matchEnd_ = 0;      ///< of the match that is open; 0: none is
+    std::size_t begin_ = 0; ///< where the excerpt begins in the text
+    std::size_t done_ = 0;  ///< where the text that is not yet in out_ begins
+    std::size_t match_ = 0; ///< the next match that may begin
+    int matchEnd_ = 0;      ///< end of the open match, or 0
     int word_ = 0;
     bool full_ = false;
 };

@@ -10,14 +10,14 @@ namespace quarrynet::services {
 
 namespace {
 
-// More than anybody types; a page of text pasted into the field stays cheap.
+// Nobody types more; a pasted page of text stays cheap.
 constexpr std::size_t kMaxTerms = 32;
 constexpr std::size_t kMaxTermBytes = 200;
 
-// Almost any name begins with one letter that is typed.
+// A single typed letter would match the beginning of almost any name.
 constexpr std::size_t kMinNameCharacters = 2;
 
-// Behind every other character, so behind all that follows a beginning.
+// The last Unicode character, which sorts after every continuation of a prefix.
 constexpr std::string_view kLastCharacter = "\xF4\x8F\xBF\xBF";
 
 struct Term
@@ -34,7 +34,7 @@ bool hasWord(std::string_view text)
     return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiAlphanumeric(c) || !isAscii(c); });
 }
 
-/// A string of the full-text syntax. NULs would end the expression, so they are blanks.
+/// Returns a string of the full-text syntax. A NUL would end the expression, so it becomes a blank.
 std::string quoted(std::string_view text)
 {
     std::string out = "\"";
@@ -113,7 +113,7 @@ std::string joined(const std::vector<Term>& terms, char divider)
     return name.size() > kMaxTermBytes || countCharacters(name) < kMinNameCharacters ? std::string() : name;
 }
 
-/// The full-text expression for the terms, and for what `name` says, where that is not empty.
+/// Returns the full-text expression that matches the terms, or the expression `name` unless that is empty.
 std::string expressionOf(const std::vector<Term>& terms, const std::string& name)
 {
     std::string wanted;
@@ -155,7 +155,7 @@ WordQuery wordQuery(std::string_view typed, std::string_view nameColumn)
     for (const Term& term : terms)
         words.push_back(toLowerAscii(term.text));
     query.companions = asksForCompanions(words);
-    // The index has the words of a name only: of "g++" it would look for all names that begin with "g".
+    // The index has only the words of a name: "g++" would match all names that begin with "g".
     std::string beginning;
     if (!query.name.empty() && hasWord(query.name.substr(query.name.size() - 1)))
         beginning = std::string(nameColumn) + " : ^ " + quoted(joined(terms, ' ')) + " *";

@@ -4,42 +4,42 @@
 #include <string_view>
 #include <vector>
 
-/// What people type, made into what the index understands. Typed text reaches the full-text syntax only as quoted
-/// strings, and SQL only as bound parameters.
+/// Turns what people type into queries of the index. Typed text reaches the full-text syntax only as quoted strings,
+/// and SQL only as bound parameters.
 namespace quarrynet::services {
 
-/// The full-text expression for typed words: all of them must occur. Words between double quotes are a phrase, and a
-/// word with a "-" before it must not occur. `typed` may be any bytes; what is not UTF-8 counts as Latin-1. Empty when
-/// there is no word to look for; that finds nothing.
+/// Returns the full-text expression for typed words, all of which must occur. Words between double quotes are a phrase,
+/// and a word after a "-" must not occur. `typed` may be any bytes; text that is not UTF-8 is read as Latin-1. Returns
+/// an empty text, which matches nothing, when there is no word to search for.
 std::string wordExpression(std::string_view typed);
 
-/// A search over words in which names count for more than other texts.
+/// A search for words that weights names more than other texts.
 struct WordQuery
 {
-    /// Full-text expression for rows with all words and for those whose name begins with what was typed; may be empty.
+    /// Full-text expression for rows with all words and for those whose name begins with the typed text; may be empty.
     std::string expression;
-    /// The name that was typed: the words with "-" between them, ASCII letters in lower case. Empty where it can be
-    /// none, as of a phrase.
+    /// The typed name: the words joined by "-", ASCII letters in lower case. Empty for text that cannot be a name, such
+    /// as a phrase.
     std::string name;
-    /// The text behind all names that begin with `name`; empty when that is.
+    /// Upper bound of all names that begin with `name`; empty when `name` is.
     std::string nameEnd;
     bool companions = false; ///< the words ask for companion packages, see asksForCompanions()
 };
 
-/// The search for typed words, as wordExpression(), in a full-text table whose names are in the column `nameColumn`.
+/// Returns the search for typed words (see wordExpression()) in a full-text table whose names are in `nameColumn`.
 WordQuery wordQuery(std::string_view typed, std::string_view nameColumn);
 
-/// How to find names that contain every one of the typed words anywhere.
+/// A search for names that contain every typed word anywhere.
 struct NameQuery
 {
-    /// Full-text expression over the trigram index, for words of three characters or more; may be empty.
+    /// Full-text expression over the trigram index, for words of 3 or more characters; may be empty.
     std::string expression;
     /// LIKE patterns with "\" as the escape character, for the shorter words.
     std::vector<std::string> patterns;
-    /// The first word, and the text behind all names that begin with it.
+    /// The first word, and the upper bound of all names that begin with it.
     std::string first;
     std::string firstEnd;
-    /// LIKE patterns for all words but the first one.
+    /// LIKE patterns for all words except the first.
     std::vector<std::string> otherPatterns;
 
     bool empty() const { return first.empty(); }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-/// What the index keeps, as its writer takes it.
+/// The records of the index, as IndexWriter takes them.
 namespace quarrynet::services {
 
 /// A program that the download search offers. Texts are UTF-8 without control characters.
@@ -15,27 +15,27 @@ struct Program
     std::string system; ///< operating system and architecture
     std::int64_t size = 0;
     std::string license;
-    std::int64_t mirror = 0; ///< number of the mirror that has it
+    std::int64_t mirror = 0; ///< number of the mirror that has the file
     std::string file;        ///< path below the mirror's base, not escaped
 };
 
 /// A file or directory that the file search finds.
 struct FileEntry
 {
-    std::int64_t folder = 0; ///< number of the folder that it lies in
+    std::int64_t folder = 0; ///< number of the folder that contains it
     std::string name;
     std::optional<std::int64_t> size = std::nullopt;
     bool directory = false;
 };
 
-/// A picture in a folder, with the texts that it is found by. Paths are bytes, the texts are UTF-8.
+/// A picture in a folder, with its searchable texts. Paths are bytes, the texts are UTF-8.
 struct Picture
 {
     std::string path;         ///< below the folder
-    std::string name;         ///< words of its name
-    std::string place;        ///< words of the folders that it lies in
-    std::string stem;         ///< its name without size and ending, in lower case: what looks alike has it in common
-    std::int64_t version = 0; ///< another one when the file has changed
+    std::string name;         ///< words of the file name
+    std::string place;        ///< words of the folders above it
+    std::string stem;         ///< file name in lower case, without size and suffix; pictures that look alike share it
+    std::int64_t version = 0; ///< changes with the file
 };
 
 } // namespace quarrynet::services

@@ -8,22 +8,22 @@ namespace quarrynet::services {
 
 namespace {
 
-// Nobody writes to an index that is in use; should another program do, it is waited for.
+// Nobody writes to an index in use; if another program does, SQLite waits this long.
 constexpr int kBusyMilliseconds = 5000;
 
-// Steps of SQLite's machine between two questions whether to go on. One step can work through a long document, so they
-// are few.
+// Instructions of SQLite's virtual machine between two calls of the stop function. One of them can process a long
+// document, so the number is small.
 constexpr int kStepsBetweenQuestions = 16;
 
 Failure describeFault(sqlite3* handle)
 {
     if (sqlite3_errcode(handle) == SQLITE_INTERRUPT)
         return Failure{"it took too long"};
-    return Failure{std::string("the index database says: ") + sqlite3_errmsg(handle)};
+    return Failure{std::string("the index database reports: ") + sqlite3_errmsg(handle)};
 }
 
-/// Leaves a name as it is, of a file that is there already. SQLite itself would resolve all links in it, which takes
-/// the right to look into every folder on the way.
+/// Returns the path of an existing file unchanged. SQLite itself would resolve all links in it, which requires the
+/// right to read every folder on the way.
 int nameAsGiven(sqlite3_vfs*, const char* name, int size, char* full)
 {
     const std::string_view text(name);
@@ -33,7 +33,7 @@ int nameAsGiven(sqlite3_vfs*, const char* name, int size, char* full)
     return SQLITE_OK;
 }
 
-/// The system's files, opened by the names that were given. Throws std::bad_alloc; the next call tries again then.
+/// Returns the name of a VFS that opens files by the given names. Throws std::bad_alloc; the next call retries then.
 const char* filesAsNamed()
 {
     static sqlite3_vfs files = [] {
@@ -64,7 +64,7 @@ Statement::Statement(sqlite3_stmt* handle) : handle_(handle) {}
 
 void Statement::bind(int parameter, std::string_view text)
 {
-    // A null pointer would bind NULL; the empty text has to stay a text.
+    // A null pointer would bind NULL instead of an empty text.
     take(sqlite3_bind_text64(handle_.get(), parameter, text.empty() ? "" : text.data(), text.size(), SQLITE_TRANSIENT,
                              SQLITE_UTF8));
 }
@@ -87,7 +87,7 @@ void Statement::bindPointer(int parameter, void* pointer, const char* type)
     take(sqlite3_bind_pointer(handle_.get(), parameter, pointer, type, nullptr));
 }
 
-/// SQLite binds NULL for a text that it has no memory for, and a row with it would pass for a good one.
+/// SQLite binds NULL for a text that it cannot allocate, and a row with it would look valid.
 void Statement::take(int code)
 {
     if (bindFault_ == SQLITE_OK && code != SQLITE_RANGE)
@@ -151,7 +151,7 @@ bool Statement::isNull(int column) const
 Failure Statement::failure() const
 {
     if (bindFault_ != SQLITE_OK)
-        return Failure{std::string("the index database says: ") + sqlite3_errstr(bindFault_)};
+        return Failure{std::string("the index database reports: ") + sqlite3_errstr(bindFault_)};
     return describeFault(sqlite3_db_handle(handle_.get()));
 }
 

@@ -13,8 +13,8 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-/// A thin cover over SQLite: handles that close themselves, texts by value, faults as Failure. Values reach a statement
-/// through bind() only; no function here pastes a value into SQL.
+/// A thin wrapper around SQLite: handles close themselves, texts are copied, errors become a Failure. Values reach a
+/// statement only through bind(); no function here pastes a value into SQL.
 namespace quarrynet::services {
 
 /// One prepared statement. Must not outlive its Database.
@@ -30,23 +30,23 @@ public:
 
     explicit Statement(sqlite3_stmt* handle);
 
-    /// Parameters count from 1; one that the statement does not have is left out. Texts are copied; NULs inside are
-    /// kept. When memory is short for a value, the next step fails.
+    /// Parameters count from 1; a parameter that the statement does not have is ignored. Texts are copied, including
+    /// NULs. When there is no memory for a value, the next step fails.
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
-    void bind(int parameter, const std::optional<std::int64_t>& number); // nothing is NULL
-    /// For SQL functions that hand out an interface of C; `type` is what SQLite's documentation names.
+    void bind(int parameter, const std::optional<std::int64_t>& number); // nullopt binds NULL
+    /// For SQL functions that return a C interface; `type` is the name in SQLite's documentation.
     void bindPointer(int parameter, void* pointer, const char* type);
 
     Step step();
 
-    /// Runs a statement that gives no rows and makes it ready for the next run.
+    /// Runs a statement that returns no rows, and resets it.
     Outcome<Done> run();
 
-    /// Ready for other parameters and another run.
+    /// Prepares the statement for other parameters and another run.
     void reset();
 
-    /// Columns count from 0. The view lives until the next step() or reset().
+    /// Columns count from 0. The view is valid until the next step() or reset().
     std::string_view text(int column) const;
     std::int64_t number(int column) const;
     bool isNull(int column) const;
@@ -61,7 +61,7 @@ private:
     void take(int code);
 
     std::unique_ptr<sqlite3_stmt, Finalize> handle_;
-    int bindFault_ = 0; ///< of the first value that SQLite did not take
+    int bindFault_ = 0; ///< of the first value that SQLite did not accept
 };
 
 class Database
@@ -73,22 +73,22 @@ public:
         Create,
     };
 
-    /// Opens the file at `path`; for Create makes it when it is missing, and opens it for writing. SQLite itself reads
-    /// nothing yet, so a file that is no database fails at the first statement.
+    /// Opens the file at `path`. Access::Create opens it for writing, and creates it when it is missing. SQLite does
+    /// not read the file yet, so one that is not a database fails at the first statement.
     static Outcome<Database> open(const std::string& path, Access access);
 
     Outcome<Statement> prepare(std::string_view sql);
 
-    /// Runs one or more statements without parameters or rows.
+    /// Runs one or more statements without parameters or result rows.
     Outcome<Done> execute(const char* sql);
 
     std::int64_t lastRowId() const;
 
-    /// Whether the last call failed because the file is no database at all.
+    /// Returns whether the last call failed because the file is not a database.
     bool isNoDatabase() const;
 
-    /// From now on `stop` is asked again and again while a statement of this connection runs, on the thread that runs
-    /// it; once it returns true, the statement fails. Without a function nothing is asked.
+    /// From now on calls `stop` repeatedly while a statement of this connection runs, on the same thread; once it
+    /// returns true, the statement fails. An empty function ends this.
     void stopWhen(std::function<bool()> stop);
 
 private:

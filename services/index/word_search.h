@@ -8,23 +8,23 @@
 #include "index/database.h"
 #include "index/sqlite.h"
 
-/// What the web, image and download searches do alike: typed words against a full-text table of the index, counted, and
-/// one page of them read.
+/// Shared by the web, image and download searches: matches typed words against a full-text table of the index, counts
+/// the matches and reads one page of them.
 namespace quarrynet::services {
 
-/// Where a search looks. No text here ever holds anything that was typed.
+/// The queries of one search. No text here ever contains typed text.
 struct WordTable
 {
-    const char* nameColumn; ///< column of the full-text table that has the names
+    const char* nameColumn; ///< column of the full-text table with the names
     const char* count;      ///< SQL that counts the matches of ?1
-    /// SQL that gives the matches of ?1, best first, ?2 of them after the first ?3. Names from ?4 to ?5 begin with what
-    /// was typed; both are NULL when that can be no name. Rows numbered from ?6 on go behind others.
+    /// SQL that returns the matches of ?1, best first, ?2 of them after the first ?3. Names from ?4 to ?5 begin with
+    /// the typed text; both are NULL when that cannot be a name. Rows numbered from ?6 on rank behind others.
     const char* rows;
     std::int64_t pageSize;
 };
 
-/// Returns how many rows match `typed` (as people typed it, see wordQuery()); none where it holds no word. Gives those
-/// of the page after the first `start` to `take`, best first.
+/// Returns the number of rows that match `typed` (see wordQuery()); 0 when it contains no word. Passes those of the
+/// page after the first `start` to `take`, best first.
 Outcome<std::int64_t> searchWords(IndexPool& pool, const WordTable& table, std::string_view typed, std::int64_t start,
                                   const std::function<void(Statement&)>& take);
 
