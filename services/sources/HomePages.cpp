@@ -13,7 +13,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// What addresses of the same page have in common; empty when `address` is not on the web.
+/// Returns the part that addresses of the same page share, or an empty text when `address` is not on the web.
 std::string commonPart(std::string_view address)
 {
     const std::size_t scheme = address.find("://");

@@ -11,19 +11,19 @@
 
 namespace quarrynet::services {
 
-/// The home pages of the packages, one for each address however many packages name it. Addresses that differ only in
-/// their scheme, in the case of their host or in "/" at their end are one.
+/// The home pages of the packages, one per address however many packages name it. Addresses that differ only in their
+/// scheme, the case of their host or trailing slashes count as one.
+///
+/// The title and the first text of a page come from its main package: one that is not a companion of another, then one
+/// whose name is a word of the address, then one that is its own source package, then the one with the shortest name.
+/// The texts of the others are appended, each once, up to kMaxIndexedText.
 class HomePages
 {
 public:
-    /// The title and texts of a page come from its main package: one that is no companion of another, then one whose
-    /// name is a word of the address, then one that is its own source, then the one with the shortest name. What the
-    /// others say is added to the text, each thing once, as far as kMaxIndexedText allows.
-
-    /// A package whose home page is not on the web is left out.
+    /// Adds a package. Ignores one whose home page is not on the web.
     void add(const Package& package);
 
-    /// Returns how many pages there are.
+    /// Returns the number of pages.
     std::size_t size() const { return pages_.size(); }
 
     Outcome<Done> write(IndexWriter& writer);
@@ -40,7 +40,7 @@ private:
 
     static Outcome<Done> writePage(IndexWriter& writer, std::vector<Member>& members);
 
-    std::map<std::string, std::vector<Member>, std::less<>> pages_; ///< by what their addresses have in common
+    std::map<std::string, std::vector<Member>, std::less<>> pages_; ///< the key is commonPart() of the address
 };
 
 } // namespace quarrynet::services

@@ -9,9 +9,9 @@ namespace quarrynet::services {
 
 namespace {
 
-constexpr std::size_t kNodeBytes = 80; ///< what an entry or a folder takes besides its text
+constexpr std::size_t kNodeBytes = 80; ///< memory for an entry or a folder besides its text
 
-/// How much of a name says what it is: version and architecture follow the first "_".
+/// Returns the length of the part before the first "_", which version and architecture follow.
 std::size_t stemLength(std::string_view name)
 {
     return std::min(name.find('_'), name.size());
@@ -26,7 +26,7 @@ std::size_t PoolFiles::folderNumber(std::size_t site, std::string_view path)
     if (known != folderNumbers_.end())
         return known->second;
     if (!path.empty()) {
-        // The folder is itself an entry of the folder that it lies in.
+        // A folder is also an entry of its parent folder.
         const std::string_view whole = path.substr(0, path.size() - 1);
         const std::size_t slash = whole.rfind('/');
         const std::size_t split = slash == std::string_view::npos ? 0 : slash + 1;

@@ -11,23 +11,22 @@
 
 namespace quarrynet::services {
 
-/// Real ones have some 200 bytes and 6 levels at most. Each level of a path is kept whole.
+/// Real paths have at most some 200 bytes and 6 levels. Each level of a path is stored in full.
 inline constexpr std::size_t kMaxPoolPath = 1024;
 inline constexpr std::size_t kMaxPoolLevels = 32;
-/// For the paths and names of all files together, as they are kept until they are written.
+/// Limit for the paths and names of all files together, which stay in memory until they are written.
 inline constexpr std::size_t kMaxPoolBytes = 512 * 1024 * 1024;
 
-/// The files that the package lists name, and the directories that they lie in, as one site for each mirror.
+/// The files that the package lists name, and their directories, as one site per mirror.
 class PoolFiles
 {
 public:
-    /// `base` is the mirror's address with its scheme, ending in "/"; `file` the path below it. Returns false, and adds
-    /// nothing, where that is longer or deeper than any package's (kMaxPoolPath, kMaxPoolLevels), or kMaxPoolBytes are
-    /// used up.
+    /// Adds a file. `base` is the mirror's address with its scheme and ends in "/"; `file` is the path below it. Adds
+    /// nothing and returns false when the path exceeds kMaxPoolPath or kMaxPoolLevels, or kMaxPoolBytes are used up.
     bool add(std::string_view base, std::string_view file, std::int64_t size);
 
-    /// Writes them in the order in which searches show them: short names, which a typed text covers best, go first, and
-    /// of equal ones the files.
+    /// Writes the entries in the order in which searches show them: short names, which a typed text covers best, come
+    /// first, and files before directories of the same length.
     Outcome<Done> write(IndexWriter& writer);
 
 private:
@@ -51,7 +50,7 @@ private:
     std::map<std::string, std::size_t, std::less<>> siteNumbers_;
     std::vector<Folder> folders_;
     std::vector<Entry> entries_;
-    std::map<std::string, std::size_t, std::less<>> folderNumbers_; ///< by site number, "/" and path
+    std::map<std::string, std::size_t, std::less<>> folderNumbers_; ///< the key is site number, "/" and path
 };
 
 } // namespace quarrynet::services

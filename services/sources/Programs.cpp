@@ -18,7 +18,7 @@ void Programs::add(Program program, std::string source)
 void Programs::findCompanions()
 {
     std::set<std::string_view> names;
-    std::set<std::string_view> sources; // of programs that stand for themselves
+    std::set<std::string_view> sources; // of programs that are not companions by name
     for (const Entry& entry : entries_) {
         names.insert(entry.program.name);
         if (companionBase(entry.program.name).empty())

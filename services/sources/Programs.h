@@ -8,20 +8,20 @@
 
 namespace quarrynet::services {
 
-/// The programs of the package lists, gathered so that they can be numbered in the order in which searches show those
-/// whose names begin with what was typed.
+/// The programs of the package lists. They are collected first, so that they can be numbered in the order in which
+/// searches show matches by name.
 class Programs
 {
 public:
-    /// `source` is the name of the source package that it was made of.
+    /// Adds a program. `source` is the name of its source package.
     void add(Program program, std::string source);
 
-    /// Returns how many programs there are.
+    /// Returns the number of programs.
     std::size_t size() const { return entries_.size(); }
 
-    /// Writes the ones with short names first, which a typed text covers best. Companions follow behind all others: a
-    /// program whose name says that it goes with another one (see companionBase()) that is there, by its name or by
-    /// its source.
+    /// Writes the programs, short names first, which a typed text covers best. Companions come after all others:
+    /// programs whose name (see companionBase()) says that they belong to another one, if a program of that name or of
+    /// the same source is there.
     Outcome<Done> write(IndexWriter& writer);
 
 private:

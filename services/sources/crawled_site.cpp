@@ -30,7 +30,7 @@ Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, s
     const Outcome<std::int64_t> first = writer->nextCrawledFile();
     if (!first)
         return first.error();
-    // Short names, which a typed text covers best, are shown first.
+    // Searches show short names first, which a typed text covers best.
     std::sort(crawl.files.begin(), crawl.files.end(), [](const CrawledFile& a, const CrawledFile& b) {
         return std::make_tuple(a.name.size(), a.directory, std::string_view(a.name), a.folder) <
                std::make_tuple(b.name.size(), b.directory, std::string_view(b.name), b.folder);

@@ -10,8 +10,8 @@
 
 namespace quarrynet::services {
 
-/// Puts what was crawled in the place of what the index had of that server's directory; `base` is its escaped address,
-/// ending in "/". Searches see all of it at once when it returns. `again` as for IndexLock::take().
+/// Replaces what the index has of a server's directory by `crawl`. `base` is the escaped address and ends in "/".
+/// Searches see all of it as soon as this returns. `again` is as for IndexLock::take().
 Outcome<Done> storeCrawl(const std::string& dataFolder, std::string_view base, std::int64_t time, Crawl crawl,
                          const std::function<bool()>& again = {});
 

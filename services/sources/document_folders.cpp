@@ -72,7 +72,7 @@ private:
             if (folder.depth < kMaxFolderDepth)
                 pending_.push_back({folder.path + name + "/", folder.depth + 1});
             else
-                left_.add(path, "it lies too deep");
+                left_.add(path, "its path is too deep");
         } else if (S_ISREG(status.st_mode) && wanted_(name) && status.st_nlink == 1) {
             take_(folder.path + name);
         }
@@ -121,7 +121,7 @@ std::optional<std::string> pathSeenFrom(std::string_view page, std::string_view 
     if (address.empty() || address.front() == '/' ||
         address.substr(0, address.find('/')).find(':') != std::string::npos)
         return std::nullopt;
-    // A folder of the page, ending in "/", or nothing.
+    // The folder of the page: empty or ending in "/".
     std::string path(page.substr(0, page.rfind('/') + 1));
     const std::string decoded = decodePercent(address);
     for (std::size_t at = 0; at <= decoded.size();) {

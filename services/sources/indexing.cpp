@@ -29,16 +29,16 @@ constexpr std::size_t kProgressStep = 10000;
 constexpr std::size_t kMaxAddress = 2048;
 constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
 
-/// The mirrors of the machine's own package lists: which one has which file.
+/// The mirrors of the machine's own package lists, and which one has which file.
 class Mirrors
 {
 public:
     Mirrors() : repositories_(installedRepositories())
     {
-        // With one mirror there is nothing to tell apart.
+        // A single mirror needs no lookup.
         for (std::size_t i = 1; i < repositories_.size(); ++i) {
             const auto take = [this, i](const Package& package) { others_.emplace(package.file, i); };
-            // A list that cannot be read leaves its packages to the first mirror.
+            // Packages of a list that cannot be read are assumed on the first mirror.
             for (const std::string& list : repositories_[i].lists)
                 (void)readDownloadedList(list, take);
         }
@@ -57,7 +57,7 @@ private:
     std::unordered_map<std::string, std::size_t> others_;
 };
 
-/// One run: the writer, the counts, and the first fault, after which nothing more is written.
+/// One run: the writer, the counts, and the first error, after which nothing more is written.
 class Run
 {
 public:
@@ -65,9 +65,9 @@ public:
         : writer_(writer), progress_(progress)
     {}
 
-    /// `base` is the address of the mirror that has it; empty when none is known.
+    /// `base` is the address of the mirror that has the package, or empty when it is unknown.
     void addPackage(const Package& package, const std::string& base);
-    /// Writes what the packages were gathered for.
+    /// Writes the records collected from the packages.
     void writePackages();
     void addFolder(const std::string& folder);
     void addPictureFolder(const std::string& folder);
@@ -104,7 +104,7 @@ void Run::addPackage(const Package& package, const std::string& base)
     if (package.homepage.size() <= kMaxAddress)
         homePages_.add(package);
     else
-        counts_.leftOut.add(clipUtf8(package.homepage, 100), "no address is so long");
+        counts_.leftOut.add(clipUtf8(package.homepage, 100), "the address is too long");
     if (!base.empty() && !package.file.empty())
         addProgram(package, base);
 }
@@ -112,7 +112,8 @@ void Run::addPackage(const Package& package, const std::string& base)
 void Run::addProgram(const Package& package, const std::string& base)
 {
     if (!poolFiles_.add(base, package.file, package.size)) {
-        counts_.leftOut.add(clipUtf8(package.file, 100), "no file of a package has so long a path");
+        counts_.leftOut.add(clipUtf8(package.file, 100),
+                            "its path is too long or too deep, or there are too many files");
         return;
     }
     auto mirror = mirrors_.find(base);
@@ -201,7 +202,7 @@ void Run::addPictureFolder(const std::string& folder)
     progress_(withSeparators(static_cast<std::int64_t>(pictures.size())) + " pictures in " + folder);
 }
 
-/// Fails when the index in use has much more than these counts. One of another layout may count otherwise.
+/// Fails when the index in use has much more than these counts. An index of another layout is not compared.
 Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& counts)
 {
     Outcome<std::optional<Database>> opened = openToTakeOver(dataFolder);
@@ -222,7 +223,7 @@ Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& c
         if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
             return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +
                            " instead of " + withSeparators(before) +
-                           "; the one in use stays, and --force replaces it all the same"};
+                           "; the index in use is kept. Use --force to replace it"};
     }
     return Done{};
 }
@@ -241,9 +242,9 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
         const Mirrors mirrors;
         const Outcome<Done> read =
             readInstalledLists([&](const Package& package) { run.addPackage(package, mirrors.baseOf(package.file)); });
-        // A machine without package lists still has its documentation.
+        // A machine without package lists still has documentation.
         if (!read)
-            progress("no package lists: " + read.error().message);
+            progress("the package lists cannot be read: " + read.error().message);
     }
     for (const std::string& file : sources.packageFiles) {
         const Outcome<Done> read =
@@ -263,7 +264,7 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
         if (!rich)
             return rich.error();
     }
-    progress("putting the index in its place");
+    progress("replacing the index");
     const Outcome<Done> committed = writer->commit();
     if (!committed)
         return committed.error();

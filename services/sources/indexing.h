@@ -11,19 +11,19 @@
 
 namespace quarrynet::services {
 
-/// What an index is made of.
+/// The sources of an index.
 struct IndexSources
 {
-    /// Files of package stanzas; when empty, the machine's own package lists.
+    /// Files of package stanzas. If there are none, the machine's own package lists are used.
     std::vector<std::string> packageFiles = {};
-    /// The address, ending in "/", of the mirror that has the packages of `packageFiles`. When empty, they are found as
-    /// home pages only. The machine's own lists say themselves where their packages are.
+    /// Address of the mirror that has the packages of `packageFiles`; ends in "/". If empty, searches find these
+    /// packages by their home pages only. The machine's own lists name their mirrors.
     std::string mirror = {};
-    /// Folders of HTML pages. One that does not exist is passed over.
+    /// Folders of HTML pages; missing ones are skipped.
     std::vector<std::string> folders = {};
-    /// Folders of pictures. One that does not exist is passed over.
+    /// Folders of pictures; missing ones are skipped.
     std::vector<std::string> pictureFolders = {};
-    /// Whether the index is taken however little it has.
+    /// Replaces the index in use even if the new one has much less.
     bool force = false;
 };
 
@@ -34,17 +34,17 @@ struct IndexCounts
     std::size_t programs = 0;
     std::size_t documents = 0;
     std::size_t pictures = 0;
-    LeftOut leftOut; ///< what could not be read, or is beyond a bound
+    LeftOut leftOut; ///< what could not be read, or exceeds a limit
 };
 
-/// A new index must have so much of the web pages, programs and pictures that the one in use has, each counted alone,
-/// where that has at least kMinCompared of them.
+/// For each of web pages, programs and pictures: if the index in use has at least kMinCompared of them, the new one
+/// must have at least this share of that number.
 inline constexpr double kLeastShare = 0.5;
 inline constexpr std::int64_t kMinCompared = 100;
 
-/// Makes a new index in the data folder; the old one stays in use until the new one is whole. What cannot be read is
-/// left out and counted. Fails when the new index would be much poorer than the one in use (kLeastShare). `progress` is
-/// told what is under way, in plain text lines without a line end.
+/// Makes a new index in the data folder; the old one stays in use until the new one is complete. What cannot be read is
+/// left out and counted. Fails when the new index would have much less than the one in use (kLeastShare). Calls
+/// `progress` with plain text lines without a line end.
 Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
                                 const std::function<void(const std::string&)>& progress);
 

@@ -64,7 +64,7 @@ void StanzaReader::feed(std::string_view piece)
 
 void StanzaReader::appendBounded(std::string_view text)
 {
-    // One byte more than a stanza may have, so that a line cut off here counts as too long.
+    // Keeps one byte more than a stanza may have, so that a truncated line counts as too long.
     line_.append(text.substr(0, kMaxStanza + 1 - std::min(line_.size(), kMaxStanza + 1)));
 }
 
@@ -88,7 +88,7 @@ void StanzaReader::takeLine(std::string_view line)
     if (stanzaBytes_ > kMaxStanza)
         return;
     if (line.front() == ' ' || line.front() == '\t') {
-        // A lone full stop stands for an empty line of a description.
+        // A line with a single full stop is an empty line of the description.
         if (field_ == &package_.description && line.substr(1) != ".")
             field_->append(line);
         return;

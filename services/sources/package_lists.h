@@ -11,24 +11,23 @@
 /// The package lists of the machine, as `apt-cache dumpavail` prints them.
 namespace quarrynet::services {
 
-/// One package. Texts are UTF-8 on one line; what a stanza does not say is empty or 0.
+/// One package. Texts are UTF-8 on one line; a missing field is empty or 0.
 struct Package
 {
     std::string name;
     std::string summary;     ///< the description's first line
     std::string description; ///< its other lines
     std::string homepage;
-    std::string source;  ///< name of the source package; its own when it does not say
-    std::string section; ///< with its area: "games", "non-free/sound"
+    std::string source;  ///< name of the source package; `name` when there is no such field
+    std::string section; ///< including its area: "games", "non-free/sound"
     std::string architecture;
     std::string file; ///< path below the mirror's base, such as "pool/main/h/hello/hello_2.10-3_amd64.deb"
     std::int64_t size = 0;
 };
 
-/// Reads stanzas of "Name: value" lines from text that arrives in pieces of any size. Lines that begin with a blank
-/// continue the field above them; field names are compared without case; anything else that is no field is passed over.
-/// A stanza without a package name gives nothing. Of one stanza at most a
-/// megabyte is kept, in whole lines.
+/// Parses stanzas of "Name: value" lines from text that arrives in pieces of any size. Lines that begin with a blank
+/// continue the field above them; field names are case-insensitive; other lines are skipped. A stanza without a package
+/// name is ignored. At most a megabyte of each stanza is used, in whole lines.
 class StanzaReader
 {
 public:
@@ -36,7 +35,7 @@ public:
 
     void feed(std::string_view piece);
 
-    /// After the last piece: the last stanza may end without an empty line.
+    /// Call after the last piece: the last stanza may lack the empty line after it.
     void finish();
 
 private:
@@ -46,15 +45,15 @@ private:
 
     std::function<void(const Package&)> take_;
     std::string line_;
-    std::string* field_ = nullptr; ///< what continuation lines belong to; null: nothing that is kept
+    std::string* field_ = nullptr; ///< the field that continuation lines belong to, or null when it is not used
     Package package_;
     std::size_t stanzaBytes_ = 0;
 };
 
-/// Reads all package lists that the machine has, without a shell, and gives every package to `take`.
+/// Reads all package lists of the machine, without a shell, and passes every package to `take`.
 Outcome<Done> readInstalledLists(const std::function<void(const Package&)>& take);
 
-/// Reads one file of stanzas.
+/// Reads one file of stanzas, and passes every package to `take`.
 Outcome<Done> readListFile(const std::string& path, const std::function<void(const Package&)>& take);
 
 /// A repository of the machine's package sources.
@@ -64,14 +63,13 @@ struct Repository
     std::vector<std::string> lists; ///< its downloaded list files, possibly compressed
 };
 
-/// The repositories of the machine with an http, https or ftp address. Empty when there are none or they cannot be
-/// asked for.
+/// Returns the machine's repositories with an http, https or ftp address, or none when they cannot be determined.
 std::vector<Repository> installedRepositories();
 
-/// Reads one downloaded list file, decompressed.
+/// Reads one downloaded list file, decompresses it, and passes every package to `take`.
 Outcome<Done> readDownloadedList(const std::string& path, const std::function<void(const Package&)>& take);
 
-/// Cuts the output of the machine's package tool, "base TAB file" per line, into repositories. Pure, for tests.
+/// Parses the output of the package tool, "base TAB file" per line. Public for tests.
 std::vector<Repository> repositoriesFrom(std::string_view targets);
 
 } // namespace quarrynet::services

@@ -32,7 +32,7 @@ int takeNumber(std::string_view& text)
     return number;
 }
 
-/// The size in pixels that a folder's name stands for; 0 when it does not stand for one, the largest for "scalable".
+/// Returns the size in pixels that a folder name states; 0 for none, the largest for "scalable".
 int folderSize(std::string_view part)
 {
     constexpr std::array<int, 16> kIconSizes{8, 16, 20, 22, 24, 32, 36, 42, 48, 64, 72, 96, 128, 192, 256, 512};
@@ -47,7 +47,7 @@ int folderSize(std::string_view part)
         if (takeNumber(part) != width)
             return 0;
     } else if (std::find(kIconSizes.begin(), kIconSizes.end(), width) == kIconSizes.end()) {
-        return 0; // a year, or a number that counts
+        return 0; // a year or a serial number
     }
     int factor = 1;
     if (part.substr(0, 1) == "@") {
@@ -59,7 +59,7 @@ int folderSize(std::string_view part)
     return part.empty() ? width * factor : 0;
 }
 
-/// The length of `stem` without "@2x" and "-48x48" at its end; `size` becomes the size that they stand for.
+/// Returns the length of `stem` without a trailing "@2x" and "-48x48", and sets `size` to the size that they state.
 std::size_t lengthWithoutSize(std::string_view stem, int& size)
 {
     std::size_t end = stem.size();
@@ -119,7 +119,7 @@ Taken withoutSizes(std::string_view path)
     }
     std::string_view stem = path.substr(at);
     stem = stem.substr(0, std::min(stem.rfind('.'), stem.size()));
-    stem = withoutEnding(stem, ".symbolic"); // a drawn symbol, rendered
+    stem = withoutEnding(stem, ".symbolic"); // a raster version of a symbolic icon
     taken.stemBegin = taken.group.size();
     taken.group += stem.substr(0, lengthWithoutSize(stem, taken.size));
     return taken;

@@ -10,16 +10,15 @@
 
 namespace quarrynet::services {
 
-/// The pictures below `root`, ordered by their paths. Of a picture that an icon theme has in several sizes only the
-/// best one: a drawing, else the largest.
-/// Adds what the walk through them could not read to `left`.
+/// Returns the pictures below `root`, sorted by path. Of a picture in several sizes, as in an icon theme, it returns
+/// only the best: a drawing, else the largest. Adds to `left` what could not be read.
 std::vector<Picture> findPictures(const std::string& root, LeftOut& left);
 
-/// What the path of a picture has in common with those of its other sizes: parts such as "48x48", "48" (for the usual
-/// icon sizes) and "scalable" are left out, and so is a "-48x48" or "@2x" at the end of the name, and the ending.
+/// Returns the part of a picture's path that its other sizes share: without the suffix, without "-48x48" or "@2x" at
+/// the end of the name, and without folders such as "48x48", "48" (for common icon sizes) and "scalable".
 std::string sizelessPath(std::string_view path);
 
-/// Words as people type them: "EditCopy2" is also "Edit Copy 2".
+/// Returns the text with its words separated, as people type them: "EditCopy2" becomes "EditCopy2 Edit Copy 2".
 std::string spacedWords(std::string_view text);
 
 } // namespace quarrynet::services

@@ -9,7 +9,7 @@ std::string systemOf(std::string_view architecture)
 {
     if (architecture.empty() || architecture == "all" || architecture == "any")
         return "Any system";
-    // A kernel other than Linux goes before the processor.
+    // The name of a kernel other than Linux precedes that of the processor.
     constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kKernels{
         {{"hurd-", "Hurd"}, {"kfreebsd-", "FreeBSD"}, {"netbsd-", "NetBSD"}, {"linux-", "Linux"}}};
     std::string_view kernel = "Linux";
