@@ -9,14 +9,14 @@ namespace quarrynet::services {
 
 namespace {
 
-/// Whoever waits asks so often whether anybody still wants the thumbnail.
+/// Interval at which a waiting thread checks whether its task is abandoned.
 constexpr std::chrono::milliseconds kAskInterval(50);
 
 } // namespace
 
 std::size_t ThumbnailCache::sizeOf(const Entry& entry)
 {
-    // The key stands in the map as well; the rest is what nodes take.
+    // The map holds the key too; the rest is for the nodes.
     constexpr std::size_t kNodes = 200;
     return 2 * entry.key.size() + (entry.thumbnail ? entry.thumbnail->size() : 0) + kNodes;
 }
@@ -60,7 +60,7 @@ ThumbnailCache::Thumbnail ThumbnailCache::get(const std::string& key, const std:
     };
     try {
         Thumbnail thumbnail = make();
-        // Work that was given up says nothing about the picture.
+        // An abandoned attempt says nothing about the picture.
         finish(CurrentTask::abandoned() ? nullptr : &thumbnail);
         return thumbnail;
     } catch (...) {

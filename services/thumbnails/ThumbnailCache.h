@@ -12,21 +12,21 @@
 
 namespace quarrynet::services {
 
-/// Thumbnails that were made before, the least recently used ones thrown away when there are too many. That a picture
-/// has none is kept as well, so that one that takes long to fail fails once. From any thread.
+/// Keeps thumbnails, and discards the least recently used ones when they exceed a limit. Failures are kept as well, so
+/// that a picture that takes long to fail does so only once. Thread-safe.
 class ThumbnailCache
 {
 public:
     using Thumbnail = std::optional<std::string>;
 
-    /// `bytes` bounds the keys and thumbnails together.
+    /// `bytes` limits the size of all keys and thumbnails.
     explicit ThumbnailCache(std::size_t bytes) : limit_(bytes) {}
 
-    /// Returns what is kept for `key`, or what `make` gives, which is then kept. Who asks for a key that is being made
-    /// waits for it. Where this thread's task (CurrentTask) is abandoned, nothing is returned or kept.
+    /// Returns the entry for `key`, or the result of `make`, which is then kept. Waits when another thread is making
+    /// the same one. When this thread's task (CurrentTask) is abandoned, returns nothing and keeps nothing.
     Thumbnail get(const std::string& key, const std::function<Thumbnail()>& make);
 
-    /// What is held now, as the limit counts it.
+    /// Returns the size of all entries, as the limit counts it.
     std::size_t bytes() const;
 
 private:
@@ -41,7 +41,7 @@ private:
     std::size_t limit_;
     mutable std::mutex mutex_;
     std::condition_variable made_;
-    std::list<Entry> entries_; ///< the most recently used one first
+    std::list<Entry> entries_; ///< most recently used first
     std::unordered_map<std::string, std::list<Entry>::iterator> places_;
     std::set<std::string> underWay_;
     std::size_t bytes_ = 0;

@@ -28,14 +28,13 @@ constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
 constexpr std::size_t kMaxThumbnail = 1024 * 1024;
 constexpr std::size_t kPiece = 64 * 1024;
 
-/// Whoever waits asks so often whether anybody still wants the thumbnail.
+/// Interval at which a waiting thread checks whether its task is abandoned.
 constexpr std::chrono::milliseconds kAskInterval(50);
 
 } // namespace
 
-/// One process, and the socket that is its input and output. A message to it is the format in one byte, the length in
-/// four, the highest first, and the picture; its answer a length alike and the thumbnail, of length 0 when there is
-/// none.
+/// One process, and the socket for its input and output. A request is the format (1 byte), the length (4 bytes, big
+/// endian) and the picture. A response is the length (likewise) and the thumbnail; length 0 means that there is none.
 class Thumbnailer::Process
 {
 public:
@@ -71,7 +70,7 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// False when the process is of no more use. An empty thumbnail is an answer, too.
+    /// Returns false when the process cannot be used any more. An empty thumbnail is a valid response.
     bool ask(PictureFormat format, std::size_t pictureSize, const Source& source, Clock::time_point deadline,
              std::string& thumbnail)
     {
@@ -125,7 +124,7 @@ private:
         return true;
     }
 
-    /// Fills `bytes`.
+    /// Fills `bytes`, or returns false.
     bool receive(std::string& bytes, Clock::time_point deadline) const
     {
         std::size_t filled = 0;

@@ -16,9 +16,9 @@
 
 namespace quarrynet::services {
 
-/// Makes thumbnails in other processes (the program quarrynet-thumbnails), which take a picture's bytes and give the
-/// thumbnail's. Whatever a hostile picture does to the reader of its format happens there: a process that crashes,
-/// takes too much memory or does not come to an end is replaced, and that picture has no thumbnail.
+/// Makes thumbnails in child processes (quarrynet-thumbnails), which receive a picture's bytes and return the
+/// thumbnail's. A hostile picture can harm only such a process: one that crashes, takes too much memory or exceeds the
+/// time limit is replaced, and that picture has no thumbnail.
 class Thumbnailer
 {
 public:
@@ -36,19 +36,19 @@ public:
     Thumbnailer(const Thumbnailer&) = delete;
     Thumbnailer& operator=(const Thumbnailer&) = delete;
 
-    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or nothing when there is none to be had or this
-    /// thread's task (CurrentTask) is abandoned. From any thread.
+    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or nothing when that fails or this thread's task
+    /// (CurrentTask) is abandoned. Thread-safe.
     std::optional<std::string> make(PictureFormat format, std::string_view content);
-    /// The same for a file, which is never in memory as a whole.
+    /// Does the same for a file, which is never in memory as a whole.
     std::optional<std::string> make(PictureFormat format, const OpenFile& file);
 
 private:
-    /// Gives the bytes of a picture from an offset on: some of them, or all; none when there is a fault.
+    /// Returns bytes of a picture from an offset on, not necessarily all; none on an error.
     using Source = std::function<std::string_view(std::size_t offset)>;
 
     class Process;
     std::optional<std::string> make(PictureFormat format, std::size_t size, const Source& source);
-    std::unique_ptr<Process> borrow(); ///< null: the task was abandoned
+    std::unique_ptr<Process> borrow(); ///< null when the task is abandoned
 
     std::string program_;
     Limits limits_;

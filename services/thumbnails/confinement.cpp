@@ -29,7 +29,7 @@ bool giveUpRoot()
 
 bool boundResources()
 {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which reserve terabytes of addresses
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they reserve terabytes of address space
     const rlimit memory{kMaxMemory, kMaxMemory};
     if (::setrlimit(RLIMIT_AS, &memory) != 0)
         return false;
@@ -40,7 +40,7 @@ bool boundResources()
 
 #ifdef __linux__
 
-/// Refuses every system call that is not named here with EPERM, on all threads.
+/// Makes every system call that is not listed here fail with EPERM, on all threads.
 bool filterSystemCalls()
 {
     const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ERRNO(EPERM));
@@ -87,14 +87,15 @@ bool filterSystemCalls()
                            SCMP_SYS(exit),
                            SCMP_SYS(exit_group)})
         allow(call);
-    // Memory that code could be put in is none of a picture's.
+    // Reading a picture needs no executable memory.
     allowIf(SCMP_SYS(mmap), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0));
     allowIf(SCMP_SYS(mprotect), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0));
-    // Threads, but no processes. Of clone3() the flags cannot be seen; without it the C library takes clone().
+    // Allows threads, but no processes. A filter cannot see the flags of clone3(); without it the C library uses
+    // clone().
     allowIf(SCMP_SYS(clone), SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD));
     made = made && seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0;
     allowIf(SCMP_SYS(prctl), SCMP_A0(SCMP_CMP_EQ, PR_SET_NAME));
-    // This process alone: its own limits, and its own end.
+    // Only for this process itself: its own limits and its own abort.
     allowIf(SCMP_SYS(prlimit64), SCMP_A0(SCMP_CMP_EQ, 0));
     allowIf(SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(::getpid())));
     made = made && seccomp_load(filter) == 0;

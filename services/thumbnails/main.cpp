@@ -13,8 +13,8 @@
 #include "thumbnails/confinement.h"
 #include "thumbnails/thumbnail.h"
 
-/// quarrynet-thumbnails: reads pictures from its standard input and writes thumbnails to its standard output until the
-/// input ends. Started by quarrynet-services; see Thumbnailer for the messages.
+/// quarrynet-thumbnails: reads pictures from standard input and writes thumbnails to standard output until the input
+/// ends. quarrynet-services starts it; see Thumbnailer for the messages.
 
 using namespace quarrynet::services;
 
@@ -23,7 +23,7 @@ namespace {
 constexpr quint32 kMaxPicture = 64 * 1024 * 1024;
 constexpr int kMaxImageMegabytes = 256;
 
-/// False at the end of the input.
+/// Returns false at the end of the input.
 bool readAll(char* to, std::size_t size)
 {
     while (size > 0) {
@@ -52,7 +52,7 @@ bool writeAll(const char* from, std::size_t size)
     return true;
 }
 
-/// Should the services be killed while a picture keeps this process busy, nobody else would end it.
+/// Extends the processor time limit, which ends this process if the services are killed while it reads a picture.
 void allowMoreTime()
 {
     constexpr rlim_t kSeconds = 30;
@@ -81,13 +81,13 @@ int main(int argc, char** argv)
     for (int descriptor = STDERR_FILENO + 1; descriptor < kMaxInherited; ++descriptor)
         ::close(descriptor);
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::setenv("QT_NO_GLIB", "1", 1); // its event loops need more of the system
+    ::setenv("QT_NO_GLIB", "1", 1); // GLib's event loops need more system calls
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type == QtCriticalMsg || type == QtFatalMsg)
             std::fprintf(stderr, "quarrynet-thumbnails: %s\n", qUtf8Printable(text));
     });
     const QGuiApplication application(argc, argv);
-    // What readers say about broken pictures helps nobody at the services' terminal.
+    // Readers' messages about broken pictures are of no use on the terminal of the services.
     if (std::freopen("/dev/null", "w", stderr) == nullptr)
         return 1;
     QImageReader::setAllocationLimit(kMaxImageMegabytes);

@@ -7,8 +7,8 @@
 
 namespace quarrynet::services {
 
-/// The kinds of pictures that the image search knows. The values stand in the messages between the services and
-/// quarrynet-thumbnails.
+/// The picture formats of the image search. The messages between the services and quarrynet-thumbnails contain the
+/// values.
 enum class PictureFormat : std::uint8_t
 {
     Png,
@@ -18,18 +18,18 @@ enum class PictureFormat : std::uint8_t
     Svg,
 };
 
-/// The kind by what the file's bytes say, whatever its name says; nothing for any other file. SVG is known by its
-/// beginning: an XML text that holds the element, not compressed.
+/// Returns the format of a picture by its content, whatever its name, or nothing for any other file. SVG is recognized
+/// by its beginning: uncompressed XML text that contains the element.
 std::optional<PictureFormat> pictureFormat(std::string_view content);
 
-/// So many bytes of a file's beginning are enough for pictureFormat(). Licenses and notes of drawing programs stand
-/// before the first element of an SVG text.
+/// Number of bytes that pictureFormat() needs from the beginning of a file. License texts and notes of drawing programs
+/// precede the first element of an SVG file.
 inline constexpr std::size_t kPictureBeginning = 64 * 1024;
 
-/// The media type, such as "image/png".
+/// Returns the media type, such as "image/png".
 std::string_view mediaTypeOf(PictureFormat format);
 
-/// Whether a file of this name may be a picture.
+/// Returns whether a file of this name may be a picture.
 bool hasPictureName(std::string_view name);
 
 } // namespace quarrynet::services

@@ -19,7 +19,7 @@ namespace {
 constexpr int kSide = 120;
 constexpr qint64 kMaxPixels = 100'000'000;
 constexpr int kMaxElements = 200'000;
-constexpr int kMaxDepth = 200; // drawing goes as deep as the elements do
+constexpr int kMaxDepth = 200; // rendering recurses as deep as the elements are nested
 constexpr int kJpegQuality = 85;
 constexpr int kMaxFontFamilies = 32;
 
@@ -45,8 +45,8 @@ QSize fitted(QSize size)
     return size.scaled(kSide, kSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
-/// Whether the reader of drawings will take `address` for a raster picture that stands in the drawing itself. It goes
-/// by the last "base64," and reads what follows in whatever format that is.
+/// Returns whether the SVG reader will read `address` as an embedded raster picture. It takes the bytes after the last
+/// "base64," and detects their format itself.
 bool isOwnRasterPicture(QStringView address)
 {
     constexpr QLatin1String kCode("base64,");
@@ -59,7 +59,7 @@ bool isOwnRasterPicture(QStringView address)
     return format && *format != PictureFormat::Svg;
 }
 
-/// Whether this is an element that shows a picture from elsewhere, or another drawing.
+/// Returns whether the element shows an external picture, or another drawing.
 bool leadsOutside(const QXmlStreamReader& reader)
 {
     if (reader.name().compare(QLatin1String("image"), Qt::CaseInsensitive) != 0)
@@ -89,7 +89,7 @@ QImage readPicture(PictureFormat format, const QByteArray& content)
             reader.setScaledSize(fitted(size));
     }
     QImage image = reader.read();
-    // Of some pictures the size is known only when they are read.
+    // The size of some pictures is known only after reading them.
     if (image.width() > kSide || image.height() > kSide)
         image = image.scaled(fitted(image.size()), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     return image;
@@ -99,8 +99,8 @@ QImage readPicture(PictureFormat format, const QByteArray& content)
 
 void loadPictureReaders()
 {
-    (void)QImageReader::supportedImageFormats(); // asks all of them
-    // A font's file is open for as long as something uses the font.
+    (void)QImageReader::supportedImageFormats(); // loads all of them
+    // A font file stays open as long as the font is in use.
     static QList<QRawFont> fonts;
     QStringList families = QFontDatabase::families().mid(0, kMaxFontFamilies);
     families += {QStringLiteral("Sans Serif"), QStringLiteral("Serif"), QStringLiteral("Monospace")};
