@@ -34,7 +34,7 @@ int runCrawl(const Options& options)
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
         return complain(data.error());
-    // An index of crawled files alone would pass for a whole one.
+    // An index with only crawled files would look complete.
     IndexPool pool(*data);
     if (const Outcome<IndexPool::Lease> index = pool.borrow(); !index)
         return complain(index.error());
@@ -54,14 +54,14 @@ int runCrawl(const Options& options)
                                 " names at " + base;
     const std::size_t refused = found->refused;
     const std::string cut = found->cut;
-    // A long crawl must not be lost to another run that is writing the index.
+    // A long crawl must not be lost because another process is writing the index.
     int tries = 0;
     const Outcome<Done> stored =
         storeCrawl(*data, base, static_cast<std::int64_t>(std::time(nullptr)), std::move(*found), [&] {
             if (++tries >= kLockTries)
                 return false;
             if (tries == 1)
-                tell("waiting for another quarrynet-services that is writing the index");
+                tell("waiting: another quarrynet-services is writing the index");
             std::this_thread::sleep_for(kLockPause);
             return true;
         });
@@ -71,7 +71,7 @@ int runCrawl(const Options& options)
     if (refused > 0)
         tell(std::to_string(refused) + " directories could not be listed");
     if (!cut.empty())
-        tell("the crawl was ended early: " + cut);
+        tell("the crawl stopped early: " + cut);
     return 0;
 }
 

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 4> kOwnFiles{"index.sqlite", "index.sqlite.new", "index.sqlite-journal",
                                                     "index.lock"};
 
-/// Opens what lies at `path` itself, be it a link to something else or not; -1 for whatever is no file or folder.
+/// Opens `path` without following a link at its end. Returns a descriptor, or -1.
 int openItself(const fs::path& path)
 {
     return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
@@ -37,7 +37,8 @@ bool holdsOwnFilesOnly(const fs::path& folder)
     return own && !error;
 }
 
-/// Calls `change` with a descriptor of each of the program's own files there, and of the folder when nothing else is.
+/// Calls `change` with a descriptor of each of the program's own files in `folder`, and of the folder itself if it
+/// contains nothing else.
 void forEachOwn(const fs::path& folder, const std::function<void(int descriptor, bool isFolder)>& change)
 {
     const bool whole = holdsOwnFilesOnly(folder);
@@ -57,7 +58,7 @@ void forEachOwn(const fs::path& folder, const std::function<void(int descriptor,
     ::close(itself);
 }
 
-/// What belongs to somebody else stays as it is.
+/// Changes only what belongs to this user.
 void keepPrivate(const fs::path& folder)
 {
     forEachOwn(folder, [](int descriptor, bool isFolder) {
@@ -76,7 +77,7 @@ void handOver(const std::string& folder, uid_t user, gid_t group)
         struct stat status
         {};
         if (::fstat(descriptor, &status) == 0 && status.st_uid == 0 && ::fchown(descriptor, user, group) != 0)
-            return; // whoever cannot read the index then says so
+            return; // the first to read the index reports the error
     });
 }
 
@@ -86,18 +87,18 @@ Outcome<std::string> openDataFolder(const std::string& chosen)
     if (folder.empty()) {
         const char* data = std::getenv("XDG_DATA_HOME");
         const char* home = std::getenv("HOME");
-        // A relative XDG_DATA_HOME has to be ignored.
+        // A relative XDG_DATA_HOME must be ignored.
         if (data != nullptr && data[0] == '/')
             folder = std::filesystem::path(data) / "quarrynet";
         else if (home != nullptr && home[0] != '\0')
             folder = std::filesystem::path(home) / ".local/share/quarrynet";
         else
-            return Failure{"no home folder is set; name a folder with --data"};
+            return Failure{"HOME is not set; choose a folder with --data"};
     }
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error)
-        return Failure{"cannot make the folder " + folder.string() + ": " + error.message()};
+        return Failure{"cannot create the folder " + folder.string() + ": " + error.message()};
     if (!std::filesystem::is_directory(folder, error))
         return Failure{folder.string() + (error ? " cannot be used: " + error.message() : " is not a folder")};
     keepPrivate(folder);

@@ -7,15 +7,18 @@
 
 namespace quarrynet::services {
 
-/// The index holds private texts, so what is made in the data folder is for its user alone, and files of older times
-/// become so. The folder itself becomes so unless it holds other things, too.
+/// The index holds private texts, so files made in the data folder, and older files there, are accessible to its user
+/// only; so is the folder itself unless it contains other things.
+///
+/// Returns the folder of the index: `chosen` unless it is empty, else "quarrynet" in the user's data folder (XDG Base
+/// Directory Specification). Creates the folder if it is missing. Fails when there is no such folder.
 ///
 /// Where the index lives: `chosen` when it is not empty, else "quarrynet" below the user's data folder (XDG Base
 /// Directory Specification). The folder is made when it is missing. Its path, or why there is none.
 Outcome<std::string> openDataFolder(const std::string& chosen);
 
-/// Lets the user of these numbers read the index, which root has made: the files in the data folder become theirs, and
-/// so does the folder unless it holds other things, too. Nothing happens to what root does not own.
+/// Gives the index that root made to a user: changes the owner of the files in the data folder, and of the folder
+/// unless it contains other things. Leaves alone what root does not own.
 void handOver(const std::string& folder, uid_t user, gid_t group);
 
 } // namespace quarrynet::services

@@ -65,7 +65,7 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    // What the index holds is its user's alone.
+    // The index is private to its user.
     ::umask(077);
     try {
         return quarrynet::services::run(argc, argv);

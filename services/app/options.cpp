@@ -13,13 +13,13 @@ namespace {
 
 constexpr int kHelpColumn = 30;
 constexpr const char* kFooter =
-    R"(When it listens, serve prints one line to the standard output: "quarrynet-services: ready", then for each service its
-name, "=" and its address.
+    R"(Once it listens, serve prints one line to standard output: "quarrynet-services: ready", then
+NAME=ADDRESS for each service.
 
 "quarrynet-services COMMAND --help" explains a command's options.
-Exit status: 0 done, 1 failed, 2 wrong usage.)";
+Exit status: 0 success, 1 failure, 2 wrong usage.)";
 
-/// Adds an option for a decimal number. The library's own conversion would take "010" for 8.
+/// Adds an option for a decimal number. CLI11's own conversion would read "010" as 8.
 template <class Number>
 void addNumber(CLI::App& command, const std::string& name, Number& number, int least, int most,
                const std::string& description)
@@ -47,7 +47,7 @@ void addTexts(CLI::App& command, const std::string& name, std::vector<std::strin
     command.add_option(name, texts, description)->type_name(type)->allow_extra_args(false);
 }
 
-/// The addresses of a mirror's files begin with its own, so it has to name its scheme.
+/// A mirror's address must include its scheme, because it is the prefix of the files' addresses.
 std::string checkMirror(const std::string& text)
 {
     const std::size_t scheme = std::min(text.find("://"), text.size());
@@ -58,13 +58,12 @@ std::string checkMirror(const std::string& text)
 
 void addIndex(CLI::App& app, Options& options)
 {
-    CLI::App* index = app.add_subcommand("index", "Make the index that the searches answer from");
-    index->add_flag("--if-needed", options.ifNeeded, "do nothing when there is an index that can be used");
-    index->add_flag("--force", options.force, "replace the index in use even by one that has much less");
+    CLI::App* index = app.add_subcommand("index", "Make the index for the searches");
+    index->add_flag("--if-needed", options.ifNeeded, "do nothing if there is a usable index");
+    index->add_flag("--force", options.force, "replace the index in use even if the new one has much less");
     addTexts(*index, "--packages", options.packageFiles, "FILE",
              "a file of package stanzas instead of the machine's package lists; may be repeated");
-    addText(*index, "--mirror", options.mirror, "ADDRESS",
-            "the address that the packages of these files are found under")
+    addText(*index, "--mirror", options.mirror, "ADDRESS", "the address of the mirror that has these packages")
         ->check(checkMirror, "");
     addTexts(*index, "--folder", options.folders, "FOLDER",
              "a folder of HTML pages instead of the installed documentation; may be repeated");
@@ -77,21 +76,21 @@ void addCrawl(CLI::App& app, Options& options)
 {
     constexpr int kMost = 999'999'999;
     CLI::App* crawl = app.add_subcommand(
-        "crawl", "List an FTP server and add its files to the index; again, to replace what was listed before");
-    crawl->add_option("ADDRESS", options.crawlAddress, "where to begin")
+        "crawl", "List an FTP server and add its files to the index, or replace those of an earlier crawl");
+    crawl->add_option("ADDRESS", options.crawlAddress, "the directory to begin with")
         ->required()
         ->type_name("ftp://HOST[:PORT][/PATH]");
-    addNumber(*crawl, "--depth", options.crawlDepth, 1, kMost, "directories below the first one");
-    addNumber(*crawl, "--entries", options.crawlEntries, 1, kMost, "names to take");
-    addNumber(*crawl, "--minutes", options.crawlMinutes, 1, kMost, "time to take");
-    addNumber(*crawl, "--rate", options.crawlRate, 1, kMost, "directories a second at most");
+    addNumber(*crawl, "--depth", options.crawlDepth, 1, kMost, "maximum depth below the first directory");
+    addNumber(*crawl, "--entries", options.crawlEntries, 1, kMost, "maximum number of names");
+    addNumber(*crawl, "--minutes", options.crawlMinutes, 1, kMost, "maximum duration in minutes");
+    addNumber(*crawl, "--rate", options.crawlRate, 1, kMost, "maximum directories per second");
     crawl->final_callback([&options] { options.command = Options::Command::Crawl; });
 }
 
 void addServe(CLI::App& app, Options& options)
 {
     constexpr int kMost = 65535;
-    CLI::App* serve = app.add_subcommand("serve", "Answer searches until the program is ended (Ctrl+C, SIGTERM)");
+    CLI::App* serve = app.add_subcommand("serve", "Answer searches until Ctrl+C or SIGTERM");
     addText(*serve, "--web-address", options.webAddress, "ADDRESS",
             "where the web search listens (default 127.80.0.1)");
     addText(*serve, "--image-address", options.imageAddress, "ADDRESS",
@@ -104,7 +103,8 @@ void addServe(CLI::App& app, Options& options)
     addText(*serve, "--proxy-address", options.proxyAddress, "ADDRESS",
             "where the HTTP proxy to the services listens (default 127.0.0.1)");
     addNumber(*serve, "--proxy-port", options.proxyPort, 0, kMost, "its port; 0 picks a free one");
-    addText(*serve, "--user", options.user, "NAME", "whom root becomes when all are listening (default nobody)");
+    addText(*serve, "--user", options.user, "NAME",
+            "the user that root becomes once all services listen (default nobody)");
     serve->final_callback([&options] { options.command = Options::Command::Serve; });
 }
 
@@ -113,7 +113,7 @@ void addServe(CLI::App& app, Options& options)
 Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
 {
     if (arguments.empty())
-        return Failure{"a command is missing"};
+        return Failure{"a command is required"};
     Options options;
     CLI::App app("The local search services of Quarrynet.", "quarrynet-services");
     app.get_formatter()->column_width(kHelpColumn);
@@ -127,9 +127,9 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
     for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         addText(*command, "--data", options.dataFolder, "FOLDER",
                 "where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)");
-    app.footer(kFooter); // after the commands, which would inherit it
+    app.footer(kFooter); // added last, or the commands would inherit it
     try {
-        std::vector<std::string> reversed(arguments.rbegin(), arguments.rend()); // the library takes them from the end
+        std::vector<std::string> reversed(arguments.rbegin(), arguments.rend()); // CLI11 expects them in reverse order
         if (arguments[0] == "help")
             reversed = {"--help"};
         app.parse(std::move(reversed));

@@ -8,7 +8,7 @@
 
 namespace quarrynet::services {
 
-/// What is asked for on the command line.
+/// The parsed command line.
 struct Options
 {
     enum class Command : std::uint8_t
@@ -21,7 +21,7 @@ struct Options
     };
 
     Command command = Command::Help;
-    std::string help;       ///< with Command::Help: the text to print, ending in a line end
+    std::string help;       ///< with Command::Help: the text to print, including the last line end
     std::string dataFolder; ///< empty: the user's data folder
 
     // index
@@ -29,17 +29,17 @@ struct Options
     bool force = false;
     std::vector<std::string> packageFiles;
     std::string mirror;
-    std::vector<std::string> folders;        ///< empty: the usual ones
-    std::vector<std::string> pictureFolders; ///< empty: the usual ones
+    std::vector<std::string> folders;        ///< empty: the default folders
+    std::vector<std::string> pictureFolders; ///< empty: the default folders
 
     // crawl
     std::string crawlAddress;
     std::uint32_t crawlDepth = 32;
     std::uint32_t crawlEntries = 1'000'000;
     std::uint32_t crawlMinutes = 60;
-    std::uint32_t crawlRate = 10; ///< listings a second
+    std::uint32_t crawlRate = 10; ///< maximum listings per second
 
-    // serve; an empty address is the service's usual one
+    // serve; an empty address is the service's default
     std::string webAddress;
     std::string imageAddress;
     std::string downloadAddress;
@@ -47,11 +47,11 @@ struct Options
     std::uint16_t port = 80;
     std::string proxyAddress = "127.0.0.1";
     std::uint16_t proxyPort = 8780;
-    std::string user; ///< whom root becomes; empty: nobody
+    std::string user; ///< the user that root becomes; empty: nobody
 };
 
-/// Parses the arguments that follow the program's name. Options are "--name value" or "--name=value", or a name alone
-/// where there is nothing to choose. Returns a Failure that names the argument which is wrong or missing.
+/// Parses the arguments after the program's name. Options are "--name value" or "--name=value", flags just "--name".
+/// Returns a Failure that names the wrong or missing argument.
 Outcome<Options> parseOptions(const std::vector<std::string>& arguments);
 
 } // namespace quarrynet::services

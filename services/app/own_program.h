@@ -5,11 +5,11 @@
 
 namespace quarrynet::services {
 
-/// Returns the path of the running program, or the empty path where the system does not tell it.
+/// Returns the path of the running program, or an empty path if the system does not provide it.
 std::filesystem::path ownProgram();
 
-/// Returns the folder of the manual that belongs to `program`: "manual" beside it, or where an installation keeps
-/// shared files. Empty when it is in neither place.
+/// Returns the folder of the manual that belongs to `program`: "manual" next to it, or in the shared files of an
+/// installation. Returns an empty text if it is in neither place.
 std::string manualFolder(const std::filesystem::path& program);
 
 } // namespace quarrynet::services

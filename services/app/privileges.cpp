@@ -41,7 +41,7 @@ Outcome<User> findUser(const std::string& name)
     if (entry == nullptr)
         return Failure{"there is no user \"" + wanted + "\""};
     if (entry->pw_uid == 0)
-        return Failure{"\"" + wanted + "\" is root, whose rights are to be given up"};
+        return Failure{"\"" + wanted + "\" is root; choose a user without root's rights"};
     return User{wanted, entry->pw_uid, entry->pw_gid};
 }
 

@@ -5,8 +5,8 @@
 
 #include "ground/Outcome.h"
 
-/// What the services give up once they listen: nothing that answers strangers needs root's rights, or the one to listen
-/// below port 1024.
+/// The rights that the services give up once they listen: what answers strangers needs neither root's rights nor the
+/// capability to listen below port 1024.
 namespace quarrynet::services {
 
 struct User
@@ -16,11 +16,11 @@ struct User
     gid_t group = 0;
 };
 
-/// Looks up the user `name`; "nobody" for the empty text. Fails for unknown users and for root itself.
+/// Looks up the user `name`, or "nobody" for an empty text. Fails for unknown users and for root itself.
 Outcome<User> findUser(const std::string& name);
 
-/// For good: root becomes `user`, with that user's groups; all capabilities go; no program started later gains any.
-/// Call while there is one thread. For another user than root `user` counts for nothing.
+/// Drops rights for good: root becomes `user`, with that user's groups; all capabilities are dropped, and no program
+/// executed later gains any. Call while there is only one thread. Unless the caller is root, `user` is ignored.
 Outcome<Done> dropPrivileges(const User& user);
 
 } // namespace quarrynet::services

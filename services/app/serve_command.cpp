@@ -23,7 +23,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// How to let this program listen below port 1024.
+/// Explains how to permit this program to listen below port 1024.
 void explainPermission(std::uint16_t port)
 {
     const std::string program = ownProgram().string();
@@ -35,13 +35,13 @@ void explainPermission(std::uint16_t port)
                  static_cast<unsigned>(port));
 }
 
-/// The program that makes thumbnails lies beside this one.
+/// Returns the path of the program that makes thumbnails, which is in the folder of this one.
 std::string thumbnailProgram()
 {
     return (ownProgram().parent_path() / "quarrynet-thumbnails").string();
 }
 
-/// Gives up root's rights and capabilities; fails where the index could not be read without them.
+/// Gives up root's rights and capabilities. Fails if the index cannot be read without them.
 Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexPool& index)
 {
     const bool asRoot = ::geteuid() == 0;
@@ -51,10 +51,10 @@ Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexP
     Outcome<Done> dropped = dropPrivileges(user);
     if (!dropped || !asRoot)
         return dropped;
-    index.closeIdle(); // they were opened with the rights of root
+    index.closeIdle(); // idle connections were opened with root's rights
     if (ready && !index.borrow())
         return Failure{"the user " + user.name + " cannot read the index in " + dataFolder +
-                       "; name another one with --user, or another folder with --data"};
+                       "; choose another user with --user, or another folder with --data"};
     return dropped;
 }
 
@@ -80,7 +80,7 @@ int runServe(const Options& options)
 
     HttpServer server;
     Router router;
-    // The addresses that these two give out are known only once they listen.
+    // The addresses in their pages are known only once they listen.
     std::optional<WebService> web;
     std::optional<ImageService> images;
     Thumbnailer thumbnailer(thumbnailProgram());
@@ -124,9 +124,10 @@ int runServe(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", dropped.error().message.c_str());
         return 1;
     }
-    // By whoever this process has become.
+    // Checks as the user that this process has become.
     if (kHasImageSearch && ::access(thumbnailProgram().c_str(), X_OK) != 0)
-        std::fprintf(stderr, "quarrynet-services: there are no thumbnails without %s\n", thumbnailProgram().c_str());
+        std::fprintf(stderr, "quarrynet-services: thumbnails require %s, which is missing\n",
+                     thumbnailProgram().c_str());
     server.stopOnSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::printf("quarrynet-services: ready");
@@ -137,7 +138,7 @@ int runServe(const Options& options)
     std::fflush(stdout);
     if (server.run())
         return 0;
-    std::fprintf(stderr, "quarrynet-services: the system refuses the threads that serving takes\n");
+    std::fprintf(stderr, "quarrynet-services: the system refuses the threads that serve needs\n");
     return 1;
 }
 

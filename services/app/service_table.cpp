@@ -6,7 +6,7 @@ namespace quarrynet::services {
 
 namespace {
 
-/// What goes before a path of this service in the addresses that it gives out: port 80 goes without saying.
+/// Returns the prefix of this service's own addresses, without port 80.
 std::string baseOf(const Service& service)
 {
     std::string base =

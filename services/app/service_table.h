@@ -14,18 +14,18 @@ namespace quarrynet::services {
 struct Service
 {
     std::string name;
-    std::string usualHost; ///< what the program was built to ask
-    std::string host;      ///< numeric address to listen at; empty: the usual one
+    std::string usualHost; ///< the host that the window's program requests
+    std::string host;      ///< numeric address to listen at; empty: usualHost
     Router::Handler handler;
-    /// Called once before the first request, for services that give out addresses of their own: `base` goes before a
-    /// path, "http://" and the host, with its port unless that is 80, and no slash at the end. May be empty.
+    /// Called once before the first request, for services whose pages contain their own addresses. `base` is the prefix
+    /// of a path: "http://" and the host, with the port unless that is 80, without a trailing slash. May be empty.
     std::function<void(const std::string& base)> begin = nullptr;
-    std::string address = {}; ///< set by startServices(): where it listens; empty when it does not
+    std::string address = {}; ///< set by startServices(): the address it listens at; empty if it does not
 };
 
-/// Makes `router` lead to the services and starts listening for each at its own address and `port` (0 picks free ones).
-/// A service whose address cannot be bound goes to `refused` and stays reachable through the router only. The services
-/// have to stay where they are until `server` ends.
+/// Adds the services to `router`, and starts listening for each at its own address and `port` (0 picks free ones).
+/// Reports a service whose address cannot be bound to `refused`; the router still reaches it. The services must not
+/// move until `server` ends.
 void startServices(HttpServer& server, Router& router, std::uint16_t port, std::vector<Service>& services,
                    const std::function<void(const Service&, const HttpServer::Refusal&)>& refused);
 

@@ -26,7 +26,7 @@ struct Listing
     bool outOfMemory = false;
 };
 
-/// Takes all bytes, or none, which ends the transfer. Must not throw: the caller is C.
+/// Appends all bytes, or returns 0, which ends the transfer. Must not throw: the caller is C code.
 std::size_t appendListing(char* bytes, std::size_t, std::size_t count, void* to)
 {
     auto& listing = *static_cast<Listing*>(to);
@@ -103,7 +103,7 @@ Outcome<FtpDirectory> FtpClient::list(std::string_view path)
     }
     long code = 0;
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &code);
-    // 500 to 504 say that the command is not known (RFC 959, section 4.2.1), other fives that the directory is refused.
+    // 500 to 504 mean an unsupported command (RFC 959, section 4.2.1), other 5xx codes that the directory is refused.
     if (result == CURLE_FTP_COULDNT_RETR_FILE && code >= 500 && code <= 504 && hasMlsd_) {
         hasMlsd_ = false;
         return list(path);
@@ -125,13 +125,13 @@ Outcome<FtpAddress> readFtpAddress(std::string_view address)
     const std::string_view rest = address.substr(kScheme.size());
     const std::string_view authority = rest.substr(0, rest.find('/'));
     if (authority.find('@') != std::string_view::npos)
-        return Failure{"an address with a user name cannot be crawled: the file search is open to everybody"};
+        return Failure{"an address with a user name cannot be crawled, because everybody can use the file search"};
     const std::string_view host = authority.substr(0, authority.rfind(':'));
     const bool hostFits = !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
         return isAsciiAlphanumeric(c) || c == '-' || c == '.';
     });
     if (!hostFits || (host.size() < authority.size() && !wholeNumber(authority.substr(host.size() + 1))))
-        return Failure{std::string(authority) + " is not a host with or without a port"};
+        return Failure{std::string(authority) + " is not a valid HOST or HOST:PORT"};
     std::string path = decodePercent(rest.substr(std::min(authority.size() + 1, rest.size())));
     path.erase(0, std::min(path.find_first_not_of('/'), path.size()));
     while (path.size() > 1 && path.back() == '/')

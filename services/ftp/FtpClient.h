@@ -11,27 +11,26 @@
 
 namespace quarrynet::services {
 
-/// What a server says about one of its directories.
+/// A server's answer to a request for a directory.
 struct FtpDirectory
 {
-    bool refused = false; ///< it may not be listed, is not there, or is longer than can be taken
+    bool refused = false; ///< the directory may not be listed, does not exist, or is too large
     std::string listing;  ///< as sent
     std::vector<FtpEntry> entries;
 };
 
-/// One anonymous visit to an FTP server (RFC 959), by passive connections, and with MLSD unless the server does not
-/// know it.
+/// An anonymous FTP session (RFC 959) with passive connections. Uses MLSD, or LIST if the server does not support that.
 class FtpClient
 {
 public:
-    /// `site` is "ftp://host" or "ftp://host:port", without a slash at the end.
+    /// `site` is "ftp://host" or "ftp://host:port", without a trailing slash.
     explicit FtpClient(std::string site);
     ~FtpClient();
     FtpClient(const FtpClient&) = delete;
     FtpClient& operator=(const FtpClient&) = delete;
 
-    /// `path` is seen from where the server lets visitors in: empty, or directories that each end in "/", not escaped.
-    /// Fails when the server cannot be reached or does not keep to the protocol.
+    /// Lists the directory `path`, relative to the login directory: empty, or names that each end in "/", not escaped.
+    /// Fails when the server cannot be reached or violates the protocol.
     Outcome<FtpDirectory> list(std::string_view path);
 
 private:
@@ -41,15 +40,15 @@ private:
     bool hasMlsd_ = true;
 };
 
-/// An FTP address, taken apart.
+/// The parts of an FTP address.
 struct FtpAddress
 {
-    std::string site; ///< as FtpClient takes it
-    std::string path; ///< likewise
+    std::string site; ///< as for FtpClient()
+    std::string path; ///< as for FtpClient::list()
 };
 
-/// Reads "ftp://host[:port][/path]"; what is wrong with it otherwise. User names and passwords are refused, because
-/// what is crawled is shown to everybody.
+/// Parses "ftp://host[:port][/path]". Returns the address, or a message that says what is wrong with the text. Rejects
+/// user names and passwords, because everybody can see what was crawled.
 Outcome<FtpAddress> readFtpAddress(std::string_view address);
 
 } // namespace quarrynet::services

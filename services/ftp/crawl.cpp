@@ -17,12 +17,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t kMaxFailures = 3; // one after the other
+constexpr std::size_t kMaxFailures = 3; // in succession
 constexpr std::size_t kProgressStep = 100;
 constexpr std::size_t kMaxPath = 4096;
-constexpr std::size_t kNodeBytes = 96; ///< what a kept text takes besides its bytes, roughly
+constexpr std::size_t kNodeBytes = 96; ///< approximate memory for a stored text besides its bytes
 
-/// What the directories above one another listed: the size and a hash of each text.
+/// Listings of the directories above: size and hash of each text.
 struct Ancestor
 {
     std::size_t size = 0;
@@ -52,8 +52,8 @@ bool repeatsOneAbove(const std::shared_ptr<const Ancestor>& above, std::size_t s
     return false;
 }
 
-/// The path that a link in the folder `folder` leads to, seen from where the server lets visitors in, without a slash
-/// at its end; nothing when it leads above that.
+/// Returns the path that a link in `folder` leads to, relative to the login directory, without a trailing slash, or
+/// nothing when it leads outside.
 std::optional<std::string> linkedPath(std::string_view folder, std::string_view target)
 {
     std::vector<std::string_view> parts;
@@ -106,7 +106,7 @@ private:
     std::deque<Pending> pending_;
     std::set<std::string> entered_; ///< "unique" facts
     std::vector<Link> links_;
-    std::size_t bytes_ = 0; ///< as the limit counts them
+    std::size_t bytes_ = 0; ///< memory, as the limit counts it
     Crawl crawl_;
 };
 
@@ -126,7 +126,7 @@ Outcome<Crawl> Crawler::run()
     for (; !pending_.empty() && crawl_.cut.empty(); pending_.pop_front()) {
         keepRate();
         if (tools_.now() - begin_ >= limits_.time) {
-            crawl_.cut = "its time was up";
+            crawl_.cut = "the time limit was reached";
             break;
         }
         const Pending& place = pending_.front();
@@ -136,7 +136,7 @@ Outcome<Crawl> Crawler::run()
         if (!directory && (isFirst || failures == kMaxFailures))
             return directory.error();
         if (isFirst && directory->refused)
-            return Failure{"the server does not list this directory"};
+            return Failure{"the server refuses to list this directory"};
         if (!directory || directory->refused)
             ++crawl_.refused;
         else
@@ -159,11 +159,11 @@ void Crawler::take(const Pending& place, const FtpDirectory& directory)
     std::set<std::string_view> names;
     for (const FtpEntry& entry : directory.entries) {
         if (crawl_.files.size() >= limits_.entries) {
-            crawl_.cut = "it has more names than are taken";
+            crawl_.cut = "the maximum number of names was reached";
             return;
         }
         if (bytes_ >= limits_.bytes) {
-            crawl_.cut = "its names take more memory than is taken";
+            crawl_.cut = "the memory limit was reached";
             return;
         }
         if (names.insert(entry.name).second)
@@ -186,12 +186,12 @@ void Crawler::takeEntry(const Pending& place, std::size_t folder, const FtpEntry
         bytes_ += entry.unique.size() + kNodeBytes;
     if (isNew && place.depth < limits_.depth && place.path.size() + entry.name.size() < kMaxPath) {
         pending_.push_back({place.path + entry.name + "/", place.depth + 1, self});
-        // It is a folder of the result later.
+        // The directory becomes a folder of the result.
         bytes_ += 2 * (pending_.back().path.size() + kNodeBytes);
     }
 }
 
-/// Links get the kind and size of what they lead to, as far as that was seen. A link to a link stays unknown.
+/// Gives links the type and size of their targets, as far as the crawl saw them. A link to a link stays unknown.
 void Crawler::resolveLinks()
 {
     if (links_.empty())
@@ -199,7 +199,7 @@ void Crawler::resolveLinks()
     std::set<std::size_t> isLink;
     for (const Link& link : links_)
         isLink.insert(link.file);
-    // By hashes, because the paths are much longer than the names that are kept.
+    // The keys are hashes, because the paths are much longer than the stored names.
     const auto pathOf = [this](const CrawledFile& file) { return start_ + crawl_.folders[file.folder] + file.name; };
     std::unordered_map<std::size_t, std::size_t> places;
     for (std::size_t i = 0; i < crawl_.files.size(); ++i) {

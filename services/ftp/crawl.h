@@ -13,17 +13,17 @@
 
 namespace quarrynet::services {
 
-/// Where a crawl stops. What was listed until then is kept.
+/// The limits of a crawl. Whatever was listed before it stops is kept.
 struct CrawlLimits
 {
-    std::size_t depth = 32; ///< directories below the first one
+    std::size_t depth = 32; ///< levels of directories below the first one
     std::size_t entries = 1'000'000;
     std::chrono::seconds time = std::chrono::minutes(60);
-    std::uint32_t rate = 10;               ///< listings a second at most
-    std::size_t bytes = 256 * 1024 * 1024; ///< of memory for what is kept of the listings
+    std::uint32_t rate = 10;               ///< maximum listings per second
+    std::size_t bytes = 256 * 1024 * 1024; ///< maximum memory for entries
 };
 
-/// What a crawl needs from the world.
+/// The interface of a crawl to its environment.
 struct CrawlTools
 {
     std::function<Outcome<FtpDirectory>(std::string_view path)> list; ///< as FtpClient::list()
@@ -43,15 +43,15 @@ struct CrawledFile
 struct Crawl
 {
     std::vector<std::string> folders; ///< below the start, empty or ending in "/"
-    std::vector<CrawledFile> files;   ///< directories among them
+    std::vector<CrawledFile> files;   ///< including directories
     std::size_t refused = 0;          ///< directories that could not be listed
-    std::string cut;                  ///< which limit ended it; empty: it came to its end
+    std::string cut;                  ///< the limit that stopped the crawl; empty if it is complete
 };
 
-/// Lists the directory `start` (as FtpClient::list() takes it) and those below it, the nearer ones first. A directory
-/// is entered once, by whatever links it can be reached, as far as the server lets know: by the "unique" facts of MLSD,
-/// and where a listing repeats that of a directory above it. Links that LIST shows are not followed; they count as what
-/// they lead to if that was seen. Fails when the first directory, or several one after the other, cannot be had.
+/// Lists the directory `start` (see FtpClient::list()) and those below it, breadth first. A directory is entered once,
+/// whatever links lead to it, as far as the server allows to detect that: by the "unique" facts of MLSD, and by a
+/// listing equal to that of a directory above. Links in LIST output are not followed; they get the type of their target
+/// if the crawl saw it. Fails when the first directory, or several in succession, cannot be listed.
 Outcome<Crawl> crawl(std::string_view start, const CrawlLimits& limits, const CrawlTools& tools);
 
 } // namespace quarrynet::services

@@ -36,7 +36,7 @@ std::vector<FtpEntry> readLines(std::string_view listing,
     return entries;
 }
 
-/// One fact "name=value" of an MLSD line; false when the line is not of an entry of the directory.
+/// Parses one fact "name=value" of an MLSD line. Returns false when the line is not about an entry of the directory.
 bool takeFact(FtpEntry& entry, std::string_view fact)
 {
     const std::size_t equals = std::min(fact.find('='), fact.size());
@@ -62,7 +62,7 @@ bool takeFact(FtpEntry& entry, std::string_view fact)
 
 std::optional<FtpEntry> readMlsdLine(std::string_view line)
 {
-    // The facts end at the first blank; the rest, blanks and all, is the name.
+    // The facts end at the first blank; everything after it is the name, including blanks.
     const std::size_t blank = line.find(' ');
     if (blank == std::string_view::npos)
         return std::nullopt;
@@ -80,7 +80,7 @@ std::optional<FtpEntry> readMlsdLine(std::string_view line)
     return entry;
 }
 
-/// Takes the next word of `rest` together with the blanks before it.
+/// Removes the next word of `rest` with the blanks before it, and returns the word.
 std::string_view takeWord(std::string_view& rest)
 {
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
@@ -104,8 +104,8 @@ bool isTimeOrYear(std::string_view word)
            std::all_of(word.begin(), word.end(), [](char c) { return isAsciiDigit(c) || c == ':'; });
 }
 
-/// "drwxr-xr-x 2 owner group 4096 Jan 31 12:00 name". How many words stand before the size differs from server to
-/// server, so the date is looked for.
+/// Parses "drwxr-xr-x 2 owner group 4096 Jan 31 12:00 name". The number of words before the size differs between
+/// servers, so this looks for the date.
 std::optional<FtpEntry> readUnixLine(std::string_view line)
 {
     FtpEntry entry;
@@ -134,7 +134,7 @@ std::optional<FtpEntry> readUnixLine(std::string_view line)
         const std::optional<std::int64_t> day = wholeNumberAs<std::int64_t>(takeWord(date));
         if (!day || *day < 1 || *day > 31 || !isTimeOrYear(takeWord(date)) || date.size() < 2)
             continue;
-        date.remove_prefix(1); // further blanks belong to the name
+        date.remove_prefix(1); // further blanks are part of the name
         if (entry.kind == FtpEntry::Kind::File)
             entry.size = size;
         if (entry.kind == FtpEntry::Kind::Link) {
@@ -148,7 +148,7 @@ std::optional<FtpEntry> readUnixLine(std::string_view line)
     return std::nullopt;
 }
 
-/// "01-31-20  12:00PM       <DIR>          name"
+/// Parses "01-31-20  12:00PM       <DIR>          name".
 std::optional<FtpEntry> readWindowsLine(std::string_view line)
 {
     std::string_view rest = line;

@@ -9,37 +9,37 @@
 
 namespace quarrynet::services {
 
-/// What a line of a directory listing says.
+/// The content of one line of a directory listing.
 struct FtpEntry
 {
     enum class Kind : std::uint8_t
     {
         File,
         Directory,
-        Link, ///< symbolic; whether it leads to a file or a directory is not said
+        Link, ///< symbolic; the type of the target is unknown
     };
 
-    std::string name; ///< bytes as sent; never empty, ".", ".." or with a "/" or a control character
+    std::string name; ///< as sent; never empty, "." or "..", and without "/" and control characters
     Kind kind = Kind::File;
     std::optional<std::int64_t> size = std::nullopt;
-    std::string unique = {}; ///< what the same file or directory has in common wherever it is shown; may be empty
-    std::string target = {}; ///< where a link leads; may be empty
+    std::string unique = {}; ///< identifies a file or directory under all its names; may be empty
+    std::string target = {}; ///< target of a link; may be empty
 };
 
-/// Longer lines and names are passed over: no file system has them.
+/// Longer lines and names are skipped: no file system has them.
 inline constexpr std::size_t kMaxListingLine = 8 * 1024;
 inline constexpr std::size_t kMaxListedName = 1024;
-/// Longer ones count as if they were not said.
+/// Longer facts are ignored.
 inline constexpr std::size_t kMaxUniqueFact = 256;
-/// Of a directory that has more, one more than these is read.
+/// If a directory has more entries, one more than this number is read.
 inline constexpr std::size_t kMaxListedEntries = 200'000;
 
-/// The entries of an MLSD listing (RFC 3659, section 7). Lines that say something else, or whose name cannot be one in
-/// a directory, are passed over.
+/// Parses an MLSD listing (RFC 3659, section 7). Skips lines in any other format, or whose name is not valid in a
+/// directory.
 std::vector<FtpEntry> readMlsd(std::string_view listing);
 
-/// The same for what LIST gives, for which there is no standard (RFC 959, section 4.1.3): the forms of Unix and of
-/// Windows servers are understood.
+/// Parses a LIST listing in the same way. LIST has no standard format (RFC 959, section 4.1.3); those of Unix and
+/// Windows servers are supported.
 std::vector<FtpEntry> readList(std::string_view listing);
 
 } // namespace quarrynet::services

@@ -29,7 +29,7 @@ bool giveUpRoot()
 
 bool boundResources()
 {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they reserve terabytes of address space
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // sanitizers reserve terabytes of address space
     const rlimit memory{kMaxMemory, kMaxMemory};
     if (::setrlimit(RLIMIT_AS, &memory) != 0)
         return false;
