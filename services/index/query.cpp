@@ -27,8 +27,8 @@ struct Term
     bool phrase = false;
 };
 
-/// Whether there is anything in `text` that the tokenizer can make a word of. Non-ASCII punctuation passes; the index
-/// itself leaves out a phrase without a word.
+/// Returns whether `text` contains anything that the tokenizer can make a word of. Non-ASCII punctuation passes; the
+/// index itself ignores a phrase without a word.
 bool hasWord(std::string_view text)
 {
     return std::any_of(text.begin(), text.end(), [](char c) { return isAsciiAlphanumeric(c) || !isAscii(c); });
@@ -97,7 +97,7 @@ std::string likePattern(std::string_view text)
     return pattern;
 }
 
-/// The wanted words with `divider` between them; empty where they cannot be a name.
+/// Returns the wanted words with `divider` between them, or an empty text when they cannot be a name.
 std::string joined(const std::vector<Term>& terms, char divider)
 {
     std::string name;

@@ -23,7 +23,7 @@ std::string oneLine(const std::string& text)
     return collapseBlanks(toUtf8(text));
 }
 
-/// Returns a size in bytes; 0 for a text that is no number, or one beyond any package.
+/// Returns the size in bytes that `text` states, or 0 if it is not a number or exceeds any package's size.
 std::int64_t byteCount(std::string_view text)
 {
     constexpr std::size_t kMaxDigits = 15;
@@ -116,7 +116,7 @@ void StanzaReader::takeLine(std::string_view line)
             return;
         }
     }
-    // A translated description carries its language in the field's name; the untranslated one goes before it.
+    // The field name of a translated description includes its language; the untranslated description takes precedence.
     if (name.size() > 12 && startsWithIgnoringCase(name, "Description-") &&
         !equalsIgnoringCase(name, "Description-md5") && package_.summary.empty()) {
         package_.summary = std::string(value);

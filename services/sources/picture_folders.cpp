@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The number that `text` begins with, taken off it; 0 when there is none of at most four digits.
+/// Removes the number of at most four digits at the beginning of `text` and returns it, or returns 0 when there is
+/// none.
 int takeNumber(std::string_view& text)
 {
     constexpr std::size_t kMaxDigits = 4;
@@ -125,7 +126,7 @@ Taken withoutSizes(std::string_view path)
     return taken;
 }
 
-/// One of the sizes of a picture.
+/// One size of a picture.
 struct Candidate
 {
     std::string path;
