@@ -8,15 +8,14 @@
 
 namespace quarrynet::services {
 
-/// The memory of one tree, given back as a whole: the parser's own way of giving it back calls itself for each level of
-/// the tree. Where a limit is met, it leaves the parser by a jump, because the parser expects memory always to be
-/// there.
+/// The memory of one tree. It is freed as a whole, because the parser's own function recurses into each level of the
+/// tree. Exceeding a limit leaves the parser by longjmp(), because the parser assumes that allocation never fails.
 class HtmlTree::Memory
 {
 public:
     explicit Memory(const HtmlLimits& limits) : limits_(limits), end_(processorMilliseconds() + limits.milliseconds) {}
 
-    /// Returns the output, or null when a limit was met. Throws std::bad_alloc when the machine's memory was.
+    /// Returns the output, or null when a limit is exceeded. Throws std::bad_alloc when memory runs out.
     GumboOutput* parse(std::string_view page)
     {
         GumboOptions options = kGumboDefaultOptions;
@@ -24,7 +23,7 @@ public:
         options.deallocator = [](void*, void*) {};
         options.userdata = this;
         options.max_errors = 0;
-        // Nothing with a destructor lives between here and take(): the frames between are the parser's, which is C.
+        // The frames between here and take() belong to the parser, which is C, so longjmp() skips no destructors.
         if (setjmp(giveUp_) != 0) { // NOLINT(cert-err52-cpp)
             if (outOfMemory_)
                 throw std::bad_alloc();
@@ -58,7 +57,7 @@ private:
         return place;
     }
 
-    /// Must not throw: the caller is C.
+    /// Must not throw: the caller is C code.
     bool addBlock(std::size_t size)
     {
         const std::size_t block = size > kBlock ? size : kBlock;
@@ -80,7 +79,7 @@ private:
     std::int64_t end_;
     std::vector<std::unique_ptr<char[]>> blocks_;
     char* next_ = nullptr;
-    std::size_t left_ = 0; ///< in the last block
+    std::size_t left_ = 0; ///< bytes left in the last block
     std::size_t used_ = 0;
     unsigned calls_ = 0;
     bool outOfMemory_ = false;

@@ -14,11 +14,11 @@ namespace {
 struct Known
 {
     const char* name; ///< for iconv
-    /// The labels, with a blank before and behind each.
+    /// The labels, each between blanks.
     std::string_view labels;
 };
 
-// What pages call ISO-8859-1, -9 and -11, GB2312 and so on is read as the larger encoding that browsers read for it.
+// Labels such as ISO-8859-1, -9 and -11 or GB2312 mean the larger encodings that browsers use for them.
 constexpr std::array<Known, 34> kKnown{{
     {"UTF-8", " unicode-1-1-utf-8 unicode11utf8 unicode20utf8 utf-8 utf8 x-unicode20utf8 "},
     {"CP1252", " ansi_x3.4-1968 ascii cp1252 cp819 csisolatin1 ibm819 iso-8859-1 iso-ir-100 iso8859-1 iso88591 "
@@ -60,7 +60,7 @@ constexpr std::array<Known, 34> kKnown{{
     {"CP932", " csshiftjis ms932 ms_kanji shift-jis shift_jis sjis windows-31j x-sjis "},
     {"UHC", " cseuckr csksc56011987 euc-kr iso-ir-149 korean ks_c_5601-1987 ks_c_5601-1989 ksc5601 ksc_5601 "
             "windows-949 "},
-    // A page that could say so in ASCII is none of these two.
+    // A page whose label is readable as ASCII cannot be in UCS-2 or UTF-16.
     {"UTF-8", " csunicode iso-10646-ucs-2 ucs-2 unicode unicodefeff unicodefffe utf-16 utf-16be utf-16le "},
 }};
 
@@ -106,7 +106,7 @@ public:
         // iconv() reads through this pointer and writes nothing.
         char* from = const_cast<char*>(bytes.data());
         std::size_t left = bytes.size();
-        // Some encodings keep a character until they know what follows it; the last turn asks for that.
+        // Some encodings hold a character back until they see what follows; the last iteration flushes it.
         for (bool last = false; !last;) {
             last = left == 0;
             char* to = buffer.data();
@@ -118,7 +118,7 @@ public:
                 continue;
             text += kReplacement;
             if (fault != EILSEQ)
-                break; // the text ends inside of a character
+                break; // the text ends inside a character
             ++from;
             --left;
         }

@@ -6,22 +6,22 @@
 
 namespace quarrynet::services {
 
-/// The encodings of pages, by the names that pages use for them (the labels of the Encoding Standard). A label may have
-/// blanks around it; ASCII letters compare without case.
+/// An encoding of pages. Pages name it by a label of the Encoding Standard. Labels may be surrounded by blanks, and
+/// ASCII letters in them are case-insensitive.
 class PageEncoding
 {
 public:
-    /// Nothing for a label that is not known.
+    /// Returns nothing for an unknown label.
     static std::optional<PageEncoding> named(std::string_view label);
 
-    /// Returns what the byte order mark at the beginning of `page` says; nothing without one.
+    /// Returns the encoding of the byte order mark at the beginning of `page`, or nothing without one.
     static std::optional<PageEncoding> byMark(std::string_view page);
 
-    /// Returns `bytes` as UTF-8, without a byte order mark. What cannot be in this encoding becomes U+FFFD. Nothing
-    /// where the system does not know the encoding.
+    /// Returns `bytes` as UTF-8 without a byte order mark. Sequences that are invalid in this encoding become U+FFFD.
+    /// Returns nothing when the system does not support the encoding.
     std::optional<std::string> toUtf8(std::string_view bytes) const;
 
-    /// The system's name for it.
+    /// Returns the system's name of the encoding.
     std::string_view name() const { return name_; }
 
 private:

@@ -17,10 +17,10 @@ namespace {
 
 constexpr std::size_t kMaxTitle = 1000;
 
-/// How far into a page its encoding is looked for.
+/// The encoding is searched for in this many bytes of a page.
 constexpr std::size_t kHead = 4096;
 
-/// Gathers text, bounded, on one line: white space and control bytes become one blank, none at the ends.
+/// Collects text on one line, up to a limit: whitespace and control bytes become one blank, and none at the ends.
 class Line
 {
 public:
@@ -50,7 +50,7 @@ public:
 
     std::string take() const
     {
-        // The library makes bytes that are no character of a reference to a number far beyond the last one.
+        // Gumbo decodes a reference to a number beyond U+10FFFF to bytes that are not UTF-8.
         const std::string whole = withoutBrokenCharacters(clipUtf8(text_, maxBytes_));
         std::string_view text = clipUtf8(whole, maxBytes_);
         while (!text.empty() && text.back() == ' ')
@@ -69,11 +69,11 @@ bool isHtml(const GumboElement& element, GumboTag tag)
     return element.tag == tag && element.tag_namespace == GUMBO_NAMESPACE_HTML;
 }
 
-/// Elements whose text no reader sees. Scripts do not run here, so what stands for them is seen.
+/// Returns whether readers do not see the element's text. Scripts do not run here, so "noscript" text is visible.
 bool isHidden(const GumboElement& element)
 {
     switch (element.tag) {
-    case GUMBO_TAG_TITLE: // of the page it is taken by itself; of a drawing it is a hint
+    case GUMBO_TAG_TITLE: // the page's title is taken separately; a drawing's title is a tooltip
     case GUMBO_TAG_SCRIPT:
     case GUMBO_TAG_STYLE:
     case GUMBO_TAG_TEMPLATE:
@@ -88,7 +88,7 @@ bool isHidden(const GumboElement& element)
     }
 }
 
-/// Elements that stand inside of a line, so that the text goes on behind their tags without a blank.
+/// Returns whether the element is part of a line, so that its tags do not separate words.
 bool isInline(const GumboElement& element)
 {
     switch (element.tag) {
@@ -141,8 +141,8 @@ bool isElement(const GumboNode& node)
     return node.type == GUMBO_NODE_ELEMENT || node.type == GUMBO_NODE_TEMPLATE;
 }
 
-/// Goes through the tree in the order of the page, without calling itself: `enter` is given each node, and says whether
-/// to go on below an element; `leave` each element that was gone into.
+/// Visits the tree in document order, without recursion. Calls `enter` for each node, which returns whether to visit
+/// its children, and `leave` for each element after its children.
 template <class Enter, class Leave>
 void walk(const GumboNode* root, Enter enter, Leave leave)
 {
@@ -211,7 +211,7 @@ void addPictures(const GumboElement& element, std::vector<std::string>& pictures
     }
 }
 
-/// The label in "text/html; charset=LABEL"; empty when there is none.
+/// Returns the label in "text/html; charset=LABEL", or an empty text when there is none.
 std::string_view charsetIn(std::string_view content)
 {
     constexpr std::string_view kName = "charset";
@@ -235,7 +235,7 @@ std::string_view charsetIn(std::string_view content)
     return {};
 }
 
-/// The encoding in '<?xml version="1.0" encoding="LABEL"?>' at the beginning of an XHTML page.
+/// Returns the encoding of '<?xml version="1.0" encoding="LABEL"?>' at the beginning of an XHTML page.
 std::optional<PageEncoding> declaredInXml(std::string_view head)
 {
     if (head.substr(0, 5) != "<?xml")
@@ -273,7 +273,7 @@ std::optional<PageEncoding> declaredEncoding(std::string_view page)
     return declared ? declared : declaredInXml(head);
 }
 
-/// Returns `page` as UTF-8: read by its byte order mark, else by what it declares, else as UTF-8 where it is that, else
+/// Returns `page` as UTF-8, decoded by its byte order mark, else by its declaration, else as UTF-8 if it is valid, else
 /// as Windows-1252.
 std::string pageText(std::string_view page)
 {

@@ -13,7 +13,7 @@ namespace {
 
 using Names = std::string_view;
 
-/// Whether `name` stands in a list of names with a blank before and behind each.
+/// Returns whether `name` is in a list of names that are each between blanks.
 bool isIn(Names list, std::string_view name)
 {
     for (std::size_t at = list.find(name); at != std::string_view::npos; at = list.find(name, at + 1)) {
@@ -23,22 +23,22 @@ bool isIn(Names list, std::string_view name)
     return false;
 }
 
-// Never hold anything.
+// Elements without content.
 constexpr Names kVoid =
     " area base basefont bgsound br col embed frame hr img input keygen link meta param source track "
     "wbr ";
-// End with their parent or the next of their kind, so there is one at most for each element that counts.
+// Elements that their parent or the next of their kind closes, so at most one is open for each element that counts.
 constexpr Names kImplied = " a body caption colgroup dd dt head html li nobr option p tbody td tfoot th thead tr ";
-// Hold text only.
+// Elements that contain text only.
 constexpr Names kRawText = " iframe noembed noframes script style textarea title xmp ";
-// An end tag of another name inside of these ends nothing outside of them.
+// Elements inside which an end tag of another name closes nothing outside.
 constexpr Names kBarriers = " applet marquee math object select svg table template ";
-// Their end tags end what is open inside of them.
+// Elements whose end tags close everything inside.
 constexpr Names kBlocks =
     " address article aside blockquote center details dialog dir div dl fieldset figcaption figure "
     "footer h1 h2 h3 h4 h5 h6 header main menu nav ol pre section summary ul applet marquee object "
     "select table template ";
-// An end tag of an element that is no block reaches over these only.
+// The only elements across which the end tag of a non-block element closes.
 constexpr Names kInline =
     " abbr acronym b bdi bdo big cite code data del dfn em font i ins kbd label mark q s samp small "
     "span strike strong sub sup time tt u var ";
@@ -48,7 +48,7 @@ bool isBlank(char c)
     return c == ' ' || c == '\t' || c == '\n' || c == '\f' || c == '\r';
 }
 
-/// Reads the tags of a page, one after the other, and keeps the names of the elements that are open.
+/// Scans the tags of a page, and tracks the open elements.
 class DepthScan
 {
 public:
@@ -68,7 +68,7 @@ public:
             } else if (next == '/' && at_ + 1 < page_.size() && isAsciiLetter(page_[at_ + 1])) {
                 ++at_;
                 const std::string name = tagName();
-                if (attributes().count > limits_.attributes) // the parser compares those of end tags as well
+                if (attributes().count > limits_.attributes) // the parser compares attributes of end tags too
                     return open;
                 close(name);
             } else if (page_.substr(at_, 3) == "!--") {
@@ -109,7 +109,7 @@ private:
         bool selfClosing = false;
     };
 
-    /// Goes to behind the tag.
+    /// Moves to the end of the tag.
     Attributes attributes()
     {
         Attributes found;
@@ -151,14 +151,14 @@ private:
             ++at_;
     }
 
-    /// False when the tag goes beyond the limits.
+    /// Returns false when the tag exceeds a limit.
     bool startTag()
     {
         const std::string name = tagName();
         const Attributes found = attributes();
         if (found.count > limits_.attributes)
             return false;
-        // Inside of drawings and formulas no name means what it does in HTML.
+        // In SVG and MathML, names do not have their HTML meaning.
         const bool foreign = isOpen("svg") || isOpen("math");
         if (foreign && found.selfClosing)
             return true;
@@ -175,7 +175,7 @@ private:
         return open_.size() <= limits_.depth;
     }
 
-    /// Goes to the end tag of `name`.
+    /// Moves to the end tag of `name`.
     void skipRawText(const std::string& name)
     {
         for (; at_ < page_.size(); ++at_) {
@@ -213,7 +213,7 @@ private:
     const HtmlLimits& limits_;
     std::size_t at_ = 0;
     std::vector<std::string> open_;
-    std::unordered_map<std::string, std::size_t> counts_; ///< of each name in open_
+    std::unordered_map<std::string, std::size_t> counts_; ///< number of each name in open_
 };
 
 } // namespace

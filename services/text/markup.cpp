@@ -10,8 +10,8 @@ namespace quarrynet::services {
 
 namespace {
 
-/// Whether an "&" before `rest` could be read as the beginning of a character reference, also once the program has
-/// taken the bold tags out.
+/// Returns whether an "&" before `rest` could begin a character reference, also after the program has removed bold
+/// tags.
 bool beginsReference(std::string_view rest)
 {
     while (!rest.empty() && (rest.front() == kMatchBegin || rest.front() == kMatchEnd))
@@ -96,7 +96,7 @@ std::string readableSize(std::int64_t bytes)
     constexpr std::array<const char*, 4> kUnits{"KB", "MB", "GB", "TB"};
     double size = static_cast<double>(bytes) / 1024;
     std::size_t unit = 0;
-    // From 1023.95 on, one decimal would show 1024.0 of the smaller unit.
+    // From 1023.95 on, one decimal would print 1024.0 of the smaller unit.
     while (size >= 1023.95 && unit + 1 < kUnits.size()) {
         size /= 1024;
         ++unit;
