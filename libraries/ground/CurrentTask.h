@@ -4,18 +4,18 @@
 
 namespace quarrynet {
 
-/// Says for whom this thread works: while the object lives, long work on the same thread (a query, a wait for a
-/// thumbnail) asks abandoned() now and then and gives up when nobody wants its result any more.
+/// The task of the current thread. While the object lives, long work on the same thread (a query, a wait for a
+/// thumbnail) polls abandoned() and stops when its result is no longer needed.
 class CurrentTask
 {
 public:
-    /// `abandoned` is set by another thread and outlives the object.
+    /// Another thread sets `abandoned`, which must outlive the object.
     explicit CurrentTask(const std::atomic<bool>& abandoned);
     ~CurrentTask();
     CurrentTask(const CurrentTask&) = delete;
     CurrentTask& operator=(const CurrentTask&) = delete;
 
-    /// Returns whether this thread's work is wanted no more; false for a thread that has no task.
+    /// Returns whether this thread's result is no longer needed; false for a thread without a task.
     static bool abandoned();
 
 private:

@@ -5,7 +5,7 @@
 
 namespace quarrynet {
 
-/// A value, or the error that kept it from being made. Errors are ordinary here, so they are values: nothing throws.
+/// A value or an error. Errors are expected here, so they are returned and not thrown.
 template <class T, class E>
 class Expected
 {
@@ -21,7 +21,7 @@ public:
     T* operator->() { return std::get_if<T>(&content_); }
     const T* operator->() const { return std::get_if<T>(&content_); }
 
-    /// Call this only when there is none.
+    /// Call this only when there is no value.
     const E& error() const { return *std::get_if<E>(&content_); }
 
 private:

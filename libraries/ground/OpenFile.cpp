@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kMaxRelativePath = 4096;
 
-/// A descriptor that is closed at its end.
+/// Closes a descriptor when destroyed.
 class Descriptor
 {
 public:
@@ -48,7 +48,7 @@ private:
 constexpr int kFileFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
 constexpr int kFolderFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_DIRECTORY;
 
-/// Opens `path` part by part; none may be a symbolic link.
+/// Opens `path` component by component; none may be a symbolic link.
 int openStepwise(int folder, const std::string& path)
 {
     Descriptor at(::fcntl(folder, F_DUPFD_CLOEXEC, 0));
@@ -72,7 +72,7 @@ int openFrom(int folder, const std::string& path, OpenWay way)
         how.flags = kFileFlags;
         how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
         const long descriptor = ::syscall(SYS_openat2, folder, path.c_str(), &how, sizeof how);
-        // Older systems do not have it, and containers may forbid it.
+        // Older systems lack this call, and containers may forbid it.
         if (descriptor >= 0 || (errno != ENOSYS && errno != EPERM))
             return static_cast<int>(descriptor);
     }
@@ -80,7 +80,7 @@ int openFrom(int folder, const std::string& path, OpenWay way)
     return openStepwise(folder, path);
 }
 
-/// A part that begins with a full stop is "..", "." or hidden; a NUL would cut the path short.
+/// A component that begins with a full stop is "..", "." or hidden; a NUL would truncate the path.
 bool mayBeServed(std::string_view relative)
 {
     return !relative.empty() && relative.size() <= kMaxRelativePath && relative.front() != '.' &&
@@ -144,7 +144,7 @@ std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string
     relative.remove_prefix(std::min(relative.find_first_not_of('/'), relative.size()));
     if (!mayBeServed(relative))
         return nullptr;
-    // The folder itself was chosen by whoever made the index, by whatever links.
+    // Whoever made the index chose the folder itself, so links in its path are allowed.
     const Descriptor folder(::open(root.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
     if (folder.number() < 0)
         return nullptr;
@@ -154,7 +154,7 @@ std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string
     if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1)
         return nullptr;
     auto open = std::make_shared<const OpenFile>(file.number(), static_cast<std::uint64_t>(status.st_size));
-    (void)file.release(); // only now is there a new owner
+    (void)file.release(); // not earlier: make_shared() may throw
     return open;
 }
 

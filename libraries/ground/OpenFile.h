@@ -11,25 +11,26 @@
 
 namespace quarrynet {
 
-/// A regular file, open for reading for as long as the object lives.
+/// A regular file, open for reading while the object lives.
 class OpenFile
 {
 public:
-    /// Takes over a descriptor of a file with so many bytes.
+    /// Takes ownership of the descriptor of a file of `size` bytes.
     OpenFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
     ~OpenFile();
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
     std::uint64_t size() const { return size_; }
-    /// Returns a text that is another one when the file has changed.
+    /// Returns a text that changes with the file.
     std::string version() const;
 
-    /// Reads at most `count` bytes from `offset` on. Returns how many there were; 0 at the end and after a fault.
+    /// Reads at most `count` bytes from `offset` on. Returns the number of bytes, 0 at the end of the file or on an
+    /// error.
     std::size_t read(std::uint64_t offset, char* to, std::size_t count) const;
     /// Returns the first `bytes` bytes; fewer when the file has no more.
     std::string beginning(std::size_t bytes) const;
-    /// Returns the content, or nothing when it is longer than `maxBytes` or cannot be read.
+    /// Returns the content, or nothing when it exceeds `maxBytes` or cannot be read.
     std::optional<std::string> content(std::size_t maxBytes) const;
 
 private:
@@ -37,17 +38,17 @@ private:
     std::uint64_t size_;
 };
 
-/// How openBeneath() goes from the folder to the file.
+/// How openBeneath() resolves the path.
 enum class OpenWay : std::uint8_t
 {
-    Usual,    ///< in one step of the system, or where the system has none such, part by part
-    Stepwise, ///< part by part
+    Usual,    ///< by one system call, or stepwise if the system does not support it
+    Stepwise, ///< component by component
 };
 
-/// Opens the file at `relative` below the folder `root`. `relative` is decoded, has "/" between its parts and any
-/// bytes. Check and opening are one: no part may be "..", hidden or a symbolic link, so whoever swaps parts of the path
-/// meanwhile gains nothing. Returns nothing unless there is a regular file with one name only; a further name (a hard
-/// link) could have been given to a file from elsewhere. A pipe or a device is not waited for.
+/// Opens the file at `relative` below the folder `root`. `relative` is decoded, its separator is "/", and it may
+/// contain any bytes. No component may be "..", hidden or a symbolic link; this is checked while opening, so swapping
+/// components meanwhile has no effect. Returns null unless the path names a regular file with only one name: a second
+/// name (hard link) may belong to a file from elsewhere. Does not block on pipes and devices.
 std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string_view relative,
                                             OpenWay way = OpenWay::Usual);
 

@@ -12,11 +12,11 @@ struct Failure
     std::string message;
 };
 
-/// What a function returns that can fail for reasons that a person has to read.
+/// The result of a function whose failures a person reads.
 template <class T>
 using Outcome = Expected<T, Failure>;
 
-/// The value of a function that has nothing to return but its success.
+/// The value of a function that returns only success.
 struct Done
 {};
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// ASCII letters and digits, alike in every locale. Bytes above 127 are none of these.
+/// ASCII letters and digits, independent of the locale. Bytes above 127 are neither.
 namespace quarrynet {
 
 constexpr bool isAscii(char c)
@@ -17,7 +17,7 @@ constexpr bool isAsciiControl(char c)
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
-/// Returns whether `c` is white space or a byte that shows nothing.
+/// Returns whether `c` is whitespace or a control byte.
 constexpr bool isBlankOrControl(char c)
 {
     return c == ' ' || isAsciiControl(c);
@@ -48,7 +48,7 @@ constexpr bool isAsciiAlphanumeric(char c)
     return isAsciiDigit(c) || isAsciiLetter(c);
 }
 
-/// Returns the value of a hexadecimal digit of either case; -1 for any other byte.
+/// Returns the value of a hexadecimal digit in either case, or -1 for any other byte.
 constexpr int hexDigitValue(char c)
 {
     if (isAsciiDigit(c))
@@ -65,10 +65,10 @@ constexpr char toLowerAscii(char c)
     return isAsciiUpper(c) ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Returns `text` with A to Z in lower case; other bytes stay.
+/// Returns `text` with A to Z in lower case; other bytes are unchanged.
 std::string toLowerAscii(std::string_view text);
 
-/// Compare A to Z without case; every other byte equals itself only.
+/// Returns whether the texts are equal; A to Z are case-insensitive.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 bool startsWithIgnoringCase(std::string_view text, std::string_view beginning);
 bool endsWithIgnoringCase(std::string_view text, std::string_view ending);

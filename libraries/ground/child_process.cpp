@@ -14,7 +14,7 @@ namespace quarrynet {
 bool makePipe(int (&ends)[2])
 {
 #ifdef __linux__
-    return ::pipe2(ends, O_CLOEXEC) == 0; // in one step: another thread may be starting a program
+    return ::pipe2(ends, O_CLOEXEC) == 0; // atomic, because another thread may be starting a program
 #else
     return ::pipe(ends) == 0 && ::fcntl(ends[0], F_SETFD, FD_CLOEXEC) == 0 &&
            ::fcntl(ends[1], F_SETFD, FD_CLOEXEC) == 0;

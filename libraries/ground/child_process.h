@@ -10,18 +10,19 @@
 
 namespace quarrynet {
 
-/// The two ends of a pipe, the reading one first, or of a connection. They are closed in programs that are started
-/// here, unless they are put in a standard descriptor's place. False when the system has none left.
+/// Creates a pipe (reading end first) or a pair of connected sockets. Child processes do not inherit the ends, unless
+/// they are duplicated to standard descriptors. Returns false when the system has none left.
 bool makePipe(int (&ends)[2]);
 bool makeSocketPair(int (&ends)[2]);
 
-/// The last of the actions with which a program is started: closes everything but the three standard descriptors in it,
-/// also what a library opened without a thought for it. Needs glibc 2.34; elsewhere what is opened here has to do.
+/// Appends an action that closes all descriptors except the three standard ones in the child process, including those
+/// that a library opened without O_CLOEXEC. Call it after adding all other actions. Needs glibc 2.34, else does
+/// nothing.
 void closeOtherDescriptors(posix_spawn_file_actions_t& actions);
 
-/// Runs the program `arguments[0]` (found as execvp finds it) without a shell, with no input and this process's error
-/// output, and hands its standard output on piece by piece. Fails when it cannot be started or ends with another status
-/// than 0; what was handed on before that stays handed on.
+/// Runs the program `arguments[0]` (searched in PATH) without a shell, with empty input and this process's standard
+/// error, and passes its standard output to `take` piece by piece. Fails when the program cannot be started or its exit
+/// status is not 0; pieces already passed stay passed.
 Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
                                 const std::function<void(std::string_view)>& take);
 

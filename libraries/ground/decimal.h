@@ -8,10 +8,10 @@
 
 #include "ground/ascii.h"
 
-/// Decimal numbers, read alike in every locale. No reader takes "inf", "nan", "0x10" or "1e3" for a number.
+/// Decimal numbers, independent of the locale. No function here reads "inf", "nan", "0x10" or "1e3" as a number.
 namespace quarrynet {
 
-/// Returns the length of the run of digits that `text` begins with.
+/// Returns the number of digits at the beginning of `text`.
 constexpr std::size_t countLeadingDigits(std::string_view text)
 {
     std::size_t length = 0;
@@ -20,8 +20,8 @@ constexpr std::size_t countLeadingDigits(std::string_view text)
     return length;
 }
 
-/// Returns the whole number that `text` consists of, or nothing. `text` is digits only, at most as many as always fit:
-/// 9 for an int of 32 bits, 18 for 64 bits. No sign and no blanks.
+/// Returns the number that `text` consists of, or nothing. `text` may contain only digits, and at most as many as
+/// always fit: 9 for 32 bits, 18 for 64 bits.
 template <class Integer>
 std::optional<Integer> wholeNumberAs(std::string_view text)
 {
@@ -41,12 +41,12 @@ inline std::optional<int> wholeNumber(std::string_view text)
 struct DecimalNumber
 {
     double value;
-    std::size_t length; ///< how many bytes of the text it takes
+    std::size_t length; ///< length in bytes
 };
 
-/// Returns the number that `text` begins with: an optional sign, digits, and at most one decimal point before, between
-/// or behind them. The value is the double that is nearest to it; infinity when it is too large for a double, zero when
-/// it is too small. Returns nothing when there is no digit.
+/// Returns the number at the beginning of `text`: an optional sign, digits, and at most one decimal point before,
+/// between or after them. The value is the nearest double: infinity when it is too large, zero when it is too small.
+/// Returns nothing when there is no digit.
 std::optional<DecimalNumber> decimalNumber(std::string_view text);
 
 } // namespace quarrynet

@@ -17,7 +17,7 @@ std::optional<Utf8Character> utf8Character(std::string_view bytes)
     if (lead < 0x80)
         return Utf8Character{lead, 1};
 
-    // Only the second byte has bounds of its own, and they depend on the first.
+    // Only the second byte has a special range, which depends on the first.
     std::size_t length = 0;
     char32_t number = 0;
     unsigned char low = 0x80;

@@ -10,17 +10,16 @@ namespace quarrynet {
 
 struct Utf8Character
 {
-    char32_t number;    ///< 0 to 0x10FFFF, no surrogate
-    std::size_t length; ///< of its sequence in bytes, 1 to 4
+    char32_t number;    ///< 0 to 0x10FFFF, not a surrogate
+    std::size_t length; ///< bytes in its sequence, 1 to 4
 
     bool operator==(const Utf8Character&) const = default;
 };
 
-/// Returns the character that `bytes` begins with. Returns nothing when `bytes` is empty or does not begin with a
-/// complete well-formed sequence.
+/// Returns the first character of `bytes`, or nothing when `bytes` does not begin with a complete well-formed sequence.
 std::optional<Utf8Character> utf8Character(std::string_view bytes);
 
-/// Returns whether `byte` is one that follows the first byte of a sequence.
+/// Returns whether `byte` is a continuation byte of a sequence.
 inline bool isUtf8Continuation(char byte)
 {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
@@ -29,17 +28,16 @@ inline bool isUtf8Continuation(char byte)
 /// Returns whether `bytes` is well-formed UTF-8.
 bool isUtf8(std::string_view bytes);
 
-/// Returns `bytes` unchanged when they are well-formed UTF-8. Otherwise reads every byte as one Latin-1 character.
+/// Returns `bytes` unchanged if they are well-formed UTF-8; otherwise decodes them as Latin-1.
 std::string toUtf8(std::string_view bytes);
 
-/// Returns `bytes` with U+FFFD in place of every byte that belongs to no well-formed sequence.
+/// Returns `bytes` with U+FFFD in place of every byte that is not in a well-formed sequence.
 std::string withoutBrokenCharacters(std::string_view bytes);
 
-/// Appends the character with this number; U+FFFD for a number that is no character.
+/// Appends the character with this number, or U+FFFD if there is none.
 void appendUtf8(std::string& text, char32_t number);
 
-/// Returns the longest beginning of the UTF-8 `text` that has at most `bytes` bytes and does not end inside a
-/// character.
+/// Returns the longest prefix of the UTF-8 `text` with at most `bytes` bytes that does not end inside a character.
 std::string_view clipUtf8(std::string_view text, std::size_t bytes);
 
 } // namespace quarrynet
