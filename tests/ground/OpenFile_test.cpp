@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Every case both ways: as the system does it in one step, and part by part.
+/// Runs every case both ways: by one system call, and stepwise.
 class OpenBeneath : public ::testing::TestWithParam<OpenWay>
 {
 protected:
@@ -90,7 +90,7 @@ TEST_P(OpenBeneath, RefusesFurtherNamesPipesAndSockets)
 {
     fs::create_hard_link(all_.path() + "/outside.html", root_ + "/hard.html");
     EXPECT_EQ(contentOf("hard.html"), std::nullopt);
-    // A pipe without a writer would keep whoever opens it.
+    // Opening a pipe without a writer would block.
     ASSERT_EQ(::mkfifo((root_ + "/pipe.html").c_str(), 0600), 0);
     EXPECT_EQ(contentOf("pipe.html"), std::nullopt);
     const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);

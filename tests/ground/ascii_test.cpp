@@ -9,7 +9,7 @@ using namespace quarrynet;
 
 namespace {
 
-/// The bytes, from 0 to 255, that `is` takes.
+/// Returns the bytes, from 0 to 255, that `is` accepts.
 template <class Is>
 std::string taken(Is is)
 {
@@ -63,7 +63,7 @@ TEST(IgnoringCase, OnlyLettersOfAsciiLoseTheirCase)
     EXPECT_TRUE(equalsIgnoringCase("", ""));
     EXPECT_FALSE(equalsIgnoringCase("a", ""));
     EXPECT_FALSE(equalsIgnoringCase("ab", "a"));
-    EXPECT_FALSE(equalsIgnoringCase("[", "{")); // they differ as a and A do
+    EXPECT_FALSE(equalsIgnoringCase("[", "{")); // they differ by the same bit as "a" and "A"
     EXPECT_FALSE(equalsIgnoringCase("\xC4", "\xE4"));
     EXPECT_FALSE(equalsIgnoringCase(std::string_view("a\0b", 3), std::string_view("a\0c", 3)));
 }

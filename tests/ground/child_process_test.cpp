@@ -8,7 +8,7 @@ using namespace quarrynet::services;
 
 namespace {
 
-/// What a program prints, with "!" behind it when it fails.
+/// Returns the output of a program, with "!" appended when it fails.
 std::string outputOf(const std::vector<std::string>& arguments)
 {
     std::string output;

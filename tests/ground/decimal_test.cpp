@@ -12,7 +12,7 @@ using namespace quarrynet;
 
 namespace {
 
-/// The value and the length together, "none" where there is no number.
+/// Returns value and length, or "none" when there is no number.
 std::string read(std::string_view text)
 {
     const std::optional<DecimalNumber> number = decimalNumber(text);
@@ -60,7 +60,7 @@ TEST(DecimalNumber, NoneWithoutADigit)
         EXPECT_EQ(read(text), "none") << text;
 }
 
-// Summing up the digits' places once gave 0.30000000000000004.
+// Adding up the digits once gave 0.30000000000000004.
 TEST(DecimalNumber, IsTheNearestDouble)
 {
     EXPECT_EQ(decimalNumber("0.3")->value, 0.3);

@@ -63,7 +63,7 @@ TEST(Utf8Character, EveryFirstByteHasItsLength)
             length = 3;
         else if (lead >= 0xF0 && lead < 0xF5)
             length = 4;
-        // In bounds behind each: 90, but for E0, which needs A0 or more, and F4, which needs 8F or less.
+        // 90 is valid after any lead byte except E0, which needs A0 or more, and F4, which needs 8F or less.
         const int second = lead == 0xE0 ? 0xA0 : lead == 0xF4 ? 0x8F : 0x90;
         const std::optional<Utf8Character> found = first(bytes({lead, second, 0x80, 0x80, 0x80}));
         ASSERT_EQ(found ? found->length : 0, length) << lead;

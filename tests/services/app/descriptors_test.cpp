@@ -116,7 +116,7 @@ TEST(Descriptors, ProgramsOfARunningServiceHaveNone)
     HttpServer server;
     const auto port = std::get<std::uint16_t>(server.listen("127.0.0.1", 0, [&](const HttpRequest&) {
         Thumbnailer thumbnailer(listingProgram(folder), {std::chrono::seconds(60), 1});
-        (void)thumbnailer.make(PictureFormat::Png, "x"); // ends with the program
+        (void)thumbnailer.make(PictureFormat::Png, "x"); // returns when the program ends
         ofThumbnails = foreign(folder);
         (void)readProgramOutput({"ls", "-l", "/proc/self/fd"}, [&](std::string_view piece) { ofOutput.append(piece); });
         kept = inheritable(before);
@@ -136,7 +136,7 @@ TEST(Descriptors, ProgramsOfARunningServiceHaveNone)
     for (const std::string& target : open)
         sockets += target.starts_with("socket:") && target != nameOf(STDERR_FILENO) ? 1 : 0;
     EXPECT_EQ(sockets, 0U) << ofOutput;
-    EXPECT_LE(open.size(), 4U) << ofOutput; // the standard three and the folder that it lists
+    EXPECT_LE(open.size(), 4U) << ofOutput; // the three standard ones and the folder being listed
     EXPECT_EQ(kept, "");
 }
 
@@ -146,7 +146,7 @@ TEST(Descriptors, WhatWasForgottenIsClosedToo)
 {
     const TemporaryFolder folder;
     const std::string content = folder.write("content", "x");
-    const std::ifstream stream(content); // the library opens it for everybody
+    const std::ifstream stream(content); // libstdc++ opens it without O_CLOEXEC
     const int forgotten = ::open(content.c_str(), O_RDONLY);
     ASSERT_GT(forgotten, STDERR_FILENO);
     Thumbnailer thumbnailer(listingProgram(folder), {std::chrono::seconds(60), 1});

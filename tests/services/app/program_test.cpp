@@ -55,7 +55,7 @@ public:
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
 
-    /// One line of output without its end; what there is when the output ends.
+    /// Returns one line of output without its end, or an incomplete one at the end of the output.
     std::string readLine() const
     {
         std::string line;
@@ -65,7 +65,7 @@ public:
         return line;
     }
 
-    /// The line "NAME:" of what the system says about the process, without the name.
+    /// Returns the value of the line "NAME:" in the process's /proc status.
     std::string status(const std::string& name) const
     {
         std::ifstream file("/proc/" + std::to_string(process_) + "/status");
@@ -78,7 +78,7 @@ public:
 
     void signal(int number) const { ::kill(process_, number); }
 
-    /// The exit status; -1 when a signal ended it.
+    /// Returns the exit status, or -1 if a signal ended the process.
     int wait()
     {
         if (process_ <= 0)
@@ -115,7 +115,7 @@ protected:
 
     void index()
     {
-        // Root becomes somebody else, who has to get there.
+        // The services give up root's rights, so the folder must be accessible to another user.
         std::filesystem::permissions(folder_.path(), std::filesystem::perms::others_exec,
                                      std::filesystem::perm_options::add);
         folder_.write("pics/sample.png", quarrynet::samples::dataFile("pictures/sample.png"));
@@ -220,7 +220,7 @@ TEST_F(Program, IndexIfNeededLeavesAUsableIndexAlone)
 TEST_F(Program, ServiceThatCannotListenAnswersThroughTheProxy)
 {
     index();
-    // An address of the documentation range is never this machine's.
+    // This machine never has an address of the documentation range.
     Running server = serve({"--web-address", "192.0.2.1"});
     const std::string ready = server.readLine();
     EXPECT_NE(ready.find(" web=- "), std::string::npos) << ready;
@@ -263,11 +263,11 @@ TEST_F(Program, TheDataFolderIsItsUsersAlone)
         fs::permissions(data() + name, fs::perms::others_read | fs::perms::group_read, fs::perm_options::add);
     }
     fs::permissions(data(), kOthers, fs::perm_options::add);
-    // What older versions made.
+    // Older versions made files with these permissions.
     EXPECT_EQ(start({"index", "--if-needed", "--data", data()}).wait(), 0);
     EXPECT_EQ(fs::status(data()).permissions() & kOthers, fs::perms::none);
     EXPECT_EQ(fs::status(data() + "/index.sqlite").permissions() & kOthers, fs::perms::none);
-    // A folder with other things in it is left as it is, its index is not.
+    // A folder that contains other things is unchanged, but its index is made private.
     folder_.write("data/other", "");
     fs::permissions(data(), fs::perms::others_exec, fs::perm_options::add);
     fs::permissions(data() + "/index.sqlite", fs::perms::others_read, fs::perm_options::add);
@@ -281,7 +281,7 @@ TEST_F(Program, TheDataFolderIsItsUsersAlone)
 TEST_F(Program, WhatListeningTookIsGivenUp)
 {
     index();
-    // Nobody but root gets here any more.
+    // Only root can enter the folder now.
     std::filesystem::permissions(folder_.path(), std::filesystem::perms::owner_all);
     Running server = serve();
     const std::string ready = server.readLine();
@@ -292,7 +292,7 @@ TEST_F(Program, WhatListeningTookIsGivenUp)
     EXPECT_EQ(server.status("Gid").find("\t0"), std::string::npos) << server.status("Gid");
     const std::string query = "/search?q=apple";
     EXPECT_NE(ask("127.80.0.1", portOf(ready, "web"), query).find("apple.example"), std::string::npos);
-    // An index that root makes meanwhile is found as well.
+    // The services also find an index that root makes later.
     const std::string list = folder_.write("list", "Package: pear\nHomepage: http://pear.example/\n");
     Running again({"index", "--data", data(), "--packages", list, "--folder", folder_.path() + "/none", "--pictures",
                    folder_.path() + "/none"},
@@ -368,7 +368,7 @@ TEST_F(Program, HoldsNoPathOfTheSourceTree)
     std::ifstream file(QUARRYNET_SERVICES, std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(file), {}};
     ASSERT_NE(content.find("quarrynet-services: ready"), std::string::npos);
-    // The compiler stores short texts in pieces of sixteen bytes.
+    // The compiler splits short strings into pieces of 16 bytes.
     EXPECT_EQ(content.find(std::string_view(QUARRYNET_SOURCE_FOLDER).substr(0, 16)), std::string::npos);
 }
 

@@ -51,7 +51,7 @@ TEST(StartServices, OneThatCannotListenBeginsAllTheSame)
     HttpServer server;
     Router router;
     std::map<std::string, std::string> bases;
-    // An address of the documentation range is never this machine's.
+    // This machine never has an address of the documentation range.
     std::vector<Service> services{named("far", "192.0.2.1", bases), named("near", "127.80.1.2", bases)};
     services[1].host = "127.80.1.3";
     services.push_back(named("plain", "127.80.1.4", bases));

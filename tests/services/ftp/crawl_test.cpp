@@ -18,7 +18,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Time that passes only while somebody waits.
+/// A clock that advances only in wait().
 class TestClock
 {
 public:
@@ -56,7 +56,7 @@ Outcome<Crawl> crawlSite(const std::string& site, const std::string& path = "", 
     return crawl(path, limits, clock.tools([&client](std::string_view place) { return client.list(place); }));
 }
 
-/// A tree with links that lead round.
+/// Makes a tree with cyclic links.
 void plant(const TemporaryFolder& folder)
 {
     folder.write("root/pub/file.txt", "hello");
@@ -79,7 +79,7 @@ const std::set<std::string> kPlanted{"empty/",
                                      "pub/sub/up/",
                                      "pub/with blank + #1 %41.zip"};
 
-/// The Python that Debian's packages are for; nothing when it cannot run the server.
+/// Returns the Python interpreter of Debian's packages, or nothing if it cannot run the server.
 class MlsdServer
 {
 public:
@@ -236,7 +236,7 @@ TEST(Crawl, EndlessDirectoriesEndAtTheLimits)
 
 TEST(Crawl, ListingsTogetherAreBoundedInMemory)
 {
-    // What a hostile server can make long: names, facts, the targets of links, and paths.
+    // Everything that a hostile server can make long: names, facts, link targets and paths.
     const std::string longName(1000, 'n');
     for (const std::string& line :
          {"type=file; NUMBER" + longName, "type=dir;unique=NUMBER" + std::string(200, 'u') + "; NUMBER",

@@ -163,7 +163,7 @@ TEST(RequestReader, MalformedRequestsAreRefused)
 
 TEST(RequestReader, FoldedLineIsOneValue)
 {
-    // RFC 9112, section 5.2: refused, or read as with a blank in place of the fold. This host is nobody's.
+    // RFC 9112, section 5.2: a folded line is rejected, or read with a blank for the fold. No service has this host.
     EXPECT_EQ(requestOf("GET / HTTP/1.1\r\nHost: a\r\n folded\r\n\r\n").host, "a folded");
 }
 

@@ -131,7 +131,7 @@ TEST_F(Index, ProcessKilledWhileIndexingLeavesTheOldIndexWhole)
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        // The first progress line comes in the middle of the packages.
+        // The first progress line comes while packages are being added.
         (void)buildIndex(data_.path(), {{list}}, [](const std::string&) { ::_exit(9); });
         ::_exit(0);
     }
@@ -244,7 +244,7 @@ TEST_F(Index, PagesThatRepeatAWordAreFoundLikeOthers)
     for (int i = 0; i < 30; ++i)
         input_.write("docs/" + std::to_string(i) + ".html", page);
     ASSERT_TRUE(build("", {input_.path() + "/docs"}));
-    // Where the cost is the square of the matches, one such page takes many seconds.
+    // With a cost quadratic in the number of matches, one such page takes many seconds.
     IndexPool pool(data_.path(), std::chrono::seconds(60));
     EXPECT_EQ(find(pool, "a b \"a b\" \"b a\"").size(), 30U);
 }
@@ -283,7 +283,7 @@ TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
     forced.force = true;
     EXPECT_TRUE(buildIndex(data_.path(), forced, quiet));
     EXPECT_EQ(find(pool, "apple").size(), 1U);
-    // An index of another layout may have counted the packages of a page apart.
+    // An index of another layout may have counted differently.
     ASSERT_TRUE(build(many));
     const std::string other = "PRAGMA user_version = " + std::to_string(kIndexLayout - 1);
     ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute(other.c_str()));

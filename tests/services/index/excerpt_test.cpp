@@ -13,7 +13,7 @@ namespace {
 class Excerpts : public ::testing::Test
 {
 protected:
-    /// The excerpts of one text with this many words for a search, matches in brackets; "!" for a failure.
+    /// Returns the excerpt of `text` with matches in brackets, or "!" on a failure.
     static std::string of(const std::string& text, const std::string& searched, int words)
     {
         Outcome<Database> database = Database::open(":memory:", Database::Access::Create);

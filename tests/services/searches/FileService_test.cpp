@@ -149,7 +149,7 @@ TEST_F(Files, TypedNameThenBeginningsThenTheRest)
     EXPECT_EQ(find("git"), (Names{"pool/git_1.deb", "pool/git.tar", "pool/gitk_1.deb", "pool/gitaa_1.deb",
                                   "pool/gitlab-git_1.deb", "pool/agit_1.deb", "pool/digit_1.deb"}));
     EXPECT_EQ(find("GIT").front(), "pool/git_1.deb");
-    // All words have to be there, wherever the name begins.
+    // A file is found only if its name contains all words, wherever they are.
     EXPECT_EQ(find("git lab"), (Names{"pool/gitlab-git_1.deb"}));
     EXPECT_EQ(find("1 git k"), (Names{"pool/gitk_1.deb"}));
     EXPECT_EQ(find("g t a"), (Names{"pool/gitaa_1.deb", "pool/git.tar", "pool/gitlab-git_1.deb", "pool/agit_1.deb"}));
@@ -175,7 +175,7 @@ TEST_F(Files, PagesOverBeginningsAndTheRestHoldEachNameOnce)
         for (std::size_t i = 0; i < all.size(); ++i)
             EXPECT_EQ(all[i].substr(0, 10) == "pool/apple", i < 33) << typed << all[i];
     }
-    // Pages need not begin where the program lets them begin.
+    // The start need not be a multiple of the page size.
     EXPECT_EQ(find("apple", 30).size(), 20U);
     EXPECT_EQ(find("apple", 65).size(), 1U);
     EXPECT_EQ(find("apple", 66), Names());

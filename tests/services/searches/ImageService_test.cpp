@@ -62,7 +62,7 @@ protected:
         return route == Route::Direct ? router_.answerAt(handler, *request) : router_.answerAsProxy(*request);
     }
 
-    /// The addresses on the pages of a search, read back from both forms of the request and on both routes.
+    /// Returns the addresses on all pages of a search, parsed from both forms of the request and on both routes.
     std::vector<std::string> readBack(const std::string& typed)
     {
         std::vector<std::string> addresses;
@@ -185,7 +185,7 @@ TEST_F(Images, ServesThePictureAndItsThumbnail)
     const HttpResponse thumbnail = get(thumbnailOf("127.80.0.2/pictures/1/a.png"));
     EXPECT_EQ(thumbnail.status, 200);
     EXPECT_EQ(pictureFormat(thumbnail.body), PictureFormat::Jpeg);
-    // A changed file has another thumbnail at once.
+    // A changed file gets another thumbnail at once.
     input_.write("pics/a.png", dataFile("pictures/sample.gif"));
     EXPECT_NE(get(thumbnailOf("127.80.0.2/pictures/1/a.png")).body, thumbnail.body);
 }

@@ -66,7 +66,7 @@ protected:
         ASSERT_TRUE(counts) << counts.error().message;
     }
 
-    /// The body of the answer to a request of the program's.
+    /// Returns the body of the response to one of the program's requests.
     std::string fetch(const std::string& host, Route route, const std::string& bytes)
     {
         const HeadState head = RequestReader().take(ExactCopy(bytes).view());
@@ -154,7 +154,7 @@ protected:
                 const FileResults read = parseFileResults(body);
                 ASSERT_FALSE(read.fault) << typed;
                 ASSERT_EQ(read.nothingFound, held->hits.empty()) << typed;
-                // The program shows a page's files before its directories.
+                // The program lists a page's files before its directories.
                 std::vector<FileHit> hits = held->hits;
                 std::stable_partition(hits.begin(), hits.end(), [](const FileHit& hit) { return !hit.directory; });
                 ASSERT_EQ(read.rows.size(), hits.size()) << typed;
@@ -305,7 +305,7 @@ TEST_F(Pages, TextsThatSpellTheMarkersAreReadBackWhole)
     }
     build(stanzas);
     for (const std::string& part : parts) {
-        // A typed word may go into the page as well.
+        // The page may also contain the typed word.
         readWebPages("apple " + part);
         readDownloadPages("apple " + part);
         readFilePages("apple " + part);
@@ -343,7 +343,7 @@ TEST_F(Pages, CrawledNamesAreReadBackAndSurviveANewIndex)
     const FileResults read = parseFileResults(body);
     ASSERT_FALSE(read.fault);
     ASSERT_EQ(read.rows.size(), 12U);
-    // The very name first, then crawled names that begin with it, then the other crawled ones.
+    // The exact name comes first, then crawled names that begin with it, then the other crawled ones.
     EXPECT_EQ(read.rows[0].name, "apple_1.deb");
     EXPECT_EQ(read.rows[1].name, "apple not&#32;found");
     EXPECT_EQ(read.rows[3].name, "apple=:%41");
@@ -354,7 +354,7 @@ TEST_F(Pages, CrawledNamesAreReadBackAndSurviveANewIndex)
     EXPECT_EQ(read.rows[10].name, "&#32;apple");
     EXPECT_EQ(read.rows[10].path, "ftp://127.0.0.1:2121/not%20found/%3Cdir%3E/c%2B%2B%20cl%61ss/%20apple/");
     EXPECT_EQ(read.rows[10].size, "<Dir>");
-    // The link of a directory row leads to what lies in it.
+    // The link in a directory row lists that directory.
     EXPECT_EQ(files_.search("ftp://127.0.0.1:2121/not found/<dir>/c++ class/", 0)->hits.size(), 11U);
 }
 

@@ -102,7 +102,7 @@ TEST_F(Ranking, NamesThatBeginWithTheTypedTextComeNextShortOnesFirst)
     add("python3", "an interactive language");
     add("pythonpy", "python -c");
     build();
-    // "python3" holds the word only as its beginning.
+    // "python3" contains the word only as a prefix.
     EXPECT_EQ(programs("python"), (Names{"python3", "pythonpy", "python-zebra", "snake"}));
     EXPECT_EQ(programs("pyth"), (Names{"python3", "pythonpy", "python-zebra"}));
 }
@@ -122,14 +122,14 @@ TEST_F(Ranking, CompanionsGoBehindWhatTheyBelongTo)
         add(std::string("tool").append(ending), "tool");
     add("tool-with-a-long-name", "a tool for this and that and the other");
     add("tool", "a tool for this and that and the other");
-    add("hammer-data", "data of a tool"); // belongs to nothing that is here
+    add("hammer-data", "data of a tool"); // it belongs to no program here
     build();
     const Names found = programs("tool");
     ASSERT_EQ(found.size(), 10U);
     EXPECT_EQ(found[0], "tool");
     EXPECT_EQ(found[1], "tool-with-a-long-name");
     EXPECT_EQ(found[9], "hammer-data");
-    // By its name a companion is found like any other.
+    // The full name of a companion finds it like any other program.
     EXPECT_EQ(programs("tool-doc").front(), "tool-doc");
     EXPECT_EQ(programs("tool doc").front(), "tool-doc");
 }
@@ -178,7 +178,7 @@ TEST_F(Ranking, PagesHoldEachProgramOnceAndTheTotalIsRight)
         const std::string name = std::string("apple").append(number);
         add(name, "fruit");
         add(std::string(name).append("-doc"), "fruit");
-        add(std::string("x").append(number), "apple"); // all of the same rank
+        add(std::string("x").append(number), "apple"); // all have the same rank
     }
     build();
     EXPECT_EQ(downloads_.search("apple", 0)->total, 120);
@@ -197,7 +197,7 @@ TEST_F(Ranking, AnAddressIsOneResult)
     build();
     EXPECT_EQ(counts_.homePages, 2U);
     EXPECT_EQ(pages("snake"), (Names{"https://WWW.snake.example/"}));
-    // It is found by what any of its packages says.
+    // The texts of all its packages find it.
     for (const char* typed : {"idle", "environment", "written", "library programs", "libsnake3", "manual"})
         EXPECT_EQ(pages(typed), (Names{"https://WWW.snake.example/"})) << typed;
     EXPECT_EQ(web_.search("manual", 0)->hits[0].title, "snake3 - the language");

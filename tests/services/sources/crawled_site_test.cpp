@@ -42,7 +42,7 @@ TEST(StoreCrawl, IsFoundByTheFileSearchAndReplacesTheCrawlBefore)
     store("ftp://c/", "apple two");
     EXPECT_EQ(find("apple"), (std::set<std::string>{"ftp://c/dir/apple%20two", "ftp://h/pool/apple_1.deb"}));
     EXPECT_EQ(find("ftp://c/dir/"), (std::set<std::string>{"ftp://c/dir/apple%20two"}));
-    // A crawl of the mirror takes the place of what its package lists say, also in the next index.
+    // A crawl of a mirror replaces the files of its package lists, also in the next index.
     store("ftp://h/", "apple three");
     EXPECT_EQ(find("apple"), (std::set<std::string>{"ftp://c/dir/apple%20two", "ftp://h/dir/apple%20three"}));
     ASSERT_TRUE(buildIndex(data.path(), sources, quiet));

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Makes folders within one another, deeper than findFiles() goes and than a path may be long.
+/// Makes nested folders, deeper than findFiles() descends and longer than a path may be.
 void plantTooDeep(const std::string& folder)
 {
     const std::string name(200, 'd');
@@ -76,7 +76,7 @@ TEST_F(DocumentFolders, PassesOverFurtherNames)
 
 TEST_F(DocumentFolders, GoesOnPastWhatCannotBeRead)
 {
-    // Longer than the system takes a path, so that nobody can list it.
+    // The path exceeds the system's limit, so nobody can list this folder.
     for (const char* name : {"d1", "d2", "d3"})
         plantTooDeep(root_ + "/" + name);
     for (int i = 0; i < 50; ++i)

@@ -97,7 +97,7 @@ TEST(StanzaReader, CutAnywhereNeverFails)
 TEST(StanzaReader, StanzaWithoutNameIsPassedOver)
 {
     EXPECT_TRUE(readText("Version: 1\nSize: 3\n\nnonsense\n\n: x\n").empty());
-    EXPECT_TRUE(readText("Package: \x1f\x1f\nSize: 3\n").empty()); // once a package with an empty name
+    EXPECT_TRUE(readText("Package: \x1f\x1f\nSize: 3\n").empty()); // once gave a package with an empty name
 }
 
 TEST(StanzaReader, FieldNamesAreComparedWithoutCaseAndLinesMayEndInCrLf)

@@ -41,8 +41,8 @@ public:
     Listener& operator=(const Listener&) = delete;
 
     std::uint16_t port() const { return port_; }
-    /// A connection whose short replies go out at once: held back until the one before is acknowledged, each would take
-    /// as long as the other side delays that.
+    /// Accepts a connection that sends short replies at once. Otherwise each would wait until the client acknowledged
+    /// the previous one, which the client delays.
     int accept() const
     {
         const int connection = ::accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
@@ -51,7 +51,7 @@ public:
             ::setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         return connection;
     }
-    /// Lets accept() fail from now on.
+    /// Makes accept() fail from now on.
     void end() const { ::shutdown(socket_, SHUT_RDWR); }
 
 private:
@@ -59,7 +59,7 @@ private:
     std::uint16_t port_ = 0;
 };
 
-/// Serves each connection in turn by `serve`, which gets the socket and need not close it.
+/// Passes each connection in turn to `serve`, which need not close the socket.
 class TestServer
 {
 public:
@@ -87,7 +87,7 @@ private:
     std::thread thread_;
 };
 
-/// Runs a program with the socket as its input and output until it ends: how FTP servers are run by a superserver.
+/// Runs a program, as inetd does, with the socket as its input and output, and waits until it ends.
 inline void serveByProgram(int socket, std::vector<std::string> arguments)
 {
     posix_spawn_file_actions_t actions;
@@ -104,11 +104,11 @@ inline void serveByProgram(int socket, std::vector<std::string> arguments)
     posix_spawn_file_actions_destroy(&actions);
 }
 
-/// The server's half of a control connection whose listings the test makes up.
+/// The server side of a control connection, with listings supplied by the test.
 class MadeUpFtp
 {
 public:
-    /// What is in the directory (seen from the root, "" or "a/b"): the reply's code, and the listing when it is 226.
+    /// The response for a directory (relative to the root, "" or "a/b"): the code, and the listing if that is 226.
     struct Reply
     {
         int code = 226;

@@ -16,10 +16,10 @@
 #include <utility>
 #include <vector>
 
-/// What the tests of the services share.
+/// Shared by the tests of the services.
 namespace quarrynet::services {
 
-/// A folder of its own for a test, removed with all that is in it.
+/// A temporary folder, removed with its content at the end.
 class TemporaryFolder
 {
 public:
@@ -40,7 +40,7 @@ public:
 
     const std::string& path() const { return path_; }
 
-    /// The path of a file made with this content, its folders included.
+    /// Creates a file, and its folders, with this content. Returns its path.
     std::string write(const std::string& name, std::string_view content) const
     {
         const std::filesystem::path file = std::filesystem::path(path_) / name;
@@ -53,7 +53,7 @@ private:
     std::string path_;
 };
 
-/// A copy without a byte to spare behind it, so that the sanitizer sees a reader that goes too far.
+/// A copy with no spare bytes after it, so that the sanitizer detects reads beyond its end.
 class ExactCopy
 {
 public:
@@ -83,7 +83,7 @@ public:
 
     bool connected() const { return connected_; }
 
-    /// False when the server no longer takes it.
+    /// Returns false when the server has closed the connection.
     bool send(std::string_view bytes) const
     {
         while (!bytes.empty()) {
@@ -97,14 +97,14 @@ public:
 
     void endSending() const { ::shutdown(socket_, SHUT_WR); }
 
-    /// The connection is broken off, not closed, when the object ends.
+    /// Makes the destructor reset the connection instead of closing it.
     void resetAtEnd() const
     {
         const linger none{1, 0};
         ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &none, sizeof none);
     }
 
-    /// As receiveAll(); nothing when the server neither sends nor ends the connection for so many seconds.
+    /// Does the same as receiveAll(). Returns nothing when the server is silent for `seconds` seconds.
     std::optional<std::string> receiveAllWithin(int seconds) const
     {
         const timeval time{seconds, 0};
@@ -114,7 +114,7 @@ public:
         return timeIsUp ? std::nullopt : std::optional(std::move(all));
     }
 
-    /// Everything up to the server's end of the connection.
+    /// Returns everything until the server closes the connection.
     std::string receiveAll() const
     {
         std::string all;

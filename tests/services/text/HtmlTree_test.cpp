@@ -22,7 +22,7 @@ std::string repeated(std::string_view text, std::size_t times)
     return all;
 }
 
-/// The depth of the deepest node.
+/// Returns the depth of the deepest node.
 std::size_t depthOf(const HtmlTree& tree)
 {
     std::size_t deepest = 0;
@@ -65,7 +65,7 @@ TEST(LengthWithinLimits, EndsAtATagWithTooManyAttributes)
     EXPECT_EQ(lengthWithinLimits("<p a b=1 c='x y z'>", small()), 19U);
     EXPECT_EQ(lengthWithinLimits("one<p a b c d>", small()), 3U);
     EXPECT_EQ(lengthWithinLimits("<p a='1 2 3 4' b=\"<i a b c d>\">", small()), 31U);
-    // The parser compares the attributes of end tags as well, which are of no use.
+    // The parser compares attributes of end tags too, although they are useless.
     EXPECT_EQ(lengthWithinLimits("one</p a b c>", small()), 13U);
     EXPECT_EQ(lengthWithinLimits("one</p a b c d>", small()), 3U);
 }
@@ -136,7 +136,7 @@ TEST(LengthWithinLimits, RandomTagsNeverMakeADeepTree)
         }
         const HtmlTree tree(page, small());
         ASSERT_NE(tree.root(), nullptr);
-        // Those that do not count come on top.
+        // Implied elements add to the depth.
         EXPECT_LT(depthOf(tree), 80U) << page;
     }
 }
@@ -149,7 +149,7 @@ TEST(HtmlTree, EndsAtItsMemory)
     EXPECT_EQ(HtmlTree(repeated("<p>one", 20000), limits).root(), nullptr);
     limits.memory = 0;
     EXPECT_EQ(HtmlTree("<p>one", limits).root(), nullptr);
-    // Each paragraph opens all the formatting elements again.
+    // Each paragraph reopens all formatting elements.
     std::string page = "<p>";
     for (int i = 0; i < 400; ++i)
         page += "<b a" + std::to_string(i) + ">";
@@ -167,7 +167,7 @@ TEST(HtmlTree, EndsAtItsTime)
 
 TEST(HtmlTree, HostilePagesAreRead)
 {
-    // What takes memory or time with the square of the page in a parser without limits.
+    // Pages that take quadratic memory or time in a parser without limits.
     std::string attributes = "<p ";
     for (int i = 0; i < 40000; ++i)
         attributes.append("a").append(std::to_string(i)).append("=1 ");

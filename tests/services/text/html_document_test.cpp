@@ -50,7 +50,7 @@ TEST(ReadHtml, ReferencesThatAreNoneStay)
     EXPECT_EQ(readPage("&#xD800;&#9999999;").text, "\xef\xbf\xbd\xef\xbf\xbd");
 }
 
-// Only sixteen names were known, and those only with a semicolon.
+// Once only sixteen names were decoded, and only with a semicolon.
 TEST(ReadHtml, AllNamedReferencesAreDecoded)
 {
     EXPECT_EQ(readPage("<title>caf&eacute;</title>na&iuml;ve &hellip; &alpha;&Omega; &frac12; &NotEqualTilde;").title,
@@ -62,7 +62,7 @@ TEST(ReadHtml, AllNamedReferencesAreDecoded)
     EXPECT_EQ(readPage("&#128; &#x1F600;").text, "\xe2\x82\xac \xf0\x9f\x98\x80");
 }
 
-// The tag ended at the first ">", and the rest of the attribute became text.
+// Once the tag ended at the first ">", and the rest of the attribute became text.
 TEST(ReadHtml, AttributesMayHoldTagEnds)
 {
     EXPECT_EQ(readPage("<p title=\"a > b\">one</p><img alt='x>y<z'>two<a href=x?a>b>three</a>").text, "one twob>three");
@@ -108,7 +108,7 @@ TEST(ReadHtml, DeclaredEncodingIsRead)
           "<!-- <meta charset=utf-8> --><meta name=x content='>'><meta charset=koi8-r><meta charset=utf-8>",
           "<meta charset=nonsense><meta charset=koi8-r>", "<?xml version='1.0' encoding=\"KOI8-R\"?><html>"})
         EXPECT_EQ(readPage(declared + "\xc4\xc1").text, ok) << declared;
-    // Somewhere else it is no declaration.
+    // Elsewhere it is not a declaration.
     for (const std::string none :
          {"<!-- <meta charset=koi8-r> -->", "<p title='<meta charset=koi8-r>'>",
           "<meta name=description content='charset=koi8-r'>", "<script><meta charset=koi8-r></script>"})
@@ -152,7 +152,7 @@ TEST(ReadHtml, ByteOrderMarkGoesBeforeWhatIsDeclared)
     EXPECT_EQ(readPage(std::string_view("\xff\xfe<\0b\0>\0\xe9\0\x3d\xd8\x00\xde", 14)).text,
               "\xc3\xa9\xf0\x9f\x98\x80");
     EXPECT_EQ(readPage(std::string_view("\xfe\xff\0<\0b\0>\0\xe9", 10)).text, "\xc3\xa9");
-    // Cut inside of a character.
+    // The page ends inside a character.
     EXPECT_EQ(readPage(std::string_view("\xfe\xff\0a\0", 5)).text, "a\xef\xbf\xbd");
     EXPECT_EQ(readPage("\xff\xfe").text, "");
 }

@@ -13,7 +13,7 @@ using namespace quarrynet::services;
 
 namespace {
 
-/// Asks the cache and counts what had to be made.
+/// Requests entries from the cache and counts how many were made.
 class Counted
 {
 public:

@@ -12,7 +12,7 @@
 #include "tests/support/test_data.h"
 #include "thumbnails/Thumbnailer.h"
 
-/// The thumbnails, made by the program quarrynet-thumbnails itself.
+/// Tests thumbnails made by the real quarrynet-thumbnails.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -33,7 +33,7 @@ std::uint32_t bigEndian(std::string_view bytes, std::size_t at)
     return number;
 }
 
-/// Width and height of a PNG picture (its header chunk), "" for another one.
+/// Returns width and height of a PNG picture (its header chunk), or "" for other data.
 std::string pngSize(const std::optional<std::string>& png)
 {
     if (!png || pictureFormat(*png) != PictureFormat::Png)
@@ -41,7 +41,7 @@ std::string pngSize(const std::optional<std::string>& png)
     return std::to_string(bigEndian(*png, 16)) + "x" + std::to_string(bigEndian(*png, 20));
 }
 
-/// Width and height of a JPEG picture (its first frame header, ITU T.81 B.2.2), "" for another one.
+/// Returns width and height of a JPEG picture (its first frame header, ITU T.81 B.2.2), or "" for other data.
 std::string jpegSize(const std::optional<std::string>& jpeg)
 {
     if (!jpeg || pictureFormat(*jpeg) != PictureFormat::Jpeg)
@@ -58,7 +58,7 @@ std::string jpegSize(const std::optional<std::string>& jpeg)
     return "";
 }
 
-/// An SVG text around these elements.
+/// Returns an SVG text with these elements.
 std::string drawing(const std::string& elements)
 {
     return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' width='40' "
@@ -66,7 +66,7 @@ std::string drawing(const std::string& elements)
            elements + "</svg>";
 }
 
-/// Which `count` elements, one inside of the other.
+/// Returns `count` nested elements.
 std::string nested(int count)
 {
     std::string text;
@@ -142,7 +142,7 @@ TEST_F(Thumbnails, CutPicturesEndNothing)
 
 TEST_F(Thumbnails, HugePicturesAreRefused)
 {
-    // A header that announces 60000 by 60000 pixels, its checksum included.
+    // A header that states 60000 by 60000 pixels, with a valid checksum.
     const std::string huge("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\xEA\x60\0\0\xEA\x60\x08\x06\0\0\0\x80\xD2\x75\x42", 33);
     EXPECT_FALSE(thumbnailer_.make(PictureFormat::Png, huge));
     EXPECT_TRUE(thumbnailer_.make(PictureFormat::Svg, drawing("<rect width='9' height='9'/>")));
@@ -161,7 +161,7 @@ TEST_F(Thumbnails, DrawingsShowNoOtherFiles)
             const std::string image =
                 "<image " + std::string(name) + "='" + address + "' width='40' height='40'><desc/></image>";
             EXPECT_EQ(thumbnailer_.make(PictureFormat::Svg, drawing(image)), empty) << image;
-            // Not every entity is understood; one that is shows no more.
+            // The reader may reject the entity; if it expands it, the picture must still be empty.
             const auto entity = thumbnailer_.make(PictureFormat::Svg,
                                                   "<!DOCTYPE svg [<!ENTITY i \"" + image + "\">]>" + drawing("&i;"));
             EXPECT_TRUE(!entity || entity == empty) << image;
@@ -240,7 +240,7 @@ TEST_F(Thumbnails, DeepAndEndlessDrawingsEndNothing)
 {
     EXPECT_TRUE(thumbnailer_.make(PictureFormat::Svg, drawing(nested(100))));
     EXPECT_FALSE(thumbnailer_.make(PictureFormat::Svg, drawing(nested(100000))));
-    // Each group draws the one before it ten times.
+    // Each group draws the previous one ten times.
     std::string groups = "<defs><g id='g0'><circle r='1'/></g>";
     for (int i = 1; i < 12; ++i) {
         groups += "<g id='g" + std::to_string(i) + "'>";
@@ -281,7 +281,7 @@ TEST(Thumbnailer, WhoeverWaitsGivesUpWhenTheTaskIsAbandoned)
     const TemporaryFolder folder;
     const std::string silent = folder.write("silent", "#!/bin/sh\nexec cat >/dev/null\n");
     ::chmod(silent.c_str(), 0755);
-    // One waits for the answer, the others for the one process.
+    // One waits for the response, the others for the only process.
     Thumbnailer thumbnailer(silent, {std::chrono::hours(1), 1});
     std::atomic<bool> abandoned = false;
     std::vector<std::thread> threads;

@@ -21,8 +21,8 @@ using quarrynet::services::confineProcess;
 
 namespace {
 
-/// Runs `attempt` in a confined process of its own. Returns the exit status: what `attempt` returned; 90 when the
-/// process could not be confined, 91 when it ended otherwise.
+/// Runs `attempt` in a confined child process. Returns the exit status: the result of `attempt`, 90 if the process
+/// could not be confined, or 91 if it ended in another way.
 int confined(const std::function<int()>& attempt)
 {
     const pid_t child = ::fork();
@@ -34,7 +34,7 @@ int confined(const std::function<int()>& attempt)
 
 constexpr int kRefused = 1;
 
-/// What a system call's result says about it.
+/// Describes the result of a system call.
 int refused(long result)
 {
     return result < 0 && (errno == EPERM || errno == ENOSYS) ? kRefused : 0;
@@ -110,7 +110,7 @@ TEST(Confinement, WhatReadingPicturesNeedsIsLeft)
 {
     EXPECT_EQ(confined([] {
                   int sum = 0;
-                  // Not std::thread: to check its types, a sanitizer opens pipes.
+                  // std::thread would not do: a sanitizer opens pipes to check its types.
                   pthread_t thread{};
                   const auto set = [](void* number) -> void* {
                       *static_cast<int*>(number) = 20;
