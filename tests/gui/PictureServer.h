@@ -28,8 +28,8 @@ public:
         return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(target);
     }
 
-    /// `answer` is the whole response. Its length is told to the client where the answer itself does not: a client may
-    /// ask once more when a connection ends and it does not know whether it has everything.
+    /// `answer` is the whole response. Adds a Content-Length if it has none: a client that does not know whether a
+    /// response is complete may send its request again.
     void answer(const QByteArray& target, const QByteArray& answer) { answers_[target] = withLength(answer); }
 
     void answerWithPicture(const QByteArray& target, Qt::GlobalColor color, const QByteArray& header = {})
@@ -48,7 +48,7 @@ public:
         return bytes;
     }
 
-    /// The requests so far, whole, and their targets.
+    /// The complete requests so far, and their targets.
     QList<QByteArray> requests;
     QList<QByteArray> targets() const
     {

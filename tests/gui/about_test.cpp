@@ -64,7 +64,7 @@ private slots:
     void numberIsReadByteByByte();
 
 private:
-    // Clicks the button, and answers the box that it may bring; its text, or null without one.
+    // Clicks the button and closes the box that may appear. Returns the box's text, or a null text if there was no box.
     QString clickSysInfo();
 
     MadeUpRegistry registry_;
@@ -189,7 +189,7 @@ void AboutTest::programThatDoesNotStartIsUnavailable()
 
 void AboutTest::otherTypeStartsNothingFromTheFirstKey()
 {
-    // Read with success, but there is no text in it to start.
+    // Reading succeeds, but gives no text to start.
     registry_.values[{kInfoKey, "PATH"}] = RegistryValue{3, "Z:\\x.exe"};
     starts_ = false;
     QCOMPARE(clickSysInfo(), unavailable());
@@ -219,7 +219,7 @@ void AboutTest::numberIsReadByteByByte()
     const frmAbout about(registry_, [](const std::string&) { return true; });
     std::string text;
     QVERIFY(about.GetKeyValue(Registry::kLocalMachine, kInfoKey, "PATH", text));
-    QCOMPARE(text, std::string("21")); // 0x015, for one zero byte is cut off and the other takes one digit
+    QCOMPARE(text, std::string("21")); // 0x015: one zero byte is cut off and the other gives one digit
 }
 
 QTEST_MAIN(AboutTest)

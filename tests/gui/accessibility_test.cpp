@@ -13,7 +13,7 @@ QAccessibleInterface* interfaceOf(QWidget* control)
     return QAccessible::queryAccessibleInterface(control);
 }
 
-// The names of the objects that an assistive tool finds when it walks down from `from`, without what is invisible.
+// Returns the names of the visible objects that an assistive tool finds when it walks down from `from`.
 QStringList presentBelow(QAccessibleInterface* from)
 {
     QStringList names;
@@ -28,7 +28,7 @@ QStringList presentBelow(QAccessibleInterface* from)
     return names;
 }
 
-// What is read out as the caption of a control: the names of the labels that belong to it.
+// Returns the text that is read as the caption of a control: the names of its labels.
 QString captionOf(QAccessibleInterface* control)
 {
     QStringList captions;
@@ -52,7 +52,7 @@ private slots:
         window_->start();
     }
 
-    // Their names, "State of the connection" and so on, were read out in the place of what they show.
+    // Screen readers used to read their names, such as "State of the connection", instead of their texts.
     void theStatusPanelsAreReadWithTheirTexts()
     {
         window_->main().showConnection("Connecting");
@@ -104,7 +104,7 @@ private slots:
         QVERIFY(!window_->control<QLabel>("Combo1Caption")->isVisible());
     }
 
-    // The page check's frame is visible beneath the first from the start.
+    // From the start, the page check's frame is visible beneath the first one.
     void theCoveredFrameIsNotPresent()
     {
         auto* covered = window_->control<QFrame>("SPS");
@@ -132,7 +132,7 @@ private slots:
         verifyOnlyFrontTabIsPresent(tag == 1 ? 2 : 1);
     }
 
-    // A tool that asks what stands under the pointer.
+    // A tool may query the object under the pointer.
     void aPointInTheFrontFrameIsInNoOther_data() { everySwitchShowsTheFrontTabOnly_data(); }
 
     void aPointInTheFrontFrameIsInNoOther()

@@ -92,7 +92,7 @@ private slots:
         QTest::keyClick(strip, Qt::Key_Right);
         QVERIFY(window_->control<QFrame>("SPS")->isVisible());
         QVERIFY(!window_->control<QFrame>("STI")->isVisible());
-        QVERIFY(strip->hasFocus()); // a person goes on with the arrows
+        QVERIFY(strip->hasFocus()); // so that the arrow keys keep working
     }
 
     // Toolbar
@@ -349,19 +349,19 @@ private slots:
                 QApplication::focusWidget()->clearFocus();
         } else {
             auto* control = window_->control<QWidget>(qPrintable(focused));
-            control->setEnabled(true); // the slider and the button are not, at this moment of a first search
+            control->setEnabled(true); // during a first search the slider and the button are disabled
             control->setFocus();
             QVERIFY(control == QApplication::focusWidget() || control->isAncestorOf(QApplication::focusWidget()));
         }
         QTest::keyClick(window_->main().windowHandle(), Qt::Key_Escape);
         QCOMPARE(window_->boxes.texts(), QStringList{stopped_});
-        if (tag != 5) // whose connection stays
+        if (tag != 5) // its connection stays open
             QCOMPARE(window_->socketState(tabOf(tag).socket), 0);
     }
 
     void escapeAfterAClickOnTheButtonStops_data() { addTabRows(); }
 
-    // The button is unavailable then, so the focus is wherever the toolkit has moved it.
+    // The button is disabled then, so the toolkit has moved the focus elsewhere.
     void escapeAfterAClickOnTheButtonStops()
     {
         QFETCH(int, tag);

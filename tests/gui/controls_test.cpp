@@ -83,7 +83,7 @@ private slots:
         QTest::keyClick(&slider, Qt::Key_End);
         QCOMPARE(slider.value(), 10);
         QCOMPARE(paged.count(), 3);
-        QTest::keyClick(&slider, Qt::Key_End); // already there
+        QTest::keyClick(&slider, Qt::Key_End); // the value is already the maximum
         QCOMPARE(paged.count(), 3);
         QCOMPARE(slider.toolTip(), QStringLiteral("10"));
     }
@@ -155,7 +155,7 @@ private slots:
         QCOMPARE(list.rows().front().front().size(), std::size_t(50'000'000));
     }
 
-    // The first row's height is every row's; a title of many line ends made the list unusable.
+    // All rows have the height of the first one; a title with many line ends used to make the list unusable.
     void listShowsOneLineACell()
     {
         ListView list;
@@ -183,7 +183,7 @@ private slots:
         QCOMPARE(list.columnWidth(1), 197);
         list.resize(800, 100);
         QVERIFY(qAbs(list.columnWidth(0) - 394) <= 1);
-        list.setColumnWidth(0, 100); // a person drags the border
+        list.setColumnWidth(0, 100); // the user drags the border
         list.resize(400, 100);
         QVERIFY(qAbs(list.columnWidth(0) - 50) <= 1);
     }
@@ -217,7 +217,7 @@ private slots:
         QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a b\tc  d\n\te\n\t"));
     }
 
-    // A list of a single row, the file list: with Ctrl the first press took its only row away.
+    // With Ctrl, the first press used to deselect the only row of a single-selection list, as the file list is.
     void aSingleSelectionKeepsItsRowThroughADoubleClick()
     {
         ListView list;
@@ -285,7 +285,7 @@ private slots:
         label.setCaption(std::string(100'000, '7') + kUnit, kUnit);
         QCOMPARE(label.text(), QString(4096, u'7') + QStringLiteral("\u2026 Second/s"));
         QImage shown = label.grab().toImage();
-        bool unit = false; // the unit's picture ends somewhere in the label
+        bool unit = false; // whether the label shows the unit after some number of sevens
         for (int sevens = 0; sevens < 60 && !unit; ++sevens) {
             plain.setText(QString(sevens, u'7') + QStringLiteral("\u2026 Second/s"));
             unit = plain.grab().toImage() == shown;

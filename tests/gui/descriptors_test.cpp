@@ -10,8 +10,7 @@
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
-/// What a program that is started from the window finds open: nothing of this program's. The opener is the test's own
-/// and lists its descriptors.
+/// A program that the window starts inherits no descriptors. The test has its own opener, which lists its descriptors.
 class DescriptorsTest final : public QObject
 {
     Q_OBJECT
@@ -77,7 +76,7 @@ void DescriptorsTest::cleanup()
     folder_.reset();
 }
 
-/// Waits for the opener and gives what it had open besides the null device and its own script.
+/// Waits for the opener. Returns what it had open, except for the null device and its own script.
 QString DescriptorsTest::foreign()
 {
     const QString list = folder_->filePath(QStringLiteral("list"));
@@ -150,7 +149,7 @@ void DescriptorsTest::descriptorThatWasForgottenIsKeptBackToo()
     QVERIFY(forgotten > STDERR_FILENO);
     window_->control<QAction>("contentmnu")->trigger();
     const QString found = foreign();
-    QCOMPARE(::close(forgotten), 0); // still open here
+    QCOMPARE(::close(forgotten), 0); // it was still open here
     QCOMPARE(found, QString());
 
     QVERIFY(startProgram(folder_->filePath(QStringLiteral("xdg-open")).toStdString()));

@@ -22,10 +22,10 @@ using namespace quarrynet;
 
 namespace {
 
-// The smallest screen that is still sold, in device-independent pixels.
+// The smallest screen on the market, in device-independent pixels.
 constexpr QSize kSmallScreen(1024, 600);
 
-/// Paints nothing and keeps the texts that it was to paint.
+/// Records the texts that are painted on it.
 class TextRecorder final : public QPaintDevice
 {
 public:
@@ -79,7 +79,7 @@ private:
 
 } // namespace
 
-/// Whatever size of font the desktop sets, everything that is written in the program is seen whole.
+/// All texts of the program are fully visible, whatever font size the desktop sets.
 class DesktopFontsTest final : public QObject
 {
     Q_OBJECT
@@ -100,7 +100,7 @@ private slots:
         setDesktopFont();
         WindowFixture window;
         window.start();
-        // No smaller than it has to be: the layout shows even sizes, and the design has room for twelve points.
+        // The font is no smaller than necessary: the layout uses even sizes, and the design has room for twelve points.
         const int whole = qRound(QFontInfo(QApplication::font()).pointSizeF());
         QCOMPARE(window.control<QLabel>("Label1")->font().pointSize(), std::min(whole + whole % 2, 12));
         for (const QSize size : {QSize(608, 434), QSize(1216, 868)}) {
@@ -203,7 +203,7 @@ private:
         dialog.hide();
     }
 
-    /// Whether everything with a text on it, below `place` and shown, has the room that its size hint asks for.
+    /// Verifies that every visible control with a text below `place` has at least the size of its size hint.
     static void checkWhole(QWidget& place)
     {
         for (QWidget* control : place.findChildren<QWidget*>()) {
@@ -235,7 +235,7 @@ private:
         }
     }
 
-    // To be looked at by a person, where QUARRYNET_SCREENSHOTS names a folder that exists.
+    // Saves a screenshot for inspection if QUARRYNET_SCREENSHOTS names an existing folder.
     static void keepPicture(QWidget& widget, const QString& name)
     {
         const QString folder = qEnvironmentVariable("QUARRYNET_SCREENSHOTS");

@@ -8,7 +8,7 @@ using namespace quarrynet;
 
 namespace {
 
-// The Tab key's way through a tab's frame.
+// Returns the controls of a tab in the order of the Tab key.
 QStringList controlsOf(int tag)
 {
     switch (tag) {
@@ -63,7 +63,7 @@ private slots:
         }
     }
 
-    // The page check's list lost its focus policy to its viewport's when the first frame stopped covering it.
+    // The page check's list used to lose its focus policy to its viewport when the first frame stopped covering it.
     void everySwitchLeavesTheFrontTabToTheKeys()
     {
         QFETCH(int, from);
@@ -85,7 +85,7 @@ private slots:
         QCOMPARE(list->selectedRows(), std::vector<std::size_t>{0});
         QTest::keyClick(list, Qt::Key_Down);
         QCOMPARE(list->selectedRows(), std::vector<std::size_t>{1});
-        // What is selected stays so on the next visit.
+        // The selection is kept until the next visit.
         QTest::keyClick(list, Qt::Key_Backtab);
         QVERIFY(!list->hasFocus());
         tabTo(*list);
@@ -137,7 +137,7 @@ private:
         return window_->control<ListView>(tabOf(tag).list);
     }
 
-    // The control, or the part of it that has the keys.
+    // Returns whether the control, or a part of it, has the focus.
     static bool hasKeys(const QWidget& control)
     {
         const QWidget* focus = QApplication::focusWidget();
@@ -151,11 +151,11 @@ private:
         QVERIFY2(hasKeys(control), qPrintable(control.objectName()));
     }
 
-    // The Tab key goes through the frame's controls in their order, forwards and backwards, and to no other frame's;
-    // clicks and the keys of the controls reach them.
+    // Verifies that the Tab key goes through the frame's controls in order, forwards and backwards, and to no other
+    // frame's, and that the controls receive clicks and their keys.
     void verifyFrontTab(int tag)
     {
-        QCoreApplication::processEvents(); // the viewer comes up afterwards
+        QCoreApplication::processEvents(); // shows the viewer
         const QStringList controls = controlsOf(tag);
         auto* first = window_->control<QWidget>(qPrintable(controls.front()));
         tabTo(*first);
@@ -191,7 +191,7 @@ private:
             return;
         }
         elsewhere.setFocus();
-        const bool moves = qobject_cast<QSlider*>(&control); // its handle, so that no page is asked for
+        const bool moves = qobject_cast<QSlider*>(&control); // clicks its handle, which requests no page
         const QPoint at = moves ? QPoint(6, control.height() / 2) : control.rect().center();
         QWidget* hit = control.childAt(at) ? control.childAt(at) : &control;
         QTest::mouseClick(hit, Qt::LeftButton, {}, hit->mapFrom(&control, at));
@@ -212,7 +212,7 @@ private:
 
     void verifyKeys(QSlider& slider)
     {
-        const QSignalBlocker quiet(slider); // no page is asked for
+        const QSignalBlocker quiet(slider); // so that no page is requested
         slider.setValue(1);
         tabTo(slider);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);

@@ -10,12 +10,12 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-/// How often a page that is shown is loaded, with what it shows in frames and what it loads in its own place.
+/// Maximum number of page loads for a page that is shown, including frames, reloads and pages loaded in its place.
 constexpr qsizetype kMostLoads = 8;
-/// How often the view tries again to show a page whose loading was ended.
+/// Maximum number of retries for a page whose loading was aborted.
 constexpr qsizetype kMostRetries = 3;
 
-/// What a hostile page cannot do.
+/// Shows what a hostile page cannot do.
 class HtmlEngineGuardTest final : public EngineFixture
 {
     Q_OBJECT
@@ -63,7 +63,7 @@ void HtmlEngineGuardTest::environmentIsLeftAsItWas()
     }
 }
 
-// The pages' own script is among them: the view does itself what that would do.
+// This includes the script of the program's own pages; the view itself does what that script would do.
 void HtmlEngineGuardTest::scriptsDoNotRun()
 {
     server_->answerWithPicture("/last", Qt::red);
@@ -80,7 +80,7 @@ void HtmlEngineGuardTest::scriptsDoNotRun()
     QCOMPARE(server_->targets(), QList<QByteArray>{"/last"});
 }
 
-// Whatever its server calls it.
+// SVG is not shown, whatever content type the server declares.
 void HtmlEngineGuardTest::drawingsAreNotShown()
 {
     const QByteArray drawing = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"90\" height=\"60\">"
@@ -130,12 +130,12 @@ void HtmlEngineGuardTest::pageLoadsItselfAgainAFewTimes_data()
     QTest::newRow("as the same page") << again << QByteArray();
     QTest::newRow("by its name") << images << QByteArray();
     QTest::newRow("in turn with another one") << other << images;
-    // The frame comes first, and the page's own attempt, which is refused, ends the test.
+    // The frame reloads first; the refusal of the page's own reload ends the test.
     QTest::newRow("in a frame") << QByteArray("<meta http-equiv=refresh content=3><iframe src=new.html></iframe>")
                                 << again;
 }
 
-// Each load asks for the picture again, so that the server sees how many there were.
+// Each load requests the picture again, so that the server can count the loads.
 void HtmlEngineGuardTest::pageLoadsItselfAgainAFewTimes()
 {
     QFETCH(QByteArray, page);
@@ -158,7 +158,7 @@ void HtmlEngineGuardTest::localFilesAreClosed()
     write(u"secret.png"_s, PictureServer::png(Qt::magenta));
     write(u"blank.htm"_s, "<img src=\"" + address("/own") + "\">");
     server_->answerWithPicture("/own", Qt::cyan);
-    // Small, so that all of them are in sight.
+    // The elements are small, so that all of them are visible.
     open("<link rel=stylesheet href=secret.css><style>@import url(secret.css);"
          "iframe, object, embed, video, svg { width: 90px; height: 60px }</style><iframe src=blank.htm></iframe>"
          "<iframe src=secret.html></iframe><iframe src=\"file:///etc/hostname\"></iframe>"
@@ -172,7 +172,7 @@ void HtmlEngineGuardTest::localFilesAreClosed()
 void HtmlEngineGuardTest::netIsClosedButForPictures()
 {
     server_->answerWithPicture("/picture", Qt::red);
-    // What connects to this one, or sends it a datagram, asks nothing that the engine lets be seen.
+    // Connections and datagrams to these sockets are not requests that the engine reports.
     QTcpServer closed;
     QVERIFY(closed.listen(QHostAddress::LocalHost));
     QUdpSocket datagrams;
@@ -211,7 +211,7 @@ void HtmlEngineGuardTest::picturesBeyondTheirNumberAreLeftOut()
     open(page);
     QVERIFY(titleBecomes(u"shown"_s));
     QTRY_COMPARE_WITH_TIMEOUT(server_->requests.size(), quarrynet::kMaxPagePictures, 30000);
-    chooseTheLink(); // and whatever else the page asked for has been asked for by then
+    chooseTheLink(); // by then the page has made all its other requests
     QCOMPARE(server_->requests.size(), quarrynet::kMaxPagePictures);
 }
 
@@ -248,7 +248,7 @@ void HtmlEngineGuardTest::downloadsAreNotTaken()
     chooseTheLink();
     click({100, 125});
     click({100, 175});
-    // The pressed links do not hold up the next page either.
+    // The clicked links do not delay the next page either.
     open("<title>next</title>");
     QVERIFY(titleBecomes(u"next"_s));
     QVERIFY(!server_->targets().contains("/b"));
@@ -256,7 +256,7 @@ void HtmlEngineGuardTest::downloadsAreNotTaken()
     QVERIFY(!downloads.exists(u"x.txt"_s));
 }
 
-// The view notices by itself that its process does not go on.
+// The view detects by itself that its process hangs.
 void HtmlEngineGuardTest::viewThatHangsIsReplaced()
 {
     open("<title>shown</title>", u"images.html"_s, {{"host/x.jpg", {}}});

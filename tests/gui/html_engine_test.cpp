@@ -12,7 +12,7 @@
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::HtmlView;
 
-/// What the view shows, and what a person can do in it.
+/// Tests what the view shows, and what the user can do in it.
 class HtmlEngineTest final : public EngineFixture
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ static bool engineIsLoaded()
     return maps.open(QIODevice::ReadOnly) && maps.readAll().contains("WebEngineCore");
 }
 
-// First, for the engine stays loaded.
+// This test must be the first, because the engine stays loaded.
 void HtmlEngineTest::engineIsNotLoadedBeforeTheViewIsShown()
 {
     if (!QFile::exists(u"/proc/self/maps"_s))
@@ -116,7 +116,7 @@ void HtmlEngineTest::samePageIsReadAnew()
 
 void HtmlEngineTest::captionsCannotReadBackwards()
 {
-    // A page is on the screen when its picture is; the caption stands above it.
+    // When the picture is visible, so is the page; the caption is above the picture.
     const auto caption = [this] { return window_->grab(QRect(0, 0, 576, 20)).toImage(); };
     const auto draw = [this](const QByteArray& text, Qt::GlobalColor color) {
         const QByteArray target = '/' + QByteArray::number(color);
@@ -179,7 +179,7 @@ void HtmlEngineTest::keysThatLeadAwayAreSwallowed()
         {QKeySequence(Qt::CTRL | Qt::Key_N), QKeySequence(Qt::ALT | Qt::Key_F), QKeySequence(Qt::Key_F5)});
     window_->addAction(&action);
     QSignalSpy triggered(&action, &QAction::triggered);
-    // What a field holds tells which keys came through, and that the page was not loaded again.
+    // The text of the field shows which keys arrived, and that the page was not reloaded.
     open("<title>shown</title><body><input autofocus>");
     QVERIFY(titleBecomes(u"shown"_s));
     QTRY_VERIFY_WITH_TIMEOUT(engine()->focusProxy(), 30000);
@@ -199,7 +199,7 @@ void HtmlEngineTest::keysThatLeadAwayAreSwallowed()
     QCOMPARE(triggered.size(), 0);
 }
 
-// The engine's own widget stood at the end of the window's order, behind all that follows the view.
+// The engine's widget used to be last in the window's tab order, after everything that follows the view.
 void HtmlEngineTest::tabKeyGoesThroughTheView()
 {
     auto* centre = new QWidget;
@@ -253,7 +253,7 @@ void HtmlEngineTest::escapeStopsTheSearchOnce()
     keys->setFocus();
     QTest::keyClick(keys, Qt::Key_Escape);
     QTRY_COMPARE(window.socketState("ImgSock"), 0);
-    QTest::keyClick(keys, Qt::Key_Escape); // nothing is left to stop
+    QTest::keyClick(keys, Qt::Key_Escape); // there is nothing left to stop
     QCoreApplication::processEvents();
     QTRY_COMPARE(window.boxes.texts(), QStringList{u"User cancel the operation"_s});
     view_ = nullptr;

@@ -22,7 +22,7 @@ using quarrynet::HtmlView;
 
 using Gallery = std::vector<GalleryPicture>;
 
-/// The view without its plug-in.
+/// Tests the view without its plug-in.
 class HtmlViewTest : public QObject
 {
     Q_OBJECT
@@ -89,7 +89,7 @@ void HtmlViewTest::write(const QString& name, const QByteArray& content)
     file.write(content);
 }
 
-// Shows a gallery as the image search does: with its page.
+// Shows a gallery together with its page, as the image search does.
 void HtmlViewTest::open(const Gallery& gallery)
 {
     std::vector<std::string> addresses;
@@ -105,7 +105,7 @@ void HtmlViewTest::open(const Gallery& gallery)
     QTRY_VERIFY(view_->findChild<QTextBrowser*>());
 }
 
-// Without the places of the pictures and the line between picture and caption.
+// Returns the view's text without the pictures and the line between picture and caption.
 QString HtmlViewTest::captions()
 {
     return plain().toPlainText().remove(QChar(QChar::ObjectReplacementCharacter) + u"\n"_s);
@@ -159,7 +159,7 @@ void HtmlViewTest::brokenPluginIsNamedInTheView()
     QCOMPARE(captions(), u"http://host/x.jpg"_s);
 }
 
-// The engine has no sandbox there.
+// For root the engine has no sandbox.
 void HtmlViewTest::rootGetsThePlainView()
 {
 #ifdef Q_OS_UNIX
@@ -271,7 +271,7 @@ void HtmlViewTest::onlyPicturesOfTheNetAreShown()
     QVERIFY(!showsColor(Qt::magenta));
 }
 
-// A drawing can name local files, devices and shares, and be called a picture by its server.
+// An SVG drawing can refer to local files, devices and shares, and its server can declare it as a picture.
 void HtmlViewTest::drawingsAreNotShown()
 {
     write(u"secret.png"_s, PictureServer::png(Qt::magenta));
@@ -282,7 +282,7 @@ void HtmlViewTest::drawingsAreNotShown()
                                file + "\"/></svg>";
     server_->answer("/a", "HTTP/1.1 200 OK\r\nContent-Type: image/svg+xml\r\n\r\n" + drawing);
     server_->answer("/b", "HTTP/1.1 200 OK\r\nContent-Type: image/png\r\n\r\n" + drawing);
-    // The third comes once these two are through: only so many are fetched at once.
+    // The last picture arrives after all others, because the number of simultaneous fetches is limited.
     Gallery gallery;
     for (int i = 0; i < 3 * quarrynet::PictureFetcher::kAtOnce; ++i)
         gallery.push_back({std::to_string(i), address(i % 2 == 0 ? u"/a"_s : u"/b"_s)});
@@ -342,7 +342,7 @@ void HtmlViewTest::hostileGalleryIsText()
 {
     QFETCH(std::string, text);
     open(Gallery(10, {text, "http://127.0.0.1:9/" + text}));
-    view_->grab(); // lays it out
+    view_->grab(); // computes the layout
     QCOMPARE(picturesInTheDocument(), 10);
     QCOMPARE(plain().document()->blockCount(), 10);
     QCOMPARE(plain().document()->rootFrame()->childFrames().size(), 0);
@@ -363,7 +363,7 @@ void HtmlViewTest::keysThatLeadAwayAreSwallowed()
     QTest::keyClick(&plain(), Qt::Key_N, Qt::ControlModifier);
     QTest::keyClick(&plain(), Qt::Key_F, Qt::AltModifier);
     QCOMPARE(triggered.size(), 0);
-    QTest::keyClick(view_.get(), Qt::Key_N, Qt::ControlModifier); // the shortcut itself works
+    QTest::keyClick(view_.get(), Qt::Key_N, Qt::ControlModifier); // the shortcut works otherwise
     QCOMPARE(triggered.size(), 1);
 }
 

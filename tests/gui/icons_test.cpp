@@ -7,7 +7,7 @@ using namespace Qt::Literals::StringLiterals;
 using quarrynet::icon;
 using quarrynet::picture;
 
-/// The share of pixels that a drawing covers, in per cent.
+/// Returns the share of pixels that a drawing covers, in per cent.
 static int coverage(const QImage& image)
 {
     int covered = 0;
@@ -30,7 +30,7 @@ private slots:
     void unknownNameGivesNullIcon();
 };
 
-// main() below sees to it: an installation may lack any of them.
+// main() removes the plug-ins, because an installation may lack any of them.
 void IconsTest::noImagePlugInIsThere()
 {
     QVERIFY(!QImageReader::supportedImageFormats().contains("svg"));
@@ -76,7 +76,7 @@ void IconsTest::unknownNameGivesNullIcon()
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    QCoreApplication::setLibraryPaths({}); // the platform's plug-in has been found by now
+    QCoreApplication::setLibraryPaths({}); // the platform's plug-in is already loaded
     IconsTest test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -21,9 +21,9 @@ constexpr QSize kDesign(608, 434);
 constexpr QSize kMinimum(304, 217);
 constexpr QSize kDouble(1216, 868);
 constexpr int kCaptionAllowance = 400; // twips
-constexpr int kTwips = 15;             // to a pixel
+constexpr int kTwips = 15;             // per pixel
 
-/// A length of the design at a ratio of recorded over present size, in pixels: twips and pixels are rounded down.
+/// Returns a length of the design, in pixels, at a ratio of recorded to present size. Rounds twips and pixels down.
 int scaled(int pixels, double ratio)
 {
     return static_cast<int>(std::floor(std::floor(pixels * kTwips / ratio) / kTwips));
@@ -59,7 +59,7 @@ private slots:
         points_ = QFontInfo(window_->main().font()).pointSizeF();
         for (QWidget* control : placed())
             design_.append(control->geometry());
-        // Rows in all lists; the image search empties the page check's list, so that comes last.
+        // Fills all lists; the page check comes last, because the image search empties its list.
         for (const int tag : {1, 3, 4, 5, 2}) {
             const TabControls& tab = tabOf(tag);
             window_->service.answerWith(pageOf(tab));
@@ -223,7 +223,7 @@ private slots:
         QFETCH(QSize, size);
         window_->main().resize(size);
         for (const int tag : {1, 2, 5, 4}) {
-            window_->chooseTab(tag); // a control that nobody sees is told of its size late
+            window_->chooseTab(tag); // a hidden control learns its new size only when it is shown
             auto* list = window_->control<QTreeView>(tabOf(tag).list);
             for (int column = 0; column < list->model()->columnCount(); ++column) {
                 const QString header = list->model()->headerData(column, Qt::Horizontal).toString();
@@ -233,7 +233,7 @@ private slots:
             }
         }
         auto* programs = window_->control<QTreeView>("ListView3");
-        for (const int column : {3, 4}) { // size and licence
+        for (const int column : {3, 4}) { // size and license
             for (int row = 0; row < programs->model()->rowCount(); ++row) {
                 const QModelIndex cell = programs->model()->index(row, column);
                 QVERIFY2(programs->sizeHintForIndex(cell).width() <= programs->columnWidth(column),
@@ -309,7 +309,7 @@ private slots:
 
     void theSliderWorksAtEverySize_data() { addSizes(); }
 
-    // Its drawing is a band in the middle of the control; a click on the drawing has to meet it there.
+    // The slider is drawn as a band in the middle of the control; a click on the band must work.
     void theSliderWorksAtEverySize()
     {
         QFETCH(QSize, size);
@@ -323,7 +323,7 @@ private slots:
         QVERIFY(slider->value() > 1);
     }
 
-    // Looked at by a person, with QUARRYNET_SCREENSHOTS naming a folder that exists.
+    // Saves screenshots for inspection if QUARRYNET_SCREENSHOTS names an existing folder.
     void pictures()
     {
         const QString folder = qEnvironmentVariable("QUARRYNET_SCREENSHOTS");
@@ -349,7 +349,7 @@ private:
         QTest::newRow("full screen") << QSize(1920, 1040);
     }
 
-    /// The controls that the layout places, in a fixed order.
+    /// Returns the controls that the layout places, in a fixed order.
     QList<QWidget*> placed()
     {
         QList<QWidget*> controls;
@@ -372,7 +372,7 @@ private:
             const QRect expected(scaled(from.x(), ratioW), scaled(from.y(), ratioH), scaled(from.width(), ratioW),
                                  scaled(from.height(), ratioH));
             QVERIFY2(controls[i]->geometry() == expected, qPrintable(controls[i]->objectName()));
-            if (controls[i]->objectName() != QStringLiteral("TabStrip1")) // whose labels have to fit
+            if (controls[i]->objectName() != QStringLiteral("TabStrip1")) // its labels have to fit
                 QCOMPARE(controls[i]->font().pointSize(), scaledFont(points_, size));
         }
     }
@@ -381,7 +381,7 @@ private:
     {
         for (const QWidget* control : controls) {
             if (!control->isVisibleTo(&frame) && control->parentWidget() == &frame)
-                continue; // is never seen
+                continue; // it is never visible
             QVERIFY2(frame.rect().contains(control->geometry()), qPrintable(control->objectName()));
             for (const QWidget* other : controls) {
                 QVERIFY2(other == control || !other->geometry().intersects(control->geometry()),

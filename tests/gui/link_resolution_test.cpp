@@ -34,7 +34,7 @@ QByteArray answerFor(const QByteArray& address)
 
 } // namespace
 
-/// A double click on a download row: the wait box, the request, and what is opened.
+/// Tests a double click on a download row: the wait box, the request, and the address that is opened.
 class LinkResolutionTest final : public QObject
 {
     Q_OBJECT
@@ -92,7 +92,7 @@ private slots:
         QVERIFY(waiting());
         QVERIFY(!waitBox()->close());
         QVERIFY(waiting());
-        // Stop is about searches: it finds the download socket closed and says nothing.
+        // Stop concerns searches only: the download search's socket is closed, so nothing happens.
         QTest::keyClick(window_->control<QLineEdit>("Text10"), Qt::Key_Escape);
         QVERIFY(waiting());
         QVERIFY(window_->boxes.boxes().isEmpty());
@@ -162,7 +162,7 @@ private slots:
         QCOMPARE(waitBoxes(), 1);
     }
 
-    // The double click's first press left its own row selected alone, and that one was resolved.
+    // The first press of the double click used to leave only its own row selected, and that row was resolved.
     void aDoubleClickOnOneOfSeveralSelectedRowsResolvesTheLast()
     {
         fill({"/redir?n=1%2Fone", "/redir?n=2%2Ftwo", "/redir?n=3%2Fthree"});
@@ -384,7 +384,7 @@ private slots:
             QTRY_COMPARE(window_->service.requests().size(), asked + 1);
             QTRY_COMPARE(main.findChild<QObject*>(QStringLiteral("DownSock"))->property("state").toInt(), 0);
         }
-        // Only the last one may be opened, as one argument.
+        // Only the last link may be opened, as one argument.
         const auto opened = [&] {
             QFile file(folder.filePath(QStringLiteral("opened")));
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
@@ -403,7 +403,7 @@ private:
         window_->chooseTab(4);
     }
 
-    // Searches, and gives the list these links.
+    // Runs a search that fills the list with these links.
     void fill(const std::vector<std::string>& links)
     {
         window_->service.answerWith(pageWith(links));

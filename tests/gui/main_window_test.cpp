@@ -185,7 +185,7 @@ private slots:
         QVERIFY(images->image(7).isNull());
     }
 
-    // Set on the window alone, it did not reach boxes and dialogs without an owner.
+    // When only the window had the icon, boxes and dialogs without an owner did not get it.
     void everyWindowHasTheProgramsIcon()
     {
         WindowFixture window;
@@ -336,7 +336,7 @@ private slots:
     void aPageThatCannotBeWrittenEndsTheStart()
     {
         WindowFixture window;
-        // A folder in the page's place stops every user, root too.
+        // A folder at the page's path makes writing fail for every user, including root.
         QVERIFY(QDir(window.folder()).mkpath(QStringLiteral("blank.htm/inside")));
         QVERIFY(!window.load());
         QCOMPARE(window.boxes.boxes().size(), 1);

@@ -19,17 +19,17 @@ using namespace quarrynet::samples;
 namespace {
 
 constexpr std::size_t kMebibyte = std::size_t{1} << 20;
-constexpr const char* kRoom = "QUARRYNET_TEST_ROOM"; // in the environment: mebibytes that a search may take
+constexpr const char* kRoom = "QUARRYNET_TEST_ROOM"; // environment variable: mebibytes that a search may allocate
 
 constexpr std::size_t kLong = 128 * kMebibyte;
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr bool kFreedIsGiven = false; // the sanitizer keeps what is freed for a while
+constexpr bool kFreedIsGiven = false; // the sanitizer keeps freed memory for a while
 #else
 constexpr bool kFreedIsGiven = true;
 #endif
 
-/// What this process has in memory, in bytes; 0 where the system does not tell.
+/// Returns the resident memory of this process, in bytes, or 0 if it is unknown.
 std::size_t resident()
 {
 #ifdef Q_OS_LINUX
@@ -42,7 +42,7 @@ std::size_t resident()
 
 #ifdef Q_OS_LINUX
 
-/// Lets this process take so many bytes of address space more, for as long as the object lives.
+/// While the object lives, this process may allocate at most `room` further bytes of address space.
 class MemoryLimit
 {
 public:
@@ -67,7 +67,7 @@ private:
 
 #endif
 
-/// Runs out of memory in each painting of a view, as long as the view has rows.
+/// Throws std::bad_alloc whenever a view is painted while it has rows.
 class FailingPaint final : public QObject
 {
 public:
@@ -91,7 +91,7 @@ private:
 
 } // namespace
 
-/// Responses and results that memory does not hold.
+/// Tests responses and results that do not fit into memory.
 class MemoryBoundsTest final : public QObject
 {
     Q_OBJECT
@@ -171,7 +171,7 @@ private slots:
         QVERIFY(window_->hidden("Text2").empty());
         QVERIFY(window_->main().receiveState().ReceiveBuffer.empty());
 
-        // And the next search is one like any other.
+        // The next search works as usual.
         view->viewport()->removeEventFilter(&paint);
         window_->activate();
         fillIn(*window_, tabOf(1));
@@ -181,8 +181,8 @@ private slots:
     }
 
 #ifdef Q_OS_LINUX
-    // With ever more room, until all rows are shown: each time it is the list or one box, and the tab is at rest. Each
-    // time in a process of its own, for a window that has run out of memory once has some to spare.
+    // Allows more and more memory until all rows are shown. Each time there is the list or one box, and the tab is
+    // idle. Each time runs in a new process, because a window that has run out of memory once has some in reserve.
     void rowsThatMemoryDoesNotHoldAreAnErrorBox()
     {
         if (!kFreedIsGiven)
@@ -259,7 +259,7 @@ private slots:
 
     void memoryThatRunsOutWithoutAConnectionEndsTheSearch()
     {
-        // Through a proxy the page check connects nothing and waits.
+        // Through a proxy the page check opens no connection and waits.
         window_->control<HiddenText>("ProxySwitch")->setText("on");
         const TabControls& tab = tabOf(2);
         fillIn(*window_, tab);
@@ -272,7 +272,7 @@ private slots:
     }
 
 private:
-    /// Starts the tab's search, which then waits for its answer.
+    /// Starts the tab's search, which then waits for its response.
     void begin(const TabControls& tab)
     {
         window_->service.stall();

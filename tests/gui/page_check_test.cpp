@@ -305,7 +305,7 @@ private slots:
         window_->service.stall();
         check(tr("red blue"), All);
         QTRY_COMPARE(window_->service.requests().size(), 1);
-        // The keywords were split when the check began; mode and phrase are read when the page is there.
+        // The keywords are split when the check starts; mode and phrase are read when the page has arrived.
         window_->control<QLineEdit>("Text5")->setText(tr("pear"));
         window_->control<QComboBox>("Combo1")->setCurrentIndex(Any);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\nred");
@@ -412,7 +412,7 @@ private slots:
         QVERIFY(!button()->isEnabled());
         QVERIFY(window_->service.requests().isEmpty());
 
-        // Stop leaves a tab alone whose socket is closed, without a word; typing gives the button back.
+        // Stop does nothing on a tab whose socket is closed, and shows no message; typing enables the button again.
         QTest::keyClick(window_->control<QLineEdit>("Text5"), Qt::Key_Escape);
         QVERIFY(window_->boxes.boxes().isEmpty());
         QVERIFY(timer()->isActive());
@@ -510,7 +510,7 @@ private:
         QTest::mouseClick(button(), Qt::LeftButton);
     }
 
-    // The same window with the proxy on, its port the service's.
+    // Starts the window with the proxy on and the service as the proxy.
     void useProxy()
     {
         window_ = std::make_unique<WindowFixture>();

@@ -175,7 +175,7 @@ void PictureFetcherTest::longAddressIsNotAsked()
     QCOMPARE(server_->requests.size(), 1);
 }
 
-// A server that answers nobody, until its connections are broken.
+// A server that never responds; it can only break its connections.
 class SilentServer : public QObject
 {
 public:
@@ -203,7 +203,7 @@ private:
 
 void PictureFetcherTest::fewAreFetchedAtOnce()
 {
-    // Each at a host of its own: the toolkit's own bound is one for each host.
+    // Each picture has its own host, because the toolkit's own limit is per host.
     SilentServer silent;
     auto context = std::make_unique<QObject>();
     int answered = 0;
@@ -214,9 +214,9 @@ void PictureFetcherTest::fewAreFetchedAtOnce()
                             QVERIFY(picture.bytes.isEmpty());
                             ++answered;
                         });
-    QTRY_COMPARE(answered, 5); // there was no room for the last
+    QTRY_COMPARE(answered, 5); // the queue had no room for the last ones
     server_->answerWithPicture("/a", Qt::red);
-    // Who asked for them goes, and so do they: the next one finds its place free.
+    // Deleting the requesting object cancels its fetches, so the next one starts.
     context.reset();
     QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, PictureServer::png(Qt::red));
     QCOMPARE(answered, 5);
@@ -292,7 +292,7 @@ void PictureFetcherTest::vanishedContextIsNotCalled()
     fetcher_->fetch(QUrl(server_->address(u"/a"_s)), context.get(), [&called](const Picture&) { called = true; });
     fetcher_->fetch(QUrl(u"file:///x"_s), context.get(), [&called](const Picture&) { called = true; });
     context.reset();
-    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, PictureServer::png(Qt::red)); // asked later, there later
+    QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, PictureServer::png(Qt::red)); // arrives after the others
     QVERIFY(!called);
 }
 

@@ -1,7 +1,7 @@
 #include <QProcess>
 #include <QTest>
 
-/// The program itself, started as a person starts it.
+/// Tests the program itself, started as the user starts it.
 class ProgramTest final : public QObject
 {
     Q_OBJECT

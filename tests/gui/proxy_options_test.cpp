@@ -22,7 +22,7 @@ QByteArray settings(const QByteArray& proxySwitch, const QByteArray& host, const
            "\n";
 }
 
-/// The options as a person works them.
+/// Tests the options dialog as the user operates it.
 class Options
 {
 public:
@@ -207,7 +207,7 @@ private slots:
             options.fill(QStringLiteral("  \"proxy.example\" "), QStringLiteral("8080.6 and more"));
             options.ok();
         });
-        // Blanks and one pair of quotes do not survive the file; the port is its leading number, rounded.
+        // The file drops outer blanks and one pair of quotes; the port is the leading number of its text, rounded.
         QCOMPARE(window_->main().proxy().host, saved("ProxyHost"));
         QCOMPARE(window_->main().proxy().port, 8081);
     }
@@ -264,7 +264,7 @@ private slots:
         QCOMPARE(saved("ProxyHost"), std::string("127.0.0.1"));
         QCOMPARE(saved("ProxyPort"), std::string("32768"));
 
-        // The way back is the same dialog.
+        // The same dialog corrects it.
         window_->activate();
         const QString port = QString::number(window_->service.port());
         inOptions([&](Options& options) {
@@ -389,7 +389,7 @@ private slots:
         });
     }
 
-    // A folder in the file's place stops every user, root too: nothing can be written.
+    // A folder at the file's path makes writing fail for every user, including root.
     void aFileThatCannotBeWrittenClosesAndSetsTheSwitchAllTheSame()
     {
         QVERIFY(QDir().mkpath(window_->settingsFile() + QStringLiteral("/inside")));
@@ -403,7 +403,7 @@ private slots:
         });
         QVERIFY(window_->boxes.boxes().isEmpty());
         QCOMPARE(window_->hidden("ProxySwitch"), std::string("on"));
-        QCOMPARE(window_->main().proxy().host, std::string()); // what the file holds, which is nothing
+        QCOMPARE(window_->main().proxy().host, std::string()); // the content of the file, which is empty
         QCOMPARE(window_->main().proxy().port, 0);
         search();
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
@@ -421,7 +421,7 @@ private slots:
             QCOMPARE(options.host()->text(), QStringLiteral("second.example"));
             QCOMPARE(options.port()->text(), QStringLiteral("3"));
         });
-        QCOMPARE(window_->main().proxy().host, std::string("first.example")); // only OK takes it over
+        QCOMPARE(window_->main().proxy().host, std::string("first.example")); // only OK applies the new one
     }
 
     void whatReadsEmptyIsEmpty_data()
@@ -437,7 +437,7 @@ private slots:
                                     << QString();
     }
 
-    // The dialog does not let a field be empty, but a blank in it is no host either.
+    // The dialog rejects an empty field, but accepts a blank, which is no host either.
     void whatReadsEmptyIsEmpty()
     {
         QFETCH(QByteArray, host);
@@ -457,7 +457,7 @@ private slots:
         inOptions([&](Options& options) {
             QCOMPARE(options.host()->text(), boxHost);
             QCOMPARE(options.port()->text(), boxPort);
-            // A tick brings the saved values back over whatever stands in the fields.
+            // Ticking the box restores the saved values in the fields.
             options.toggle();
             options.toggle();
             QCOMPARE(options.host()->text(), boxHost);
@@ -508,7 +508,7 @@ private slots:
 #endif
 
 private:
-    /// Opens the dialog as a person does, works it, and returns when it is closed.
+    /// Opens the dialog as the user does, operates it, and returns when it is closed.
     void inOptions(const std::function<void(Options&)>& work)
     {
         const DialogDriver driver([&work](QDialog& dialog) {

@@ -150,7 +150,7 @@ void ProxyTest::okWithBothFieldsWritesThemAndSetsTheSwitch()
     open();
     check()->click();
     QTest::keyClicks(host(), u"proxy.example"_s);
-    QTest::keyClicks(port(), u"80x80"_s); // any text: whoever reads it takes its leading digits
+    QTest::keyClicks(port(), u"80x80"_s); // any text is allowed; its leading digits count
     click(u"Command1"_s);
     QVERIFY(!dialog_->isVisible());
     QCOMPARE(saved("ProxySwitch"), std::string("on"));

@@ -7,7 +7,7 @@
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::DesktopShell;
 
-/// Opens addresses with an opener of the test's own in front of the search path, which keeps its arguments.
+/// Opens addresses with the test's own opener, which is first in PATH and records its arguments.
 class ShellTest : public QObject
 {
     Q_OBJECT
@@ -122,7 +122,7 @@ void ShellTest::refusedAddressStartsNothing()
     QFETCH(QByteArray, address);
     DesktopShell shell(folder_.filePath(u"manual.html"_s).toStdString());
     shell.open({address.constData(), static_cast<std::size_t>(address.size())});
-    // An opener started for the refused address would have left a line of its own before this one's.
+    // An opener started for the rejected address would have written its line before this one.
     shell.open("http://host/next");
     expectArguments("1|http://host/next");
 }

@@ -12,7 +12,7 @@ namespace {
 
 const char* const kStopped = "User cancel the operation";
 
-/// A listener that nobody serves and whose queue is full: the system leaves a further connection waiting for ever.
+/// A listener that accepts no connections and whose queue is full: a further connection stays pending for ever.
 class FullListener
 {
 public:
@@ -61,7 +61,7 @@ private slots:
         window_->boxes.forget();
         window_->control<QLabel>("ActivityPanel")->setText(tr("as it was"));
         window_->control<QPushButton>(tab.button)->setEnabled(false);
-        window_->control<QTimer>(tab.timer)->setInterval(1'000'000); // running, but not to interfere
+        window_->control<QTimer>(tab.timer)->setInterval(1'000'000); // long, so that the timer does not interfere
         window_->control<QTimer>(tab.timer)->start();
         stop();
         QVERIFY(window_->boxes.boxes().isEmpty());
@@ -122,7 +122,7 @@ private slots:
         window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + pageOf(tabOf(tag)));
         QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
         stopAndCheck(tabOf(tag));
-        QVERIFY(isViewEmpty(tabOf(tag))); // nothing of the half response was shown
+        QVERIFY(isViewEmpty(tabOf(tag))); // nothing of the partial response was shown
     }
 
     void insideTheParsersChangeEvent_data() { addTabRows(); }
@@ -133,7 +133,7 @@ private slots:
         const TabControls& tab = tabOf(tag);
         auto* buffer = window_->control<HiddenText>(tab.buffer);
         int stops = 0;
-        // The tab's own handler is connected first, so its rows are there when this one runs.
+        // The tab's own handler was connected first, so its rows are shown when this one runs.
         connect(buffer, &HiddenText::changed, &window_->main(), [&] {
             if (buffer->text().empty() || ++stops > 1)
                 return;
@@ -153,7 +153,7 @@ private slots:
         QVERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
         QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
         QCOMPARE(window_->text("ActivityPanel"), QString());
-        QVERIFY(!window_->control<QTimer>(tab.timer)->isActive()); // the exchange has ended by itself as well
+        QVERIFY(!window_->control<QTimer>(tab.timer)->isActive()); // the exchange itself has also ended
     }
 
     void whileTheParsersOwnBoxIsOpen_data()
@@ -201,7 +201,7 @@ private slots:
     {
         QTest::addColumn<int>("tag");
         for (const TabControls& tab : kTabs) {
-            if (tab.tag != 5) // whose connection Stop does not close
+            if (tab.tag != 5) // Stop does not close its connection
                 QTest::newRow(tab.frame) << tab.tag;
         }
     }
@@ -324,7 +324,7 @@ private slots:
         QCOMPARE(window_->socketState("ImgSock"), 0);
         QVERIFY(!window_->control<QTimer>("SPSTimer")->isActive());
         QVERIFY(window_->control<QTimer>("IMGTimer")->isActive());
-        QCOMPARE(window_->socketState("PageSock"), 7); // the check itself is not stopped
+        QCOMPARE(window_->socketState("PageSock"), 7); // the check itself continues
         QVERIFY(!window_->control<QPushButton>("Command2")->isEnabled());
         window_->control<QLabel>("ConnectionPanel")->setText(tr("written over at the next tick"));
         QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
@@ -340,7 +340,7 @@ private slots:
         QTRY_VERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
         window_->service.stall();
         start(tab);
-        QVERIFY(!isViewEmpty(tab)); // a new search leaves the last gallery standing
+        QVERIFY(!isViewEmpty(tab)); // a new search keeps the last gallery
         stop();
         QVERIFY(isViewEmpty(tab));
     }
@@ -368,7 +368,7 @@ private slots:
         stop();
         QCOMPARE(window_->socketState("SFDSock"), 0);
         QCOMPARE(window_->socketState("SFSSock"), 7);
-        // Nothing tells the download tab: it stays as it was while searching.
+        // The download tab is not notified and stays as it was during the search.
         QVERIFY(!window_->control<QPushButton>("Command4")->isEnabled());
         QVERIFY(window_->control<QTimer>("SFDTimer")->isActive());
         window_->service.answerWith(pageOf(tabOf(5)));
@@ -428,7 +428,7 @@ private slots:
             window_->chooseTab(tag);
         QCOMPARE(window_->socketState("NetSock"), 7);
         QVERIFY(window_->control<QTimer>("STITimer")->isActive());
-        stop(); // on the tab in front, which is idle
+        stop(); // the current tab is idle
         QVERIFY(window_->boxes.boxes().isEmpty());
         window_->service.answerWith(pageOf(tabOf(1)));
         window_->service.release();
@@ -456,10 +456,10 @@ private:
         return window_->rows(tab.list).isEmpty();
     }
 
-    /// Stops the search that runs on the tab in front, and checks the tab's row of the table.
+    /// Stops the search of the current tab, and checks the tab's row of the table.
     void stopAndCheck(const TabControls& tab)
     {
-        // As a change of the panels at the very end would go unseen, they are looked at while the box is open.
+        // Checks the panels while the box is open, because later changes could hide an error.
         QString connectionInBox;
         QString activityInBox;
         window_->boxes.beforeAnswer = [&](QMessageBox&) {
@@ -477,7 +477,7 @@ private:
         QCOMPARE(window_->hidden(tab.buffer), std::string());
         QVERIFY(isViewEmpty(tab));
         QVERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
-        // The two rows that differ: the image tab's timer goes on, the file tab's connection stays.
+        // Two rows differ: the image tab's timer keeps running, and the file tab's connection stays open.
         QCOMPARE(window_->control<QTimer>(tab.timer)->isActive(), tab.tag == 3);
         if (tab.tag == 5)
             QVERIFY(window_->socketState(tab.socket) != 0);

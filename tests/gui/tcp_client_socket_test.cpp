@@ -9,7 +9,7 @@ using namespace quarrynet;
 
 namespace {
 
-// A port that nobody listens on: it was free a moment ago.
+// Returns a port on which nothing listens: it was free a moment ago.
 quint16 closedPort()
 {
     QTcpServer server;
@@ -37,7 +37,7 @@ private slots:
         QCOMPARE(socket.State(), SocketState::Closed);
 
         socket.Connect("127.0.0.1", service.port());
-        QVERIFY(socket.State() != SocketState::Closed); // at once: Stop must find something to stop
+        QVERIFY(socket.State() != SocketState::Closed); // immediately, so that Stop can stop it
         QTRY_COMPARE(connected.count(), 1);
         QCOMPARE(socket.State(), SocketState::Connected);
         QCOMPARE(socket.property("state").toInt(), 7);
@@ -81,7 +81,7 @@ private slots:
         TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
         QSignalSpy failed(&socket, &TcpClientSocket::failed);
         socket.Connect("127.0.0.1", closedPort());
-        QCOMPARE(failed.count(), 0); // never from inside Connect
+        QCOMPARE(failed.count(), 0); // Connect() itself never raises it
         QTRY_COMPARE(failed.count(), 1);
         QCOMPARE(failed[0][0].toInt(), 10061);
         QVERIFY(!failed[0][1].toString().isEmpty());

@@ -72,7 +72,7 @@ private slots:
         }
     }
 
-    // An address with U+202E in it read "moc.knab//:ptth" where it went elsewhere.
+    // An address with U+202E used to look like "moc.knab//:ptth" although it led elsewhere.
     void whatTurnsTheDirectionIsAMark()
     {
         QCOMPARE(toLine("http://\xE2\x80\xAEknab"), QStringLiteral("http://\uFFFDknab"));
@@ -80,7 +80,7 @@ private slots:
             if (unit != 0)
                 QCOMPARE(toLine(QStringView(&unit, 1)), QStringLiteral("\uFFFD"));
         }
-        QCOMPARE(toLine(QStringView(u"\u05D0\u0627\u200D")), QStringLiteral("\u05D0\u0627\u200D")); // letters stay
+        QCOMPARE(toLine(QStringView(u"\u05D0\u0627\u200D")), QStringLiteral("\u05D0\u0627\u200D")); // unchanged
     }
 
     void aLineOfTheGreatestLengthIsWhole()

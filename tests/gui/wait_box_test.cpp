@@ -83,7 +83,7 @@ void WaitBoxTest::endOfTheProgramClosesIt()
     QFETCH(bool, byWindow);
     QWidget window;
     window.show();
-    // A box of no window stands in the way of the end itself.
+    // A box without a window must not itself prevent the end of the program.
     Dialog dialog(byWindow ? &window : nullptr);
     dialog.load();
     QTimer::singleShot(0, &window, [&window, byWindow] {

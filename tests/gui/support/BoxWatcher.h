@@ -6,7 +6,7 @@
 #include <QMessageBox>
 #include <QObject>
 
-/// Answers every message box with its OK button as soon as it is shown, and keeps what it said.
+/// Closes every message box with its OK button as soon as it is shown, and records its contents.
 class BoxWatcher final : public QObject
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
     QStringList texts() const;
     void forget() { boxes_.clear(); }
 
-    /// Runs before the next boxes are answered, while they are open.
+    /// Runs while the next boxes are open, before they are closed.
     std::function<void(QMessageBox&)> beforeAnswer;
 
 protected:

@@ -6,8 +6,8 @@
 #include <QObject>
 #include <QStringList>
 
-/// Does to the next dialogs what a person would: as soon as one is shown, `work` runs while it is open. A dialog that
-/// `work` leaves open is closed behind it, so that no test waits for one. Message boxes are the BoxWatcher's.
+/// Operates the next dialogs as the user would: runs `work` while a dialog is open, and then closes it if `work` left
+/// it open, so that no test waits for it. BoxWatcher handles message boxes.
 class DialogDriver final : public QObject
 {
     Q_OBJECT
@@ -16,7 +16,7 @@ class DialogDriver final : public QObject
 public:
     explicit DialogDriver(std::function<void(QDialog&)> work);
 
-    /// Names of the dialogs that came up.
+    /// Names of the dialogs that were shown.
     const QStringList& seen() const { return seen_; }
 
 protected:

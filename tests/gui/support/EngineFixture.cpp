@@ -78,7 +78,7 @@ qint64 EngineFixture::drawingProcess() const
 
 bool EngineFixture::titleBecomes(const QString& expected)
 {
-    // In an event loop of its own: the engine works in this thread, and polling would let it do so only now and then.
+    // Runs an event loop, because the engine works in this thread, and polling would let it do so only occasionally.
     QEventLoop loop;
     QTimer look;
     connect(&look, &QTimer::timeout, &loop, [&] {
@@ -119,7 +119,7 @@ void EngineFixture::click(const QPoint& at, Qt::MouseButton button)
     QTest::mouseClick(engine()->focusProxy(), button, {}, at);
 }
 
-// The plain view stands in, with the gallery and a word about the reason.
+// Expects that the plain view replaces the engine and shows the gallery and the reason.
 void EngineFixture::expectReplacement(const QString& reason)
 {
     QTRY_VERIFY_WITH_TIMEOUT(view_->findChild<QTextBrowser*>(), 60000);

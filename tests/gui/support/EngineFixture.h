@@ -12,7 +12,7 @@
 #include "../PictureServer.h"
 #include "platform/HtmlView.h"
 
-/// What a person's environment may hold, and the engine must not heed. It is there before the engine starts.
+/// Environment variables that a user may have and the engine must ignore. They are set before the engine starts.
 inline constexpr std::array<std::pair<const char*, const char*>, 3> kHostileEnvironment = {
     {{"QTWEBENGINE_DISABLE_SANDBOX", ""},
      {"QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox --single-process"},
@@ -23,19 +23,19 @@ inline constexpr const char* kPageWithALink =
     "<title>shown</title><body topmargin=0 leftmargin=0><a href=\"http://host/\""
     " style=\"display:block;height:100px\">link</a>";
 
-/// The view with its plug-in, loaded as the program loads it: late. Tests derive from it. What a page could do is seen
-/// from outside: by its title, its colours and what it asks of the server.
+/// Base of tests of the view with its plug-in, which is loaded late, as in the program. Tests observe a page from
+/// outside, by its title, its colours and its requests to the server.
 class EngineFixture : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Runs a test, as an ordinary user where root starts it, for root gets no engine.
+    /// Runs a test. If root starts it, runs it as an ordinary user, because root gets no engine.
     template <class Test>
     static int run(int argc, char** argv)
     {
         unable_ = unableToRun(argv);
-        // The engine reads options from the program's arguments, too.
+        // The engine also reads options from the program's arguments.
         std::array<char*, 4> arguments = {argv[0], options_.data(), noSandbox_.data(), nullptr};
         int count = static_cast<int>(arguments.size()) - 1;
         QApplication application(count, arguments.data());

@@ -9,7 +9,7 @@
 
 LoopbackService::LoopbackService(QObject* parent) : QObject(parent)
 {
-    // A free port, and one that can be a proxy's: those are 16-bit signed numbers. The system would choose above them.
+    // The port must also be valid for a proxy, that is, at most 32767. The system would choose larger ones.
     for (int tries = 0; tries < 1000 && !server_.isListening(); ++tries)
         server_.listen(QHostAddress::LocalHost, static_cast<quint16>(QRandomGenerator::global()->bounded(1024, 32768)));
     if (!server_.isListening())
@@ -92,7 +92,7 @@ void LoopbackService::answer(QTcpSocket* connection, const QByteArray& request)
     }
     for (const QByteArray& piece : pieces_) {
         connection->write(piece);
-        connection->flush(); // a segment of its own, so that it can arrive alone
+        connection->flush(); // sends each piece separately, so that it can arrive alone
     }
     connection->disconnectFromHost();
 }

@@ -9,8 +9,8 @@
 
 class QTcpSocket;
 
-/// A service on a free loopback port, owned by the test. It keeps every request and answers as told: whole, in pieces,
-/// late, cut short or never.
+/// A service on a free loopback port, owned by the test. It records every request and responds as configured:
+/// completely, in pieces, late, cut short or never.
 class LoopbackService final : public QObject
 {
     Q_OBJECT
@@ -22,19 +22,19 @@ public:
 
     quint16 port() const { return server_.serverPort(); }
 
-    /// What every request is answered with from now on; the connection is closed behind it.
+    /// Sets the response to every further request; the connection is closed after it.
     void answerWith(const QByteArray& body, const QByteArray& header = "HTTP/1.1 200 OK\r\nContent-Type: text/html");
 
-    /// The exact bytes of every answer, header included, in these pieces.
+    /// Sets the exact bytes of every response, header included, in these pieces.
     void answerWithPieces(const QList<QByteArray>& pieces);
 
-    /// Answers by the request's target (its second word); anything else gets a 404.
+    /// Responds according to the request's target (its second word), or with 404 to any other.
     void answerByTarget(std::function<QByteArray(const QByteArray& target)> bodyFor);
 
-    /// Takes requests and says nothing, until release() or reset() is called.
+    /// Accepts requests without responding until release() or reset() is called.
     void stall() { mode_ = Mode::Stall; }
 
-    /// Sends the answer that stall() held back, for all waiting connections, and closes them.
+    /// Sends the response that stall() held back on all waiting connections, and closes them.
     void release();
     /// Ends all waiting connections with a reset.
     void reset();
@@ -43,7 +43,7 @@ public:
     /// Closes all open connections in an orderly way.
     void finish();
 
-    /// Requests so far, each with its header block.
+    /// The requests so far, each with its header block.
     const QList<QByteArray>& requests() const { return requests_; }
     /// The last request's first line.
     QByteArray lastRequestLine() const;

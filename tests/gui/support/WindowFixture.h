@@ -22,7 +22,7 @@
 #include "platform/Shell.h"
 #include "platform/TcpClientSocket.h"
 
-/// A Shell that opens nothing and keeps what it was asked for.
+/// A Shell that opens nothing and records the addresses.
 class RecordingShell final : public quarrynet::Shell
 {
 public:
@@ -30,26 +30,26 @@ public:
     std::vector<std::string> opened;
 };
 
-/// The real window over a service of the test's own, with its settings in a temporary folder.
+/// The real window, with a service of the test and with its settings in a temporary folder.
 class WindowFixture
 {
 public:
-    /// Makes the window, loads and shows it. Files put into folder() before are found there.
+    /// Makes the window, loads and shows it. The window finds files that the test has put into folder().
     void start();
-    /// The same without showing it; what load() gave.
+    /// Makes and loads the window without showing it. Returns the result of Main::load().
     bool load();
 
     quarrynet::Main& main() { return *main_; }
     QString folder() const { return folder_.path(); }
     QString settingsFile() const { return folder_.filePath(QStringLiteral("Quarrynet.ini")); }
-    /// Gives the window the keyboard; without a window manager nobody does after a box has closed.
+    /// Activates the window; without a window manager nothing else does after a box has closed.
     void activate();
     void writeSettings(const QByteArray& text);
-    /// Before start(): the settings switch the proxy on, and the test's service is that proxy. The searches' hosts are
-    /// web.example, img.example, down.example and file.example, at port 80.
+    /// Call before start(): switches the proxy on in the settings, with the test's service as the proxy. The hosts of
+    /// the searches are web.example, img.example, down.example and file.example, at port 80.
     void useServiceAsProxy();
 
-    /// A control of the window by its name; fails the test when there is none.
+    /// Returns a control of the window by its name. Aborts the test if there is none.
     template <class Control>
     Control* control(const char* name)
     {
@@ -62,22 +62,22 @@ public:
     QString text(const char* label) { return control<QLabel>(label)->text(); }
     std::string hidden(const char* name) { return control<quarrynet::HiddenText>(name)->text(); }
     int socketState(const char* name) { return control<QObject>(name)->property("state").toInt(); }
-    /// The rows of a list view, cells joined with "|".
+    /// Returns the rows of a list view, with cells joined by "|".
     QStringList rows(const char* list);
 
     /// Brings a tab (1 to 5) to the front as a click on it does.
     void chooseTab(int tag);
 
-    /// Types into a field as a person does, replacing what it holds.
+    /// Types into a field as a user does, replacing its text.
     void type(const char* field, const QString& text);
 
     LoopbackService service;
     RecordingShell shell;
     BoxWatcher boxes;
     quarrynet::ServiceHosts hosts;
-    /// What opens addresses: `shell`, unless a test brings its own.
+    /// Opens addresses: `shell`, unless a test sets another.
     quarrynet::Shell* opener = &shell;
-    /// Where the browser engine's plug-in is looked for; nowhere, so that the plain view shows what the tests look at.
+    /// Folders to search for the browser engine's plug-in; empty by default, so that tests see the plain view.
     QStringList engineFolders;
 
 private:

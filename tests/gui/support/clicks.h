@@ -3,7 +3,7 @@
 #include <QTest>
 #include <QWidget>
 
-/// Double clicks as a person does. (QTest::mouseDClick sends the second press alone.)
+/// Double-clicks as a user does. (QTest::mouseDClick() sends only the second press.)
 inline void doubleClick(QWidget* place, QPoint at, Qt::KeyboardModifiers keys = {})
 {
     QTest::mouseClick(place, Qt::LeftButton, keys, at);

@@ -14,7 +14,7 @@ namespace ordinary_user {
 namespace {
 
 constexpr uid_t kNobody = 65534;
-constexpr const char* kStartedAgain = "QUARRYNET_TEST_HOME"; // the home, which the first start made
+constexpr const char* kStartedAgain = "QUARRYNET_TEST_HOME"; // the home folder, which the first start created
 
 } // namespace
 
@@ -28,7 +28,7 @@ QString become(char* const* arguments)
     QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-" + QByteArray(6, 'X');
     if (mkdtemp(home.data()) == nullptr || chown(home.constData(), kNobody, kNobody) != 0)
         return QStringLiteral("There is no folder for another user");
-    // A child does the tests, so that somebody is left who may remove its home.
+    // A child process runs the tests, so that the parent can remove its home folder.
     const pid_t child = fork();
     if (child > 0) {
         int status = 0;
@@ -41,7 +41,7 @@ QString become(char* const* arguments)
     for (const char* name : {kStartedAgain, "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
                              "XDG_CACHE_HOME", "XDG_STATE_HOME"})
         qputenv(name, home);
-    // Started again, for a process that changed its user may not be looked into, not even by itself.
+    // Starts the program again, because a process that changed its user may not inspect itself.
     execv(program.constData(), arguments);
     return QStringLiteral("Root does not get what is tested here, and other users cannot run ") +
            QFile::decodeName(program);

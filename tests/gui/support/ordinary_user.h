@@ -2,14 +2,14 @@
 
 #include <QString>
 
-/// Tests of what root does not get, run by root.
+/// Lets root run tests of features that root does not get.
 namespace ordinary_user {
 
-/// Makes this process an ordinary user's where it is root's, before anything else runs: it starts itself again as
-/// "nobody", with a home of its own. Returns an empty text, or why the tests cannot run as that user.
+/// If root runs this process, restarts it as "nobody" with a new home folder. Call before anything else. Returns an
+/// empty text, or the reason why the tests cannot run as that user.
 QString become(char* const* arguments);
 
-/// Whether this system lets this user make the namespaces that a browser's sandbox consists of.
+/// Returns whether this user may create the namespaces that a browser's sandbox needs.
 bool mayMakeNamespaces();
 
 } // namespace ordinary_user

@@ -3,16 +3,16 @@
 #include <QByteArray>
 #include <QList>
 
-/// What /proc tells of this program and those that it started.
+/// Reads /proc for this process and its descendants.
 namespace processes {
 
-/// The content of /proc/<process>/<name>; empty where the process is gone.
+/// Returns the content of /proc/<process>/<name>, or an empty text if the process is gone.
 QByteArray processFile(qint64 process, const char* name);
 
-/// A field of /proc/<process>/status; empty where the process is gone.
+/// Returns a field of /proc/<process>/status, or an empty text if the process is gone.
 QByteArray statusField(qint64 process, const QByteArray& name);
 
-/// The processes that this one started, and theirs, as far as they live.
+/// Returns the living child processes of this one, and theirs.
 QList<qint64> descendants();
 
 } // namespace processes

@@ -5,7 +5,7 @@
 #include "WindowFixture.h"
 #include "test_pages.h"
 
-/// What the five tabs call the same things, and what a person types to search on each.
+/// The names of a tab's controls, and texts to type for a search on it.
 struct TabControls
 {
     struct Typed
@@ -16,15 +16,15 @@ struct TabControls
 
     int tag;
     const char* frame;
-    std::array<Typed, 2> typed; // the last one's Enter starts the search; only the page check has two
+    std::array<Typed, 2> typed; // Enter in the last field starts the search; only the page check has two
     const char* button;
     const char* socket;
     const char* timer;
     const char* buffer;
     const char* list;        // the view that shows the results
-    const char* slider;      // null where there are no pages
+    const char* slider;      // null if the tab has no pages
     const char* page;        // a results page of the tests' data
-    const char* requestLine; // how the request of the typed text begins
+    const char* requestLine; // the beginning of the request for the typed text
 };
 
 inline const std::array<TabControls, 5> kTabs = {{
@@ -85,7 +85,7 @@ inline const std::array<TabControls, 5> kTabs = {{
      "GET /cgi-bin/s?t=f&d=&l=en&m=20&q=readme HTTP/1.1"},
 }};
 
-/// A row a tab, named by its frame.
+/// Adds a test row for each tab, named by its frame.
 inline void addTabRows()
 {
     QTest::addColumn<int>("tag");
@@ -98,7 +98,7 @@ inline const TabControls& tabOf(int tag)
     return kTabs[static_cast<std::size_t>(tag) - 1];
 }
 
-/// Brings the tab to the front and types into its fields. The name of the last field.
+/// Brings the tab to the front and types into its fields. Returns the name of the last field.
 inline const char* fillIn(WindowFixture& window, const TabControls& tab)
 {
     window.chooseTab(tab.tag);
@@ -112,13 +112,13 @@ inline const char* fillIn(WindowFixture& window, const TabControls& tab)
     return last;
 }
 
-/// The tab's results page, from the tests' data.
+/// Returns the tab's results page from the tests' data.
 inline QByteArray pageOf(const TabControls& tab)
 {
     return dataFile(tab.page);
 }
 
-/// The tab is as an exchange leaves it: button on, timer off, socket closed, panels at rest.
+/// Verifies that the tab is idle: button enabled, timer off, socket closed, panels reset.
 inline void verifyIdle(WindowFixture& window, const TabControls& tab)
 {
     QVERIFY(window.control<QPushButton>(tab.button)->isEnabled());

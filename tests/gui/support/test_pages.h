@@ -6,10 +6,10 @@
 #include <QByteArray>
 #include <QFile>
 
-/// What the tests of several windows answer with, and how long they wait for it.
+/// Data and timeouts for the tests of several windows.
 
-inline constexpr int kPatience = 60'000;         // milliseconds; what takes long under the sanitizers
-inline constexpr std::size_t kHuge = 10'000'000; // bytes of a hostile page
+inline constexpr int kPatience = 60'000;         // milliseconds, for operations that take long under the sanitizers
+inline constexpr std::size_t kHuge = 10'000'000; // size of a hostile page, in bytes
 
 inline QByteArray bytes(const std::string& text)
 {
