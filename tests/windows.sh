@@ -1,9 +1,9 @@
 #!/bin/sh
-# Builds the core library and its tests for Windows and runs them under Wine. Among others this shows that the INI
-# reader and writer of the other systems and the private-profile calls of Windows behave alike. Apart from ./test.sh,
-# because it needs a cross-compiler and Wine (about 1 GB, installed on a Debian system where they are missing).
+# Builds the core library and its tests for Windows and runs them under Wine. Among other things this shows that our INI
+# reader and writer and the private-profile functions of Windows behave alike. ./test.sh does not run it, because it
+# needs a cross-compiler and Wine (about 1 GB; installed on Debian if missing).
 #
-# Usage: tests/windows.sh [REGULAR EXPRESSION]     only the tests whose names match
+# Usage: tests/windows.sh [REGULAR EXPRESSION]     runs only the tests whose names match
 set -eu
 
 cd "$(dirname "$0")/.."
@@ -35,7 +35,7 @@ cmake -S . -B "$build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" -DCMAKE_BUIL
     -DQUARRYNET_WARNINGS_AS_ERRORS=ON -DQUARRYNET_BUILD_GUI=OFF -DQUARRYNET_BUILD_SERVICES=OFF
 cmake --build "$build"
 
-# A Windows of its own, so that nobody's Wine settings take part, or change.
+# A temporary Windows folder, so that the user's Wine settings have no effect and do not change.
 WINEPREFIX=$(mktemp -d)
 export WINEPREFIX WINEDEBUG=-all
 finish() {
