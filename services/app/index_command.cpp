@@ -53,8 +53,8 @@ int runIndex(const Options& options)
                  "pictures in %.1f seconds\n",
                  counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures, seconds);
     if (counts->leftOut.count > 0)
-        std::fprintf(stderr, "quarrynet-services: %zu items were left out, such as %s\n",
-                     counts->leftOut.count, counts->leftOut.first.c_str());
+        std::fprintf(stderr, "quarrynet-services: %zu items were left out, such as %s\n", counts->leftOut.count,
+                     counts->leftOut.first.c_str());
     return 0;
 }
 
