@@ -11,10 +11,7 @@ namespace quarrynet::services {
 /// only; so is the folder itself unless it contains other things.
 ///
 /// Returns the folder of the index: `chosen` unless it is empty, else "quarrynet" in the user's data folder (XDG Base
-/// Directory Specification). Creates the folder if it is missing. Fails when there is no such folder.
-///
-/// Where the index lives: `chosen` when it is not empty, else "quarrynet" below the user's data folder (XDG Base
-/// Directory Specification). The folder is made when it is missing. Its path, or why there is none.
+/// Directory Specification). Creates the folder if it is missing. Returns a Failure when that is impossible.
 Outcome<std::string> openDataFolder(const std::string& chosen);
 
 /// Gives the index that root made to a user: changes the owner of the files in the data folder, and of the folder

@@ -19,7 +19,7 @@ void reportNoMemory()
 [[noreturn]] void endWithMessage()
 {
     try {
-        throw; // the exception that nobody has caught
+        throw; // rethrows the uncaught exception
     } catch (const std::bad_alloc&) {
         reportNoMemory();
         ::_exit(1);
@@ -28,7 +28,7 @@ void reportNoMemory()
     }
 }
 
-/// Runs before the constants of the options library are initialized, which takes memory before main() can catch.
+/// Runs before the constants of CLI11 are initialized, which allocates memory before main() can catch exceptions.
 [[gnu::constructor(101)]] void catchBeforeMain()
 {
     std::set_terminate(endWithMessage);

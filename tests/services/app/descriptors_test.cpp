@@ -16,7 +16,7 @@
 #include "tests/services/support/service_support.h"
 #include "thumbnails/Thumbnailer.h"
 
-/// What a program that the services start finds open: nothing of the services'.
+/// Checks that programs started by the services inherit none of the services' descriptors.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Where the descriptors lead that "ls -l" of a process's descriptor folder shows.
+/// Returns the targets of the descriptors in a listing by "ls -l" of a process's descriptor folder.
 std::set<std::string> targets(const std::string& listing)
 {
     std::set<std::string> found;
@@ -53,7 +53,7 @@ std::set<int> openDescriptors()
     return open;
 }
 
-/// The descriptors beside those in `before` that a program would inherit.
+/// Returns the descriptors, except those in `before`, that a child process would inherit.
 std::string inheritable(const std::set<int>& before)
 {
     std::string found;
@@ -64,7 +64,7 @@ std::string inheritable(const std::set<int>& before)
     return found;
 }
 
-/// A program in `folder` that leaves the list of its descriptors there and ends.
+/// Makes a program in `folder` that lists its descriptors into a file there and ends.
 std::string listingProgram(const TemporaryFolder& folder)
 {
     const std::string program = folder.write("lister", "#!/bin/sh\n"
@@ -75,7 +75,7 @@ std::string listingProgram(const TemporaryFolder& folder)
     return program;
 }
 
-/// What the listing program has left, without its own script, the null device and this process's error output.
+/// Returns the descriptors of the listing program except its script, the null device and this process's error output.
 std::string foreign(const TemporaryFolder& folder)
 {
     std::ostringstream text;
@@ -92,7 +92,7 @@ std::string foreign(const TemporaryFolder& folder)
     return found;
 }
 
-/// The one descriptor that the thumbnail program is to have: its connection with the services.
+/// Returns whether it is the only descriptor that the thumbnail program should have: its socket to the services.
 bool isOneSocket(const std::string& found)
 {
     return found.starts_with("socket:") && std::count(found.begin(), found.end(), ' ') == 1;

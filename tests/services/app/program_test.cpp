@@ -12,14 +12,14 @@
 #include "tests/services/support/service_support.h"
 #include "tests/support/test_data.h"
 
-/// The program itself, as a person or a script starts it.
+/// Tests the program itself, started as a user or a script starts it.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
 
 namespace {
 
-/// The program, running; its standard output is read from a pipe, its error output goes to a file.
+/// The running program: a pipe receives its standard output, a file its error output.
 class Running
 {
 public:
@@ -131,7 +131,7 @@ protected:
     TemporaryFolder folder_;
 };
 
-/// The port behind "name=http://address:" in the ready line; 0 when it is not there.
+/// Returns the port in "name=http://address:" of the ready line, or 0 if there is none.
 std::uint16_t portOf(const std::string& ready, const std::string& name)
 {
     const std::size_t at = ready.find(" " + name + "=http://");
@@ -343,7 +343,7 @@ TEST_F(Program, CrawlSaysWhyItCannot)
     EXPECT_EQ(start({"crawl", "--data", data(), "http://h/"}).wait(), 1);
 }
 
-// It waited two minutes for a lock that could not be taken.
+// Once it waited two minutes for a lock that could not be taken.
 TEST_F(Program, CrawlThatCannotWriteTheIndexSaysSo)
 {
     index();
@@ -360,7 +360,7 @@ TEST_F(Program, CrawlThatCannotWriteTheIndexSaysSo)
     EXPECT_EQ(crawl.errors().find("waiting"), std::string::npos) << crawl.errors();
 }
 
-// The folders of the project's own pictures and manual were built in.
+// The program once contained the paths of the project's pictures and manual.
 TEST_F(Program, HoldsNoPathOfTheSourceTree)
 {
     if (std::string_view(QUARRYNET_BUILD_TYPE) != "Release")

@@ -23,7 +23,7 @@ Service named(const std::string& name, const std::string& host, std::map<std::st
 
 } // namespace
 
-// The web and the image search took the addresses of the first and the last line of the table for their own.
+// Once the web and the image search used the addresses of the first and the last entry of the table as their own.
 TEST(StartServices, EachGetsItsOwnAddressInWhateverOrder)
 {
     std::vector<std::string> order{"a", "b", "c"};

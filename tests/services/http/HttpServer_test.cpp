@@ -14,7 +14,7 @@ using namespace quarrynet::services;
 
 namespace {
 
-/// A server on free ports, running on a thread of its own until stop(), or for as long as the object lives.
+/// A server on free ports. It runs on its own thread until stop() or the destructor.
 class RunningServer
 {
 public:
@@ -55,7 +55,7 @@ private:
     std::thread thread_;
 };
 
-/// Answers "/large" with so much that a client which does not read stalls it.
+/// Size of the response to "/large", which stalls if the client does not read it.
 constexpr std::size_t kLarge = 64 * 1024 * 1024;
 
 HttpResponse largeOnRequest(const HttpRequest& request)
@@ -72,7 +72,7 @@ HttpResponse echo(const HttpRequest& request)
     return response;
 }
 
-/// Works on an answer until nobody wants it any more.
+/// Works until the response is no longer needed.
 HttpResponse workInVain()
 {
     while (!CurrentTask::abandoned())

@@ -20,7 +20,7 @@ HttpRequest requestOf(std::string_view bytes)
     return request == nullptr ? HttpRequest() : *request;
 }
 
-/// The status of the refusal, 0 for a request, -1 for an incomplete head.
+/// Returns the status of an error response, 0 for a request, or -1 for an incomplete head.
 int refusalOf(std::string_view bytes)
 {
     const ExactCopy copy(bytes);

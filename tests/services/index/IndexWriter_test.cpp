@@ -31,7 +31,7 @@ std::string stanza(const std::string& name, const std::string& summary)
 
 void quiet(const std::string&) {}
 
-/// So many folders, one in the other.
+/// Returns a path of `levels` nested folders.
 std::string slashes(int levels)
 {
     std::string path;
@@ -195,7 +195,7 @@ TEST_F(Index, LockIsNotWaitedForWhereNoWaitingMends)
 
 namespace {
 
-/// Runs for ever, unless something ends it.
+/// Runs forever, unless it is interrupted.
 Outcome<Done> runEndlessly(IndexPool& pool)
 {
     Outcome<IndexPool::Lease> index = pool.borrow();

@@ -11,7 +11,7 @@ using namespace quarrynet::services;
 
 namespace {
 
-/// The number of rows that a full-text table finds, or -1 when the expression is refused.
+/// A full-text table of names, and the number of rows that a query finds in it (-1 if the expression is rejected).
 class Names
 {
 public:

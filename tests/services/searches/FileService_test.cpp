@@ -103,7 +103,7 @@ TEST_F(Files, DirectoryAddressListsItsContent)
         EXPECT_EQ(find(address), Names()) << address;
 }
 
-// Of a site below another one only the outer one was asked.
+// For a site below another one, once only the outer site was searched.
 TEST_F(Files, DirectoryOfASiteBelowAnotherOneIsListed)
 {
     Outcome<IndexWriter> writer = IndexWriter::begin(data_.path());
@@ -123,7 +123,7 @@ TEST_F(Files, DirectoryOfASiteBelowAnotherOneIsListed)
     }
 }
 
-// "ftp://" stood before the addresses of mirrors that speak HTTP only.
+// Once "ftp://" was the prefix even for mirrors that support only HTTP.
 TEST_F(Files, MirrorsKeepTheirScheme)
 {
     for (const std::string mirror :

@@ -14,7 +14,7 @@
 #include "tests/support/test_data.h"
 #include "text/markup.h"
 
-/// The image search, asked with the program's own requests and read with its own parser.
+/// Tests the image search with the program's own requests and parser.
 
 using namespace quarrynet;
 using namespace quarrynet::services;

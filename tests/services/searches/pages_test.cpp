@@ -23,7 +23,7 @@
 #include "tests/services/support/service_support.h"
 #include "text/markup.h"
 
-/// Every page that the services make, asked for with the program's own requests and read with its own parsers.
+/// Tests every page of the services with the program's own requests and parsers.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -35,7 +35,7 @@ constexpr const char* kDownloadHost = "127.80.0.3";
 constexpr const char* kFileHost = "127.80.0.4";
 constexpr Route kRoutes[] = {Route::Direct, Route::Proxy};
 
-/// Typed text as a request carries it: the program escapes nothing, so a typed escape counts as one.
+/// Returns typed text as the service receives it: the program escapes nothing, so a typed escape is decoded.
 std::string asAsked(const std::string& typed)
 {
     return decodeQueryValue(typed);
@@ -228,7 +228,7 @@ TEST_F(Pages, FirstPageFormsAreReadBackWhole)
     }
 }
 
-// The program reaches back over "a href=ftp" from the scheme's colon, whatever the scheme.
+// The program goes back from the scheme's colon over "a href=ftp", whatever the scheme.
 TEST_F(Pages, AddressesOfEverySchemeAreReadBackAndCanBeOpened)
 {
     for (const std::string scheme : {"http", "https", "ftp"}) {

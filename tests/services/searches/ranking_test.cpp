@@ -12,7 +12,7 @@
 #include "sources/indexing.h"
 #include "tests/services/support/service_support.h"
 
-/// What the searches show first.
+/// Tests the order of results.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -83,7 +83,7 @@ protected:
 
 } // namespace
 
-// By bm25 alone, a short text that repeats the word goes before the program of that name.
+// By bm25 alone, a short text that repeats the word precedes the program of that name.
 TEST_F(Ranking, ProgramWithTheTypedNameIsFirst)
 {
     add("vim-tiny", "vim vim");
