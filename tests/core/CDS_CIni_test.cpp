@@ -132,7 +132,7 @@ TEST_F(Ini, MissingFileSectionOrKeyIsAFailureWithADescription)
     EXPECT_FALSE(store_.ReadValue("A", "k", value));
     EXPECT_NE(store_.LastErrorDescription(), "");
     EXPECT_NE(store_.LastErrorDescription(), "An unknown error has occured");
-    EXPECT_FALSE(fs::exists(path_)) << "reading makes no file";
+    EXPECT_FALSE(fs::exists(path_)) << "reading must not create a file";
     put("[A]\nk=1\n");
     EXPECT_FALSE(store_.ReadValue("A", "x", value));
     EXPECT_FALSE(store_.ReadValue("B", "k", value));
@@ -329,7 +329,7 @@ TEST_F(Ini, PermissionsStayAndLinksAreFollowed)
 TEST_F(Ini, ReadOnlyFileIsNotReplaced)
 {
     if (::geteuid() == 0)
-        GTEST_SKIP() << "permissions do not bind the superuser";
+        GTEST_SKIP() << "permissions do not restrict root";
     put("[A]\nk=1\n");
     fs::permissions(path_, fs::perms(0444));
     EXPECT_FALSE(store_.WriteValue("A", "k", "2"));
@@ -340,7 +340,7 @@ TEST_F(Ini, ReadOnlyFileIsNotReplaced)
 TEST_F(Ini, UnreadableFileOrFolderIsAFailureWithADescription)
 {
     if (::geteuid() == 0)
-        GTEST_SKIP() << "permissions do not bind the superuser";
+        GTEST_SKIP() << "permissions do not restrict root";
     put("[A]\nk=1\n");
     fs::permissions(path_, fs::perms(0000));
     std::string value;
@@ -381,7 +381,7 @@ TEST_F(Ini, SparseFileOfFourTerabytesIsAFailure)
     std::error_code refused;
     fs::resize_file(path_, std::uintmax_t{4} << 40, refused);
     if (refused)
-        GTEST_SKIP() << "the file system holds no such file";
+        GTEST_SKIP() << "the file system does not support such a file";
     expectAllFail(store_, "File too large");
     EXPECT_EQ(fs::file_size(path_), std::uintmax_t{4} << 40);
     EXPECT_EQ(filesInFolder(), 1U);

@@ -146,7 +146,7 @@ void HtmlEngineGuardTest::pageLoadsItselfAgainAFewTimes()
     QSignalSpy finished(engine(), SIGNAL(loadFinished(bool)));
     const auto refused = [&] { return finished.count(QList<QVariant>{false}); };
     QTRY_COMPARE_WITH_TIMEOUT(refused(), 1 + kMostRetries, 30000);
-    QVERIFY2(server_->requests.size() > 1, "it did not load itself again");
+    QVERIFY2(server_->requests.size() > 1, "the page did not reload itself");
     QVERIFY2(server_->requests.size() <= kMostLoads, qPrintable(QString::number(server_->requests.size())));
 }
 

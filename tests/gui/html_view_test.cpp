@@ -167,7 +167,7 @@ void HtmlViewTest::rootGetsThePlainView()
     if (QDir(folder).entryList({u"*quarrynet_webengine*"_s}).isEmpty())
         QSKIP("The plug-in was not built");
     if (geteuid() != 0)
-        QSKIP("Somebody else runs this test");
+        QSKIP("Only root can run this test");
     view_->setEngineFolders({folder});
     open({{"host/x.jpg", {}}});
     QVERIFY(!view_->property("browser").toBool());

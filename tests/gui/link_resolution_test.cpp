@@ -347,7 +347,7 @@ private slots:
     void desktopIsHandedAllowedAddressesOnly()
     {
 #if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-        QSKIP("The opener is no program of the search path here");
+        QSKIP("On this system the opener is not a program in PATH");
 #endif
         QTemporaryDir folder;
         QFile opener(folder.filePath(QStringLiteral("xdg-open")));

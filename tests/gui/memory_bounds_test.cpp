@@ -186,7 +186,7 @@ private slots:
     void rowsThatMemoryDoesNotHoldAreAnErrorBox()
     {
         if (!kFreedIsGiven)
-            QSKIP("the sanitizer's own memory passes every limit");
+            QSKIP("The sanitizer's own memory exceeds every limit");
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         int boxes = 0;
         bool shown = false;
@@ -209,7 +209,7 @@ private slots:
     void searchWithLittleRoom()
     {
         if (!qEnvironmentVariableIsSet(kRoom))
-            QSKIP("runs in a process of its own");
+            QSKIP("Another test runs this one in a child process");
         const auto room = static_cast<std::size_t>(qEnvironmentVariableIntValue(kRoom)) * kMebibyte;
         auto* view = window_->control<QTreeView>("ListView1");
         std::string page = heading("1");

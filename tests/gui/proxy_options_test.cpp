@@ -483,7 +483,7 @@ private slots:
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
             if (!file.resize(qint64{4} << 40))
-                QSKIP("the file system holds no such file");
+                QSKIP("The file system does not support such a file");
         } else if (kind == QStringLiteral("pipe")) {
             QCOMPARE(::mkfifo(name.constData(), 0600), 0);
         } else if (kind == QStringLiteral("device")) {

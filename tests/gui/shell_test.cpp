@@ -38,7 +38,7 @@ private:
 void ShellTest::initTestCase()
 {
 #if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-    QSKIP("The opener is no program of the search path here");
+    QSKIP("On this system the opener is not a program in PATH");
 #endif
     QVERIFY(folder_.isValid());
     QFile opener(folder_.filePath(u"xdg-open"_s));

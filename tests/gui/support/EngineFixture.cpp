@@ -19,7 +19,7 @@ void EngineFixture::initTestCase()
     if (!unable_.isEmpty())
         QSKIP(qPrintable(unable_));
     if (!ordinary_user::mayMakeNamespaces())
-        QSKIP("This system refuses this user the namespaces that the engine's sandbox consists of");
+        QSKIP("This system does not let this user create the namespaces that the engine's sandbox needs");
     QStandardPaths::setTestModeEnabled(true);
     for (const auto& [name, value] : kHostileEnvironment)
         qputenv(name, value);

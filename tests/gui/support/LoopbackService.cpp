@@ -13,7 +13,7 @@ LoopbackService::LoopbackService(QObject* parent) : QObject(parent)
     for (int tries = 0; tries < 1000 && !server_.isListening(); ++tries)
         server_.listen(QHostAddress::LocalHost, static_cast<quint16>(QRandomGenerator::global()->bounded(1024, 32768)));
     if (!server_.isListening())
-        qFatal("no loopback port to listen on");
+        qFatal("no free loopback port");
     connect(&server_, &QTcpServer::newConnection, this, &LoopbackService::accept);
 }
 

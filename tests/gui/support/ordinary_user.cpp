@@ -23,11 +23,11 @@ QString become(char* const* arguments)
     if (geteuid() != 0)
         return {};
     if (qEnvironmentVariableIsSet(kStartedAgain))
-        return QStringLiteral("The tests are root's still, after they gave that up");
+        return QStringLiteral("The tests still run as root after changing the user");
     const QByteArray program = QFile::encodeName(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget());
     QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-" + QByteArray(6, 'X');
     if (mkdtemp(home.data()) == nullptr || chown(home.constData(), kNobody, kNobody) != 0)
-        return QStringLiteral("There is no folder for another user");
+        return QStringLiteral("Cannot create a home folder for another user");
     // A child process runs the tests, so that the parent can remove its home folder.
     const pid_t child = fork();
     if (child > 0) {
@@ -37,13 +37,13 @@ QString become(char* const* arguments)
         _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
     }
     if (child < 0 || setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0)
-        return QStringLiteral("The tests cannot become another user's");
+        return QStringLiteral("Cannot change the user");
     for (const char* name : {kStartedAgain, "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
                              "XDG_CACHE_HOME", "XDG_STATE_HOME"})
         qputenv(name, home);
     // Starts the program again, because a process that changed its user may not inspect itself.
     execv(program.constData(), arguments);
-    return QStringLiteral("Root does not get what is tested here, and other users cannot run ") +
+    return QStringLiteral("These tests need an ordinary user, and other users cannot run ") +
            QFile::decodeName(program);
 }
 
