@@ -43,7 +43,7 @@ Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
 {
     int ends[2] = {-1, -1};
     if (!makePipe(ends))
-        return Failure{std::string("no pipe: ") + std::strerror(errno)};
+        return Failure{std::string("cannot create a pipe: ") + std::strerror(errno)};
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -126,7 +126,7 @@ int runServe(const Options& options)
     }
     // Checks as the user that this process has become.
     if (kHasImageSearch && ::access(thumbnailProgram().c_str(), X_OK) != 0)
-        std::fprintf(stderr, "quarrynet-services: thumbnails require %s, which is missing\n",
+        std::fprintf(stderr, "quarrynet-services: thumbnails require %s, which cannot be executed\n",
                      thumbnailProgram().c_str());
     server.stopOnSignals();
     std::signal(SIGPIPE, SIG_IGN);

@@ -139,7 +139,7 @@ Outcome<FtpAddress> readFtpAddress(std::string_view address)
     if (!path.empty())
         path.push_back('/');
     if (std::any_of(path.begin(), path.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }))
-        return Failure{"the path has control characters"};
+        return Failure{"the path contains control characters"};
     return FtpAddress{std::string(kScheme) + std::string(authority), path};
 }
 
