@@ -52,7 +52,7 @@ if(QUARRYNET_SANITIZE)
 endif()
 
 if(QUARRYNET_SANITIZE_THREADS)
-  # The sanitizer does not support fences. Without them Asio synchronizes with locks alone, which the sanitizer
+  # The sanitizer does not support fences. Without them Asio synchronises with locks alone, which the sanitizer
   # supports.
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -DBOOST_ASIO_DISABLE_FENCED_BLOCK)
   add_link_options(-fsanitize=thread)
