@@ -3,14 +3,13 @@
 
 #include "WindowFixture.h"
 #include "clicks.h"
+#include "test_pages.h"
 #include "tests/core/page_samples.h"
 
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
 namespace {
-
-constexpr int kPatience = 60'000; // milliseconds; what takes long under the sanitizers
 
 const std::string kLink = "/redir?a=1&destUrl=http%3A%2F%2Fx%2Fy";
 const QByteArray kRest = " HTTP/1.1\r\n"

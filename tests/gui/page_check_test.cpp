@@ -10,9 +10,6 @@ using namespace quarrynet;
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds; what takes long under the sanitizers
-constexpr qsizetype kHuge = 10'000'000;
-
 const QString kFault = QStringLiteral("Error occurred.\r\nError #: ");
 
 enum Mode
@@ -514,8 +511,7 @@ private:
     void useProxy()
     {
         window_ = std::make_unique<WindowFixture>();
-        window_->writeSettings("[ProxySwitch]\nValue=on\n[ProxyHost]\nValue=127.0.0.1\n[ProxyPort]\nValue=" +
-                               QByteArray::number(window_->service.port()) + "\n");
+        window_->useServiceAsProxy();
         window_->start();
         window_->chooseTab(2);
     }

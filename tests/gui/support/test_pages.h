@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 #include <QByteArray>
@@ -8,8 +7,8 @@
 
 /// Data and timeouts for the tests of several windows.
 
-inline constexpr int kPatience = 60'000;         // milliseconds, for operations that take long under the sanitizers
-inline constexpr std::size_t kHuge = 10'000'000; // size of a hostile page, in bytes
+inline constexpr int kPatience = 60'000; // milliseconds, for operations that take long under the sanitizers
+inline constexpr int kHuge = 10'000'000; // size of a hostile page, in bytes
 
 inline QByteArray bytes(const std::string& text)
 {
