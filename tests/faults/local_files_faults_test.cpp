@@ -6,6 +6,7 @@
 #include "faults.h"
 #include "platform/local_files.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 /// Each file call that writes a local page fails once. Then there is a reason to show, or the page is complete.
@@ -17,7 +18,7 @@ private slots:
     void pageIsWholeOrThereIsAReason()
     {
         QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("blank.html"));
+        const QString path = folder.filePath(u"blank.html"_s);
         const std::string page = blankFramePage();
         QString reason;
         long reasons = 0;

@@ -9,6 +9,7 @@
 #include "faults.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -136,7 +137,7 @@ private slots:
         QFETCH(int, error);
         const QByteArray answer = "HTTP/1.1 200 OK\r\n\r\n" + QByteArray(200'000, 'x');
         const SparedService service(answer);
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         std::string text;
         connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
         connect(&socket, &TcpClientSocket::dataArrival, &socket, [&] { socket.GetData(text); });
@@ -202,14 +203,14 @@ private slots:
                 const QByteArray call = "call " + QByteArray::number(static_cast<qlonglong>(number));
                 QVERIFY2(ended, call.constData());
                 QVERIFY2(!window.control<QTimer>(tab.timer)->isActive(), call.constData());
-                QCOMPARE(window.text("ConnectionPanel"), QStringLiteral("Closed"));
+                QCOMPARE(window.text("ConnectionPanel"), u"Closed"_s);
                 if (window.boxes.boxes().isEmpty()) {
                     QCOMPARE(window.rows(tab.list), all);
                 } else {
                     QVERIFY2(reached, call.constData());
                     QVERIFY2(window.boxes.boxes().size() == 1, qPrintable(window.boxes.texts().join(u"; ")));
-                    QCOMPARE(window.boxes.boxes()[0].title, QStringLiteral("Error"));
-                    QVERIFY2(window.boxes.texts()[0].startsWith(QStringLiteral("Error occurred.")), call.constData());
+                    QCOMPARE(window.boxes.boxes()[0].title, u"Error"_s);
+                    QVERIFY2(window.boxes.texts()[0].startsWith(u"Error occurred."_s), call.constData());
                     QCOMPARE(window.rows(tab.list), QStringList());
                 }
                 QVERIFY2(search(), call.constData());

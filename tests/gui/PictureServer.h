@@ -25,7 +25,8 @@ public:
     quint16 port() const { return server_.serverPort(); }
     QString address(const QString& target) const
     {
-        return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(target);
+        using namespace Qt::Literals::StringLiterals;
+        return u"http://127.0.0.1:%1%2"_s.arg(port()).arg(target);
     }
 
     /// `answer` is the whole response. Adds a Content-Length if it has none: a client that does not know whether a

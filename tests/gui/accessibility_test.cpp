@@ -4,6 +4,7 @@
 #include "WindowFixture.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -58,28 +59,28 @@ private slots:
         window_->main().showConnection("Connecting");
         window_->main().showActivity("Requesting Data");
         QAccessibleInterface* connection = interfaceOf(window_->control<QLabel>("ConnectionPanel"));
-        QCOMPARE(connection->text(QAccessible::Name), QStringLiteral("Connecting"));
-        QCOMPARE(connection->text(QAccessible::Description), QStringLiteral("State of the connection"));
+        QCOMPARE(connection->text(QAccessible::Name), u"Connecting"_s);
+        QCOMPARE(connection->text(QAccessible::Description), u"State of the connection"_s);
         QAccessibleInterface* activity = interfaceOf(window_->control<QLabel>("ActivityPanel"));
-        QCOMPARE(activity->text(QAccessible::Name), QStringLiteral("Requesting Data"));
-        QCOMPARE(activity->text(QAccessible::Description), QStringLiteral("Step of the search"));
+        QCOMPARE(activity->text(QAccessible::Name), u"Requesting Data"_s);
+        QCOMPARE(activity->text(QAccessible::Description), u"Step of the search"_s);
     }
 
     void figuresAndFieldsBelongToTheirCaptions_data()
     {
         QTest::addColumn<QString>("caption");
-        QTest::newRow("Text1") << QStringLiteral("Keyword/s:");
-        QTest::newRow("Label3") << QStringLiteral("Pages Found:");
-        QTest::newRow("Label5") << QStringLiteral("Search Speed:");
-        QTest::newRow("Text4") << QStringLiteral("URL:");
-        QTest::newRow("Text5") << QStringLiteral("Keyword/s:");
-        QTest::newRow("Combo1") << QStringLiteral("Match mode");
-        QTest::newRow("Text7") << QStringLiteral("Keyword/s:");
-        QTest::newRow("Label11") << QStringLiteral("Images Found:");
-        QTest::newRow("Label12") << QStringLiteral("Search Speed:");
-        QTest::newRow("Text10") << QStringLiteral("Keyword/s:");
-        QTest::newRow("Label15") << QStringLiteral("Files Found:");
-        QTest::newRow("Text11") << QStringLiteral("Filename:");
+        QTest::newRow("Text1") << u"Keyword/s:"_s;
+        QTest::newRow("Label3") << u"Pages Found:"_s;
+        QTest::newRow("Label5") << u"Search Speed:"_s;
+        QTest::newRow("Text4") << u"URL:"_s;
+        QTest::newRow("Text5") << u"Keyword/s:"_s;
+        QTest::newRow("Combo1") << u"Match mode"_s;
+        QTest::newRow("Text7") << u"Keyword/s:"_s;
+        QTest::newRow("Label11") << u"Images Found:"_s;
+        QTest::newRow("Label12") << u"Search Speed:"_s;
+        QTest::newRow("Text10") << u"Keyword/s:"_s;
+        QTest::newRow("Label15") << u"Files Found:"_s;
+        QTest::newRow("Text11") << u"Filename:"_s;
     }
 
     void figuresAndFieldsBelongToTheirCaptions()
@@ -90,9 +91,8 @@ private slots:
 
     void figuresAreReadWithTheirTexts()
     {
-        QCOMPARE(interfaceOf(window_->control<QLabel>("Label3"))->text(QAccessible::Name), QStringLiteral("0"));
-        QCOMPARE(interfaceOf(window_->control<QLabel>("Label5"))->text(QAccessible::Name),
-                 QStringLiteral("0.0 Second/s"));
+        QCOMPARE(interfaceOf(window_->control<QLabel>("Label3"))->text(QAccessible::Name), u"0"_s);
+        QCOMPARE(interfaceOf(window_->control<QLabel>("Label5"))->text(QAccessible::Name), u"0.0 Second/s"_s);
     }
 
     void theModeListIsReadWithTheModeThatIsChosen()
@@ -100,7 +100,7 @@ private slots:
         window_->chooseTab(2);
         auto* modes = window_->control<QComboBox>("Combo1");
         modes->setCurrentIndex(2);
-        QCOMPARE(interfaceOf(modes)->text(QAccessible::Value), QStringLiteral("Exact Search"));
+        QCOMPARE(interfaceOf(modes)->text(QAccessible::Value), u"Exact Search"_s);
         QVERIFY(!window_->control<QLabel>("Combo1Caption")->isVisible());
     }
 

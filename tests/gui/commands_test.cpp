@@ -8,6 +8,7 @@
 #include "DialogDriver.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 class CommandsTest final : public QObject
@@ -59,7 +60,7 @@ private slots:
     void theTagIsReadAsANumber()
     {
         auto* strip = window_->control<QTabBar>("TabStrip1");
-        strip->setTabData(4, QStringLiteral("03"));
+        strip->setTabData(4, u"03"_s);
         window_->chooseTab(5);
         QVERIFY(window_->control<QFrame>("IMG")->isVisible());
     }
@@ -67,11 +68,11 @@ private slots:
     void anyOtherTagChangesNothing_data()
     {
         QTest::addColumn<QVariant>("tag");
-        QTest::newRow("0") << QVariant(QStringLiteral("0"));
-        QTest::newRow("6") << QVariant(QStringLiteral("6"));
-        QTest::newRow("negative") << QVariant(QStringLiteral("-1"));
-        QTest::newRow("a word") << QVariant(QStringLiteral("two"));
-        QTest::newRow("too large for a number") << QVariant(QStringLiteral("99999999999999999999"));
+        QTest::newRow("0") << QVariant(u"0"_s);
+        QTest::newRow("6") << QVariant(u"6"_s);
+        QTest::newRow("negative") << QVariant(u"-1"_s);
+        QTest::newRow("a word") << QVariant(u"two"_s);
+        QTest::newRow("too large for a number") << QVariant(u"99999999999999999999"_s);
         QTest::newRow("none") << QVariant();
     }
 
@@ -133,7 +134,7 @@ private slots:
             modal = dialog.isModal();
         });
         clickToolbar(2);
-        QCOMPARE(dialogs.seen(), QStringList{tr("Proxy")});
+        QCOMPARE(dialogs.seen(), QStringList{u"Proxy"_s});
         QCOMPARE(owner, &window_->main());
         QVERIFY(modal);
     }
@@ -173,14 +174,14 @@ private slots:
         DialogDriver dialogs([&](QDialog& dialog) {
             owner = dialog.parentWidget();
             modal = dialog.isModal();
-            QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+            QTest::mouseClick(dialog.findChild<QPushButton*>(u"cmdOK"_s), Qt::LeftButton);
             closedByOk = !dialog.isVisible();
         });
         if (fromToolbar)
             clickToolbar(9);
         else
             window_->control<QAction>("aboutmnu")->trigger();
-        QCOMPARE(dialogs.seen(), QStringList{tr("frmAbout")});
+        QCOMPARE(dialogs.seen(), QStringList{u"frmAbout"_s});
         QCOMPARE(owner, fromToolbar ? &window_->main() : nullptr);
         QVERIFY(modal);
         QVERIFY(closedByOk);
@@ -192,9 +193,9 @@ private slots:
     {
         QTest::addColumn<QString>("entry");
         QTest::addColumn<std::string>("address");
-        QTest::newRow("Contents") << QStringLiteral("contentmnu") << std::string("http://help.example/");
-        QTest::newRow("Email Author") << QStringLiteral("emailauth") << std::string("mailto:author@home.example");
-        QTest::newRow("Webpage") << QStringLiteral("webpage") << std::string("http://home.example/");
+        QTest::newRow("Contents") << u"contentmnu"_s << std::string("http://help.example/");
+        QTest::newRow("Email Author") << u"emailauth"_s << std::string("mailto:author@home.example");
+        QTest::newRow("Webpage") << u"webpage"_s << std::string("http://home.example/");
     }
 
     void helpEntriesOpenTheirAddresses()
@@ -238,7 +239,7 @@ private slots:
         QWidget* owner = nullptr;
         DialogDriver dialogs([&](QDialog& dialog) { owner = dialog.parentWidget(); });
         QTest::keyClick(openMenu("viewmnu", Qt::Key_V), Qt::Key_P);
-        QTRY_COMPARE(dialogs.seen(), QStringList{tr("Proxy")});
+        QTRY_COMPARE(dialogs.seen(), QStringList{u"Proxy"_s});
         QCOMPARE(owner, &window_->main());
     }
 
@@ -310,9 +311,9 @@ private slots:
     void enterInTheAddressMovesToTheKeywords()
     {
         window_->chooseTab(2);
-        window_->type("Text4", QStringLiteral("127.0.0.1/"));
+        window_->type("Text4", u"127.0.0.1/"_s);
         QTest::keyClick(window_->control<QLineEdit>("Text4"), Qt::Key_Return);
-        QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("Text5"));
+        QCOMPARE(QApplication::focusWidget()->objectName(), u"Text5"_s);
         QVERIFY(window_->boxes.boxes().isEmpty());
         QCOMPARE(window_->socketState("PageSock"), 0);
         QVERIFY(window_->control<QPushButton>("Command2")->isEnabled());
@@ -333,10 +334,10 @@ private slots:
             if (tab.slider)
                 QTest::addRow("%s", tab.slider) << tab.tag << QString::fromLatin1(tab.slider);
             QTest::addRow("button of %s", tab.frame) << tab.tag << QString::fromLatin1(tab.button);
-            QTest::addRow("strip before %s", tab.frame) << tab.tag << QStringLiteral("TabStrip1");
+            QTest::addRow("strip before %s", tab.frame) << tab.tag << u"TabStrip1"_s;
             QTest::addRow("window with %s", tab.frame) << tab.tag << QString();
         }
-        QTest::newRow("Combo1") << 2 << QStringLiteral("Combo1");
+        QTest::newRow("Combo1") << 2 << u"Combo1"_s;
     }
 
     void escapeStopsOnceWhereverItIsPressed()
@@ -377,7 +378,7 @@ private slots:
             QTest::keyClick(window_->main().windowHandle(), Qt::Key_Escape);
         }
         QVERIFY(window_->boxes.boxes().isEmpty());
-        QCOMPARE(window_->control<QLineEdit>("Text1")->text(), QStringLiteral("apple"));
+        QCOMPARE(window_->control<QLineEdit>("Text1")->text(), u"apple"_s);
     }
 
     void escapeInAnOpenMenuOrListClosesThatOnly()
@@ -414,7 +415,7 @@ private slots:
         QFETCH(int, tag);
         QFETCH(QString, field);
         window_->chooseTab(tag);
-        for (const QString& text : {QStringLiteral("x"), QString()}) {
+        for (const QString& text : {u"x"_s, QString()}) {
             for (const TabControls& tab : kTabs)
                 window_->control<QPushButton>(tab.button)->setEnabled(false);
             window_->type(qPrintable(field), text);
@@ -446,7 +447,7 @@ private:
         return menu;
     }
 
-    const QString stopped_ = QStringLiteral("User cancel the operation");
+    const QString stopped_ = u"User cancel the operation"_s;
     std::unique_ptr<WindowFixture> window_;
 };
 

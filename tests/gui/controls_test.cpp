@@ -11,6 +11,7 @@
 #include "platform/PagingSlider.h"
 #include "platform/scaling_bars.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 class ControlsTest final : public QObject
@@ -20,11 +21,11 @@ class ControlsTest final : public QObject
 private slots:
     void hiddenTextRaisesItsChangeAtOnceAndOnlyForAChange()
     {
-        HiddenText text(QStringLiteral("Text2"), this);
+        HiddenText text(u"Text2"_s, this);
         QStringList seen;
         connect(&text, &HiddenText::changed, this, [&] { seen.append(QString::fromStdString(text.text())); });
         text.setText("a");
-        QCOMPARE(seen, QStringList{QStringLiteral("a")});
+        QCOMPARE(seen, QStringList{u"a"_s});
         text.setText("a");
         text.setText({});
         text.setText({});
@@ -33,7 +34,7 @@ private slots:
 
     void hiddenTextKeepsEveryByte()
     {
-        HiddenText text(QStringLiteral("Text2"), this);
+        HiddenText text(u"Text2"_s, this);
         const std::string bytes("a\r\n\0\xff\n", 6);
         text.setText(bytes);
         QCOMPARE(text.text(), bytes);
@@ -44,7 +45,7 @@ private slots:
 
     void hiddenTextCanBeGivenAPartOfItself()
     {
-        HiddenText text(QStringLiteral("Text2"), this);
+        HiddenText text(u"Text2"_s, this);
         text.setText("0123456789");
         text.setText(std::string_view(text.text()).substr(5));
         QCOMPARE(text.text(), std::string("56789"));
@@ -52,9 +53,9 @@ private slots:
 
     void hiddenListBoxHoldsPositionsAsDecimals()
     {
-        HiddenListBox list(QStringLiteral("List1"), this);
+        HiddenListBox list(u"List1"_s, this);
         list.setPositions({12, 0, 4000000000});
-        QCOMPARE(list.property("items").toStringList(), QStringLiteral("12 0 4000000000").split(u' '));
+        QCOMPARE(list.property("items").toStringList(), u"12 0 4000000000"_s.split(u' '));
         list.setItems({"7", "x", ""});
         QCOMPARE(list.positions(), std::vector<Position>({7, 0, 0}));
     }
@@ -85,7 +86,7 @@ private slots:
         QCOMPARE(paged.count(), 3);
         QTest::keyClick(&slider, Qt::Key_End); // the value is already the maximum
         QCOMPARE(paged.count(), 3);
-        QCOMPARE(slider.toolTip(), QStringLiteral("10"));
+        QCOMPARE(slider.toolTip(), u"10"_s);
     }
 
     void sliderRaisesOneChangeForADragOnRelease()
@@ -124,7 +125,7 @@ private slots:
         QSignalSpy paged(&slider, &PagingSlider::paged);
         slider.setWindow({10, 6, 12});
         QCOMPARE(slider.window(), (PagingWindow{1, 6, 6}));
-        QCOMPARE(slider.toolTip(), QStringLiteral("6"));
+        QCOMPARE(slider.toolTip(), u"6"_s);
         QCOMPARE(paged.count(), 0);
         QTest::keyClick(&slider, Qt::Key_Left);
         QCOMPARE(slider.value(), 5);
@@ -136,19 +137,19 @@ private slots:
     void listShowsRowsAndEmptyCells()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.setColumns({u"A"_s, u"B"_s});
         list.setRows({{"1", "caf\xE9"}, {"only"}, {}});
         QCOMPARE(list.model()->rowCount(), 3);
-        QCOMPARE(list.model()->index(0, 1).data().toString(), QStringLiteral("café"));
+        QCOMPARE(list.model()->index(0, 1).data().toString(), u"café"_s);
         QCOMPARE(list.model()->index(1, 1).data().toString(), QString());
         QCOMPARE(list.model()->index(2, 0).data().toString(), QString());
-        QCOMPARE(list.model()->headerData(1, Qt::Horizontal).toString(), QStringLiteral("B"));
+        QCOMPARE(list.model()->headerData(1, Qt::Horizontal).toString(), u"B"_s);
     }
 
     void listShowsTheBeginningOfAHugeCell()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setRows({{std::string(50'000'000, 'x')}});
         list.show();
         QVERIFY(list.model()->index(0, 0).data().toString().size() < 10'000);
@@ -159,7 +160,7 @@ private slots:
     void listShowsOneLineACell()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setRows({{"plain"}});
         const int height = list.sizeHintForRow(0);
         std::string wrapped;
@@ -167,15 +168,15 @@ private slots:
             wrapped += "word\r\n";
         list.setRows({{wrapped + "\xE2\x80\xA8"}, {"\xE2\x80\xAE"}});
         QCOMPARE(list.sizeHintForRow(0), height);
-        QVERIFY(list.model()->index(0, 0).data().toString().startsWith(QStringLiteral("word  word  word")));
-        QCOMPARE(list.model()->index(1, 0).data().toString(), QStringLiteral("\uFFFD"));
+        QVERIFY(list.model()->index(0, 0).data().toString().startsWith(u"word  word  word"_s));
+        QCOMPARE(list.model()->index(1, 0).data().toString(), u"\uFFFD"_s);
         QCOMPARE(list.rows()[1].front(), std::string("\xE2\x80\xAE"));
     }
 
     void listColumnsKeepTheirShare()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.setColumns({u"A"_s, u"B"_s});
         list.resize(400, 100);
         list.show();
         list.halveColumns();
@@ -191,7 +192,7 @@ private slots:
     void listTellsSelectedRowsInOrder()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setRows({{"0"}, {"1"}, {"2"}});
         const auto select = [&](int row) {
             list.selectionModel()->select(list.model()->index(row, 0),
@@ -207,21 +208,21 @@ private slots:
     void listCopiesRowsAsTheyAreShown()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A"), QStringLiteral("B")});
+        list.setColumns({u"A"_s, u"B"_s});
         list.setRows({{"a\tb", "c\r\nd"}, {"skipped"}, {"", "e"}, {}});
         list.show();
         for (const int row : {3, 0, 2})
             list.selectionModel()->select(list.model()->index(row, 0),
                                           QItemSelectionModel::Select | QItemSelectionModel::Rows);
         QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("a b\tc  d\n\te\n\t"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"a b\tc  d\n\te\n\t"_s);
     }
 
     // With Ctrl, the first press used to deselect the only row of a single-selection list, as the file list is.
     void aSingleSelectionKeepsItsRowThroughADoubleClick()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setSelectionMode(QAbstractItemView::SingleSelection);
         list.setRows({{"0"}, {"1"}});
         list.resize(200, 100);
@@ -238,7 +239,7 @@ private slots:
     void rowsThatCameBetweenTheClicksAreNotTakenForTheOldOnes()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setRows({{"0"}, {"1"}});
         list.resize(200, 100);
         list.show();
@@ -255,7 +256,7 @@ private slots:
     void listTakesADoubleClickAndEnterAlike()
     {
         ListView list;
-        list.setColumns({QStringLiteral("A")});
+        list.setColumns({u"A"_s});
         list.setRows({{"0"}});
         list.resize(200, 100);
         list.show();
@@ -277,23 +278,23 @@ private slots:
         label.setTextFormat(Qt::PlainText);
         label.resize(180, 20);
         label.setCaption("0.25 Second/s", kUnit);
-        QCOMPARE(label.text(), QStringLiteral("0.25 Second/s"));
+        QCOMPARE(label.text(), u"0.25 Second/s"_s);
         QLabel plain(label.text());
         plain.resize(label.size());
         QCOMPARE(label.grab().toImage(), plain.grab().toImage());
 
         label.setCaption(std::string(100'000, '7') + kUnit, kUnit);
-        QCOMPARE(label.text(), QString(4096, u'7') + QStringLiteral("\u2026 Second/s"));
+        QCOMPARE(label.text(), QString(4096, u'7') + u"\u2026 Second/s"_s);
         QImage shown = label.grab().toImage();
         bool unit = false; // whether the label shows the unit after some number of sevens
         for (int sevens = 0; sevens < 60 && !unit; ++sevens) {
-            plain.setText(QString(sevens, u'7') + QStringLiteral("\u2026 Second/s"));
+            plain.setText(QString(sevens, u'7') + u"\u2026 Second/s"_s);
             unit = plain.grab().toImage() == shown;
         }
         QVERIFY(unit);
 
         label.setCaption("one\r\nline", kUnit);
-        QCOMPARE(label.text(), QStringLiteral("one  line"));
+        QCOMPARE(label.text(), u"one  line"_s);
         label.setCaption({}, kUnit);
         QCOMPARE(label.text(), QString());
     }

@@ -7,6 +7,7 @@
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -40,7 +41,7 @@ namespace {
 
 QString targetOf(int descriptor)
 {
-    return QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(descriptor));
+    return QFile::symLinkTarget(u"/proc/self/fd/%1"_s.arg(descriptor));
 }
 
 } // namespace
@@ -53,7 +54,7 @@ void DescriptorsTest::initTestCase()
 void DescriptorsTest::init()
 {
     folder_ = std::make_unique<QTemporaryDir>();
-    QFile opener(folder_->filePath(QStringLiteral("xdg-open")));
+    QFile opener(folder_->filePath(u"xdg-open"_s));
     QVERIFY(opener.open(QIODevice::WriteOnly));
     opener.write("#!/bin/sh\n"
                  "cd \"${0%/*}\"\n"
@@ -79,22 +80,22 @@ void DescriptorsTest::cleanup()
 /// Waits for the opener. Returns what it had open, except for the null device and its own script.
 QString DescriptorsTest::foreign()
 {
-    const QString list = folder_->filePath(QStringLiteral("list"));
+    const QString list = folder_->filePath(u"list"_s);
     if (!QTest::qWaitFor([&] { return QFile::exists(list); }, 30'000))
-        return QStringLiteral("the opener was not started");
+        return u"the opener was not started"_s;
     QFile file(list);
     if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("no list");
+        return u"no list"_s;
     QStringList found;
     int seen = 0;
     for (const QString& line : QString::fromLocal8Bit(file.readAll()).split(u'\n')) {
-        const QString target = line.section(QStringLiteral(" -> "), 1);
+        const QString target = line.section(u" -> "_s, 1);
         seen += target.isEmpty() ? 0 : 1;
-        if (!target.isEmpty() && target != QStringLiteral("/dev/null") && !target.endsWith(QStringLiteral("/xdg-open")))
+        if (!target.isEmpty() && target != u"/dev/null"_s && !target.endsWith(u"/xdg-open"_s))
             found.append(target);
     }
     file.remove();
-    return seen < 3 ? QStringLiteral("the opener could not list") : found.join(u' ');
+    return seen < 3 ? u"the opener could not list"_s : found.join(u' ');
 }
 
 void DescriptorsTest::fillDownloads()
@@ -102,7 +103,7 @@ void DescriptorsTest::fillDownloads()
     const std::string link = "/redir?a=1&destUrl=http%3A%2F%2Fx%2Fy";
     window_->service.answerWith(QByteArray::fromStdString(downloadHead("1", "1 - 1") + downloadEntry("Program", link)));
     window_->chooseTab(4);
-    window_->type("Text10", QStringLiteral("apple"));
+    window_->type("Text10", u"apple"_s);
     QTest::mouseClick(window_->control<QPushButton>("Command4"), Qt::LeftButton);
     QTRY_COMPARE(window_->rows("ListView3").size(), 1);
 }
@@ -152,7 +153,7 @@ void DescriptorsTest::descriptorThatWasForgottenIsKeptBackToo()
     QCOMPARE(::close(forgotten), 0); // it was still open here
     QCOMPARE(found, QString());
 
-    QVERIFY(startProgram(folder_->filePath(QStringLiteral("xdg-open")).toStdString()));
+    QVERIFY(startProgram(folder_->filePath(u"xdg-open"_s).toStdString()));
     for (const QString& target : foreign().split(u' '))
         QVERIFY2(targetOf(0).endsWith(target) || targetOf(1).endsWith(target) || targetOf(2).endsWith(target),
                  qPrintable(target));
@@ -174,7 +175,7 @@ void DescriptorsTest::everySocketIsOpenedForThisProgramOnly()
         const int flags = ::fcntl(number, F_GETFD);
         if (flags < 0 || before.contains(number))
             continue;
-        sockets += targetOf(number).contains(QStringLiteral("socket:")) ? 1 : 0;
+        sockets += targetOf(number).contains(u"socket:"_s) ? 1 : 0;
         QVERIFY2((flags & FD_CLOEXEC) != 0, qPrintable(targetOf(number)));
     }
     QVERIFY(sockets >= 3); // the connection, its witness, and the service's end

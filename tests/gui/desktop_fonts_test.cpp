@@ -18,6 +18,7 @@
 #include "platform/Registry.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -105,12 +106,12 @@ private slots:
         QCOMPARE(window.control<QLabel>("Label1")->font().pointSize(), std::min(whole + whole % 2, 12));
         for (const QSize size : {QSize(608, 434), QSize(1216, 868)}) {
             window.main().resize(size);
-            window.control<QLabel>("ConnectionPanel")->setText(tr("Connection pending"));
-            window.control<QLabel>("ActivityPanel")->setText(tr("Request Completed"));
+            window.control<QLabel>("ConnectionPanel")->setText(u"Connection pending"_s);
+            window.control<QLabel>("ActivityPanel")->setText(u"Request Completed"_s);
             for (const TabControls& tab : kTabs) {
                 window.chooseTab(tab.tag);
                 checkWhole(*window.control<QWidget>(tab.frame));
-                keepPicture(window.main(), QStringLiteral("%1-tab%2").arg(size.width()).arg(tab.tag));
+                keepPicture(window.main(), u"%1-tab%2"_s.arg(size.width()).arg(tab.tag));
             }
             checkWhole(*window.control<QStatusBar>("StatusBar1"));
             const QString texts = TextRecorder(window.main()).texts();
@@ -161,7 +162,7 @@ private slots:
         window.start();
         Proxy options(
             window.settingsFile().toStdString(), [](const std::string&) {}, &window.main());
-        options.findChild<QCheckBox*>(QStringLiteral("Check1"))->setChecked(true);
+        options.findChild<QCheckBox*>(u"Check1"_s)->setChecked(true);
         checkDialog(options);
         const std::unique_ptr<Registry> registry = systemRegistry();
         frmAbout about(
@@ -214,8 +215,7 @@ private:
                 QVERIFY2(label->heightForWidth(label->width()) <= label->height(), qPrintable(name));
             } else if (label || qobject_cast<QAbstractButton*>(control) || qobject_cast<QComboBox*>(control)) {
                 const QSize needed = control->sizeHint();
-                const QString what = QStringLiteral("%1 needs %2 x %3 and has %4 x %5")
-                                         .arg(name)
+                const QString what = u"%1 needs %2 x %3 and has %4 x %5"_s.arg(name)
                                          .arg(needed.width())
                                          .arg(needed.height())
                                          .arg(control->width())
@@ -240,8 +240,7 @@ private:
     {
         const QString folder = qEnvironmentVariable("QUARRYNET_SCREENSHOTS");
         if (!folder.isEmpty())
-            widget.grab().save(QStringLiteral("%1/%2x-%3-%4.png")
-                                   .arg(folder)
+            widget.grab().save(u"%1/%2x-%3-%4.png"_s.arg(folder)
                                    .arg(widget.devicePixelRatioF())
                                    .arg(QApplication::font().pointSize(), 2, 10, QLatin1Char('0'))
                                    .arg(name));

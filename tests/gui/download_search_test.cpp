@@ -2,6 +2,7 @@
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -28,7 +29,7 @@ private slots:
     void searchFillsRowsLinksLabelAndPaging()
     {
         window_->service.answerWith(dataFile("download_results.html"));
-        window_->type("Text10", tr("  fruit  sorter "));
+        window_->type("Text10", u"  fruit  sorter "_s);
         QTest::keyClick(window_->control<QLineEdit>("Text10"), Qt::Key_Return);
         QVERIFY(!button()->isEnabled());
         QVERIFY(timer()->isActive());
@@ -41,11 +42,11 @@ private slots:
                                    "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
                                    "ACCEPT: */*\r\n\r\n"});
         QCOMPARE(rows().size(), 12);
-        QCOMPARE(rows()[0], tr("Sour lemon 26.0|Sorts lemon by size, edition 26.|Windows 98, Linux|26.6MB|Shareware"));
-        QCOMPARE(rows()[2], tr("Fresh date 28.0|Sorts date by size, edition 28.|Windows 98, Linux|28.8MB|Demo"));
+        QCOMPARE(rows()[0], u"Sour lemon 26.0|Sorts lemon by size, edition 26.|Windows 98, Linux|26.6MB|Shareware"_s);
+        QCOMPARE(rows()[2], u"Fresh date 28.0|Sorts date by size, edition 28.|Windows 98, Linux|28.8MB|Demo"_s);
         QCOMPARE(links().size(), std::size_t(12));
         QCOMPARE(links()[11], std::string("/redir?pid=37&destUrl=http%3A%2F%2Ffiles37.example%2Ffig.zip"));
-        QCOMPARE(window_->text("Label15"), QStringLiteral("63"));
+        QCOMPARE(window_->text("Label15"), u"63"_s);
         QCOMPARE(window_->hidden("Text13"), std::string("3"));
         QVERIFY(slider()->isEnabled());
         QCOMPARE(slider()->maximum(), 3);
@@ -62,7 +63,7 @@ private slots:
         QTRY_COMPARE(window_->service.lastRequestLine(), QByteArray("GET /3120-20-0-2-5.html?qt=apple&ca=20 HTTP/1.1"));
         QTRY_VERIFY(!timer()->isActive());
         window_->service.answerWith(downloadPage("5", "1 - 5", 5));
-        search(tr("pear"));
+        search(u"pear"_s);
         QVERIFY(!slider()->isEnabled());
         QTRY_COMPARE(rows().size(), 5);
         QCOMPARE(window_->service.lastRequestLine(), QByteArray("GET /3120-20-0-1-5.html?qt=pear&ca=20 HTTP/1.1"));
@@ -158,12 +159,12 @@ private slots:
         QTRY_COMPARE(rows().size(), 25);
         window_->service.answerWith("Found: <b>300</b> nothing here");
         QTest::keyClick(slider(), Qt::Key_Right);
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("No Software Found")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"No Software Found"_s});
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Quarrynet"_s);
         QVERIFY(rows().isEmpty());
         QVERIFY(links().empty());
-        QCOMPARE(window_->text("Label15"), QStringLiteral("0"));
+        QCOMPARE(window_->text("Label15"), u"0"_s);
         QCOMPARE(window_->hidden("Text13"), std::string("3"));
         QVERIFY(slider()->isEnabled());
         QCOMPARE(slider()->maximum(), 3);
@@ -221,7 +222,7 @@ private slots:
         QTest::keyClick(slider(), Qt::Key_Right);
         QTRY_COMPARE(window_->service.requests().size(), 2);
         QTest::keyClick(window_->control<QLineEdit>("Text10"), Qt::Key_Escape);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("User cancel the operation")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"User cancel the operation"_s});
         QVERIFY(rows().isEmpty());
         verifyIdle();
         QTest::mouseDClick(list()->viewport(), Qt::LeftButton, {}, QPoint(10, 10));
@@ -235,7 +236,7 @@ private slots:
 
     void toolTipIsSetOnlyOverRows()
     {
-        const QString hint = tr("Double click Program Name to download the file");
+        const QString hint = u"Double click Program Name to download the file"_s;
         QTest::mouseMove(list()->viewport(), QPoint(20, 20));
         QCOMPARE(list()->toolTip(), QString());
         window_->service.answerWith(downloadPage("2", "1 - 2", 2));
@@ -256,7 +257,7 @@ private slots:
         QStringList names;
         for (int column = 0; column < list()->model()->columnCount(); ++column)
             names.append(list()->model()->headerData(column, Qt::Horizontal).toString());
-        QCOMPARE(names, QStringList({tr("Program Name"), tr("Description"), tr("OS"), tr("File Size"), tr("License")}));
+        QCOMPARE(names, QStringList({u"Program Name"_s, u"Description"_s, u"OS"_s, u"File Size"_s, u"License"_s}));
     }
 
 private:
@@ -267,7 +268,7 @@ private:
         window_->chooseTab(4);
     }
 
-    void search(const QString& keywords = QStringLiteral("apple"))
+    void search(const QString& keywords = u"apple"_s)
     {
         window_->control<QLineEdit>("Text10")->setText(keywords);
         QTest::mouseClick(button(), Qt::LeftButton);

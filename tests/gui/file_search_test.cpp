@@ -2,6 +2,7 @@
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -26,7 +27,7 @@ private slots:
     void searchFillsFilesAndDirectories()
     {
         window_->service.answerWith(dataFile("file_results.html"));
-        window_->type("Text11", tr(" setup exe "));
+        window_->type("Text11", u" setup exe "_s);
         QTest::keyClick(window_->control<QLineEdit>("Text11"), Qt::Key_Return);
         QVERIFY(!button()->isEnabled());
         QVERIFY(timer()->isActive());
@@ -39,10 +40,10 @@ private slots:
                                                 "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
                                                 "ACCEPT: */*\r\n\r\n"});
         QCOMPARE(rows().size(), 15);
-        QCOMPARE(rows()[0], tr("pear.zip|ftp://mirror1.example/pub/green/pear.zip|104,729"));
-        QCOMPARE(rows()[11], tr("plum.zip|ftp://mirror12.example/pub/yellow/plum.zip|1,256,748"));
-        QCOMPARE(rows()[12], tr("green|ftp://mirror1.example/pub/green|<Dir>"));
-        QCOMPARE(rows()[14], tr("black|ftp://mirror3.example/pub/black|<Dir>"));
+        QCOMPARE(rows()[0], u"pear.zip|ftp://mirror1.example/pub/green/pear.zip|104,729"_s);
+        QCOMPARE(rows()[11], u"plum.zip|ftp://mirror12.example/pub/yellow/plum.zip|1,256,748"_s);
+        QCOMPARE(rows()[12], u"green|ftp://mirror1.example/pub/green|<Dir>"_s);
+        QCOMPARE(rows()[14], u"black|ftp://mirror3.example/pub/black|<Dir>"_s);
         QVERIFY(!slider()->isEnabled());
         QCOMPARE(window_->hidden("Text15"), std::string());
         QCOMPARE(scratch().size(), std::size_t(3));
@@ -55,7 +56,7 @@ private slots:
         window_->service.answerWith(page(25, 3));
         search();
         QTRY_COMPARE(rows().size(), 20);
-        QVERIFY(!rows()[19].endsWith(tr("<Dir>")));
+        QVERIFY(!rows()[19].endsWith(u"<Dir>"_s));
         QVERIFY(slider()->isEnabled());
         QCOMPARE(window_->hidden("Text15"), std::string("enabled"));
         QCOMPARE(slider()->maximum(), 10);
@@ -67,8 +68,8 @@ private slots:
         window_->service.answerWith(page(18, 5));
         search();
         QTRY_COMPARE(rows().size(), 20);
-        QCOMPARE(rows()[17], tr("a.zip|ftp://h.example/a.zip|1,234"));
-        QCOMPARE(rows()[18], tr("dir|ftp://h.example/dir|<Dir>"));
+        QCOMPARE(rows()[17], u"a.zip|ftp://h.example/a.zip|1,234"_s);
+        QCOMPARE(rows()[18], u"dir|ftp://h.example/dir|<Dir>"_s);
         QVERIFY(slider()->isEnabled());
     }
 
@@ -100,7 +101,7 @@ private slots:
         QTRY_COMPARE(window_->service.requests().size(), 2);
         QTRY_VERIFY(!timer()->isActive());
         window_->service.stall();
-        search(tr("pear"));
+        search(u"pear"_s);
         QVERIFY(!slider()->isEnabled());
         QCOMPARE(slider()->minimum(), 1);
         QCOMPARE(slider()->maximum(), 10);
@@ -132,7 +133,7 @@ private slots:
     {
         window_->service.answerWith("<form></form>" + bytes(fileEntry("a")) + " not found");
         search();
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("No site found")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"No site found"_s});
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
         QTRY_VERIFY(button()->isEnabled());
         QVERIFY(rows().isEmpty());
@@ -147,7 +148,7 @@ private slots:
         QTRY_VERIFY(slider()->isEnabled());
         window_->service.answerWith("File not found");
         QTest::keyClick(slider(), Qt::Key_Right);
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("No more site found")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"No more site found"_s});
         QTRY_VERIFY(!timer()->isActive());
         QVERIFY(!slider()->isEnabled());
         QCOMPARE(window_->hidden("Text15"), std::string("enabled"));
@@ -177,7 +178,7 @@ private slots:
         search();
         QTRY_COMPARE(rows().size(), 3);
         QCOMPARE(scratch(), std::vector<std::string>(4, position));
-        search(tr("pear"));
+        search(u"pear"_s);
         QVERIFY(rows().isEmpty());
         QCOMPARE(scratch().size(), std::size_t(4)); // never cleared
         QTRY_COMPARE(scratch().size(), std::size_t(6));
@@ -187,7 +188,7 @@ private slots:
     {
         window_->service.answerWith("&lt;dir&gt; <a href=/s?q=ftp://h.example/dir class=d><b>dir</b></a>");
         search();
-        QTRY_COMPARE(rows(), QStringList{tr("dir||<Dir>")});
+        QTRY_COMPARE(rows(), QStringList{u"dir||<Dir>"_s});
         QVERIFY(scratch().empty());
         click(0);
         QCOMPARE(window_->shell.opened, std::vector<std::string>{""}); // which opens nothing
@@ -208,7 +209,7 @@ private slots:
         window_->service.answerWith(page(3) + "<b> 9 ");
         search();
         QTRY_COMPARE(window_->boxes.texts(),
-                     QStringList{tr("Run-time error '5':\n\nInvalid procedure call or argument")});
+                     QStringList{u"Run-time error '5':\n\nInvalid procedure call or argument"_s});
         QTRY_VERIFY(button()->isEnabled());
         QCOMPARE(rows().size(), 3);
         verifyIdle();
@@ -281,7 +282,7 @@ private slots:
         search();
         QTRY_COMPARE(rows().size(), 1);
         QTest::mouseMove(list()->viewport(), QPoint(25, 25));
-        QTRY_COMPARE(list()->toolTip(), QStringLiteral("Double Click FileName to download"));
+        QTRY_COMPARE(list()->toolTip(), u"Double Click FileName to download"_s);
     }
 
     void columnsAreNamed()
@@ -289,7 +290,7 @@ private slots:
         QStringList names;
         for (int column = 0; column < list()->model()->columnCount(); ++column)
             names.append(list()->model()->headerData(column, Qt::Horizontal).toString());
-        QCOMPARE(names, QStringList({tr("FileName"), tr("FilePath"), tr("FileSize")}));
+        QCOMPARE(names, QStringList({u"FileName"_s, u"FilePath"_s, u"FileSize"_s}));
     }
 
 private:
@@ -300,7 +301,7 @@ private:
         window_->chooseTab(5);
     }
 
-    void search(const QString& name = QStringLiteral("apple"))
+    void search(const QString& name = u"apple"_s)
     {
         window_->control<QLineEdit>("Text11")->setText(name);
         QTest::mouseClick(button(), Qt::LeftButton);

@@ -4,6 +4,7 @@
 #include "platform/ListView.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -13,20 +14,15 @@ QStringList controlsOf(int tag)
 {
     switch (tag) {
     case 1:
-        return {QStringLiteral("Text1"), QStringLiteral("Command1"), QStringLiteral("ListView1"),
-                QStringLiteral("Slider1")};
+        return {u"Text1"_s, u"Command1"_s, u"ListView1"_s, u"Slider1"_s};
     case 2:
-        return {QStringLiteral("Text4"), QStringLiteral("Text5"), QStringLiteral("Combo1"), QStringLiteral("Command2"),
-                QStringLiteral("ListView2")};
+        return {u"Text4"_s, u"Text5"_s, u"Combo1"_s, u"Command2"_s, u"ListView2"_s};
     case 3:
-        return {QStringLiteral("Text7"), QStringLiteral("Command3"), QStringLiteral("IMGViewer"),
-                QStringLiteral("Slider2")};
+        return {u"Text7"_s, u"Command3"_s, u"IMGViewer"_s, u"Slider2"_s};
     case 4:
-        return {QStringLiteral("Text10"), QStringLiteral("Command4"), QStringLiteral("ListView3"),
-                QStringLiteral("Slider3")};
+        return {u"Text10"_s, u"Command4"_s, u"ListView3"_s, u"Slider3"_s};
     default:
-        return {QStringLiteral("Text11"), QStringLiteral("Command5"), QStringLiteral("ListView4"),
-                QStringLiteral("Slider4")};
+        return {u"Text11"_s, u"Command5"_s, u"ListView4"_s, u"Slider4"_s};
     }
 }
 

@@ -8,6 +8,7 @@
 #include "platform/PagingSlider.h"
 #include "search/image/gallery.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -46,7 +47,7 @@ private slots:
     void searchWritesAndShowsTheGallery()
     {
         window_->service.answerWith(resultsPage(12, "1,234"));
-        search(QStringLiteral("  red  car "));
+        search(u"  red  car "_s);
         QVERIFY(!button()->isEnabled());
         QTRY_VERIFY(button()->isEnabled());
 
@@ -61,17 +62,17 @@ private slots:
         QCOMPARE(items("List7")[0], std::string("pics.example/p1.jpg"));
         QCOMPARE(items("List8")[9], std::string("http://127.0.0.1/images?q=tbn:id10:pics.example/p10.jpg"));
         QVERIFY(items("List9").empty());
-        QCOMPARE(window_->text("Label11"), QStringLiteral("1,234"));
-        QCOMPARE(window_->text("Label12"), QStringLiteral("0.07 Second/s"));
+        QCOMPARE(window_->text("Label11"), u"1,234"_s);
+        QCOMPARE(window_->text("Label12"), u"0.07 Second/s"_s);
         QCOMPARE(window_->hidden("Text8"), std::string("124"));
         QVERIFY(slider()->isEnabled());
         QCOMPARE(slider()->maximum(), 10);
         QCOMPARE(contentOf(file("images.html")),
                  QByteArray::fromStdString(galleryPage(items("List7"), items("List8"))));
         QCOMPARE(contentOf(file("new.html")), QByteArray::fromStdString(galleryFramePage()));
-        QCOMPARE(shownPage(), QStringLiteral("new.html"));
+        QCOMPARE(shownPage(), u"new.html"_s);
         QVERIFY(!window_->control<QTimer>("IMGTimer")->isActive());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
     }
 
     void bytesOfThePageReachTheGalleryUnchanged()
@@ -91,7 +92,7 @@ private slots:
         old.close();
         window_->service.answerWith(resultsPage(2, "2"));
         search();
-        QTRY_COMPARE(shownPage(), QStringLiteral("new.html"));
+        QTRY_COMPARE(shownPage(), u"new.html"_s);
         QVERIFY(!contentOf(file("images.html")).contains("xxx"));
     }
 
@@ -99,9 +100,9 @@ private slots:
     {
         window_->service.answerWith("<html>nothing</html>");
         search();
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{QStringLiteral("No Images Found")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"No Images Found"_s});
         QTRY_VERIFY(button()->isEnabled());
-        QCOMPARE(shownPage(), QStringLiteral("blank.html"));
+        QCOMPARE(shownPage(), u"blank.html"_s);
         QCOMPARE(window_->hidden("Text8"), std::string());
         QVERIFY(!QFile::exists(file("images.html")));
     }
@@ -112,10 +113,10 @@ private slots:
         search();
         QTRY_COMPARE(window_->hidden("Text8"), std::string("10"));
         QTRY_VERIFY(button()->isEnabled());
-        search(QStringLiteral("pear"));
+        search(u"pear"_s);
         QTRY_COMPARE(window_->service.lastRequestLine(),
                      QByteArray("GET /images?num=10&svnum=10&hl=en&filter=0&start=0&safe=off&q=pear&sa=N HTTP/1.1"));
-        QCOMPARE(shownPage(), QStringLiteral("new.html")); // the last gallery stands until the next is there
+        QCOMPARE(shownPage(), u"new.html"_s); // the last gallery stands until the next is there
         QTRY_VERIFY(button()->isEnabled());
     }
 
@@ -127,9 +128,9 @@ private slots:
         window_->service.stall();
         QTest::keyClick(slider(), Qt::Key_Right);
         QTest::keyClick(slider(), Qt::Key_Right);
-        QCOMPARE(shownPage(), QStringLiteral("blank.html"));
+        QCOMPARE(shownPage(), u"blank.html"_s);
         QVERIFY(items("List8").empty());
-        QCOMPARE(window_->text("Label11"), QStringLiteral("0"));
+        QCOMPARE(window_->text("Label11"), u"0"_s);
         QVERIFY(button()->isEnabled());
         QTRY_COMPARE(window_->service.lastRequestLine(),
                      QByteArray("GET /images?num=10&svnum=10&hl=en&filter=0&start=20&safe=off&q=apple&sa=N HTTP/1.1"));
@@ -141,7 +142,7 @@ private slots:
         search();
         QTRY_VERIFY(slider()->isEnabled());
         QTest::keyClick(slider(), Qt::Key_Right);
-        QTRY_COMPARE(shownPage(), QStringLiteral("new.html"));
+        QTRY_COMPARE(shownPage(), u"new.html"_s);
         QCOMPARE(items("List8").size(), std::size_t(10));
     }
 
@@ -185,11 +186,11 @@ private slots:
     {
         window_->service.answerWith(resultsPage(2, "2"));
         search();
-        QTRY_COMPARE(shownPage(), QStringLiteral("new.html"));
+        QTRY_COMPARE(shownPage(), u"new.html"_s);
         const auto* plain = window_->control<HtmlView>("IMGViewer")->findChild<QTextBrowser*>();
         QVERIFY(plain);
-        QTRY_VERIFY(plain->toPlainText().contains(QStringLiteral("http://pics.example/p1.jpg")));
-        QVERIFY(plain->toPlainText().endsWith(QStringLiteral("http://pics.example/p2.jpg")));
+        QTRY_VERIFY(plain->toPlainText().contains(u"http://pics.example/p1.jpg"_s));
+        QVERIFY(plain->toPlainText().endsWith(u"http://pics.example/p2.jpg"_s));
     }
 
     void thumbnailsComeOverHttpAsTheSearchDid()
@@ -210,18 +211,18 @@ private slots:
 
     void aGalleryThatCannotBeWrittenEndsTheProgram()
     {
-        QVERIFY(QDir(window_->folder()).mkpath(QStringLiteral("images.html/inside")));
+        QVERIFY(QDir(window_->folder()).mkpath(u"images.html/inside"_s));
         QSignalSpy ended(&window_->main(), &Main::cannotGoOn);
         window_->service.answerWith(resultsPage(1, "1"));
         search();
         QTRY_COMPARE(ended.count(), 1);
         QCOMPARE(window_->boxes.boxes().size(), 1);
-        QVERIFY(window_->boxes.texts()[0].startsWith(QStringLiteral("Run-time error '75':")));
+        QVERIFY(window_->boxes.texts()[0].startsWith(u"Run-time error '75':"_s));
         QVERIFY(window_->boxes.texts()[0].contains(file("images.html")));
     }
 
 private:
-    void search(const QString& keywords = QStringLiteral("apple"))
+    void search(const QString& keywords = u"apple"_s)
     {
         window_->type("Text7", keywords);
         QTest::mouseClick(button(), Qt::LeftButton);

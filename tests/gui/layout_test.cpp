@@ -13,6 +13,7 @@
 #include "platform/PagingSlider.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -177,10 +178,10 @@ private slots:
     {
         QFETCH(QSize, size);
         window_->main().resize(size);
-        window_->control<QLabel>("ConnectionPanel")->setText(tr("Connection pending"));
-        window_->control<QLabel>("ActivityPanel")->setText(tr("Request Completed"));
+        window_->control<QLabel>("ConnectionPanel")->setText(u"Connection pending"_s);
+        window_->control<QLabel>("ActivityPanel")->setText(u"Request Completed"_s);
         for (auto* label : window_->main().findChildren<QLabel*>()) {
-            const bool wraps = label->objectName() == QStringLiteral("EngineMessage");
+            const bool wraps = label->objectName() == u"EngineMessage"_s;
             if (!wraps && label->isVisibleTo(label->parentWidget()))
                 checkFits(*label, label->text(), label->contentsRect().size());
         }
@@ -194,7 +195,7 @@ private slots:
             QStyleOptionFrame option;
             option.initFrom(field);
             option.lineWidth = field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, field);
-            checkFits(*field, tr("typed text"),
+            checkFits(*field, u"typed text"_s,
                       field->style()->subElementRect(QStyle::SE_LineEditContents, &option, field).size());
         }
         auto* modes = window_->control<QComboBox>("Combo1");
@@ -333,7 +334,7 @@ private slots:
             window_->main().resize(size);
             for (const TabControls& tab : kTabs) {
                 window_->chooseTab(tab.tag);
-                const QString name = QStringLiteral("%1/%2-%3.png").arg(folder).arg(size.width()).arg(tab.tag);
+                const QString name = u"%1/%2-%3.png"_s.arg(folder).arg(size.width()).arg(tab.tag);
                 QVERIFY(window_->main().grab().save(name));
             }
         }
@@ -372,7 +373,7 @@ private:
             const QRect expected(scaled(from.x(), ratioW), scaled(from.y(), ratioH), scaled(from.width(), ratioW),
                                  scaled(from.height(), ratioH));
             QVERIFY2(controls[i]->geometry() == expected, qPrintable(controls[i]->objectName()));
-            if (controls[i]->objectName() != QStringLiteral("TabStrip1")) // its labels have to fit
+            if (controls[i]->objectName() != u"TabStrip1"_s) // its labels have to fit
                 QCOMPARE(controls[i]->font().pointSize(), scaledFont(points_, size));
         }
     }
@@ -394,8 +395,7 @@ private:
     {
         const QFontMetrics metrics(control.font());
         const QRect ink = metrics.tightBoundingRect(text);
-        const QString what = QStringLiteral("%1 \"%2\": %3 x %4 in %5 x %6")
-                                 .arg(control.objectName(), text)
+        const QString what = u"%1 \"%2\": %3 x %4 in %5 x %6"_s.arg(control.objectName(), text)
                                  .arg(metrics.horizontalAdvance(text))
                                  .arg(ink.height())
                                  .arg(room.width())

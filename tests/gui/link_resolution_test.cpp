@@ -6,6 +6,7 @@
 #include "test_pages.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -53,7 +54,7 @@ private slots:
         QVERIFY(waiting());
         QVERIFY(!waitBox()->isModal());
         QCOMPARE(waitBox()->parentWidget(), &window_->main());
-        QCOMPARE(waitBox()->windowTitle(), QStringLiteral("Quarrynet"));
+        QCOMPARE(waitBox()->windowTitle(), u"Quarrynet"_s);
         QVERIFY(window_->shell.opened.empty());
 
         answer(answerFor("http%3A%2F%2Fa%2Fb.zip"));
@@ -71,7 +72,7 @@ private slots:
         click(0);
         QTRY_COMPARE(window_->service.requests().size(), 2);
         QCOMPARE(window_->text("ActivityPanel"), QString());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QVERIFY(window_->control<QPushButton>("Command4")->isEnabled());
         QVERIFY(!window_->control<QTimer>("SFDTimer")->isActive());
         answer("");
@@ -264,7 +265,7 @@ private slots:
         window_->service.answerWith(page);
         click(0);
         QTRY_COMPARE_WITH_TIMEOUT(window_->boxes.texts(),
-                                  QStringList{tr("Run-time error '5':\n\nInvalid procedure call or argument")},
+                                  QStringList{u"Run-time error '5':\n\nInvalid procedure call or argument"_s},
                                   kPatience);
         QVERIFY(!waitingBehindTheMessage);
         QTRY_VERIFY(!waiting());
@@ -292,9 +293,9 @@ private slots:
         window_->boxes.beforeAnswer = [&](QMessageBox&) { waitingBehindTheMessage = waiting(); };
         window_->service.reset();
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Error"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
-        QVERIFY(window_->boxes.texts()[0].startsWith(tr("Error occurred.\r\nError #: 10054\r\n")));
+        QVERIFY(window_->boxes.texts()[0].startsWith(u"Error occurred.\r\nError #: 10054\r\n"_s));
         QTRY_COMPARE(window_->socketState("DownSock"), 0);
         QVERIFY(!waitingBehindTheMessage);
         QVERIFY(!waiting());
@@ -324,7 +325,7 @@ private slots:
     {
         fill({"/redir?" + repeated("redir", 100'000) + "%2F" + std::string(1'000'000, 'x'), kLink});
         click(0);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '7':\n\nOut of memory")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"Run-time error '7':\n\nOut of memory"_s});
         QVERIFY(!waiting());
         QCOMPARE(window_->socketState("DownSock"), 0);
         window_->activate();
@@ -349,7 +350,7 @@ private slots:
         QSKIP("On this system the opener is not a program in PATH");
 #endif
         QTemporaryDir folder;
-        QFile opener(folder.filePath(QStringLiteral("xdg-open")));
+        QFile opener(folder.filePath(u"xdg-open"_s));
         QVERIFY(opener.open(QIODevice::WriteOnly));
         opener.write("#!/bin/sh\nprintf '%s|%s\\n' \"$#\" \"$*\" >> \"${0%/*}/opened\"\n");
         opener.close();
@@ -366,10 +367,10 @@ private slots:
                    {}});
         QVERIFY(main.load());
         main.show();
-        auto* rows = main.findChild<QTreeView*>(QStringLiteral("ListView3"));
+        auto* rows = main.findChild<QTreeView*>(u"ListView3"_s);
         window_->service.answerWith(pageWith({kLink}));
-        main.findChild<QLineEdit*>(QStringLiteral("Text10"))->setText(tr("apple"));
-        main.findChild<QPushButton*>(QStringLiteral("Command4"))->click();
+        main.findChild<QLineEdit*>(u"Text10"_s)->setText(u"apple"_s);
+        main.findChild<QPushButton*>(u"Command4"_s)->click();
         QTRY_COMPARE(rows->model()->rowCount(), 1);
         rows->selectAll();
         for (const QByteArray& written :
@@ -381,11 +382,11 @@ private slots:
             const qsizetype asked = window_->service.requests().size();
             QTest::keyClick(rows, Qt::Key_Return);
             QTRY_COMPARE(window_->service.requests().size(), asked + 1);
-            QTRY_COMPARE(main.findChild<QObject*>(QStringLiteral("DownSock"))->property("state").toInt(), 0);
+            QTRY_COMPARE(main.findChild<QObject*>(u"DownSock"_s)->property("state").toInt(), 0);
         }
         // Only the last link may be opened, as one argument.
         const auto opened = [&] {
-            QFile file(folder.filePath(QStringLiteral("opened")));
+            QFile file(folder.filePath(u"opened"_s));
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         };
         QTRY_VERIFY(opened().endsWith('\n'));
@@ -406,7 +407,7 @@ private:
     void fill(const std::vector<std::string>& links)
     {
         window_->service.answerWith(pageWith(links));
-        window_->control<QLineEdit>("Text10")->setText(tr("apple"));
+        window_->control<QLineEdit>("Text10")->setText(u"apple"_s);
         QTest::mouseClick(window_->control<QPushButton>("Command4"), Qt::LeftButton);
         QTRY_COMPARE(rows().size(), static_cast<qsizetype>(links.size()));
         QVERIFY(window_->control<HiddenListBox>("List10")->items() == links);
@@ -427,11 +428,11 @@ private:
 
     QDialog* waitBox()
     {
-        return window_->main().findChild<QDialog*>(QStringLiteral("Dialog"));
+        return window_->main().findChild<QDialog*>(u"Dialog"_s);
     }
     qsizetype waitBoxes()
     {
-        return window_->main().findChildren<QDialog*>(QStringLiteral("Dialog")).size();
+        return window_->main().findChildren<QDialog*>(u"Dialog"_s).size();
     }
     bool waiting()
     {

@@ -13,6 +13,7 @@
 #include "common/local_pages.h"
 #include "platform/ImageList.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -34,20 +35,18 @@ private slots:
     {
         QTest::addColumn<QString>("name");
         const QStringList names =
-            QStringLiteral(
-                "STI Label1 Text1 Command1 Label2 Label3 Label4 Label5 ListView1 Slider1 Text3 List1 List2 List3 List4 "
-                "Text2 "
-                "NetSock STITimer ProxySwitch SPS Label6 Text4 Label7 Text5 Combo1 Command2 ListView2 List5 Text6 "
-                "PageSock "
-                "SPSTimer IMG Label8 Text7 Command3 Label9 Label11 Label10 Label12 Slider2 IMGViewer List6 List7 List8 "
-                "List9 "
-                "Text8 Text9 ImgSock IMGTimer SFD Label13 Text10 Command4 Label14 Label15 ListView3 Slider3 List10 "
-                "Text13 "
-                "Text12 SFDSock SFDTimer DownSock Text14 SFS Label16 Text11 Command5 ListView4 Slider4 List11 Text15 "
-                "Text16 "
-                "SFSSock SFSTimer TabStrip1 Toolbar1 StatusBar1 ConnectionPanel ActivityPanel filmnu exitmnu viewmnu "
-                "proxymnu helpmnu contentmnu emailauth webpage aboutmnu stopmnu")
-                .split(u' ');
+            u"STI Label1 Text1 Command1 Label2 Label3 Label4 Label5 ListView1 Slider1 Text3 List1 List2 List3 List4 "
+            "Text2 "
+            "NetSock STITimer ProxySwitch SPS Label6 Text4 Label7 Text5 Combo1 Command2 ListView2 List5 Text6 "
+            "PageSock "
+            "SPSTimer IMG Label8 Text7 Command3 Label9 Label11 Label10 Label12 Slider2 IMGViewer List6 List7 List8 "
+            "List9 "
+            "Text8 Text9 ImgSock IMGTimer SFD Label13 Text10 Command4 Label14 Label15 ListView3 Slider3 List10 "
+            "Text13 "
+            "Text12 SFDSock SFDTimer DownSock Text14 SFS Label16 Text11 Command5 ListView4 Slider4 List11 Text15 "
+            "Text16 "
+            "SFSSock SFSTimer TabStrip1 Toolbar1 StatusBar1 ConnectionPanel ActivityPanel filmnu exitmnu viewmnu "
+            "proxymnu helpmnu contentmnu emailauth webpage aboutmnu stopmnu"_s.split(u' ');
         for (const QString& name : names)
             QTest::newRow(qPrintable(name)) << name;
     }
@@ -65,7 +64,7 @@ private slots:
     {
         WindowFixture window;
         window.start();
-        QCOMPARE(window.main().windowTitle(), QStringLiteral("Quarrynet"));
+        QCOMPARE(window.main().windowTitle(), u"Quarrynet"_s);
         QCOMPARE(window.main().size(), QSize(608, 434));
         QCOMPARE(window.control<QTabBar>("TabStrip1")->currentIndex(), 0);
         QVERIFY(window.control<QFrame>("STI")->isVisible());
@@ -78,8 +77,8 @@ private slots:
             QVERIFY(!window.control<QTimer>(timer)->isActive());
         for (const char* socket : {"NetSock", "PageSock", "ImgSock", "SFDSock", "SFSSock", "DownSock"})
             QCOMPARE(window.socketState(socket), 0);
-        QCOMPARE(window.text("Label5"), QStringLiteral("0.0 Second/s"));
-        QCOMPARE(window.text("Label12"), QStringLiteral("0.0 Second/s"));
+        QCOMPARE(window.text("Label5"), u"0.0 Second/s"_s);
+        QCOMPARE(window.text("Label12"), u"0.0 Second/s"_s);
         QCOMPARE(window.text("ConnectionPanel"), QString());
         QCOMPARE(window.text("ActivityPanel"), QString());
         QCOMPARE(window.hidden("ProxySwitch"), std::string("off"));
@@ -102,8 +101,8 @@ private slots:
         WindowFixture window;
         window.start();
         auto* strip = window.control<QTabBar>("TabStrip1");
-        const QStringList labels = {tr("Search The Internet"), tr("Specific Page Search"), tr("Image Search"),
-                                    tr("Search For Downloads"), tr("Specific File Search")};
+        const QStringList labels = {u"Search The Internet"_s, u"Specific Page Search"_s, u"Image Search"_s,
+                                    u"Search For Downloads"_s, u"Specific File Search"_s};
         QCOMPARE(strip->count(), 5);
         for (int i = 0; i < 5; ++i) {
             QCOMPARE(strip->tabText(i), labels[i]);
@@ -117,10 +116,10 @@ private slots:
         WindowFixture window;
         QVERIFY(window.load());
         const std::pair<const char*, QString> columns[] = {
-            {"ListView1", tr("Website Address|Short Description")},
-            {"ListView2", tr("Keyword|Found/Not Found")},
-            {"ListView3", tr("Program Name|Description|OS|File Size|License")},
-            {"ListView4", tr("FileName|FilePath|FileSize")},
+            {"ListView1", u"Website Address|Short Description"_s},
+            {"ListView2", u"Keyword|Found/Not Found"_s},
+            {"ListView3", u"Program Name|Description|OS|File Size|License"_s},
+            {"ListView4", u"FileName|FilePath|FileSize"_s},
         };
         for (const auto& [name, expected] : columns) {
             auto* list = window.control<QTreeView>(name);
@@ -128,7 +127,7 @@ private slots:
             for (int i = 0; i < list->model()->columnCount(); ++i)
                 headers.append(list->model()->headerData(i, Qt::Horizontal).toString());
             QCOMPARE(headers.join(u'|'), expected);
-            QCOMPARE(list->font().family(), QStringLiteral("Arial"));
+            QCOMPARE(list->font().family(), u"Arial"_s);
         }
         for (const char* name : {"ListView1", "ListView2"}) {
             auto* list = window.control<QTreeView>(name);
@@ -143,9 +142,9 @@ private slots:
         QVERIFY(window.load());
         auto* modes = window.control<QComboBox>("Combo1");
         QCOMPARE(modes->count(), 3);
-        QCOMPARE(modes->itemText(0), QStringLiteral("Any Keyword"));
-        QCOMPARE(modes->itemText(1), QStringLiteral("All Keyword/s"));
-        QCOMPARE(modes->itemText(2), QStringLiteral("Exact Search"));
+        QCOMPARE(modes->itemText(0), u"Any Keyword"_s);
+        QCOMPARE(modes->itemText(1), u"All Keyword/s"_s);
+        QCOMPARE(modes->itemText(2), u"Exact Search"_s);
         QCOMPARE(modes->currentIndex(), 0);
     }
 
@@ -154,9 +153,8 @@ private slots:
         WindowFixture window;
         window.start();
         const QList<QAction*> buttons = window.control<QToolBar>("Toolbar1")->actions();
-        const QStringList tips = {
-            QString(),  tr("Configure Proxy"), QString(),     tr("Stop Current Search"), QString(),
-            tr("Help"), tr("E-mail Author"),   tr("Webpage"), tr("About Quarrynet")};
+        const QStringList tips = {QString(), u"Configure Proxy"_s, QString(),    u"Stop Current Search"_s, QString(),
+                                  u"Help"_s, u"E-mail Author"_s,   u"Webpage"_s, u"About Quarrynet"_s};
         QCOMPARE(buttons.size(), 9);
         for (int i = 0; i < 9; ++i) {
             QCOMPARE(buttons[i]->isSeparator(), tips[i].isEmpty());
@@ -205,14 +203,13 @@ private slots:
         const auto entries = [](const QList<QAction*>& actions) {
             QStringList texts;
             for (const QAction* action : actions)
-                texts.append(action->isSeparator() ? QStringLiteral("-") : action->text());
+                texts.append(action->isSeparator() ? u"-"_s : action->text());
             return texts.join(u'|');
         };
-        QCOMPARE(entries(window.main().menuBar()->actions()), QStringLiteral("&File|&View|&Help|Stop"));
-        QCOMPARE(entries(window.control<QMenu>("filmnu")->actions()), QStringLiteral("E&xit"));
-        QCOMPARE(entries(window.control<QMenu>("viewmnu")->actions()), QStringLiteral("&Proxy"));
-        QCOMPARE(entries(window.control<QMenu>("helpmnu")->actions()),
-                 QStringLiteral("&Contents|&Email Author|&Webpage|-|&About"));
+        QCOMPARE(entries(window.main().menuBar()->actions()), u"&File|&View|&Help|Stop"_s);
+        QCOMPARE(entries(window.control<QMenu>("filmnu")->actions()), u"E&xit"_s);
+        QCOMPARE(entries(window.control<QMenu>("viewmnu")->actions()), u"&Proxy"_s);
+        QCOMPARE(entries(window.control<QMenu>("helpmnu")->actions()), u"&Contents|&Email Author|&Webpage|-|&About"_s);
     }
 
     void everyControlThatAPersonUsesHasAnAccessibleName()
@@ -239,7 +236,7 @@ private slots:
         }
         for (const char* covered : {"Text4", "Text5", "Combo1", "Command2", "ListView2"})
             QVERIFY2(!visited.contains(QLatin1String(covered)), qPrintable(visited.join(u' ')));
-        QCOMPARE(visited.mid(0, 3), QStringList({tr("Text1"), tr("Command1"), tr("ListView1")}));
+        QCOMPARE(visited.mid(0, 3), QStringList({u"Text1"_s, u"Command1"_s, u"ListView1"_s}));
     }
 
     void mnemonicReachesTheFrontTabsButton()
@@ -247,23 +244,23 @@ private slots:
         WindowFixture window;
         window.start();
         QTest::keyClick(window.control<QLineEdit>("Text1"), Qt::Key_S, Qt::AltModifier);
-        QTRY_COMPARE(window.boxes.texts(), QStringList{tr("Please enter keyword/s to search!!!")});
+        QTRY_COMPARE(window.boxes.texts(), QStringList{u"Please enter keyword/s to search!!!"_s});
         window.boxes.forget();
         window.activate();
         window.chooseTab(2);
         QTest::keyClick(window.control<QLineEdit>("Text4"), Qt::Key_S, Qt::AltModifier);
-        QTRY_COMPARE(window.boxes.texts(), QStringList{tr("Both Fields Are Mandatory!!!")});
+        QTRY_COMPARE(window.boxes.texts(), QStringList{u"Both Fields Are Mandatory!!!"_s});
     }
 
     void localPagesAreWrittenAnewAndShown()
     {
         WindowFixture window;
-        QFile old(QDir(window.folder()).filePath(QStringLiteral("blank.htm")));
+        QFile old(QDir(window.folder()).filePath(u"blank.htm"_s));
         QVERIFY(old.open(QIODevice::WriteOnly));
         old.write(QByteArray(100'000, 'x')); // longer than the page
         old.close();
         QVERIFY(window.load());
-        QCOMPARE(contentOf(window.folder() + QStringLiteral("/blank.html")),
+        QCOMPARE(contentOf(window.folder() + u"/blank.html"_s),
                  QByteArray("<HTML><frameset rows=100% border=0><frame noresize scrolling=auto name=blank "
                             "src=blank.htm></frame></frameset></HTML>"));
         const QByteArray page = contentOf(old.fileName());
@@ -271,7 +268,7 @@ private slots:
         QCOMPARE(page.count("\r\n"), 52);
         QVERIFY(page.contains("// Block backspace onKeyDown************ & vbcrlf    // ****"));
         QVERIFY(page.endsWith("</html>\r\n"));
-        QVERIFY(window.control<QWidget>("IMGViewer")->property("url").toString().endsWith(tr("blank.html")));
+        QVERIFY(window.control<QWidget>("IMGViewer")->property("url").toString().endsWith(u"blank.html"_s));
     }
 
     void settingsSwitchTheProxyOn()
@@ -325,10 +322,9 @@ private slots:
         window.writeSettings(settings);
         QVERIFY(!window.load());
         QCOMPARE(window.boxes.texts(),
-                 QStringList{tr("Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
-                                "greater than 32767.")
-                                 .arg(window.settingsFile())});
-        QCOMPARE(window.boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+                 QStringList{u"Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
+                             "greater than 32767."_s.arg(window.settingsFile())});
+        QCOMPARE(window.boxes.boxes()[0].title, u"Quarrynet"_s);
         QCOMPARE(window.boxes.boxes()[0].icon, QMessageBox::Critical);
         QCOMPARE(contentOf(window.settingsFile()), settings);
     }
@@ -337,11 +333,11 @@ private slots:
     {
         WindowFixture window;
         // A folder at the page's path makes writing fail for every user, including root.
-        QVERIFY(QDir(window.folder()).mkpath(QStringLiteral("blank.htm/inside")));
+        QVERIFY(QDir(window.folder()).mkpath(u"blank.htm/inside"_s));
         QVERIFY(!window.load());
         QCOMPARE(window.boxes.boxes().size(), 1);
-        QVERIFY(window.boxes.texts()[0].startsWith(tr("Run-time error '75':\n\nPath/File access error")));
-        QVERIFY(window.boxes.texts()[0].contains(window.folder() + QStringLiteral("/blank.htm")));
+        QVERIFY(window.boxes.texts()[0].startsWith(u"Run-time error '75':\n\nPath/File access error"_s));
+        QVERIFY(window.boxes.texts()[0].contains(window.folder() + u"/blank.htm"_s));
     }
 
     void aFolderPathThatEndsInASeparatorGetsNoSecond()
@@ -350,9 +346,9 @@ private slots:
         RecordingShell shell;
         Main main({{}, shell, (folder.path() + QDir::separator()).toStdString(), {}, {}, {}});
         QVERIFY(main.load());
-        QVERIFY(QFile::exists(folder.filePath(QStringLiteral("blank.html"))));
-        const QString url = main.findChild<QWidget*>(QStringLiteral("IMGViewer"))->property("url").toString();
-        QVERIFY2(url.endsWith(tr("/blank.html")) && !url.endsWith(tr("//blank.html")), qPrintable(url));
+        QVERIFY(QFile::exists(folder.filePath(u"blank.html"_s)));
+        const QString url = main.findChild<QWidget*>(u"IMGViewer"_s)->property("url").toString();
+        QVERIFY2(url.endsWith(u"/blank.html"_s) && !url.endsWith(u"//blank.html"_s), qPrintable(url));
     }
 };
 

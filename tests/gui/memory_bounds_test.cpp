@@ -13,6 +13,7 @@
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -33,7 +34,7 @@ constexpr bool kFreedIsGiven = true;
 std::size_t resident()
 {
 #ifdef Q_OS_LINUX
-    QFile file(QStringLiteral("/proc/self/statm"));
+    QFile file(u"/proc/self/statm"_s);
     if (file.open(QIODevice::ReadOnly))
         return file.readAll().split(' ').value(1).toULongLong() * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 #endif
@@ -49,7 +50,7 @@ public:
     explicit MemoryLimit(std::size_t room)
     {
         releaseFreedMemory();
-        QFile file(QStringLiteral("/proc/self/statm"));
+        QFile file(u"/proc/self/statm"_s);
         std::size_t pages = 0;
         if (file.open(QIODevice::ReadOnly))
             pages = file.readAll().split(' ').value(0).toULongLong();
@@ -117,11 +118,11 @@ private slots:
         for (int i = 0; i < 12; ++i)
             window_->service.send(piece);
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Error"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
-        QVERIFY2(window_->boxes.texts()[0].startsWith(QStringLiteral("Error occurred.")) &&
-                     window_->boxes.texts()[0].contains(QStringLiteral("Error #: 10055")) &&
-                     window_->boxes.texts()[0].contains(QStringLiteral("the response is longer than 4 MB")),
+        QVERIFY2(window_->boxes.texts()[0].startsWith(u"Error occurred."_s) &&
+                     window_->boxes.texts()[0].contains(u"Error #: 10055"_s) &&
+                     window_->boxes.texts()[0].contains(u"the response is longer than 4 MB"_s),
                  qPrintable(window_->boxes.texts()[0]));
         QTRY_VERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
         QVERIFY(!window_->control<QTimer>(tab.timer)->isActive());
@@ -139,7 +140,7 @@ private slots:
         receive(kLong);
         const std::size_t full = resident();
         window_->control<QAction>("stopmnu")->trigger();
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("User cancel the operation")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"User cancel the operation"_s});
         QVERIFY(received.capacity() < kMebibyte);
         if (kFreedIsGiven && before != 0) {
             QVERIFY(full >= before + kLong);
@@ -164,7 +165,7 @@ private slots:
         window_->service.answerWith(pageOf(tabOf(1)));
         fillIn(*window_, tabOf(1));
         QTest::mouseClick(window_->control<QPushButton>("Command1"), Qt::LeftButton);
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '7':\n\nOut of memory")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"Run-time error '7':\n\nOut of memory"_s});
         QVERIFY(paint.failed > 0);
         QCOMPARE(view->model()->rowCount(), 0);
         verifyIdle(*window_, tabOf(1));
@@ -196,7 +197,7 @@ private slots:
             QProcess process;
             process.setProcessEnvironment(environment);
             process.setProcessChannelMode(QProcess::MergedChannels);
-            process.start(QCoreApplication::applicationFilePath(), {QStringLiteral("searchWithLittleRoom")});
+            process.start(QCoreApplication::applicationFilePath(), {u"searchWithLittleRoom"_s});
             QVERIFY(process.waitForFinished(60'000));
             const QByteArray said = process.readAll();
             QVERIFY2(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, said.constData());
@@ -237,7 +238,7 @@ private slots:
         }
         QCOMPARE(view->model()->rowCount(), 0);
         QCOMPARE(said.size(), 1);
-        QVERIFY(said[0].endsWith(QStringLiteral("Out of memory")));
+        QVERIFY(said[0].endsWith(u"Out of memory"_s));
     }
 #endif
 
@@ -249,7 +250,7 @@ private slots:
             &window_->main(), [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
         QMetaObject::invokeMethod(
             &window_->main(), [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '7':\n\nOut of memory")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"Run-time error '7':\n\nOut of memory"_s});
         for (const int tag : {1, 5}) {
             QVERIFY(window_->control<QPushButton>(tabOf(tag).button)->isEnabled());
             QVERIFY(!window_->control<QTimer>(tabOf(tag).timer)->isActive());
@@ -267,7 +268,7 @@ private slots:
         QVERIFY(window_->control<QTimer>(tab.timer)->isActive());
         QMetaObject::invokeMethod(
             &window_->main(), [] { throw std::bad_alloc(); }, Qt::QueuedConnection);
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '7':\n\nOut of memory")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"Run-time error '7':\n\nOut of memory"_s});
         verifyIdle(*window_, tab);
     }
 

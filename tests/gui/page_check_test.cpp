@@ -6,11 +6,12 @@
 #include "WindowFixture.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
 
-const QString kFault = QStringLiteral("Error occurred.\r\nError #: ");
+const QString kFault = u"Error occurred.\r\nError #: "_s;
 
 enum Mode
 {
@@ -50,11 +51,11 @@ private slots:
     void checkAsksForThePageAndEndsIdle()
     {
         window_->service.answerWith("<html><h1>Green <b>apple</b></h1></html>");
-        QString atConnect = QStringLiteral("never connected");
+        QString atConnect = u"never connected"_s;
         connect(window_->control<TcpClientSocket>("PageSock"), &TcpClientSocket::connected, this,
                 [&] { atConnect = window_->text("ActivityPanel"); });
-        window_->type("Text4", tr("http://127.0.0.1/a/b.html"));
-        window_->type("Text5", tr("Apple pear"));
+        window_->type("Text4", u"http://127.0.0.1/a/b.html"_s);
+        window_->type("Text5", u"Apple pear"_s);
         QTest::keyClick(window_->control<QLineEdit>("Text5"), Qt::Key_Return);
         QVERIFY(!button()->isEnabled());
         QVERIFY(timer()->isActive());
@@ -65,7 +66,7 @@ private slots:
                                                                 "Connection: close\r\n"
                                                                 "Accept: */*\r\n\r\n"});
         QCOMPARE(atConnect, QString()); // this socket never says "Connected"
-        QCOMPARE(rows(), QStringList({tr("apple|Found"), tr("pear|Not Found")}));
+        QCOMPARE(rows(), QStringList({u"apple|Found"_s, u"pear|Not Found"_s}));
         QCOMPARE(entries(), std::vector<std::string>({"Apple ", "pear "}));
         QCOMPARE(window_->hidden("Text6"), std::string("Green apple"));
         verifyIdle();
@@ -75,15 +76,15 @@ private slots:
     void panelsFollowTheExchange()
     {
         window_->service.stall();
-        check(tr("apple"));
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Request Completed"));
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Connected"));
+        check(u"apple"_s);
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Request Completed"_s);
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Connected"_s);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\nred ap");
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         QVERIFY(rows().isEmpty());
         window_->service.send("ple");
         window_->service.finish();
-        QTRY_COMPARE(rows(), QStringList{tr("apple|Found")});
+        QTRY_COMPARE(rows(), QStringList{u"apple|Found"_s});
         verifyIdle();
     }
 
@@ -104,9 +105,9 @@ private slots:
         QFETCH(QString, address);
         QFETCH(QString, keywords);
         check(keywords, Any, address);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("Both Fields Are Mandatory!!!")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"Both Fields Are Mandatory!!!"_s});
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Quarrynet"_s);
         QVERIFY(button()->isEnabled());
         QVERIFY(!timer()->isActive());
         QCOMPARE(window_->socketState("PageSock"), 0);
@@ -128,7 +129,7 @@ private slots:
         QTest::newRow("line end behind, as copied") << "http://127.0.0.1/a.html\r\n"
                                                     << QByteArray("GET /a.html HTTP/1.1");
         QTest::newRow("line ends inside") << "127.0.0.1/a\r\nX-Other:\n\n1" << QByteArray("GET /a X-Other: 1 HTTP/1.1");
-        QTest::newRow("100 KB of path") << QStringLiteral("127.0.0.1/") + QString(100'000, u'p')
+        QTest::newRow("100 KB of path") << u"127.0.0.1/"_s + QString(100'000, u'p')
                                         << "GET /" + QByteArray(100'000, 'p') + " HTTP/1.1";
     }
 
@@ -137,8 +138,8 @@ private slots:
         QFETCH(QString, address);
         QFETCH(QByteArray, line);
         window_->service.answerWith("apple");
-        check(tr("apple"), Any, address);
-        QTRY_COMPARE(rows(), QStringList{tr("apple|Found")});
+        check(u"apple"_s, Any, address);
+        QTRY_COMPARE(rows(), QStringList{u"apple|Found"_s});
         QCOMPARE(window_->service.lastRequestLine(), line);
         QVERIFY(window_->service.requests()[0].contains("\r\nHost: 127.0.0.1\r\n"));
         verifyIdle();
@@ -154,24 +155,24 @@ private slots:
         QTest::newRow("blank inside") << "127.0. 0.1/a.html";
         QTest::newRow("blanks alone") << "   ";
         QTest::newRow("blank in front") << " 127.0.0.1/a.html";
-        QTest::newRow("letters beyond ASCII") << QString::fromUtf8("ü").repeated(64) + tr(".example/a.html");
-        QTest::newRow("NUL") << QStringLiteral("127.0.0.1") + QChar(0) + QStringLiteral("/a.html");
-        QTest::newRow("100 KB of host") << QString(100'000, u'h') + QStringLiteral("/a.html");
-        QTest::newRow("100 KB of labels") << QStringLiteral("a.").repeated(50'000) + QStringLiteral("invalid/");
+        QTest::newRow("letters beyond ASCII") << QString::fromUtf8("ü").repeated(64) + u".example/a.html"_s;
+        QTest::newRow("NUL") << u"127.0.0.1"_s + QChar(0) + u"/a.html"_s;
+        QTest::newRow("100 KB of host") << QString(100'000, u'h') + u"/a.html"_s;
+        QTest::newRow("100 KB of labels") << u"a."_s.repeated(50'000) + u"invalid/"_s;
     }
 
     void addressesWithoutAHostThatExistsEndInTheErrorBox()
     {
         QFETCH(QString, address);
-        check(tr("apple"), Any, address);
+        check(u"apple"_s, Any, address);
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Error"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
-        QVERIFY2(window_->boxes.texts()[0].startsWith(kFault + tr("11001\r\n")), qPrintable(window_->boxes.texts()[0]));
+        QVERIFY2(window_->boxes.texts()[0].startsWith(kFault + u"11001\r\n"_s), qPrintable(window_->boxes.texts()[0]));
         QTRY_VERIFY(button()->isEnabled());
         QVERIFY(!timer()->isActive());
         QCOMPARE(window_->socketState("PageSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QVERIFY(rows().isEmpty());
         QVERIFY(window_->service.requests().isEmpty());
     }
@@ -185,11 +186,11 @@ private slots:
         gone.close();
         window.start();
         window.chooseTab(2);
-        window.type("Text4", tr("127.0.0.1"));
-        window.type("Text5", tr("apple"));
+        window.type("Text4", u"127.0.0.1"_s);
+        window.type("Text5", u"apple"_s);
         QTest::mouseClick(window.control<QPushButton>("Command2"), Qt::LeftButton);
         QTRY_COMPARE(window.boxes.boxes().size(), 1);
-        QVERIFY(window.boxes.texts()[0].startsWith(kFault + tr("10061\r\n")));
+        QVERIFY(window.boxes.texts()[0].startsWith(kFault + u"10061\r\n"_s));
         QTRY_VERIFY(window.control<QPushButton>("Command2")->isEnabled());
         QVERIFY(!window.control<QTimer>("SPSTimer")->isActive());
     }
@@ -197,8 +198,8 @@ private slots:
     void keywordsAreSplitAtEveryBlank()
     {
         window_->service.answerWith("apple pie");
-        check(tr("apple  pie"));
-        QTRY_COMPARE(rows(), QStringList({tr("apple|Found"), tr("|Found"), tr("pie|Found")}));
+        check(u"apple  pie"_s);
+        QTRY_COMPARE(rows(), QStringList({u"apple|Found"_s, u"|Found"_s, u"pie|Found"_s}));
         QCOMPARE(entries(), std::vector<std::string>({"apple ", " ", "pie "}));
     }
 
@@ -212,18 +213,18 @@ private slots:
                             const QStringList& expected) {
             QTest::newRow(name) << page << keywords << static_cast<int>(mode) << expected;
         };
-        const QString notAll = tr("Not all keywords are found in this page|");
-        const QString notFound = tr("Keyword/s not found in this page|");
+        const QString notAll = u"Not all keywords are found in this page|"_s;
+        const QString notFound = u"Keyword/s not found in this page|"_s;
 
-        row("any: in a longer word", "A pineapple", tr("Apple"), Any, {tr("apple|Found")});
-        row("any: across tags", "gr<b>een</b><br>apple", tr("green greenapple"), Any,
-            {tr("green|Found"), tr("greenapple|Found")});
-        row("any: not in a tag", "<a title=\"secret\">plain</a>", tr("secret"), Any, {tr("secret|Not Found")});
-        row("any: quotes are no text", "a\"b", tr("ab a\"b"), Any, {tr("ab|Found"), tr("a\"b|Not Found")});
-        row("any: doubled", "apple", tr("apple Apple pie pie"), Any,
-            {tr("apple|Found"), tr("apple|Found"), tr("pie|Not Found"), tr("pie|Not Found")});
-        row("any: blanks alone", "x", tr("  "), Any, {tr("|Found"), tr("|Found"), tr("|Found")});
-        row("any: blanks around", "apple", tr(" apple "), Any, {tr("|Found"), tr("apple|Found"), tr("|Found")});
+        row("any: in a longer word", "A pineapple", u"Apple"_s, Any, {u"apple|Found"_s});
+        row("any: across tags", "gr<b>een</b><br>apple", u"green greenapple"_s, Any,
+            {u"green|Found"_s, u"greenapple|Found"_s});
+        row("any: not in a tag", "<a title=\"secret\">plain</a>", u"secret"_s, Any, {u"secret|Not Found"_s});
+        row("any: quotes are no text", "a\"b", u"ab a\"b"_s, Any, {u"ab|Found"_s, u"a\"b|Not Found"_s});
+        row("any: doubled", "apple", u"apple Apple pie pie"_s, Any,
+            {u"apple|Found"_s, u"apple|Found"_s, u"pie|Not Found"_s, u"pie|Not Found"_s});
+        row("any: blanks alone", "x", u"  "_s, Any, {u"|Found"_s, u"|Found"_s, u"|Found"_s});
+        row("any: blanks around", "apple", u" apple "_s, Any, {u"|Found"_s, u"apple|Found"_s, u"|Found"_s});
         row("any: letters beyond ASCII", QByteArray("\xC3\x84RGER \xCE\xA9MEGA \xD0\x96UK"),
             QString::fromUtf8("ärger ωmega жuk ö"), Any,
             {QString::fromUtf8("ärger|Found"), QString::fromUtf8("ωmega|Found"), QString::fromUtf8("жuk|Found"),
@@ -231,33 +232,31 @@ private slots:
         row("any: page in Latin-1", QByteArray("\xC4RGER"), QString::fromUtf8("ärger"), Any,
             {QString::fromUtf8("ärger|Found")});
         row("any: keyword in capitals is listed in small letters", "apple", QString::fromUtf8("APPLE ÄPFEL"), Any,
-            {tr("apple|Found"), QString::fromUtf8("äpfel|Not Found")});
-        row("any: unclosed tag is text", "<b>x</b> y < secret", tr("secret <"), Any,
-            {tr("secret|Found"), tr("<|Found")});
-        row("any: page of tags alone is checked whole", "<apple><pie>", tr("apple><pie"), Any,
-            {tr("apple><pie|Found")});
-        row("any: tags that form others", "<b<i>>apple</b<i>>", tr(">apple> <"), Any,
-            {tr(">apple>|Found"), tr("<|Not Found")});
-        row("any: NULs", QByteArray(100'000, '\0'), tr("apple"), Any, {tr("apple|Not Found")});
-        row("any: NUL in the word", QByteArray("ap\0ple", 6), tr("ap apple"), Any,
-            {tr("ap|Found"), tr("apple|Not Found")});
-        row("all: one missing", "only red here", tr("red blue"), All, {notAll});
-        row("all: first missing", "only blue here", tr("red blue"), All, {notAll});
-        row("all: every one there", "blue and RED", tr("Red Blue"), All, {tr("red|Found"), tr("blue|Found")});
-        row("all: doubled", "red", tr("red red"), All, {tr("red|Found"), tr("red|Found")});
-        row("all: in a longer word, across tags", "<i>hund</i>red", tr("red dre"), All,
-            {tr("red|Found"), tr("dre|Found")});
-        row("all: blanks alone", "x", tr(" "), All, {tr("|Found"), tr("|Found")});
-        row("all: two blanks", "red blue", tr("red  blue"), All, {tr("red|Found"), tr("|Found"), tr("blue|Found")});
-        row("all: NULs", QByteArray(1000, '\0'), tr("apple"), All, {notAll});
-        row("exact: phrase", "a green APPLE pie", tr("Green Apple"), Exact, {tr("Green Apple|Found")});
-        row("exact: listed as typed", "green apple", tr("  Green Apple "), Exact, {tr("  Green Apple |Found")});
-        row("exact: inner blanks count", "green apple", tr("green  apple"), Exact, {notFound});
-        row("exact: words apart", "green and apple", tr("green apple"), Exact, {notFound});
-        row("exact: in a longer word", "pineapples", tr("apple"), Exact, {tr("apple|Found")});
-        row("exact: across tags", "green <b>ap</b>ple", tr("green apple"), Exact, {tr("green apple|Found")});
-        row("exact: doubled", "apple apple", tr("apple apple"), Exact, {tr("apple apple|Found")});
-        row("exact: blanks alone", "x", tr("  "), Exact, {tr("  |Found")});
+            {u"apple|Found"_s, QString::fromUtf8("äpfel|Not Found")});
+        row("any: unclosed tag is text", "<b>x</b> y < secret", u"secret <"_s, Any, {u"secret|Found"_s, u"<|Found"_s});
+        row("any: page of tags alone is checked whole", "<apple><pie>", u"apple><pie"_s, Any, {u"apple><pie|Found"_s});
+        row("any: tags that form others", "<b<i>>apple</b<i>>", u">apple> <"_s, Any,
+            {u">apple>|Found"_s, u"<|Not Found"_s});
+        row("any: NULs", QByteArray(100'000, '\0'), u"apple"_s, Any, {u"apple|Not Found"_s});
+        row("any: NUL in the word", QByteArray("ap\0ple", 6), u"ap apple"_s, Any,
+            {u"ap|Found"_s, u"apple|Not Found"_s});
+        row("all: one missing", "only red here", u"red blue"_s, All, {notAll});
+        row("all: first missing", "only blue here", u"red blue"_s, All, {notAll});
+        row("all: every one there", "blue and RED", u"Red Blue"_s, All, {u"red|Found"_s, u"blue|Found"_s});
+        row("all: doubled", "red", u"red red"_s, All, {u"red|Found"_s, u"red|Found"_s});
+        row("all: in a longer word, across tags", "<i>hund</i>red", u"red dre"_s, All,
+            {u"red|Found"_s, u"dre|Found"_s});
+        row("all: blanks alone", "x", u" "_s, All, {u"|Found"_s, u"|Found"_s});
+        row("all: two blanks", "red blue", u"red  blue"_s, All, {u"red|Found"_s, u"|Found"_s, u"blue|Found"_s});
+        row("all: NULs", QByteArray(1000, '\0'), u"apple"_s, All, {notAll});
+        row("exact: phrase", "a green APPLE pie", u"Green Apple"_s, Exact, {u"Green Apple|Found"_s});
+        row("exact: listed as typed", "green apple", u"  Green Apple "_s, Exact, {u"  Green Apple |Found"_s});
+        row("exact: inner blanks count", "green apple", u"green  apple"_s, Exact, {notFound});
+        row("exact: words apart", "green and apple", u"green apple"_s, Exact, {notFound});
+        row("exact: in a longer word", "pineapples", u"apple"_s, Exact, {u"apple|Found"_s});
+        row("exact: across tags", "green <b>ap</b>ple", u"green apple"_s, Exact, {u"green apple|Found"_s});
+        row("exact: doubled", "apple apple", u"apple apple"_s, Exact, {u"apple apple|Found"_s});
+        row("exact: blanks alone", "x", u"  "_s, Exact, {u"  |Found"_s});
         row("exact: letters beyond ASCII", QByteArray("\xC3\x84RGER NR. 1"), QString::fromUtf8("Ärger nr."), Exact,
             {QString::fromUtf8("Ärger nr.|Found")});
     }
@@ -278,7 +277,7 @@ private slots:
     void noModeChosenGivesNoRows()
     {
         window_->service.answerWith("apple");
-        check(tr("apple"), -1);
+        check(u"apple"_s, -1);
         QTRY_COMPARE(window_->hidden("Text6"), std::string("apple"));
         QVERIFY(rows().isEmpty());
         QTRY_VERIFY(button()->isEnabled());
@@ -287,33 +286,33 @@ private slots:
     void samePageTwiceGivesItsRowsAgain()
     {
         window_->service.answerWith("apple");
-        check(tr("apple"));
-        QTRY_COMPARE(rows(), QStringList{tr("apple|Found")});
-        check(tr("apple"));
+        check(u"apple"_s);
+        QTRY_COMPARE(rows(), QStringList{u"apple|Found"_s});
+        check(u"apple"_s);
         QVERIFY(rows().isEmpty());
-        QTRY_COMPARE(rows(), QStringList{tr("apple|Found")});
-        check(tr("pear"));
-        QTRY_COMPARE(rows(), QStringList{tr("pear|Not Found")});
+        QTRY_COMPARE(rows(), QStringList{u"apple|Found"_s});
+        check(u"pear"_s);
+        QTRY_COMPARE(rows(), QStringList{u"pear|Not Found"_s});
         QCOMPARE(window_->service.requests().size(), 3);
     }
 
     void keywordsAndModeAreThoseOfTheStartAndTheEnd()
     {
         window_->service.stall();
-        check(tr("red blue"), All);
+        check(u"red blue"_s, All);
         QTRY_COMPARE(window_->service.requests().size(), 1);
         // The keywords are split when the check starts; mode and phrase are read when the page has arrived.
-        window_->control<QLineEdit>("Text5")->setText(tr("pear"));
+        window_->control<QLineEdit>("Text5")->setText(u"pear"_s);
         window_->control<QComboBox>("Combo1")->setCurrentIndex(Any);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\nred");
         window_->service.finish();
-        QTRY_COMPARE(rows(), QStringList({tr("red|Found"), tr("blue|Not Found")}));
+        QTRY_COMPARE(rows(), QStringList({u"red|Found"_s, u"blue|Not Found"_s}));
     }
 
     void emptyPageLeavesNoRows()
     {
         window_->service.answerWith("");
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(window_->service.requests().size(), 1);
         QTRY_VERIFY(button()->isEnabled());
         QVERIFY(rows().isEmpty());
@@ -323,8 +322,8 @@ private slots:
     void responseWithoutAHeaderEndLosesThreeBytes()
     {
         window_->service.answerWithPieces({"abcdef"});
-        check(tr("def abc"));
-        QTRY_COMPARE(rows(), QStringList({tr("def|Found"), tr("abc|Not Found")}));
+        check(u"def abc"_s);
+        QTRY_COMPARE(rows(), QStringList({u"def|Found"_s, u"abc|Not Found"_s}));
     }
 
     void serverThatClosesAtOnceLeavesTheTabIdle()
@@ -341,8 +340,8 @@ private slots:
         window.hosts = {"127.0.0.1", "127.0.0.1", "127.0.0.1", "127.0.0.1", server.serverPort()};
         window.start();
         window.chooseTab(2);
-        window.type("Text4", tr("127.0.0.1"));
-        window.type("Text5", tr("apple"));
+        window.type("Text4", u"127.0.0.1"_s);
+        window.type("Text5", u"apple"_s);
         QTest::mouseClick(window.control<QPushButton>("Command2"), Qt::LeftButton);
         QTRY_COMPARE(connections, 1);
         QTRY_VERIFY(window.control<QPushButton>("Command2")->isEnabled());
@@ -354,13 +353,13 @@ private slots:
     void aResetShowsTheErrorBoxAndChecksNothing()
     {
         window_->service.stall();
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(window_->service.requests().size(), 1);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\napple");
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         window_->service.reset();
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QVERIFY(window_->boxes.texts()[0].startsWith(kFault + tr("10054\r\n")));
+        QVERIFY(window_->boxes.texts()[0].startsWith(kFault + u"10054\r\n"_s));
         QTRY_VERIFY(button()->isEnabled());
         QVERIFY(rows().isEmpty());
     }
@@ -368,13 +367,13 @@ private slots:
     void secondCheckReplacesTheFirst()
     {
         window_->service.stall();
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(window_->service.requests().size(), 1);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\npear ");
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         window_->service.answerWith("apple");
-        check(tr("apple pear")); // the typing enables the button again
-        QTRY_COMPARE(rows(), QStringList({tr("apple|Found"), tr("pear|Not Found")}));
+        check(u"apple pear"_s); // the typing enables the button again
+        QTRY_COMPARE(rows(), QStringList({u"apple|Found"_s, u"pear|Not Found"_s}));
         QCOMPARE(window_->service.requests().size(), 2);
         QVERIFY(window_->boxes.boxes().isEmpty());
     }
@@ -382,13 +381,13 @@ private slots:
     void stopGivesTheRunningCheckUp()
     {
         window_->service.answerWith("apple");
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(rows().size(), 1);
         window_->service.stall();
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(window_->service.requests().size(), 2);
         QTest::keyClick(window_->control<QLineEdit>("Text5"), Qt::Key_Escape);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("User cancel the operation")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"User cancel the operation"_s});
         verifyIdle();
         QVERIFY(rows().isEmpty());
         QTRY_COMPARE(window_->service.openConnections(), 0);
@@ -397,14 +396,14 @@ private slots:
     void proxyModeConnectsToNothing()
     {
         useProxy();
-        check(tr("apple  pie"));
+        check(u"apple  pie"_s);
         QVERIFY(!button()->isEnabled());
         QVERIFY(timer()->isActive());
         QCOMPARE(entries(), std::vector<std::string>({"apple ", " ", "pie "}));
         QCOMPARE(window_->socketState("PageSock"), 0);
         QSignalSpy ticks(timer(), &QTimer::timeout);
         QTRY_VERIFY(ticks.size() >= 2);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QVERIFY(timer()->isActive());
         QVERIFY(!button()->isEnabled());
         QVERIFY(window_->service.requests().isEmpty());
@@ -413,7 +412,7 @@ private slots:
         QTest::keyClick(window_->control<QLineEdit>("Text5"), Qt::Key_Escape);
         QVERIFY(window_->boxes.boxes().isEmpty());
         QVERIFY(timer()->isActive());
-        window_->type("Text5", tr("apple"));
+        window_->type("Text5", u"apple"_s);
         QVERIFY(button()->isEnabled());
         QVERIFY(timer()->isActive());
     }
@@ -421,15 +420,15 @@ private slots:
     void stopEndsTheWaitOfProxyModeBesideAnOlderCheck()
     {
         window_->service.stall();
-        check(tr("apple"));
+        check(u"apple"_s);
         QTRY_COMPARE(window_->service.requests().size(), 1);
         window_->control<HiddenText>("ProxySwitch")->setText("on");
-        check(tr("pear"));
+        check(u"pear"_s);
         QVERIFY(timer()->isActive());
         QVERIFY(!button()->isEnabled());
         QCOMPARE(window_->service.requests().size(), 1);
         QTest::keyClick(window_->control<QLineEdit>("Text5"), Qt::Key_Escape);
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("User cancel the operation")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"User cancel the operation"_s});
         verifyIdle();
     }
 
@@ -439,11 +438,11 @@ private slots:
         QByteArray page;
         QStringList expected;
         for (int i = 0; keywords.size() < 100'000; ++i) {
-            const QString word = QStringLiteral("w%1").arg(i, 5, 36, QLatin1Char('0'));
+            const QString word = u"w%1"_s.arg(i, 5, 36, QLatin1Char('0'));
             keywords += word + u' ';
             if (i % 2 == 0)
                 page += word.toLatin1().toUpper() + ", ";
-            expected.append(word + (i % 2 == 0 ? tr("|Found") : tr("|Not Found")));
+            expected.append(word + (i % 2 == 0 ? u"|Found"_s : u"|Not Found"_s));
         }
         keywords.chop(1);
         window_->service.answerWith(page);
@@ -468,7 +467,7 @@ private slots:
         check(QString(100'000, u'a'), mode);
         QCOMPARE(window_->control<QLineEdit>("Text5")->text().size(), 100'000);
         QTRY_COMPARE_WITH_TIMEOUT(rows().size(), 1, kPatience);
-        QVERIFY(rows()[0].endsWith(tr("|Found")));
+        QVERIFY(rows()[0].endsWith(u"|Found"_s));
         verifyIdle();
     }
 
@@ -492,14 +491,14 @@ private slots:
     {
         QFETCH(QByteArray, page);
         window_->service.answerWith(page);
-        check(tr("apple"));
-        QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList{tr("apple|Not Found")}, kPatience);
+        check(u"apple"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(rows(), QStringList{u"apple|Not Found"_s}, kPatience);
         verifyIdle();
         QVERIFY(window_->boxes.boxes().isEmpty());
     }
 
 private:
-    void check(const QString& keywords, int mode = Any, const QString& address = QStringLiteral("127.0.0.1/page.html"))
+    void check(const QString& keywords, int mode = Any, const QString& address = u"127.0.0.1/page.html"_s)
     {
         window_->control<QLineEdit>("Text4")->setText(address);
         window_->control<QLineEdit>("Text5")->setText(keywords);

@@ -3,6 +3,7 @@
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 using namespace quarrynet::samples;
 
@@ -141,11 +142,11 @@ private slots:
         start();
         QTest::mouseClick(button(), Qt::LeftButton);
         QTest::keyClick(field(), Qt::Key_Return);
-        const QString text = QStringLiteral("Please enter keyword/s to search!!!");
+        const QString text = u"Please enter keyword/s to search!!!"_s;
         QCOMPARE(window_->boxes.texts(), QStringList({text, text}));
         for (const auto& box : window_->boxes.boxes()) {
             QCOMPARE(box.icon, QMessageBox::Information);
-            QCOMPARE(box.title, QStringLiteral("Quarrynet"));
+            QCOMPARE(box.title, u"Quarrynet"_s);
         }
         QVERIFY(button()->isEnabled());
         QVERIFY(!timer()->isActive());
@@ -162,10 +163,10 @@ private slots:
             const auto row = [&tab](const char* name, const QString& keywords, const QByteArray& query) {
                 QTest::addRow("%s, %s", tabOf(tab.tag).frame, name) << tab.tag << keywords << query;
             };
-            row("blanks alone", QStringLiteral("   "), "");
-            row("blanks around and between", QStringLiteral("  a  b "), "a++b");
-            row("signs", QStringLiteral("a&b#c%d\""), "a&b#c%d\"");
-            row("an assignment", QStringLiteral("a&f=9%"), "a&f=9%");
+            row("blanks alone", u"   "_s, "");
+            row("blanks around and between", u"  a  b "_s, "a++b");
+            row("signs", u"a&b#c%d\""_s, "a&b#c%d\"");
+            row("an assignment", u"a&f=9%"_s, "a&f=9%");
             row("letters beyond ASCII", QString::fromUtf8("käse é"), "k\xC3\xA4se+\xC3\xA9");
             row("100 KB", QString(100'000, u'k'), QByteArray(100'000, 'k'));
         }
@@ -214,17 +215,17 @@ private slots:
         search();
         QTRY_COMPARE(window_->service.requests().size(), 1);
         window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + bytes(paged_->many));
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         window_->service.reset();
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Error"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Warning);
-        QVERIFY(window_->boxes.texts()[0].startsWith(QStringLiteral("Error occurred.\r\nError #: 10054\r\n")));
+        QVERIFY(window_->boxes.texts()[0].startsWith(u"Error occurred.\r\nError #: 10054\r\n"_s));
         QTRY_VERIFY(button()->isEnabled());
         QVERIFY(showsNothing());
         QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
-        QCOMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
+        QCOMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
     }
 
     void anEmptyPageSaysNothing_data() { addRows(); }
@@ -239,7 +240,7 @@ private slots:
         QVERIFY(window_->boxes.boxes().isEmpty());
         QVERIFY(showsNothing());
         if (paged_->count)
-            QCOMPARE(window_->text(paged_->count), QStringLiteral("0"));
+            QCOMPARE(window_->text(paged_->count), u"0"_s);
         QVERIFY(!slider()->isEnabled());
         verifyIdle(*window_, *tab_);
     }
@@ -263,7 +264,7 @@ private slots:
             QCOMPARE(hiddenItems(), 0U);
         QCOMPARE(window_->hidden(tab_->buffer), std::string());
         if (paged_->count)
-            QCOMPARE(window_->text(paged_->count), QStringLiteral("0"));
+            QCOMPARE(window_->text(paged_->count), u"0"_s);
         QVERIFY(slider()->isEnabled());
         QTRY_COMPARE(window_->service.requests().size(), 2);
         QVERIFY2(window_->service.lastRequestLine().contains(paged_->targetOfPageTwo),
@@ -314,7 +315,7 @@ private slots:
         QVERIFY(items > 0);
         window_->control<HiddenText>(paged_->total)->setText("soon");
         QTest::keyClick(slider(), Qt::Key_End);
-        QCOMPARE(window_->boxes.texts(), QStringList{QStringLiteral("Run-time error '13':\n\nType mismatch")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"Run-time error '13':\n\nType mismatch"_s});
         QCOMPARE(window_->service.requests().size(), 1);
         QVERIFY(!showsNothing());
         if (tab_->tag != 3)
@@ -469,7 +470,7 @@ private:
         window_->chooseTab(tab_->tag);
     }
 
-    void search(const QString& keywords = QStringLiteral("apple"))
+    void search(const QString& keywords = u"apple"_s)
     {
         field()->setText(keywords);
         QTest::mouseClick(button(), Qt::LeftButton);
@@ -496,7 +497,7 @@ private:
     bool showsNothing()
     {
         if (tab_->tag == 3)
-            return window_->control<HtmlView>(tab_->list)->url().fileName() == QStringLiteral("blank.html");
+            return window_->control<HtmlView>(tab_->list)->url().fileName() == u"blank.html"_s;
         return window_->rows(tab_->list).isEmpty();
     }
 

@@ -1,6 +1,8 @@
 #include <QProcess>
 #include <QTest>
 
+using namespace Qt::Literals::StringLiterals;
+
 /// Tests the program itself, started as the user starts it.
 class ProgramTest final : public QObject
 {
@@ -11,10 +13,10 @@ private slots:
     {
         QTest::addColumn<QString>("option");
         QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("help") << QStringLiteral("--help") << QByteArrayLiteral("--tour");
-        QTest::newRow("short help") << QStringLiteral("-h") << QByteArrayLiteral("--tour");
-        QTest::newRow("version") << QStringLiteral("--version") << QByteArrayLiteral("quarrynet " QUARRYNET_VERSION);
-        QTest::newRow("short version") << QStringLiteral("-v") << QByteArrayLiteral("quarrynet " QUARRYNET_VERSION);
+        QTest::newRow("help") << u"--help"_s << QByteArrayLiteral("--tour");
+        QTest::newRow("short help") << u"-h"_s << QByteArrayLiteral("--tour");
+        QTest::newRow("version") << u"--version"_s << QByteArrayLiteral("quarrynet " QUARRYNET_VERSION);
+        QTest::newRow("short version") << u"-v"_s << QByteArrayLiteral("quarrynet " QUARRYNET_VERSION);
     }
 
     void textsNeedNoDisplay()
@@ -26,7 +28,7 @@ private slots:
             environment.remove(QLatin1String(name));
         QProcess program;
         program.setProcessEnvironment(environment);
-        program.start(QStringLiteral(QUARRYNET_PROGRAM), {option});
+        program.start(QString::fromUtf8(QUARRYNET_PROGRAM), {option});
         QVERIFY(program.waitForFinished());
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 0);

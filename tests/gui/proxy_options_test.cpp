@@ -12,6 +12,7 @@
 #include "common/CDS_CIni.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -28,9 +29,9 @@ class Options
 public:
     explicit Options(QDialog& dialog) : dialog_(dialog) {}
 
-    QCheckBox* check() { return dialog_.findChild<QCheckBox*>(QStringLiteral("Check1")); }
-    QLineEdit* host() { return dialog_.findChild<QLineEdit*>(QStringLiteral("Text1")); }
-    QLineEdit* port() { return dialog_.findChild<QLineEdit*>(QStringLiteral("Text2")); }
+    QCheckBox* check() { return dialog_.findChild<QCheckBox*>(u"Check1"_s); }
+    QLineEdit* host() { return dialog_.findChild<QLineEdit*>(u"Text1"_s); }
+    QLineEdit* port() { return dialog_.findChild<QLineEdit*>(u"Text2"_s); }
 
     void toggle() { QTest::keyClick(check(), Qt::Key_Space); }
 
@@ -44,8 +45,8 @@ public:
         QTest::keyClicks(port(), portText);
     }
 
-    void ok() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command1")), Qt::LeftButton); }
-    void cancel() { QTest::mouseClick(dialog_.findChild<QPushButton*>(QStringLiteral("Command2")), Qt::LeftButton); }
+    void ok() { QTest::mouseClick(dialog_.findChild<QPushButton*>(u"Command1"_s), Qt::LeftButton); }
+    void cancel() { QTest::mouseClick(dialog_.findChild<QPushButton*>(u"Command2"_s), Qt::LeftButton); }
     QWidget* focused() const { return dialog_.focusWidget(); }
     bool isOpen() const { return dialog_.isVisible(); }
 
@@ -97,7 +98,7 @@ private slots:
         const QString port = QString::number(window_->service.port());
         inOptions([&](Options& options) {
             options.toggle();
-            options.fill(QStringLiteral("127.0.0.1"), port);
+            options.fill(u"127.0.0.1"_s, port);
             options.ok();
             QVERIFY(!options.isOpen());
         });
@@ -138,13 +139,13 @@ private slots:
         window_->writeSettings(settings("on", "proxy.example", "8080"));
         window_->start();
         inOptions([](Options& options) {
-            options.fill(QStringLiteral("typed.example"), QStringLiteral("1"));
+            options.fill(u"typed.example"_s, u"1"_s);
             options.toggle();
             QVERIFY(options.host()->text().isEmpty() && !options.host()->isEnabled());
             QVERIFY(options.port()->text().isEmpty() && !options.port()->isEnabled());
             options.toggle();
-            QCOMPARE(options.host()->text(), QStringLiteral("proxy.example"));
-            QCOMPARE(options.port()->text(), QStringLiteral("8080"));
+            QCOMPARE(options.host()->text(), u"proxy.example"_s);
+            QCOMPARE(options.port()->text(), u"8080"_s);
             QVERIFY(options.host()->isEnabled() && options.port()->isEnabled());
             options.cancel();
         });
@@ -156,9 +157,9 @@ private slots:
         QTest::addColumn<QString>("host");
         QTest::addColumn<QString>("port");
         QTest::addColumn<QString>("focus");
-        QTest::newRow("port") << QStringLiteral("proxy.example") << QString() << QStringLiteral("Text2");
-        QTest::newRow("host") << QString() << QStringLiteral("8080") << QStringLiteral("Text1");
-        QTest::newRow("both") << QString() << QString() << QStringLiteral("Text1");
+        QTest::newRow("port") << u"proxy.example"_s << QString() << u"Text2"_s;
+        QTest::newRow("host") << QString() << u"8080"_s << u"Text1"_s;
+        QTest::newRow("both") << QString() << QString() << u"Text1"_s;
     }
 
     void aMissingFieldKeepsTheDialogWithTheFocusThere()
@@ -177,9 +178,9 @@ private slots:
             QCOMPARE(options.check()->window()->focusWidget()->objectName(), focus);
             options.cancel();
         });
-        QCOMPARE(window_->boxes.texts(), QStringList{tr("All fields are mandatory")});
+        QCOMPARE(window_->boxes.texts(), QStringList{u"All fields are mandatory"_s});
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Quarrynet"_s);
         QCOMPARE(content(), before);
         QVERIFY(window_->main().isDirect());
     }
@@ -190,8 +191,8 @@ private slots:
         window_->start();
         QCOMPARE(window_->main().proxy().port, 8080);
         inOptions([](Options& options) {
-            QCOMPARE(options.host()->text(), QStringLiteral("old.example"));
-            options.fill(QStringLiteral("new.example"), QStringLiteral("3128"));
+            QCOMPARE(options.host()->text(), u"old.example"_s);
+            options.fill(u"new.example"_s, u"3128"_s);
             options.ok();
         });
         QCOMPARE(window_->main().proxy().host, std::string("new.example"));
@@ -204,7 +205,7 @@ private slots:
         window_->start();
         inOptions([](Options& options) {
             options.toggle();
-            options.fill(QStringLiteral("  \"proxy.example\" "), QStringLiteral("8080.6 and more"));
+            options.fill(u"  \"proxy.example\" "_s, u"8080.6 and more"_s);
             options.ok();
         });
         // The file drops outer blanks and one pair of quotes; the port is the leading number of its text, rounded.
@@ -217,14 +218,14 @@ private slots:
         window_->start();
         inOptions([](Options& options) {
             options.toggle();
-            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("eighty"));
+            options.fill(u"127.0.0.1"_s, u"eighty"_s);
             options.ok();
         });
         QCOMPARE(saved("ProxyPort"), std::string("eighty"));
         QCOMPARE(window_->main().proxy().port, 0);
         search();
         QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Error"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Error"_s);
         QTRY_VERIFY(window_->control<QPushButton>("Command1")->isEnabled());
         QCOMPARE(window_->socketState("NetSock"), 0);
     }
@@ -249,15 +250,14 @@ private slots:
         inOptions([onBefore](Options& options) {
             if (!onBefore)
                 options.toggle();
-            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("32768"));
+            options.fill(u"127.0.0.1"_s, u"32768"_s);
             options.ok();
             QVERIFY(!options.isOpen());
         });
         QCOMPARE(window_->boxes.texts(),
-                 QStringList{tr("Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
-                                "greater than 32767.")
-                                 .arg(window_->settingsFile())});
-        QCOMPARE(owner, QStringLiteral("Proxy"));
+                 QStringList{u"Run-time error '6':\n\nOverflow\n\n%1\nSection [ProxyPort]: the port must not be "
+                             "greater than 32767."_s.arg(window_->settingsFile())});
+        QCOMPARE(owner, u"Proxy"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Critical);
         QCOMPARE(window_->main().proxy().port, onBefore ? 8080 : 0);
         QCOMPARE(saved("ProxySwitch"), std::string("on"));
@@ -268,8 +268,8 @@ private slots:
         window_->activate();
         const QString port = QString::number(window_->service.port());
         inOptions([&](Options& options) {
-            QCOMPARE(options.port()->text(), QStringLiteral("32768"));
-            options.fill(QStringLiteral("127.0.0.1"), port);
+            QCOMPARE(options.port()->text(), u"32768"_s);
+            options.fill(u"127.0.0.1"_s, port);
             options.ok();
         });
         QCOMPARE(window_->main().proxy().port, port.toInt());
@@ -281,7 +281,7 @@ private slots:
         window_->start();
         inOptions([](Options& options) {
             options.toggle();
-            options.fill(QStringLiteral("h"), QStringLiteral("32767"));
+            options.fill(u"h"_s, u"32767"_s);
             options.ok();
         });
         QCOMPARE(window_->main().proxy().port, 32767);
@@ -302,7 +302,7 @@ private slots:
         window_->writeSettings(before);
         window_->start();
         inOptions([byKey](Options& options) {
-            options.fill(QStringLiteral("typed.example"), QStringLiteral("1"));
+            options.fill(u"typed.example"_s, u"1"_s);
             options.toggle();
             if (byKey)
                 QTest::keyClick(options.check(), Qt::Key_Escape);
@@ -331,7 +331,7 @@ private slots:
         window_->writeSettings(settings("on", "old.example", "8080"));
         window_->start();
         inOptions([](Options& options) {
-            options.fill(QStringLiteral("new.example"), QStringLiteral("8081"));
+            options.fill(u"new.example"_s, u"8081"_s);
             QTest::keyClick(options.port(), Qt::Key_Return);
             QVERIFY(!options.isOpen());
         });
@@ -343,7 +343,7 @@ private slots:
         window_->writeSettings(settings("off", "saved.example", "3128"));
         window_->start();
         inOptions([](Options& options) {
-            QCOMPARE(options.host()->text(), QStringLiteral("saved.example"));
+            QCOMPARE(options.host()->text(), u"saved.example"_s);
             options.ok();
         });
         QCOMPARE(saved("ProxySwitch"), std::string("off"));
@@ -369,7 +369,7 @@ private slots:
         inOptions([](Options& options) {
             QVERIFY(!options.check()->isChecked());
             options.toggle();
-            options.fill(QStringLiteral("proxy.example"), QStringLiteral("8080"));
+            options.fill(u"proxy.example"_s, u"8080"_s);
             options.ok();
         });
         QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
@@ -384,7 +384,7 @@ private slots:
         window_->start();
         QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
         inOptions([](Options& options) {
-            QCOMPARE(options.host()->text(), QStringLiteral("proxy.example"));
+            QCOMPARE(options.host()->text(), u"proxy.example"_s);
             options.cancel();
         });
     }
@@ -392,12 +392,12 @@ private slots:
     // A folder at the file's path makes writing fail for every user, including root.
     void aFileThatCannotBeWrittenClosesAndSetsTheSwitchAllTheSame()
     {
-        QVERIFY(QDir().mkpath(window_->settingsFile() + QStringLiteral("/inside")));
+        QVERIFY(QDir().mkpath(window_->settingsFile() + u"/inside"_s));
         window_->start();
         QVERIFY(window_->main().isDirect());
         inOptions([](Options& options) {
             options.toggle();
-            options.fill(QStringLiteral("127.0.0.1"), QStringLiteral("8080"));
+            options.fill(u"127.0.0.1"_s, u"8080"_s);
             options.ok();
             QVERIFY(!options.isOpen());
         });
@@ -415,11 +415,11 @@ private slots:
     {
         window_->writeSettings(settings("on", "first.example", "1"));
         window_->start();
-        inOptions([](Options& options) { options.fill(QStringLiteral("typed"), QStringLiteral("2")); });
+        inOptions([](Options& options) { options.fill(u"typed"_s, u"2"_s); });
         window_->writeSettings(settings("on", "second.example", "3"));
         inOptions([](Options& options) {
-            QCOMPARE(options.host()->text(), QStringLiteral("second.example"));
-            QCOMPARE(options.port()->text(), QStringLiteral("3"));
+            QCOMPARE(options.host()->text(), u"second.example"_s);
+            QCOMPARE(options.port()->text(), u"3"_s);
         });
         QCOMPARE(window_->main().proxy().host, std::string("first.example")); // only OK applies the new one
     }
@@ -430,11 +430,9 @@ private slots:
         QTest::addColumn<QByteArray>("port");
         QTest::addColumn<QString>("boxHost");
         QTest::addColumn<QString>("boxPort");
-        QTest::newRow("blank host") << QByteArray("  ") << QByteArray("9090") << QString() << QStringLiteral("9090");
-        QTest::newRow("quotes around nothing")
-            << QByteArray("\"\"") << QByteArray("9090") << QString() << QStringLiteral("9090");
-        QTest::newRow("blank port") << QByteArray("new.example") << QByteArray(" ") << QStringLiteral("new.example")
-                                    << QString();
+        QTest::newRow("blank host") << QByteArray("  ") << QByteArray("9090") << QString() << u"9090"_s;
+        QTest::newRow("quotes around nothing") << QByteArray("\"\"") << QByteArray("9090") << QString() << u"9090"_s;
+        QTest::newRow("blank port") << QByteArray("new.example") << QByteArray(" ") << u"new.example"_s << QString();
     }
 
     // The dialog rejects an empty field, but accepts a blank, which is no host either.
@@ -479,16 +477,16 @@ private slots:
         QFETCH(QString, kind);
         const QString path = window_->settingsFile();
         const QByteArray name = QFile::encodeName(path);
-        if (kind == QStringLiteral("sparse")) {
+        if (kind == u"sparse"_s) {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
             if (!file.resize(qint64{4} << 40))
                 QSKIP("The file system does not support such a file");
-        } else if (kind == QStringLiteral("pipe")) {
+        } else if (kind == u"pipe"_s) {
             QCOMPARE(::mkfifo(name.constData(), 0600), 0);
-        } else if (kind == QStringLiteral("device")) {
+        } else if (kind == u"device"_s) {
             QCOMPARE(::symlink("/dev/zero", name.constData()), 0);
-        } else if (kind == QStringLiteral("folder")) {
+        } else if (kind == u"folder"_s) {
             QVERIFY(QDir().mkpath(path));
         } else {
             QCOMPARE(::symlink("Quarrynet.ini", name.constData()), 0);
@@ -498,7 +496,7 @@ private slots:
         inOptions([](Options& options) {
             QVERIFY(!options.check()->isChecked());
             options.toggle();
-            options.fill(QStringLiteral("proxy.example"), QStringLiteral("8080"));
+            options.fill(u"proxy.example"_s, u"8080"_s);
             options.ok();
             QVERIFY(!options.isOpen());
         });
@@ -516,13 +514,13 @@ private:
             work(options);
         });
         window_->control<QAction>("proxymnu")->trigger();
-        QCOMPARE(driver.seen(), QStringList{tr("Proxy")});
+        QCOMPARE(driver.seen(), QStringList{u"Proxy"_s});
     }
 
     void search()
     {
         window_->activate();
-        window_->type("Text1", QStringLiteral("apple"));
+        window_->type("Text1", u"apple"_s);
         QTest::mouseClick(window_->control<QPushButton>("Command1"), Qt::LeftButton);
     }
 

@@ -6,6 +6,7 @@
 #include "platform/PagingSlider.h"
 #include "tab_controls.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -59,14 +60,14 @@ private slots:
         fillIn(*window_, tab);
         window_->control<HiddenText>(tab.buffer)->setText("<html>what was found before</html>");
         window_->boxes.forget();
-        window_->control<QLabel>("ActivityPanel")->setText(tr("as it was"));
+        window_->control<QLabel>("ActivityPanel")->setText(u"as it was"_s);
         window_->control<QPushButton>(tab.button)->setEnabled(false);
         window_->control<QTimer>(tab.timer)->setInterval(1'000'000); // long, so that the timer does not interfere
         window_->control<QTimer>(tab.timer)->start();
         stop();
         QVERIFY(window_->boxes.boxes().isEmpty());
         QCOMPARE(window_->hidden(tab.buffer), std::string("<html>what was found before</html>"));
-        QCOMPARE(window_->text("ActivityPanel"), QStringLiteral("as it was"));
+        QCOMPARE(window_->text("ActivityPanel"), u"as it was"_s);
         QVERIFY(!window_->control<QPushButton>(tab.button)->isEnabled());
         QVERIFY(window_->control<QTimer>(tab.timer)->isActive());
     }
@@ -97,7 +98,7 @@ private slots:
         window_->start();
         fillIn(*window_, tab);
         QTest::mouseClick(window_->control<QPushButton>(tab.button), Qt::LeftButton);
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Connecting"));
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Connecting"_s);
         QCOMPARE(window_->socketState(tab.socket), 6);
         stopAndCheck(tab);
     }
@@ -108,8 +109,8 @@ private slots:
     {
         QFETCH(int, tag);
         start(tabOf(tag));
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Connected"));
-        QCOMPARE(window_->text("ActivityPanel"), QStringLiteral("Request Completed"));
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Connected"_s);
+        QCOMPARE(window_->text("ActivityPanel"), u"Request Completed"_s);
         stopAndCheck(tabOf(tag));
     }
 
@@ -120,7 +121,7 @@ private slots:
         QFETCH(int, tag);
         start(tabOf(tag));
         window_->service.send("HTTP/1.1 200 OK\r\n\r\n" + pageOf(tabOf(tag)));
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         stopAndCheck(tabOf(tag));
         QVERIFY(isViewEmpty(tabOf(tag))); // nothing of the partial response was shown
     }
@@ -151,7 +152,7 @@ private slots:
         QCOMPARE(window_->hidden(tab.buffer), std::string());
         QVERIFY(isViewEmpty(tab));
         QVERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QCOMPARE(window_->text("ActivityPanel"), QString());
         QVERIFY(!window_->control<QTimer>(tab.timer)->isActive()); // the exchange itself has also ended
     }
@@ -160,9 +161,9 @@ private slots:
     {
         QTest::addColumn<int>("tag");
         QTest::addColumn<QString>("said");
-        QTest::newRow("STI") << 1 << QStringLiteral("No site found for that keyword/s");
-        QTest::newRow("IMG") << 3 << QStringLiteral("No Images Found");
-        QTest::newRow("SFS") << 5 << QStringLiteral("No site found");
+        QTest::newRow("STI") << 1 << u"No site found for that keyword/s"_s;
+        QTest::newRow("IMG") << 3 << u"No Images Found"_s;
+        QTest::newRow("SFS") << 5 << u"No site found"_s;
     }
 
     void whileTheParsersOwnBoxIsOpen()
@@ -186,7 +187,7 @@ private slots:
     void whileTheErrorBoxIsOpen()
     {
         window_->boxes.beforeAnswer = [this](QMessageBox& box) {
-            if (box.windowTitle() == tr("Error"))
+            if (box.windowTitle() == u"Error"_s)
                 stop();
         };
         start(tabOf(1));
@@ -243,7 +244,7 @@ private slots:
         for (const char* list : lists[row])
             window_->control<HiddenListBox>(list)->setItems({"kept"});
         for (const char* label : labels[row])
-            window_->control<QLabel>(label)->setText(tr("kept"));
+            window_->control<QLabel>(label)->setText(u"kept"_s);
         for (const char* field : paging[row])
             window_->control<HiddenText>(field)->setText("kept");
         if (tab.slider) {
@@ -256,7 +257,7 @@ private slots:
         for (const char* list : lists[row])
             QCOMPARE(window_->control<HiddenListBox>(list)->items(), std::vector<std::string>{"kept"});
         for (const char* label : labels[row])
-            QCOMPARE(window_->text(label), QStringLiteral("kept"));
+            QCOMPARE(window_->text(label), u"kept"_s);
         for (const char* field : paging[row])
             QCOMPARE(window_->hidden(field), std::string("kept"));
         if (tab.slider) {
@@ -326,8 +327,8 @@ private slots:
         QVERIFY(window_->control<QTimer>("IMGTimer")->isActive());
         QCOMPARE(window_->socketState("PageSock"), 7); // the check itself continues
         QVERIFY(!window_->control<QPushButton>("Command2")->isEnabled());
-        window_->control<QLabel>("ConnectionPanel")->setText(tr("written over at the next tick"));
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        window_->control<QLabel>("ConnectionPanel")->setText(u"written over at the next tick"_s);
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
     }
 
     void onTheImageTabTheEmptyPageIsShown()
@@ -358,7 +359,7 @@ private slots:
         window_->service.release();
         QTRY_VERIFY(!window_->rows("ListView4").isEmpty());
         QTRY_COMPARE(window_->socketState("SFSSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
     }
 
     void onTheFileTabADownloadSearchIsCutOff()
@@ -444,7 +445,7 @@ private:
         fillIn(*window_, tab);
         QTest::mouseClick(window_->control<QPushButton>(tab.button), Qt::LeftButton);
         QTRY_COMPARE(window_->service.requests().size(), before + 1);
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Request Completed"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Request Completed"_s);
     }
 
     void stop() { window_->control<QAction>("stopmnu")->trigger(); }
@@ -452,7 +453,7 @@ private:
     bool isViewEmpty(const TabControls& tab)
     {
         if (tab.tag == 3)
-            return window_->control<QWidget>(tab.list)->property("url").toUrl().fileName() == tr("blank.html");
+            return window_->control<QWidget>(tab.list)->property("url").toUrl().fileName() == u"blank.html"_s;
         return window_->rows(tab.list).isEmpty();
     }
 
@@ -470,9 +471,9 @@ private:
         window_->boxes.beforeAnswer = nullptr;
         QCOMPARE(window_->boxes.boxes().size(), 1);
         QCOMPARE(window_->boxes.boxes()[0].text, tr(kStopped));
-        QCOMPARE(window_->boxes.boxes()[0].title, QStringLiteral("Quarrynet"));
+        QCOMPARE(window_->boxes.boxes()[0].title, u"Quarrynet"_s);
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Critical);
-        QCOMPARE(connectionInBox, QStringLiteral("Closed"));
+        QCOMPARE(connectionInBox, u"Closed"_s);
         QCOMPARE(activityInBox, QString());
         QCOMPARE(window_->hidden(tab.buffer), std::string());
         QVERIFY(isViewEmpty(tab));

@@ -5,6 +5,7 @@
 #include "LoopbackService.h"
 #include "platform/TcpClientSocket.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -28,7 +29,7 @@ private slots:
     {
         LoopbackService service;
         service.stall();
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         QSignalSpy connected(&socket, &TcpClientSocket::connected);
         QSignalSpy progress(&socket, &TcpClientSocket::sendProgress);
         QSignalSpy complete(&socket, &TcpClientSocket::sendComplete);
@@ -65,7 +66,7 @@ private slots:
     {
         LoopbackService service;
         service.answerWith(QByteArray(3'000'000, 'x'));
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         std::string received;
         std::size_t atEnd = 0;
         connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
@@ -78,7 +79,7 @@ private slots:
 
     void aRefusalIsError10061()
     {
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         QSignalSpy failed(&socket, &TcpClientSocket::failed);
         socket.Connect("127.0.0.1", closedPort());
         QCOMPARE(failed.count(), 0); // Connect() itself never raises it
@@ -92,7 +93,7 @@ private slots:
     {
         LoopbackService service;
         service.stall();
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         QSignalSpy failed(&socket, &TcpClientSocket::failed);
         QSignalSpy closed(&socket, &TcpClientSocket::closedByPeer);
         connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
@@ -123,7 +124,7 @@ private slots:
         QFETCH(QByteArray, host);
         QFETCH(int, port);
         QFETCH(int, error);
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         QSignalSpy failed(&socket, &TcpClientSocket::failed);
         socket.Connect(host.toStdString(), port);
         QTRY_COMPARE_WITH_TIMEOUT(failed.count(), 1, 20'000);
@@ -134,7 +135,7 @@ private slots:
     {
         LoopbackService service;
         service.answerWith("body");
-        TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+        TcpClientSocket socket(u"NetSock"_s, nullptr);
         QSignalSpy connected(&socket, &TcpClientSocket::connected);
         QSignalSpy failed(&socket, &TcpClientSocket::failed);
         socket.Connect("127.0.0.1", service.port());
@@ -152,7 +153,7 @@ private slots:
         service.answerWith("body");
         for (auto event : {&TcpClientSocket::connected, &TcpClientSocket::sendProgress, &TcpClientSocket::sendComplete,
                            &TcpClientSocket::dataArrival, &TcpClientSocket::closedByPeer}) {
-            TcpClientSocket socket(QStringLiteral("NetSock"), nullptr);
+            TcpClientSocket socket(u"NetSock"_s, nullptr);
             bool seen = false;
             connect(&socket, &TcpClientSocket::connected, &socket, [&] { socket.SendData("GET / HTTP/1.1\r\n\r\n"); });
             connect(&socket, event, &socket, [&] {

@@ -2,6 +2,7 @@
 
 #include "platform/text_border.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 class TextBorderTest final : public QObject
@@ -11,9 +12,9 @@ class TextBorderTest final : public QObject
 private slots:
     void validUtf8IsText()
     {
-        QCOMPARE(toText("abc"), QStringLiteral("abc"));
-        QCOMPARE(toText("gr\xC3\xBC\xC3\x9F"), QStringLiteral("grüß"));
-        QCOMPARE(toText("\xE2\x82\xAC \xF0\x9F\x98\x80"), QStringLiteral("€ 😀"));
+        QCOMPARE(toText("abc"), u"abc"_s);
+        QCOMPARE(toText("gr\xC3\xBC\xC3\x9F"), u"grüß"_s);
+        QCOMPARE(toText("\xE2\x82\xAC \xF0\x9F\x98\x80"), u"€ 😀"_s);
         QCOMPARE(toText(""), QString());
     }
 
@@ -21,14 +22,14 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("text");
-        QTest::newRow("lone high byte") << QByteArray("caf\xE9!") << QStringLiteral("café!");
+        QTest::newRow("lone high byte") << QByteArray("caf\xE9!") << u"café!"_s;
         QTest::newRow("cut at the end") << QByteArray("a\xE2\x82") << QString::fromLatin1("a\xE2\x82");
         QTest::newRow("lone continuation") << QByteArray("\x80") << QString::fromLatin1("\x80");
         QTest::newRow("overlong slash") << QByteArray("\xC0\xAF") << QString::fromLatin1("\xC0\xAF");
         QTest::newRow("overlong three") << QByteArray("\xE0\x80\xAF") << QString::fromLatin1("\xE0\x80\xAF");
         QTest::newRow("surrogate") << QByteArray("\xED\xA0\x80") << QString::fromLatin1("\xED\xA0\x80");
         QTest::newRow("beyond Unicode") << QByteArray("\xF4\x90\x80\x80") << QString::fromLatin1("\xF4\x90\x80\x80");
-        QTest::newRow("valid after invalid") << QByteArray("\xFF\xC3\xBC\xFE") << QStringLiteral("ÿüþ");
+        QTest::newRow("valid after invalid") << QByteArray("\xFF\xC3\xBC\xFE") << u"ÿüþ"_s;
     }
 
     void invalidBytesAreShownAsLatin1()
@@ -50,15 +51,15 @@ private slots:
 
     void lineEndsAndOtherControlsAreBlanksInALine()
     {
-        QCOMPARE(toLine("a\r\nb\tc"), QStringLiteral("a  b c"));
-        QCOMPARE(toLine(std::string_view("a\0b", 3)), QStringLiteral("a b"));
+        QCOMPARE(toLine("a\r\nb\tc"), u"a  b c"_s);
+        QCOMPARE(toLine(std::string_view("a\0b", 3)), u"a b"_s);
         QCOMPARE(toLine("a\xC2\x85"
                         "b\xE2\x80\xA8"
                         "c\xE2\x80\xA9"
                         "d\x9F"
                         "e\x7F"),
-                 QStringLiteral("a b c d e "));
-        QCOMPARE(toLine(QStringView(u"a\nb")), QStringLiteral("a b"));
+                 u"a b c d e "_s);
+        QCOMPARE(toLine(QStringView(u"a\nb")), u"a b"_s);
         QCOMPARE(toLine(""), QString());
     }
 
@@ -68,19 +69,19 @@ private slots:
             const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
             const QChar shown = toLine(QStringView(&unit, 1)).front();
             if (control != (shown == u' ' && unit != u' '))
-                QFAIL(qPrintable(QStringLiteral("U+%1").arg(unit, 4, 16)));
+                QFAIL(qPrintable(u"U+%1"_s.arg(unit, 4, 16)));
         }
     }
 
     // An address with U+202E used to look like "moc.knab//:ptth" although it led elsewhere.
     void whatTurnsTheDirectionIsAMark()
     {
-        QCOMPARE(toLine("http://\xE2\x80\xAEknab"), QStringLiteral("http://\uFFFDknab"));
+        QCOMPARE(toLine("http://\xE2\x80\xAEknab"), u"http://\uFFFDknab"_s);
         for (const char16_t unit : u"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069") {
             if (unit != 0)
-                QCOMPARE(toLine(QStringView(&unit, 1)), QStringLiteral("\uFFFD"));
+                QCOMPARE(toLine(QStringView(&unit, 1)), u"\uFFFD"_s);
         }
-        QCOMPARE(toLine(QStringView(u"\u05D0\u0627\u200D")), QStringLiteral("\u05D0\u0627\u200D")); // unchanged
+        QCOMPARE(toLine(QStringView(u"\u05D0\u0627\u200D")), u"\u05D0\u0627\u200D"_s); // unchanged
     }
 
     void aLineOfTheGreatestLengthIsWhole()
@@ -128,7 +129,7 @@ private slots:
 
     void textGoesRoundTrip()
     {
-        const QString text = QStringLiteral("Ünïcode €😀 and ASCII");
+        const QString text = u"Ünïcode €😀 and ASCII"_s;
         QCOMPARE(toText(toBytes(text)), text);
     }
 };

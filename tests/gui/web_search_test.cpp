@@ -4,6 +4,7 @@
 #include "clicks.h"
 #include "platform/ListView.h"
 
+using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
 namespace {
@@ -36,7 +37,7 @@ private slots:
     void searchFillsRowsLabelsAndPaging()
     {
         window_->service.answerWith(resultsPage(30, "1,234"));
-        window_->type("Text1", tr("  red  apple "));
+        window_->type("Text1", u"  red  apple "_s);
         QTest::keyClick(window_->control<QLineEdit>("Text1"), Qt::Key_Return);
         QVERIFY(!button()->isEnabled());
         QVERIFY(timer()->isActive());
@@ -49,15 +50,15 @@ private slots:
                                    "User-Agent: Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)\r\n"
                                    "ACCEPT: */*\r\n\r\n"});
         QCOMPARE(rows().size(), 30);
-        QCOMPARE(rows()[0], QStringLiteral("http://site1.example/|Title 1"));
-        QCOMPARE(rows()[29], QStringLiteral("http://site30.example/|Title 30"));
-        QCOMPARE(window_->text("Label3"), QStringLiteral("1,234"));
-        QCOMPARE(window_->text("Label5"), QStringLiteral("0.25 Second/s"));
+        QCOMPARE(rows()[0], u"http://site1.example/|Title 1"_s);
+        QCOMPARE(rows()[29], u"http://site30.example/|Title 30"_s);
+        QCOMPARE(window_->text("Label3"), u"1,234"_s);
+        QCOMPARE(window_->text("Label5"), u"0.25 Second/s"_s);
         QCOMPARE(window_->hidden("Text3"), std::string("42"));
         QVERIFY(slider()->isEnabled());
         QCOMPARE(slider()->maximum(), 10);
         QVERIFY(!timer()->isActive());
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QCOMPARE(window_->text("ActivityPanel"), QString());
         QCOMPARE(window_->socketState("NetSock"), 0);
         QCOMPARE(window_->control<HiddenListBox>("List1")->items().size(), std::size_t(30));
@@ -69,13 +70,13 @@ private slots:
     {
         window_->service.stall();
         search();
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Request Completed"));
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Connected"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Request Completed"_s);
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Connected"_s);
         window_->service.send("HTTP/1.1 200 OK\r\n");
-        QTRY_COMPARE(window_->text("ActivityPanel"), QStringLiteral("Downloading Data"));
+        QTRY_COMPARE(window_->text("ActivityPanel"), u"Downloading Data"_s);
         window_->service.send("\r\n" + resultsPage(1, "1"));
         window_->service.finish();
-        QTRY_COMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QTRY_COMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QCOMPARE(rows().size(), 1);
     }
 
@@ -102,10 +103,10 @@ private slots:
     {
         window_->service.answerWith("<html>nothing here</html>");
         search();
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("No site found for that keyword/s")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"No site found for that keyword/s"_s});
         QCOMPARE(window_->boxes.boxes()[0].icon, QMessageBox::Information);
         QTRY_VERIFY(button()->isEnabled());
-        QCOMPARE(window_->text("Label3"), QStringLiteral("0"));
+        QCOMPARE(window_->text("Label3"), u"0"_s);
         QVERIFY(!slider()->isEnabled());
     }
 
@@ -115,12 +116,12 @@ private slots:
         page.replace("1,234", "many");
         window_->service.answerWith(page);
         search();
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"Run-time error '13':\n\nType mismatch"_s});
         QTRY_VERIFY(button()->isEnabled());
         QCOMPARE(rows().size(), 30);
-        QCOMPARE(window_->text("Label3"), QStringLiteral("many"));
+        QCOMPARE(window_->text("Label3"), u"many"_s);
         QCOMPARE(window_->socketState("NetSock"), 0);
-        QCOMPARE(window_->text("ConnectionPanel"), QStringLiteral("Closed"));
+        QCOMPARE(window_->text("ConnectionPanel"), u"Closed"_s);
         QVERIFY(!timer()->isActive());
     }
 
@@ -148,7 +149,7 @@ private slots:
         window_->service.answerWith(resultsPage(30, "1,234"));
         search();
         QTRY_VERIFY(slider()->isEnabled());
-        search(tr("pear"));
+        search(u"pear"_s);
         QVERIFY(!slider()->isEnabled());
         QCOMPARE(rows().size(), 0);
         QTRY_COMPARE(window_->service.lastRequestLine(),
@@ -206,14 +207,14 @@ private slots:
         QTRY_COMPARE(rows().size(), 3);
         auto* list = window_->control<ListView>("ListView1");
         list->setFocus();
-        QApplication::clipboard()->setText(tr("before"));
+        QApplication::clipboard()->setText(u"before"_s);
         QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(QApplication::clipboard()->text(), tr("before")); // nothing is selected
+        QCOMPARE(QApplication::clipboard()->text(), u"before"_s); // nothing is selected
         QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
         QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(QApplication::clipboard()->text(), tr("http://site1.example/\tTitle 1\n"
-                                                       "http://site2.example/\tTitle 2\n"
-                                                       "http://site3.example/\tTitle 3"));
+        QCOMPARE(QApplication::clipboard()->text(), u"http://site1.example/\tTitle 1\n"
+                                                    "http://site2.example/\tTitle 2\n"
+                                                    "http://site3.example/\tTitle 3"_s);
     }
 
     // A count with markup in it was shown as rich text, and one of megabytes was laid out whole.
@@ -221,14 +222,14 @@ private slots:
     {
         window_->service.answerWith(resultsPage(1, "1<img src=file:///etc/hostname>" + QByteArray(8'000'000, 'x')));
         search();
-        QTRY_COMPARE(window_->boxes.texts(), QStringList{tr("Run-time error '13':\n\nType mismatch")});
+        QTRY_COMPARE(window_->boxes.texts(), QStringList{u"Run-time error '13':\n\nType mismatch"_s});
         QCOMPARE(window_->control<QLabel>("Label3")->textFormat(), Qt::PlainText);
-        QVERIFY(window_->text("Label3").startsWith(QStringLiteral("1<img src=")));
+        QVERIFY(window_->text("Label3").startsWith(u"1<img src="_s));
         QVERIFY(window_->text("Label3").size() < 10'000);
     }
 
 private:
-    void search(const QString& keywords = QStringLiteral("apple"))
+    void search(const QString& keywords = u"apple"_s)
     {
         window_->type("Text1", keywords);
         QTest::mouseClick(button(), Qt::LeftButton);

@@ -52,7 +52,7 @@ protected:
     void write(const QString& name, const QByteArray& content);
     QString path(const QString& name) const { return folder_->filePath(name); }
     QByteArray address(const char* target) const { return server_->address(QString::fromLatin1(target)).toUtf8(); }
-    void open(const QByteArray& page, const QString& name = QStringLiteral("images.html"),
+    void open(const QByteArray& page, const QString& name = QLatin1String("images.html"),
               const std::vector<quarrynet::GalleryPicture>& gallery = {});
     QWidget* engine() const;
     qint64 drawingProcess() const;

@@ -41,7 +41,7 @@ public:
 
     quarrynet::Main& main() { return *main_; }
     QString folder() const { return folder_.path(); }
-    QString settingsFile() const { return folder_.filePath(QStringLiteral("Quarrynet.ini")); }
+    QString settingsFile() const { return folder_.filePath(QLatin1String("Quarrynet.ini")); }
     /// Activates the window; without a window manager nothing else does after a box has closed.
     void activate();
     void writeSettings(const QByteArray& text);

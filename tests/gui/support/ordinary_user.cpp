@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ordinary_user {
 
 namespace {
@@ -23,11 +25,11 @@ QString become(char* const* arguments)
     if (geteuid() != 0)
         return {};
     if (qEnvironmentVariableIsSet(kStartedAgain))
-        return QStringLiteral("The tests still run as root after changing the user");
-    const QByteArray program = QFile::encodeName(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget());
+        return u"The tests still run as root after changing the user"_s;
+    const QByteArray program = QFile::encodeName(QFileInfo(u"/proc/self/exe"_s).symLinkTarget());
     QByteArray home = QDir::tempPath().toLocal8Bit() + "/quarrynet-test-" + QByteArray(6, 'X');
     if (mkdtemp(home.data()) == nullptr || chown(home.constData(), kNobody, kNobody) != 0)
-        return QStringLiteral("Cannot create a home folder for another user");
+        return u"Cannot create a home folder for another user"_s;
     // A child process runs the tests, so that the parent can remove its home folder.
     const pid_t child = fork();
     if (child > 0) {
@@ -37,14 +39,13 @@ QString become(char* const* arguments)
         _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
     }
     if (child < 0 || setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0)
-        return QStringLiteral("Cannot change the user");
+        return u"Cannot change the user"_s;
     for (const char* name : {kStartedAgain, "HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_DATA_HOME",
                              "XDG_CACHE_HOME", "XDG_STATE_HOME"})
         qputenv(name, home);
     // Starts the program again, because a process that changed its user may not inspect itself.
     execv(program.constData(), arguments);
-    return QStringLiteral("These tests need an ordinary user, and other users cannot run ") +
-           QFile::decodeName(program);
+    return u"These tests need an ordinary user, and other users cannot run "_s + QFile::decodeName(program);
 }
 
 bool mayMakeNamespaces()

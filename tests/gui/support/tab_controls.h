@@ -124,6 +124,6 @@ inline void verifyIdle(WindowFixture& window, const TabControls& tab)
     QVERIFY(window.control<QPushButton>(tab.button)->isEnabled());
     QVERIFY(!window.control<QTimer>(tab.timer)->isActive());
     QCOMPARE(window.socketState(tab.socket), 0);
-    QCOMPARE(window.text("ConnectionPanel"), QStringLiteral("Closed"));
+    QCOMPARE(window.text("ConnectionPanel"), QString::fromLatin1("Closed"));
     QCOMPARE(window.text("ActivityPanel"), QString());
 }

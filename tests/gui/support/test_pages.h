@@ -18,7 +18,7 @@ inline QByteArray bytes(const std::string& text)
 /// Returns a file below tests/data. A missing file ends the test.
 inline QByteArray dataFile(const char* name)
 {
-    QFile file(QStringLiteral(QUARRYNET_TEST_DATA "/") + QLatin1String(name));
+    QFile file(QString::fromUtf8(QUARRYNET_TEST_DATA "/") + QLatin1String(name));
     if (!file.open(QIODevice::ReadOnly))
         qFatal("no test data %s", name);
     return file.readAll();
