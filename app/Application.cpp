@@ -13,7 +13,7 @@ std::unique_ptr<std::string> makeReserve()
     try {
         return std::make_unique<std::string>(kReserve, '\1');
     } catch (const std::bad_alloc&) {
-        return nullptr; // the next message may then not come up
+        return nullptr; // without it, the next message box may fail
     }
 }
 
@@ -26,13 +26,13 @@ bool Application::notify(QObject* receiver, QEvent* event)
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::bad_alloc&) {
-        // Events of other threads pass here, too.
+        // Other threads deliver their events here, too.
         if (!telling_.exchange(true)) {
             reserve_.reset();
             try {
                 QMetaObject::invokeMethod(this, &Application::tell, Qt::QueuedConnection);
             } catch (const std::bad_alloc&) {
-                telling_ = false; // the next event that fails tries again
+                telling_ = false; // the next event that runs out of memory tries again
             }
         }
         return true;
@@ -44,7 +44,7 @@ void Application::tell()
     try {
         emit outOfMemory();
     } catch (const std::bad_alloc&) {
-        // Not even enough to say so; what could be freed on the way is free.
+        // There is not even enough for the message. What the receivers could free is free.
     }
     reserve_ = makeReserve();
     telling_ = false;

@@ -8,8 +8,8 @@
 
 namespace quarrynet {
 
-/// The application object. An event whose handling runs out of memory ends there and then, not the program: a list of
-/// very many rows is laid out and painted in events of the toolkit's own, where nobody else could catch it.
+/// The application object. When an event handler runs out of memory, only the event ends, not the program: the toolkit
+/// lays out and paints very long lists in events of its own, where no other code can catch the exception.
 class Application final : public QApplication
 {
     Q_OBJECT
@@ -21,14 +21,14 @@ public:
     bool notify(QObject* receiver, QEvent* event) override;
 
 signals:
-    /// Memory ran out in an event. Comes once for all such events until its receivers have returned, and never from
-    /// inside an event's handling.
+    /// Memory ran out in an event handler. Emitted later, from the event loop, and not again until its receivers have
+    /// returned.
     void outOfMemory();
 
 private:
     void tell();
 
-    // Given up when memory runs out, so that there is some to say so.
+    // Freed when memory runs out, so that the message about it has some.
     std::unique_ptr<std::string> reserve_;
     std::atomic<bool> telling_ = false;
 };

@@ -24,7 +24,7 @@ void record(std::int16_t& entry, std::optional<double> value)
         entry = *whole;
 }
 
-// Nothing when the quotient is no number that a control could take: the step is then skipped.
+// Returns the largest whole number up to `value`, or nothing when it does not fit 32 bits; the step is then skipped.
 std::optional<std::int32_t> floorOf(double value)
 {
     const double whole = std::floor(value);
@@ -81,7 +81,7 @@ std::optional<RuntimeError> ChangeSize::Init(LayoutForm& form, ScreenFit fit)
             record(entry.left, control.read(LayoutProperty::Left));
             record(entry.height, control.read(LayoutProperty::Height));
             record(entry.width, control.read(LayoutProperty::Width));
-            // The form's own size, so that all controls share one size from the first scaling on.
+            // All controls get the form's own font size, so they share one from the first scaling on.
             record(entry.fontSize, form.fontSize());
             record(entry.rightMargin, control.read(LayoutProperty::RightMargin));
         }
@@ -99,7 +99,7 @@ std::optional<RuntimeError> ChangeSize::FormResize(LayoutForm& form)
     const bool autoRedraw = form.autoRedraw();
     form.setAutoRedraw(true);
     if (firstResizePending_) {
-        // The notification of the form's first sizing. AutoRedraw stays on after it.
+        // This is the notification of the form's first sizing. AutoRedraw stays on afterwards.
         firstResizePending_ = false;
         return std::nullopt;
     }
@@ -111,7 +111,7 @@ std::optional<RuntimeError> ChangeSize::FormResize(LayoutForm& form)
     if (static_cast<double>(leastWidth) > form.width())
         form.setWidth(static_cast<double>(leastWidth));
 
-    // Recorded size over present size: lengths are divided by these.
+    // Recorded size divided by current size. Lengths are divided by these ratios.
     const Result<double> ratioH = ratioOf(initialHeight_ - kCaptionAllowance, form.height() - kCaptionAllowance);
     if (!ratioH)
         return ratioH.error();
@@ -133,7 +133,7 @@ std::optional<RuntimeError> ChangeSize::FormResize(LayoutForm& form)
             place(control, LayoutProperty::Height, entry.height, *ratioH);
             place(control, LayoutProperty::Width, entry.width, *ratioW);
             placeFont(control, entry.fontSize, *ratioW);
-            // Meant so: a rich text's margin follows the height, although it is a horizontal length.
+            // Deliberate: a rich text's margin follows the height, although it is a horizontal length.
             place(control, LayoutProperty::RightMargin, entry.rightMargin, *ratioH);
         }
     }

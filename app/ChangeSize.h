@@ -9,8 +9,9 @@
 
 namespace quarrynet {
 
-/// What ChangeSize reads and writes of a control. A line is positioned by its end points `X1`, `Y1` and `X2`, `Y2`,
-/// everything else by the box of `Top`, `Left`, `Height` and `Width`. Lengths are twips, font sizes points.
+/// A property of a control that ChangeSize reads and writes. A line is positioned by its end points `X1`, `Y1` and
+/// `X2`, `Y2`, everything else by the box of `Top`, `Left`, `Height` and `Width`. Lengths are in twips, font sizes in
+/// points.
 enum class LayoutProperty : std::uint8_t
 {
     Top,
@@ -33,15 +34,15 @@ public:
 
     virtual bool isLine() const = 0;
 
-    /// The property's value, or nothing where this kind of control has no such property.
+    /// Returns the property's value, or nothing if this kind of control has no such property.
     virtual std::optional<double> read(LayoutProperty property) const = 0;
 
-    /// Sets the property; does nothing where this kind of control has no such property.
+    /// Sets the property. Does nothing if this kind of control has no such property.
     virtual void write(LayoutProperty property, std::int32_t value) = 0;
 };
 
-/// A form as the layout sees it. Lengths are twips. A form that changes its size, by setHeight and setWidth too, has to
-/// call ChangeSize::FormResize before it returns.
+/// A form as the layout sees it. Lengths are in twips. A form must call ChangeSize::FormResize after each change of its
+/// size, also before setHeight and setWidth return.
 class LayoutForm
 {
 public:
@@ -57,42 +58,42 @@ public:
     virtual double screenHeight() const = 0;
     virtual double screenWidth() const = 0;
 
-    /// Whether the form paints into a picture of its own, which keeps it from flickering while controls move.
+    /// Returns whether the form paints into a buffer, which avoids flicker while controls move.
     virtual bool autoRedraw() const = 0;
     virtual void setAutoRedraw(bool on) = 0;
 
-    /// The controls, in an order that never changes; `index` is below count().
+    /// Access the controls, in a fixed order; `index` is less than count().
     virtual std::size_t count() const = 0;
     virtual LayoutControl& control(std::size_t index) = 0;
 };
 
-/// What Init does about the screen that the form stands on.
+/// How Init fits the form to its screen.
 enum class ScreenFit : std::uint8_t
 {
-    Scale, // as much of this screen as the design takes of the screen that it was drawn on
+    Scale, // to the share of this screen that the design has of the screen it was drawn on
     Keep,
 };
 
 /// Keeps one form's layout in proportion to its size: Init records the geometry of the design, FormResize places every
-/// control anew from those records. A single step that cannot be carried out (a control without the property, a record
-/// that does not fit 16 bits) is skipped in silence: that is what lets one loop treat every kind of control alike.
+/// control from those records. A step that fails (a control without the property, a record that does not fit 16 bits)
+/// is skipped silently, so that one loop can treat all kinds of controls alike.
 class ChangeSize
 {
 public:
-    /// Records the form and its controls, then sizes the form for its screen, unless it is maximised or told to Keep
-    /// it. The first FormResize that follows does nothing, and with Scale that is the one that setHeight raises.
-    /// Gives Overflow, with nothing recorded, when the form's size or its number of controls does not fit 16 bits.
+    /// Records the form and its controls, then scales the form to its screen unless `fit` is Keep or the form is
+    /// maximised. The next FormResize does nothing; with Scale, setHeight causes it. Returns Overflow, with nothing
+    /// recorded, when the form's size or its number of controls does not fit 16 bits.
     std::optional<RuntimeError> Init(LayoutForm& form, ScreenFit fit = ScreenFit::Scale);
 
-    /// Places all controls for the form's present size, which grows to half the recorded size first where it is below
-    /// that. Gives DivisionByZero or Overflow, with the controls untouched, for a size that has no ratio to the
-    /// recorded one: a height of exactly 400 twips, a width of 0.
+    /// Places all controls for the form's current size, after enlarging the form to at least half the recorded size.
+    /// Returns DivisionByZero or Overflow, with the controls unchanged, for a size without a ratio to the recorded one:
+    /// a height of exactly 400 twips, or a width of 0.
     std::optional<RuntimeError> FormResize(LayoutForm& form);
 
 private:
     struct Record
     {
-        std::int16_t top = 0; // of a line, as for the next three: Y1, X1, Y2, X2
+        std::int16_t top = 0; // for a line, these four hold Y1, X1, Y2 and X2
         std::int16_t left = 0;
         std::int16_t height = 0;
         std::int16_t width = 0;

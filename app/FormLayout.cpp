@@ -23,7 +23,7 @@ int toPixels(double twips)
     return static_cast<int>(std::lround(twips / FormLayout::kTwipsPerPixel));
 }
 
-// Rounded down, as the layout's own arithmetic is: what does not overlap in twips then does not in pixels either.
+// Rounds down, as the layout's arithmetic does, so controls that do not overlap in twips do not overlap in pixels.
 int toWholePixels(std::int32_t twips)
 {
     return static_cast<int>(std::floor(static_cast<double>(twips) / FormLayout::kTwipsPerPixel));
@@ -36,13 +36,13 @@ double toTwips(int pixels)
 
 double pointSize(const QWidget& widget)
 {
-    return QFontInfo(widget.font()).pointSizeF(); // the font itself may be given in pixels
+    return QFontInfo(widget.font()).pointSizeF(); // the font's own size may be in pixels
 }
 
-// The size that the layout shows at the design's width for this one: whole, and even.
+// Returns the font size, whole and even, that the layout shows for `points` at the design's width.
 int shownSize(double points)
 {
-    const int whole = static_cast<int>(std::lround(points)); // as it is recorded
+    const int whole = static_cast<int>(std::lround(points)); // as ChangeSize records it
     return whole + whole % 2;
 }
 
@@ -53,13 +53,13 @@ void setPointSize(QWidget& widget, double points)
     widget.setFont(font);
 }
 
-// Not for controls that are only there for others, such as a name for assistive tools.
+// Returns false for controls that only serve others, such as a label that names a control for assistive tools.
 bool isEverShown(const QWidget& control)
 {
     return !control.isHidden() || !control.testAttribute(Qt::WA_WState_ExplicitShowHide);
 }
 
-// A field's own width is no matter: what is typed scrolls in it.
+// Returns whether the control's text fits. A field may have any width, because typed text scrolls in it.
 bool hasRoom(const QWidget& control)
 {
     const QSize needed = control.sizeHint();
@@ -120,7 +120,7 @@ public:
 
     void apply()
     {
-        // The font first: a control's size hints, and with them what it does when resized, follow from it.
+        // The font comes first: a control's size hints, and so its reaction to a resize, depend on it.
         if (points_ > 0 && points_ != shownPoints_) {
             shownPoints_ = points_;
             if (auto* strip = qobject_cast<TabStrip*>(&widget_)) {
@@ -172,7 +172,7 @@ double FormLayout::width() const
 void FormLayout::setHeight(double height)
 {
     form_.resize(form_.width(), toPixels(height));
-    if (!form_.isVisible()) // Qt keeps a hidden window's resize events back
+    if (!form_.isVisible()) // Qt delays a hidden window's resize events
         resized_();
 }
 
@@ -219,7 +219,7 @@ void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls)
     const double wanted = pointSize(form);
     int size = shownSize(wanted);
     for (; size > 2; size -= 2) {
-        // Most desktops end here: at the size that the layout sets next anyway, so no font is loaded in vain.
+        // On most desktops the first size fits. The layout sets it next anyway, so no font is loaded in vain.
         if (std::all_of(written.begin(), written.end(), [size](QWidget* control) {
                 setPointSize(*control, size);
                 return hasRoom(*control);

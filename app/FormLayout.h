@@ -13,21 +13,22 @@ class QWidget;
 
 namespace quarrynet {
 
-/// Shows the main window and its controls to ChangeSize, in twips: 15 to a device-independent pixel.
+/// Gives ChangeSize access to the main window and its controls, in twips (15 per device-independent pixel).
 ///
-/// Height and width are the window's without its title bar. Of them the layout sets the caption allowance apart, and
-/// that is the menu bar's height; the controls share out the rest.
+/// Height and width exclude the title bar. The layout reserves the caption allowance for the menu bar; the controls
+/// share the rest.
 class FormLayout final : public LayoutForm
 {
 public:
     static constexpr int kTwipsPerPixel = 15;
     static constexpr int kMenuBarHeight = 26; // the caption allowance of 400 twips in whole pixels
 
-    /// `controls` are what is placed; the other objects of the form have no geometry to keep.
+    /// `controls` are the controls to place; the form's other objects have no geometry to keep. `resized` runs after
+    /// setHeight and setWidth while the form is hidden, because Qt delays its resize events.
     FormLayout(QMainWindow& form, const std::vector<QWidget*>& controls, std::function<void()> resized);
     ~FormLayout() override;
 
-    /// Puts the controls where ChangeSize has written them, each moved and resized at once.
+    /// Moves and resizes each control, in one step, to the place that ChangeSize has written.
     void apply();
 
     double height() const override;
@@ -50,12 +51,12 @@ private:
     std::vector<std::unique_ptr<Control>> controls_;
     std::function<void()> resized_;
     double fontSize_;
-    bool autoRedraw_ = false; // Qt paints every window into a picture of its own, so there is nothing to switch
+    bool autoRedraw_ = false; // only kept: Qt buffers the painting of every window
 };
 
-/// Lowers the form's font where the desktop's is so large that the text of a control would not fit its place in the
-/// design. All sizes of the layout follow from the form's font, so this keeps the texts whole at every size of the form
-/// that keeps the design's proportions. To be called before the layout is recorded.
+/// Reduces the form's font if the desktop's is so large that a control's text would not fit its place in the design.
+/// All font sizes of the layout follow from the form's font, so texts then fit at every size of the design's
+/// proportions. Call before ChangeSize::Init.
 void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls);
 
 } // namespace quarrynet

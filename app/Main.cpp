@@ -32,7 +32,7 @@ constexpr QRect kTabStripPlace = {4, 40, kDesignWidth - 8, 26};
 constexpr QRect kFramePlace = {4, 66, kDesignWidth - 8, 318};
 constexpr QRect kStatusBarPlace = {0, 386, kDesignWidth, 22};
 
-// The frames and bars themselves, and what stands in the frames: every control with a place of its own.
+// Returns every control with a place of its own: the frames and bars, and the controls in the frames.
 std::vector<QWidget*> placedControls(QWidget& centre)
 {
     std::vector<QWidget*> controls;
@@ -53,7 +53,7 @@ Main::Main(const Surroundings& surroundings)
 {
     setObjectName(QStringLiteral("Main"));
     setWindowTitle(QStringLiteral("Quarrynet"));
-    // The application's, so that the dialogs and boxes have it too.
+    // Set for the application, so that the dialogs and boxes have it too.
     QApplication::setWindowIcon(icon(QStringLiteral("quarrynet")));
     resize(kDesignWidth, kDesignHeight);
     makeControls();
@@ -92,7 +92,7 @@ void Main::makeControls()
     }
     connect(TabStrip1, &QTabBar::currentChanged, this, &Main::TabStrip1_Click);
 
-    // The page check's frame is visible from the start, but covered: keys must not reach what nobody can see.
+    // The page check's frame is visible from the start but covered, so keys must not reach it.
     for (SearchTab* hidden : {static_cast<SearchTab*>(IMG), static_cast<SearchTab*>(SFD), static_cast<SearchTab*>(SFS)})
         hidden->hide();
     SPS->setReachable(false);
@@ -101,7 +101,7 @@ void Main::makeControls()
     StatusBar1 = new StatusBar(centre);
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
     StatusBar1->setGeometry(kStatusBarPlace);
-    // The words go into the descriptions, for a name would stand in the place of the panel's text.
+    // The words are descriptions because a name would replace the panel's text.
     ConnectionPanel = new QLabel(StatusBar1);
     ConnectionPanel->setObjectName(QStringLiteral("ConnectionPanel"));
     ConnectionPanel->setAccessibleDescription(tr("State of the connection"));
@@ -116,13 +116,13 @@ void Main::makeControls()
     connect(ProxySwitch, &HiddenText::changed, this, &Main::ProxySwitch_Change);
 }
 
-// Where one tab touches another: all of it, and all on purpose.
+// Sets up every effect of one tab on another. All are deliberate.
 void Main::joinTabs()
 {
     // Stop acts on the tab in front, but on the image tab it stops the page check's timer, and on the file tab it
     // closes the download search's socket.
     stopExceptions_ = {{IMG, SPS, IMG}, {SFS, SFS, SFD}};
-    // The image search's command empties the page check's list, and through a proxy it asks for the page that the web
+    // The image search's command empties the page check's list, and through a proxy it requests the page that the web
     // search's slider shows.
     IMG->setNeighbours([this] { SPS->clearView(); }, [this] { return STI->page(); });
     connect(IMG, &ImageSearch::unwritable, this, &Main::cannotGoOn);
@@ -133,7 +133,7 @@ bool Main::load()
     settings_.load();
     if (settings_.on) {
         {
-            // The change's own handling would only read the same file, and show an overflow a second time.
+            // The change handler would read the same file again, and report an overflow twice.
             const QSignalBlocker once(ProxySwitch);
             ProxySwitch->setText(ProxySettings::switchText(true));
         }
@@ -196,7 +196,7 @@ void Main::ProxySwitch_Change()
     if (!settings_.on)
         return;
     ProxySwitch->setText(ProxySettings::switchText(true));
-    // The options dialog is still open when its OK brings this about.
+    // The options dialog is still open while its OK button runs this handler.
     QWidget* dialog = QApplication::activeModalWidget();
     takeProxy(dialog ? dialog : this);
 }
@@ -221,9 +221,9 @@ void Main::Form_Resize()
 {
     if (!layout_)
         return;
-    // A size without a ratio leaves the controls where they are; the minimum size keeps a person from reaching one.
+    // A size without a ratio leaves the controls where they are; users cannot go below the minimum size to reach one.
     const bool placed = !changeSize_.FormResize(*layout_);
-    // The start-up sizes the window several times, and each set of fonts costs time: the last one counts.
+    // load() sizes the window several times. Loading fonts takes time, so only the last size is applied.
     if (placed && sized_)
         layout_->apply();
 }

@@ -30,7 +30,7 @@ class TabStrip;
 class ToolBar;
 class WebSearch;
 
-/// What the window needs of the world around it; a test hands in its own.
+/// The window's dependencies; tests pass their own.
 struct Surroundings
 {
     ServiceHosts hosts;
@@ -43,9 +43,10 @@ struct Surroundings
     std::string authorMailUrl;
 };
 
-/// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and all that the tabs share.
+/// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and everything that the tabs
+/// share.
 ///
-/// Constructing makes the controls; load() is the start-up and runs once, before the window is shown.
+/// The constructor makes the controls. Call load() once, before the window is shown.
 class Main final : public QMainWindow, public SearchWindow
 {
     Q_OBJECT
@@ -56,11 +57,11 @@ public:
     ~Main() override;
 
     /// Reads the settings, records the layout, writes and shows the empty gallery page, sizes the window and its
-    /// columns. False when the program cannot go on; the box that says why has been answered then.
+    /// columns. Returns false, after an error box, when the program cannot continue.
     bool load();
 
-    /// Brings all tabs to rest, empties the view of the one in front, and says that memory ran out. For the event that
-    /// could not be handled (see Application).
+    /// Stops all searches, empties the front tab's view, and reports that memory ran out. Handles
+    /// Application::outOfMemory.
     void outOfMemory();
 
     // SearchWindow
@@ -74,7 +75,7 @@ public:
     void showActivity(std::string_view text) override;
 
 signals:
-    /// A page of the program's own could not be written; the box that says so has been answered.
+    /// One of the program's own pages could not be written. Emitted after the error box.
     void cannotGoOn();
 
 protected:
@@ -82,7 +83,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    // What Stop acts on while `front` is in front: everything of that tab, but the timer and the socket of these.
+    // What Stop resets while the tab `front` is in front: the timer of the tab `timer`, the socket of the tab `socket`,
+    // and the rest of `front`.
     struct StopRow
     {
         SearchTab* front;
@@ -97,11 +99,11 @@ private:
 
     std::string settingsPath() const;
 
-    /// Takes host and port from the loaded settings. Returns false when the port does not fit, after `owner`'s box that
-    /// says so has been answered.
+    /// Copies host and port from the loaded settings. Returns false when the port does not fit, after an error box of
+    /// `owner`.
     bool takeProxy(QWidget* owner);
 
-    // Handlers and commands, named control and event.
+    // Handlers and commands, named after control and event.
     void Form_Resize();
     void TabStrip1_Click();
     void ProxySwitch_Change();
@@ -121,9 +123,9 @@ private:
     /// and closes the socket.
     void bringToRest(const StopRow& row);
 
-    /// Frees the response that was received so far, unless another exchange is under way.
+    /// Frees the response received so far, unless another exchange is running.
     void giveMemoryBack();
-    SearchTab* frontTab() const; // null when the selected tab carries no known tag
+    SearchTab* frontTab() const; // null when the selected tab has no known tag
 
     Surroundings surroundings_;
     ReceiveState receiveState_;
@@ -145,11 +147,11 @@ private:
     DownloadSearch* SFD = nullptr;
     FileSearch* SFS = nullptr;
     std::array<SearchTab*, 5> tabs_{};
-    std::vector<StopRow> stopExceptions_; // the tabs that are not in it are brought to rest whole
+    std::vector<StopRow> stopExceptions_; // with any other tab in front, Stop resets all of that tab
 
     ChangeSize changeSize_;
     std::unique_ptr<FormLayout> layout_;
-    bool sized_ = false; // the start-up has come to the window's size
+    bool sized_ = false; // true once load() has set the window's size
 };
 
 } // namespace quarrynet

@@ -16,7 +16,7 @@ namespace quarrynet {
 namespace {
 
 constexpr int kLookEvery = 100;  // milliseconds
-constexpr int kQuietFor = 1500;  // milliseconds without work before a picture is taken: pictures and fades settle
+constexpr int kQuietFor = 1500;  // milliseconds without activity before a screenshot, for pictures and fades to settle
 constexpr int kGiveUpAfter = 60; // seconds at one stop
 
 } // namespace
@@ -55,7 +55,7 @@ void Tour::arrive()
     for (const auto& [field, text] : stop.typed)
         window_.findChild<QLineEdit*>(QLatin1String(field))->setText(text);
     if (stop.button) {
-        // Queued: a box that the search shows has its own event loop, and the tour has to go on in it.
+        // Queued: a box that the search shows runs its own event loop, in which the tour must continue.
         QMetaObject::invokeMethod(window_.findChild<QPushButton*>(QLatin1String(stop.button)), "click",
                                   Qt::QueuedConnection);
     }
@@ -91,7 +91,7 @@ void Tour::look()
 
 void Tour::take(QWidget& widget, const QString& name)
 {
-    // From the screen where there is one: that is what a person sees, the browser's part of the window included.
+    // Grabs the screen where there is one: it shows what a person sees, including the browser's part of the window.
     QPixmap picture = QGuiApplication::platformName() == QLatin1String("xcb")
                           ? widget.screen()->grabWindow(widget.winId())
                           : widget.grab();

@@ -10,18 +10,19 @@ namespace quarrynet {
 
 class Main;
 
-/// A tour through the program without a person: it types, clicks and waits as one would, and takes a picture of the
-/// window at each stop. Message boxes that come up are pictured and answered.
+/// An unattended tour through the program: it types, clicks and waits as a person would, and saves a screenshot of the
+/// window at each stop. For each message box, it saves a screenshot and accepts the box.
 class Tour final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(Tour)
 
 public:
-    /// The window has to outlive the tour. Pictures go to `folder`, which exists.
+    /// `window` must outlive the tour. Screenshots go to `folder`, which must exist.
     Tour(Main& window, QString folder, QObject* parent = nullptr);
 
-    /// Begins; `finished` follows from the event loop, with whether all pictures could be written.
+    /// Starts the tour. `finished` follows from the event loop; `complete` is false if a stop timed out or a screenshot
+    /// could not be written.
     void start();
 
 signals:
@@ -33,7 +34,7 @@ private:
         QString picture;
         int tag;                                            // the tab to choose
         std::vector<std::pair<const char*, QString>> typed; // fields and what is typed into them
-        const char* button;                                 // pressed then, or null
+        const char* button;                                 // pressed after the typing, or null
     };
 
     void arrive();
@@ -46,7 +47,7 @@ private:
     std::vector<Stop> stops_;
     std::size_t next_ = 0;
     QTimer watch_;
-    QElapsedTimer since_; // the arrival, or the last sign of work
+    QElapsedTimer since_; // since the arrival or the last activity
     bool complete_ = true;
 };
 
