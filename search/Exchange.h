@@ -5,11 +5,12 @@
 
 namespace quarrynet {
 
-/// A client socket with its cycle: what happens to the socket calls the cycle's functions of the same meaning.
+/// A client socket with its fetch cycle. Each event of the socket calls the matching function of the cycle.
 class Exchange final
 {
 public:
-    /// `name`: the socket's control name; it becomes a child of `parent`. `tab` and `shared` must outlive the exchange.
+    /// `name` is the control name of the socket, which becomes a child of `parent`. `tab` and `shared` must outlive the
+    /// exchange.
     Exchange(const QString& name, const FetchSettings& settings, FetchTab& tab, ReceiveState& shared, QObject* parent);
 
     TcpClientSocket& socket() { return socket_; }

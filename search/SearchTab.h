@@ -23,7 +23,7 @@ struct SocketRow
     QString frame;
     QString socket;
     QString timer;
-    int interval; // of the timer, milliseconds
+    int interval; // of the timer, in milliseconds
     QString buffer;
     FetchSettings settings;
 };
@@ -41,34 +41,34 @@ public:
     QTimer& timer() { return timer_; }
     QPushButton& startButton() { return *startButton_; }
 
-    /// The start button's command, however it was reached.
+    /// Runs the start button's command.
     virtual void search() = 0;
 
-    /// Empties the tab's result view only; what Stop does to it.
+    /// Empties the tab's result view and nothing else, for Stop.
     virtual void clearView() = 0;
 
-    /// Where the tab wants the focus when it comes to the front.
+    /// Returns the control that gets the focus when the tab comes to the front.
     virtual QWidget& firstField() = 0;
 
-    /// Whether keys reach the tab's controls; not while its frame is visible but covered by another.
+    /// Sets whether keys reach the tab's controls. Pass false while its frame is visible but covered by another.
     void setReachable(bool reachable);
 
 protected:
     SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent);
 
-    /// A change of an input field enables the start button.
+    /// Sets the start button and the input fields whose changes enable it.
     void setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs);
 
-    /// Empties the buffer and starts the exchange: with `directHost`, or through the proxy when that is on.
+    /// Empties the buffer and starts the exchange with `directHost`, or through the proxy if it is on.
     void fetch(const std::string& directHost);
 
     SearchWindow& searchWindow() { return window_; }
     Route route() const { return window_.route(); }
 
-    /// The request when it could be built; otherwise nothing, after the error box.
+    /// Returns the request, or nothing, after an error box, when it could not be built.
     std::optional<std::string> orReport(const Result<std::string>& request);
 
-    /// Shows the error box when there is a fault.
+    /// Shows an error box if there is a fault.
     void report(const std::optional<RuntimeError>& fault);
 
     // FetchTab
@@ -87,7 +87,7 @@ private:
     QPushButton* startButton_ = nullptr;
 };
 
-/// A tab that lists results page by page: keywords, a slider below the results.
+/// A tab that lists results page by page, with a keyword field and a slider below the results.
 class PagedSearch : public SearchTab
 {
     Q_OBJECT
@@ -104,20 +104,20 @@ protected:
 
     PagingSlider& slider() { return *slider_; }
 
-    /// The page that the slider shows.
+    /// Returns the slider's page number.
     std::int32_t page() const { return slider_->value(); }
 
-    /// Does to the slider what a parser offers.
+    /// Applies a parser's paging offer to the slider and to `pageTotal`.
     void apply(const PagingOffer& offer, HiddenText& pageTotal);
 
-    /// The keyword field's text as bytes.
+    /// Returns the keyword field's text as bytes.
     std::string keywords() const;
 
-    /// Brings the results, lists and labels to their state before a search. `newSearch` is false when only another page
-    /// was chosen.
+    /// Resets the results, lists and labels to their state before a search. `newSearch` is false if only the page
+    /// changed.
     virtual void resetResults(bool newSearch) = 0;
 
-    /// The slider's window after a person reached its end.
+    /// Returns the slider's window after the user reached its end.
     virtual Result<PagingWindow> widened(const PagingWindow& window) const = 0;
 
     virtual const std::string& directHost() = 0;

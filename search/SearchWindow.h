@@ -10,8 +10,8 @@ namespace quarrynet {
 
 class Shell;
 
-/// The outside services: host names or addresses as bytes, and the port on which all of them (and any checked page) are
-/// asked directly. A port other than 80 is for tests.
+/// The outside services: host names or addresses as bytes, and the port for direct connections to all of them and to
+/// checked pages. Only tests set a port other than 80.
 struct ServiceHosts
 {
     std::string webSearch;
@@ -21,8 +21,7 @@ struct ServiceHosts
     int port = 80;
 };
 
-/// What a tab needs of the window that it stands in. All tabs share what is behind it: one receive state, one proxy
-/// state, one pair of status panels.
+/// A tab's interface to its window. All tabs share one receive state, one proxy state and one pair of status panels.
 class SearchWindow
 {
 public:
@@ -31,13 +30,13 @@ public:
     virtual ReceiveState& receiveState() = 0;
     virtual const ServiceHosts& serviceHosts() const = 0;
 
-    /// True exactly when the proxy switch reads "off".
+    /// Returns true exactly when the proxy switch reads "off".
     virtual bool isDirect() const = 0;
     virtual Endpoint proxy() const = 0;
 
     Route route() const { return isDirect() ? Route::Direct : Route::Proxy; }
 
-    /// Where an exchange connects to: `directHost`, or the proxy when that is on.
+    /// Returns the endpoint that an exchange connects to: `directHost`, or the proxy if it is on.
     Endpoint target(const std::string& directHost) const
     {
         return isDirect() ? Endpoint{directHost, serviceHosts().port} : proxy();

@@ -49,7 +49,7 @@ std::optional<std::string> DownloadSearch::requestText()
 
 void DownloadSearch::resetResults(bool)
 {
-    // Text13 stays even for a new search: once a page count was seen, every request is a paged one.
+    // Text13 is kept even for a new search: once a page count was seen, every request has the paged form.
     List10.clear();
     ui_->Label15->setCaption("0");
     ui_->ListView3->clear();
@@ -90,7 +90,7 @@ void DownloadSearch::Text12_Change()
 void DownloadSearch::ListView3_DblClick()
 {
     for (const std::size_t row : ui_->ListView3->selectedRows()) {
-        // Stop empties the list and leaves the links, so a row has its link, but never the other way round.
+        // Stop empties the list but keeps the links, so links may have no row, but every row has a link.
         if (row < List10.items().size())
             resolution_.start(List10.items()[row]);
     }

@@ -12,7 +12,8 @@ namespace Ui {
 class DownloadSearch;
 }
 
-/// The tab "Search For Downloads": keywords to programs, 25 a page; a chosen program's link is resolved and opened.
+/// The tab "Search For Downloads": finds programs for keywords, 25 per page, and resolves and opens the link of a
+/// chosen program.
 class DownloadSearch final : public PagedSearch
 {
     Q_OBJECT

@@ -28,7 +28,7 @@ void LinkResolution::start(const std::string& link)
     Text14.setText(*path);
     exchange_.session().start(window_.target(site()));
     if (exchange_.socket().State() == SocketState::Closed)
-        return; // memory did not suffice, and nothing would close the wait box
+        return; // memory ran out, and nothing would close the wait box
     if (!dialog_)
         dialog_ = new Dialog(owner());
     dialog_->load();
@@ -43,11 +43,11 @@ void LinkResolution::handOver(const std::string& body)
 {
     const Result<std::optional<std::string>> address = downloadAddress(body);
     if (!address) {
-        exchangeEnded(); // nothing waits any more behind the message
+        exchangeEnded(); // closes the wait box before the message
         showRuntimeError(owner(), address.error());
         return;
     }
-    // Without an address the front page is opened: the hidden list never has a selected entry to add to it.
+    // Without an address, the front page is opened, because the hidden list never has a selected entry to append.
     window_.shell().open(*address ? **address : fallbackAddress(site(), {}));
 }
 

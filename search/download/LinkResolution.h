@@ -10,10 +10,10 @@ namespace quarrynet {
 
 class Dialog;
 
-/// Asks the download directory for a redirect link, reads the download address out of the answer and opens it. A wait
-/// box stands in front of the window meanwhile.
+/// Requests a redirect link from the download directory, reads the download address from the response, and opens it.
+/// Shows a wait box meanwhile.
 ///
-/// Shares the receive state of the searches, so it must not run beside one.
+/// Uses the receive state of the searches, so it must not run at the same time as one.
 class LinkResolution final : public QObject, public FetchTab
 {
     Q_OBJECT
@@ -45,7 +45,7 @@ private:
     SearchWindow& window_;
     Exchange exchange_; // of DownSock
     HiddenText Text14;
-    Dialog* dialog_ = nullptr; // made for the first link, a child of the window
+    Dialog* dialog_ = nullptr; // created for the first link, a child of the window
 };
 
 } // namespace quarrynet

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::string_view kPathWord = "redir";
 
-// What may be replaced anew because a replacement formed it, in bytes. An honest link has none of that; a page's author
-// can make one that takes the square of its length.
+// Maximum number of bytes that are replaced again because replacements formed them. Genuine links form none; a hostile
+// link could take time quadratic in its length.
 constexpr std::size_t kMostFormed = std::size_t{64} << 20;
 
 std::size_t countPathWords(std::string_view text)
@@ -53,8 +53,8 @@ Result<std::optional<std::string>> downloadAddress(std::string_view page)
     const Position p = findMarker(page, "newlocation = ", 1);
     if (p == 0)
         return std::optional<std::string>();
-    // 15 leads over the marker and the opening quote, 2 back over the ";" and the closing quote to the last byte, which
-    // the length then leaves out. What is opened has always lacked it.
+    // 15 skips the marker and the opening quote. 2 goes back over the ";" and the closing quote to the last byte, which
+    // the length then excludes. The opened address has always lacked it.
     const Position begin = p + 15;
     const Position end = findMarker(page, ";", begin) - 2;
     const Result<std::string_view> address = cut(page, begin, end - begin);

@@ -7,25 +7,25 @@
 #include "common/request_text.h"
 #include "common/runtime_error.h"
 
-/// The way from a download row's redirect link to the address that is opened.
+/// Functions that turn a download row's redirect link into the address to open.
 namespace quarrynet {
 
-/// The request path for `link`: every "redir" in it gives way to what follows the link's first "%2F" (without one, to
-/// the link from its third byte on). Fails with OutOfMemory when that makes a path longer than textAllowance(), or when
-/// more than 64 MiB are replaced anew because replacements formed them.
+/// Returns the request path for `link`: every "redir" in it is replaced by the text after the link's first "%2F"
+/// (without one, by the link from its third byte on). Returns OutOfMemory when the path would exceed textAllowance(),
+/// or when more than 64 MiB are replaced again because replacements formed them.
 Result<std::string> redirectPath(std::string_view link);
 
-/// The request for `path` at the directory `host`. Line breaks in the path, which comes out of a page, are left out:
-/// they would begin header lines of the page's choice.
+/// Returns the request for `path` at the directory `host`. Removes line breaks from the path, because it comes from a
+/// page that could otherwise add header lines.
 std::string linkRequest(std::string_view path, std::string_view host, Route route);
 
-/// The download address that `page` names behind "newlocation = ", with "%3A" and "%2F" decoded and no other escape;
-/// nothing when the page names none. The address lacks its last byte, as the fixed offsets of its cut have it. Fails
-/// with InvalidProcedureCall when the page ends before the address does.
+/// Returns the download address that `page` has after "newlocation = ", or nothing if it has none. Decodes "%3A" and
+/// "%2F" and no other escapes. The fixed offsets of the cut omit the address's last byte. Returns InvalidProcedureCall
+/// when the page ends within the address.
 Result<std::optional<std::string>> downloadAddress(std::string_view page);
 
-/// The address opened instead when the page names none: `host` and the list entry `entry`, which is empty as long as
-/// none is selected.
+/// Returns the address to open when the page names none: `host` and the list entry `entry`, which is empty if none is
+/// selected.
 std::string fallbackAddress(std::string_view host, std::string_view entry);
 
 } // namespace quarrynet

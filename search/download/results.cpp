@@ -15,12 +15,11 @@ namespace {
 
 constexpr double kPerPage = 25;
 
-// Rows that a page gives beyond its entries, however many it announces. See `RepetitionWatch` for why a page runs out
-// of entries at all: from there on rows only repeat texts that it has given, so the missing ones would show nothing
-// new.
+// Maximum number of rows after a page has run out of entries, however many it announces. Such rows only repeat earlier
+// texts (see `RepetitionWatch`), so the omitted ones would show nothing new.
 constexpr std::size_t kSurplusRows = 10'000;
 
-/// The count's text and where it ends.
+/// Reads the count's text. Returns where it ends.
 Position readCount(std::string_view page, DownloadResults& results)
 {
     const Position found = findMarker(page, "Found:", 1);
@@ -39,16 +38,16 @@ PagingOffer offerDownloadPages(std::string_view countText)
         return offer;
     const double pages = *count / kPerPage;
     offer.enableSlider = true;
-    offer.pageTotal = "13"; // the directory never gives more, however many it found
+    offer.pageTotal = "13"; // the directory never gives more pages, however many programs it found
     if (pages < 9) {
-        const Result<std::int32_t> rounded = roundToInt32(pages); // not up: a last, partial page may be out of reach
+        const Result<std::int32_t> rounded = roundToInt32(pages); // rounded, so a partial last page may be out of reach
         offer.sliderMaximum = *rounded;
         offer.pageTotal = std::to_string(*rounded);
     }
     return offer;
 }
 
-/// The rows that the range text behind position `from` announces; 0 when it is no range.
+/// Returns the number of rows that the range text after position `from` announces, or 0 if it is not a range.
 double announcedRows(std::string_view page, Position from)
 {
     const Position dash = findMarker(page, "-", from);
@@ -67,16 +66,16 @@ double announcedRows(std::string_view page, Position from)
     return 0;
 }
 
-/// The whole rows in `announced`, which may be anything a page can say.
+/// Returns the number of whole rows in `announced`, which may also be negative, infinite or NaN.
 std::size_t wholeRows(double announced)
 {
-    if (!(announced >= 1)) // also what is no number any more, such as infinity less infinity
+    if (!(announced >= 1)) // also excludes NaN, such as infinity minus infinity
         return 0;
     return static_cast<std::size_t>(std::min(announced, 1e9));
 }
 
-/// Reads one row after the other. A search that finds nothing gives position 0, and the next one then begins at the
-/// top of the page: so rows beyond the last entry take their texts from further up.
+/// Reads one row after the other. A search that finds nothing gives position 0, and the next search then begins at the
+/// top of the page. So rows after the last entry get their texts from further up.
 class RowReader
 {
 public:
@@ -93,7 +92,7 @@ public:
         , link_(page, "/redir?")
     {}
 
-    /// Adds the row behind position `p` and its link; gives the position behind which the next one begins.
+    /// Appends the row after position `p` and its link. Returns the position after which the next row begins.
     Position read(Position p, DownloadResults& results)
     {
         DownloadRow row;
@@ -135,7 +134,7 @@ public:
         return linkEnd + 1;
     }
 
-    /// Adds the row and link once more that were added `period` rows ago.
+    /// Appends again the row and link that were appended `period` rows ago.
     void repeat(std::size_t period, DownloadResults& results)
     {
         const std::size_t i = results.rows.size() - period;
@@ -147,7 +146,7 @@ public:
         results.links.push_back(std::move(link));
     }
 
-    /// The texts of all rows have become far longer than the page.
+    /// Returns whether the texts of all rows have become far longer than the page.
     bool exhausted() const { return exhausted_; }
 
 private:
@@ -163,21 +162,21 @@ private:
     std::string_view page_;
     PageCutter cutter_;
     MarkerFinder bold_, boldEnd_, class_, tagBegin_, tagEnd_, systems_, blankTag_, link_;
-    std::string name_, lastLink_; // these outlive a row: the next one falls back on them
+    std::string name_, lastLink_; // kept because the next row may fall back on them
     bool exhausted_ = false;
 };
 
-/// Tells when the rows begin to repeat. Rows that find all their markers move on through the page, so their number is
-/// bounded by its length. A row that leaves off at or above where it began had a search that found nothing, and what
-/// follows such a search does not depend on the row: there are only as many of these positions as a row has searches,
-/// and the page is read from its top no more often than that. Where a row leaves off depends on where it began alone,
-/// so a position reached again begins the same rows again.
+/// Detects when rows begin to repeat. Rows that find all their markers advance through the page, so its length bounds
+/// their number. A row that ends at or before its start had a search that found nothing, and the rest of such a row
+/// does not depend on its start. So there are only as many such end positions as a row has searches, and the page is
+/// read from its top no more often than that. A row's end depends on its start alone, so a position that is reached
+/// again starts the same rows again.
 class RepetitionWatch
 {
 public:
-    /// Row number `rows` will begin behind `next`, at or above where the one before began. Gives how many rows now
-    /// repeat, 0 while they do not. Only the second round counts: in the first, rows may still have fallen back on a
-    /// name or link from before it.
+    /// Records that row number `rows` will start after `next`, at or before the start of the previous row. Returns how
+    /// many rows repeat from now on, or 0 if they do not. Only the second round counts: in the first, rows may still
+    /// have used a name or link from before it.
     std::size_t repeatingRows(Position next, std::size_t rows)
     {
         const auto turn = std::find_if(turns_.begin(), turns_.end(), [&](const Turn& t) { return t.at == next; });
@@ -218,7 +217,7 @@ DownloadResults parseDownloadResults(std::string_view page)
     RepetitionWatch watch;
     Position p = start;
     bool pastEntries = false;
-    std::size_t period = 0; // how many of the latest rows make up all that follow, once they repeat
+    std::size_t period = 0; // how many of the latest rows repeat from now on; 0 before
     while (results.rows.size() < count && !reader.exhausted()) {
         if (period != 0) {
             reader.repeat(period, results);

@@ -11,7 +11,7 @@ namespace Ui {
 class FileSearch;
 }
 
-/// The tab "Specific File Search": a file name to files and directories on FTP servers, twenty a page.
+/// The tab "Specific File Search": finds files and directories on FTP servers by name, twenty per page.
 class FileSearch final : public PagedSearch
 {
     Q_OBJECT

@@ -10,9 +10,9 @@
 
 namespace quarrynet {
 
-/// The file search's request for `fileName` (as typed) to the engine `host`. Without `page` the form of a first search,
-/// with `page` (1-based, 20 results a page, which the engine counts from 1) the paged form. Fails with Overflow when
-/// the first result's number does not fit 32 bits.
+/// Returns the file search's request for `fileName` (as typed) to the engine `host`. Without `page`, it has the form of
+/// a first search; with `page` (1-based, 20 results each, which the engine counts from 1), the paged form. Returns
+/// Overflow when the first result's number does not fit 32 bits.
 Result<std::string> fileRequest(std::string_view fileName, std::optional<std::int32_t> page, std::string_view host,
                                 Route route);
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kPerPage = 20;
 
-// Only the scratch list's last entry is ever read, so dropping the oldest ones changes no row.
+// Only the scratch list's last entry is ever read, so discarding the oldest ones changes no row.
 constexpr std::size_t kMostLinkPositions = 10'000;
 
 class RowReader
@@ -47,10 +47,11 @@ public:
                 return fault_;
             row.size = std::string(trimBlanks(row.size));
 
-            // From the colon of the address's scheme ten bytes back over "a href=", so that its "=" is the next one.
+            // Goes back ten bytes from the colon of the address's scheme, over "a href=", so that the next "=" is that
+            // one.
             const Position link = colon_.find(sizeEnd) - 10;
             const Position path = equals_.find(link) + 1;
-            const Position pathEnd = class_.find(path) - 1; // the blank before "class" is left out
+            const Position pathEnd = class_.find(path) - 1; // excludes the blank before "class"
             if (!keep(row.path, path, pathEnd))
                 return fault_;
 
@@ -66,7 +67,7 @@ public:
 
     std::optional<RuntimeError> readDirectories(FileResults& results)
     {
-        Position pos = 0; // directories are looked for from the top again
+        Position pos = 0; // the search for directories begins at the top again
         while (results.rows.size() < kPerPage) {
             const Position marker = directory_.find(pos + 1);
             if (marker == 0)
@@ -91,10 +92,10 @@ public:
     }
 
 private:
-    /// The directory's address from the last link in `segment`, the text between its marker and its name.
+    /// Reads the directory's address from the last link in `segment`, the text between its marker and its name.
     bool readAddress(std::string_view segment, std::vector<Position>& links, std::string& address)
     {
-        // The first link is passed over, so a segment with one link takes the position that an earlier row left last.
+        // The first link is skipped, so a segment with one link gets the last position of an earlier row.
         const Position first = findMarker(segment, "<a", 1);
         for (Position link = findMarker(segment, "<a", first + 1); link != 0;
              link = findMarker(segment, "<a", link + 1))

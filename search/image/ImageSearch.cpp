@@ -55,8 +55,8 @@ void ImageSearch::clearView()
 
 void ImageSearch::showPage(std::string_view name, std::vector<GalleryPicture> pictures)
 {
-    // The page's pictures travel as its request did. A proxy without a usable host or port leads nowhere (RFC 2606
-    // reserves the name for that); for the view, none would mean the direct way.
+    // The page's pictures take the same route as its request. An unusable proxy must not fall back to a direct
+    // connection, so it is replaced by a reserved name that never resolves (RFC 2606).
     Endpoint proxy = route() == Route::Proxy ? searchWindow().proxy() : Endpoint{};
     if (route() == Route::Proxy && (proxy.host.empty() || proxy.port < 1))
         proxy = {"proxy.invalid", 9};
@@ -74,7 +74,7 @@ std::vector<GalleryPicture> ImageSearch::shownPictures() const
 
 std::optional<std::string> ImageSearch::requestText()
 {
-    // Text8 outlives searches: once a page was parsed, every request is a paged one.
+    // Text8 outlives searches: once a page was parsed, every request has the paged form.
     std::optional<ImagePages> pages;
     if (!Text8.text().empty())
         pages = ImagePages{page(), proxiedPage_()};
@@ -90,7 +90,7 @@ void ImageSearch::resetResults(bool newSearch)
     if (newSearch)
         onSearch_();
     else
-        clearView(); // a new search leaves the last gallery standing until its own is there
+        clearView(); // a new search keeps the last gallery until it has its own
 }
 
 Result<PagingWindow> ImageSearch::widened(const PagingWindow& window) const
@@ -105,7 +105,7 @@ const std::string& ImageSearch::directHost()
 
 void ImageSearch::handOver(const std::string& body)
 {
-    // Emptied first, so that the same page fetched twice is parsed twice.
+    // Clears the buffer first, so that the same page fetched twice is parsed twice.
     buffer().setText({});
     buffer().setText(body);
 }

@@ -14,7 +14,8 @@ namespace Ui {
 class ImageSearch;
 }
 
-/// The tab "Image Search": keywords to a gallery of up to ten thumbnails a page, written as a local page and shown.
+/// The tab "Image Search": finds images for keywords and shows a gallery of at most ten thumbnails per page, a local
+/// page that it writes.
 class ImageSearch final : public PagedSearch
 {
     Q_OBJECT
@@ -24,15 +25,15 @@ public:
     ImageSearch(SearchWindow& window, QWidget* parent);
     ~ImageSearch() override;
 
-    /// What this search does to other tabs: `onSearch` runs in the middle of the search command, and through a proxy
-    /// the page asked for is `proxiedPage`.
+    /// Connects the search to other tabs: `onSearch` runs in the middle of the search command; `proxiedPage` gives the
+    /// page to request through a proxy.
     void setNeighbours(std::function<void()> onSearch, std::function<std::int32_t()> proxiedPage);
 
     /// Shows the empty page.
     void clearView() override;
 
 signals:
-    /// The gallery could not be written: the program cannot go on.
+    /// The gallery could not be written; the program cannot continue.
     void unwritable();
 
 protected:

@@ -9,7 +9,7 @@ Result<std::string> imageRequest(std::string_view keywords, std::optional<ImageP
     if (!pages)
         return engineRequest("/images?num=10&hl=en&filter=0&safe=off&q=" + query, host, route);
 
-    // Through a proxy the page follows the web search's slider, and "svnum" and "sa" are missing: both are meant.
+    // Deliberate: through a proxy, the page is that of the web search's slider, and "svnum" and "sa" are missing.
     const bool direct = route == Route::Direct;
     const Result<std::int32_t> start = firstResultOfPage(direct ? pages->imageSlider : pages->webSlider, 10, -10);
     if (!start)

@@ -11,10 +11,10 @@ namespace quarrynet {
 namespace {
 
 constexpr std::string_view kThumbnail = "src=/images?q=tbn";
-constexpr Position kToPath = 4; // over "src="
+constexpr Position kToPath = 4; // skips "src="
 constexpr int kPerPage = 10;
 
-/// False when the page holds no thumbnail.
+/// Returns false when the page has no thumbnail.
 bool findThumbnails(std::string_view page, std::vector<Position>& positions)
 {
     Position p = findMarker(page, kThumbnail, 1);

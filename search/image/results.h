@@ -11,7 +11,7 @@
 
 namespace quarrynet {
 
-/// The hidden lists of the image search. Entries are added behind those that are there.
+/// The hidden lists of the image search. A page's entries are appended.
 struct ImageLists
 {
     std::vector<Position> positions;     // List6: where each thumbnail's marker begins
@@ -19,21 +19,22 @@ struct ImageLists
     std::vector<std::string> thumbnails; // List8: the thumbnails, with scheme and host
 };
 
-/// A parsed page of the image search: everything that was cut before the end, or before the fault that ended it.
+/// A parsed page of the image search: everything that was cut before the end of the page or the first fault.
 struct ImageResults
 {
-    bool nothingFound = false;               // the page holds no thumbnail; say so
-    ImageLists lists;                        // the lists given, with this page's entries
-    std::optional<std::string> countCaption; // what is not set stays as it is
+    bool nothingFound = false;               // the page has no thumbnail; report that
+    ImageLists lists;                        // the given lists with this page's entries
+    std::optional<std::string> countCaption; // leave captions that are not set unchanged
     std::optional<std::string> timeCaption;
-    std::optional<std::string> gallery; // the gallery page's bytes; not set: no file is touched
+    std::optional<std::string> gallery; // the gallery page's bytes; if not set, write no file
     PagingOffer paging;
     std::optional<RuntimeError> fault; // apply all of the above first, then report it
 };
 
-/// Cuts up to ten thumbnails out of `page` (the response's body, not empty; bytes), whose paths lie at the engine
-/// `host`. Linear in its length. Faults: InvalidProcedureCall for a missing marker, TypeMismatch or Overflow for the
-/// count (the gallery is made all the same), OutOfMemory when the texts exceed what `PageCutter` allows.
+/// Parses at most ten thumbnails, with paths at the engine `host`, from `page` (the response's body as bytes, not
+/// empty) in linear time. Returns the results and, as their fault, InvalidProcedureCall for a missing marker,
+/// TypeMismatch or Overflow for the count (there is a gallery even then), or OutOfMemory when the texts exceed the
+/// limit of `PageCutter`.
 ImageResults parseImageResults(std::string_view page, std::string_view host, ImageLists lists = {});
 
 } // namespace quarrynet

@@ -88,7 +88,8 @@ void KeywordFinder::read(std::string_view piece)
 std::vector<bool> KeywordFinder::found()
 {
     read({});
-    // Where a state was reached, so was what its bytes end with: passed on once, from the longest to the shortest.
+    // Reaching a state also reaches every suffix of its bytes. One pass, from the longest to the shortest, marks them
+    // all.
     for (auto state = byDepth_.rbegin(); state != byDepth_.rend(); ++state) {
         if (reached_[*state])
             reached_[fallbacks_[*state]] = true;

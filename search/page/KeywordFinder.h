@@ -7,8 +7,8 @@
 
 namespace quarrynet {
 
-/// Looks for many keywords in one reading of a text (the automaton of Aho and Corasick). Keywords are bytes, less
-/// than 2^32 in all; an empty one occurs in every text.
+/// Finds many keywords in one pass over a text (Aho-Corasick automaton). Keywords are bytes, fewer than 2^32 in total;
+/// an empty keyword occurs in every text.
 ///
 ///     KeywordFinder finder;
 ///     finder.add("apple"); // 0
@@ -21,14 +21,14 @@ class KeywordFinder
 public:
     KeywordFinder();
 
-    /// Adds a keyword; the first one has number 0.
+    /// Adds a keyword; the first one has index 0.
     void add(std::string_view keyword);
 
-    /// Reads on in the text. The first call ends the adding.
+    /// Reads the next piece of the text. No keyword may be added after the first call.
     void read(std::string_view piece);
 
-    /// For each keyword whether it occurs in all that was read. The time of it all is proportional to the text and to
-    /// all keywords together, however many there are and however they overlap.
+    /// Returns for each keyword whether it occurs in the text read so far. The total time is proportional to the text
+    /// and to all keywords together, however many there are and however they overlap.
     std::vector<bool> found();
 
 private:
@@ -52,7 +52,8 @@ private:
     State next(State state, char byte) const;
     void link();
 
-    // A table of steps, open addressing: few states have more than one step, so a row of 256 each would be waste.
+    // A table of steps with open addressing. Few states have more than one step, so a row of 256 for each would waste
+    // memory.
     std::vector<Step> steps_;
     std::size_t used_ = 0;
     std::vector<State> parents_; // by state, as all below

@@ -30,12 +30,12 @@ PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
 {
     ui_->setupUi(this);
     setStartButton(*ui_->Command2, {ui_->Text4, ui_->Text5});
-    // The list of modes has no caption on the screen. To assistive tools its name is the mode that is chosen, and what
-    // it is called comes from the label that belongs to it.
+    // The list of modes has no visible caption. Assistive tools read the chosen mode as its name, and its caption from
+    // this label.
     auto* caption = new QLabel(ui_->Combo1->accessibleName(), this);
     caption->setObjectName(QStringLiteral("Combo1Caption"));
     caption->setBuddy(ui_->Combo1);
-    caption->setGeometry({}); // no room in the layout
+    caption->setGeometry({}); // takes no room in the layout
     caption->hide();
     ui_->ListView2->setColumns({tr("Keyword"), tr("Found/Not Found")});
     connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
@@ -78,7 +78,7 @@ void PageCheck::search()
     List5.setItems(keywordEntries(toBytes(ui_->Text5->text())));
     buffer().setText({});
     searchWindow().receiveState().restart();
-    // Through a proxy nothing is connected: the check waits until it is stopped.
+    // Deliberate: through a proxy no connection is made, and the check waits until it is stopped.
     if (route() == Route::Proxy)
         return;
     address_ = splitAddress(toBytes(ui_->Text4->text()));

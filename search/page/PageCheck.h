@@ -12,7 +12,7 @@ namespace Ui {
 class PageCheck;
 }
 
-/// The tab "Specific Page Search": whether keywords occur in the text of one page.
+/// The tab "Specific Page Search": checks whether keywords occur in the text of one page.
 class PageCheck final : public SearchTab
 {
     Q_OBJECT

@@ -5,15 +5,15 @@
 
 namespace quarrynet {
 
-/// Where a page is fetched.
+/// The address of a page.
 struct PageAddress
 {
     std::string PageHost;
     std::string PagePath; // begins with "/"
 };
 
-/// Splits an address as typed. A leading "http://" (exactly so) is dropped; the host is what stands before the first
-/// "/", a port included, and the path what follows from there, or "/" alone. Nothing is checked.
+/// Splits an address as typed. Drops a leading "http://" (exactly that). The host is the text before the first "/",
+/// including any port; the path is the rest, or "/" if there is none. Nothing is validated.
 PageAddress splitAddress(std::string_view typed);
 
 } // namespace quarrynet

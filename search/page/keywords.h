@@ -6,9 +6,8 @@
 
 namespace quarrynet {
 
-/// The keywords of `typed`, in order: what stands before each blank, with that one blank behind it. The last keyword
-/// gets a blank of its own. So a blank at the start, or a second one in a row, gives an entry that is a lone blank, and
-/// an empty text gives one as well.
+/// Returns the keywords of `typed`, in order: the text before each blank, followed by that blank. The last keyword gets
+/// a blank too. A blank at the start, or after another, gives an entry of one blank, as does an empty text.
 std::vector<std::string> keywordEntries(std::string_view typed);
 
 } // namespace quarrynet

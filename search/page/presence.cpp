@@ -15,13 +15,13 @@ namespace {
 constexpr const char* kFound = "Found";
 constexpr const char* kNotFound = "Not Found";
 
-// Up to this many keywords are quicker to look for one by one.
+// At most this many keywords are faster to find one by one.
 constexpr std::size_t kFewKeywords = 32;
 
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
-/// Calls `look` with `page` in lower case, piece by piece: a whole copy would be the largest of all that the check
-/// holds. Each piece begins with the last `overlap` bytes of the one before. Ends when `look` says no.
+/// Calls `look` with `page` in lower case, piece by piece, because a whole copy would be the check's largest
+/// allocation. Each piece begins with the last `overlap` bytes of the one before. Stops when `look` returns false.
 template <class Look>
 void readInLowerCase(std::string_view page, std::size_t overlap, Look look)
 {
@@ -35,7 +35,7 @@ void readInLowerCase(std::string_view page, std::size_t overlap, Look look)
     } while (look(std::string_view(piece)) && !page.empty());
 }
 
-/// For each of `keywords`, in lower case, whether it occurs in `page`.
+/// Returns for each of `keywords`, given in lower case, whether it occurs in `page`.
 std::vector<bool> presence(std::string_view page, const std::vector<std::string_view>& keywords)
 {
     if (keywords.size() > kFewKeywords) {

@@ -7,8 +7,8 @@
 
 namespace quarrynet {
 
-/// The GET request for a page, header block and empty line included (RFC 9112, 3). Through a proxy the request line
-/// carries the absolute form (RFC 9112, 3.2.2). Unlike the searches it names no user agent.
+/// Returns the GET request for a page, including the header block and the empty line (RFC 9112, 3). Through a proxy,
+/// the request line has the absolute form (RFC 9112, 3.2.2). Unlike the searches, it names no user agent.
 std::string pageRequest(std::string_view host, std::string_view path, Route route);
 
 } // namespace quarrynet

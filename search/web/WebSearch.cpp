@@ -49,7 +49,7 @@ void WebSearch::clearView()
 
 std::optional<std::string> WebSearch::requestText()
 {
-    // Once a page total is known, every request is a paged one, even for page 1.
+    // Once a page total is known, every request has the paged form, even for page 1.
     const bool paged = !Text3.text().empty();
     return orReport(webRequest(keywords(), paged ? std::optional(page()) : std::nullopt, directHost(), route()));
 }

@@ -11,7 +11,7 @@ namespace Ui {
 class WebSearch;
 }
 
-/// The tab "Search The Internet": keywords to web addresses with a short description, thirty a page.
+/// The tab "Search The Internet": finds web addresses with short descriptions for keywords, thirty per page.
 class WebSearch final : public PagedSearch
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     WebSearch(SearchWindow& window, QWidget* parent);
     ~WebSearch() override;
 
-    /// Sizes the list's columns for its present width.
+    /// Sizes the list's columns for its current width.
     void halveColumns();
 
     void clearView() override;

@@ -10,9 +10,9 @@
 
 namespace quarrynet {
 
-/// The web search's request for `keywords` (as typed) to the engine `host`. Without `page` the form of a first search,
-/// which names no start; with `page` (1-based, 30 results a page) the form of a later one, page 1 included. Fails with
-/// Overflow when the start does not fit 32 bits.
+/// Returns the web search's request for `keywords` (as typed) to the engine `host`. Without `page`, it has the form of
+/// a first search, which names no start; with `page` (1-based, 30 results each), that of a later search, even for page
+/// 1. Returns Overflow when the start does not fit 32 bits.
 Result<std::string> webRequest(std::string_view keywords, std::optional<std::int32_t> page, std::string_view host,
                                Route route);
 

@@ -11,7 +11,7 @@ namespace quarrynet {
 namespace {
 
 constexpr std::string_view kResult = "<p><a";
-constexpr Position kToAddress = 11; // over the marker and " href="
+constexpr Position kToAddress = 11; // skips the marker and " href="
 constexpr std::int32_t kPerPage = 30;
 
 std::vector<Position> findResults(std::string_view page)
@@ -37,7 +37,7 @@ std::optional<RuntimeError> cutResults(std::string_view page, const std::vector<
             return raw.error();
         Position addressStart = start;
         Position addressEnd = end;
-        if (!raw->starts_with("http")) { // the engine's redirect, with the target inside
+        if (!raw->starts_with("http")) { // the engine's redirect, which contains the target
             addressStart = scheme.find(start);
             addressEnd = targetEnd.find(start);
         }
@@ -86,7 +86,7 @@ WebResults parseWebResults(std::string_view page, WebLists lists)
     if (!total)
         results.fault = total.error();
     else if (total->rule == PageTotal::Rule::LessThanOnePage)
-        results.paging.pageTotal = "1"; // the slider is left alone
+        results.paging.pageTotal = "1"; // the slider stays unchanged
     else
         results.paging = offerPages(total->pages);
     return results;

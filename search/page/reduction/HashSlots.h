@@ -6,8 +6,8 @@
 
 namespace quarrynet {
 
-/// The slots of an open hash table. The records stand elsewhere and are known here by their numbers, from 1 on; a slot
-/// keeps the hash beside the number, so that growing reads no record, and a look-up almost never one of another key.
+/// The slots of a hash table with open addressing. The records are stored elsewhere and numbered from 1 on. A slot
+/// keeps the hash beside the number, so growing reads no record, and a lookup almost never reads one of another key.
 class HashSlots
 {
 public:
@@ -15,10 +15,10 @@ public:
 
     HashSlots();
 
-    /// Makes room for about `count` records in advance. Only while there are none.
+    /// Reserves room for about `count` records. Call only while there are none.
     void expect(std::size_t count);
 
-    /// The number of the record with this hash for which `isSame(number)` holds; kNone when there is none.
+    /// Returns the number of the record with this hash for which `isSame(number)` holds, or kNone.
     template <typename IsSame>
     std::uint32_t find(std::uint32_t hash, const IsSame& isSame) const
     {
@@ -42,7 +42,7 @@ private:
     static void put(std::vector<Slot>& slots, const Slot& slot);
     void grow();
 
-    std::vector<Slot> slots_; // a power of two, at most two thirds of them taken
+    std::vector<Slot> slots_; // a power of two; at most two thirds are taken
     std::size_t taken_ = 0;
 };
 

@@ -8,8 +8,8 @@
 
 namespace quarrynet {
 
-/// Very many short lists, most of them of one element, which stands in the list itself; only what grows beyond that
-/// takes memory of the pool. An element that equals `T()` cannot be kept.
+/// Storage for very many short lists. A list's only element is in the list itself; only longer lists take memory of the
+/// pool. An element that equals `T()` cannot be stored.
 template <typename T>
 class ListPool
 {
@@ -18,10 +18,10 @@ public:
     {
         friend ListPool;
         T only_{};
-        std::uint32_t longer_ = 0; // the number in the pool, from 1 on; it holds the first element too
+        std::uint32_t longer_ = 0; // number in the pool, from 1 on; the pool has the first element too
     };
 
-    /// The elements. Valid until the list grows or moves.
+    /// Returns the elements. The span is valid until the list grows or moves.
     std::span<const T> of(const List& list) const
     {
         if (list.longer_ != 0)

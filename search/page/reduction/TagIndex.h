@@ -9,8 +9,8 @@
 
 namespace quarrynet {
 
-/// A hash table of tag texts, each with a small record. Made for hundreds of thousands of different tags of one page:
-/// noting one costs little more than reading it. The hash depends on a seed, so a page cannot be laid out to collide.
+/// A hash table of tag texts, each with a small record. Designed for hundreds of thousands of different tags of one
+/// page: adding one costs little more than reading it. The hash depends on a seed, so no page can provoke collisions.
 class TagIndex
 {
 public:
@@ -30,16 +30,17 @@ public:
 
     explicit TagIndex(std::uint64_t seed);
 
-    /// Makes room for about `count` entries in advance. Only while there are none.
+    /// Reserves room for about `count` entries. Call only while there are none.
     void expect(std::size_t count);
 
     Key key(std::string_view text) const;
 
-    /// The entry of this text, or null. Valid until the next call of at().
+    /// Returns the entry of this text, or null. The pointer is valid until the next call of at().
     const Entry* find(const Key& key) const;
     const Entry* find(std::string_view text) const { return find(key(text)); }
 
-    /// The entry of this text, made with both numbers 0 where it is missing. Valid until the next call of at().
+    /// Returns the entry of this text, created with both numbers 0 if it was missing. Valid until the next call of
+    /// at().
     Entry& at(const Key& key);
     Entry& at(std::string_view text) { return at(key(text)); }
 

@@ -12,7 +12,7 @@ constexpr std::uint64_t kPrime = (std::uint64_t{1} << 61) - 1;
 
 constexpr std::size_t kSmallPowers = 256;
 
-// About as many bytes of a page there are to each of its different tags, where it has many.
+// Approximate number of bytes per different tag in a page with many tags.
 constexpr std::size_t kBytesPerTag = 48;
 
 std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
@@ -29,7 +29,7 @@ std::uint64_t append(std::uint64_t fingerprint, std::uint64_t base, char byte)
     return sum >= kPrime ? sum - kPrime : sum;
 }
 
-/// Neighbouring fingerprints lie at regular distances; as hashes they must not.
+/// Returns a hash of `fingerprint`. Neighbouring fingerprints lie at regular distances; their hashes must not.
 std::uint32_t hashOf(std::uint64_t fingerprint)
 {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15; // any odd number without a pattern
@@ -73,7 +73,7 @@ std::optional<std::string> TagRemoval::run(std::string_view text)
     }
 }
 
-/// Deals with the text up to a ">" that may end several tags. False when fingerprints misled.
+/// Processes the text up to a ">" that may end several tags. Returns false after a fingerprint collision.
 bool TagRemoval::closeTag(std::string_view segment)
 {
     const std::size_t open = segment.rfind('<');
@@ -99,7 +99,7 @@ bool TagRemoval::closeTag(std::string_view segment)
     return true;
 }
 
-/// Notes the round of a tag with a single "<".
+/// Records the round of a tag with a single "<".
 void TagRemoval::noteTag(std::string_view tag)
 {
     TagIndex::Entry& entry = index_.at(tag);
@@ -138,7 +138,7 @@ TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
     if (nestedRounds.empty() || top == 0)
         return best;
 
-    // The bytes that stood here from the start are looked at this once.
+    // The bytes that were here from the start are examined only this once.
     std::size_t arrived = arrivals_.back().round == 0 ? arrivals_.back().firstOpen : opens_.size();
     for (std::size_t open = top; open-- > arrived;)
         consider(open, 0, best);
@@ -146,8 +146,8 @@ TagRemoval::Match TagRemoval::earliest(const TagIndex::Entry& entryOfLast)
     if (arrived == 0)
         return best;
 
-    // Those that arrived may be looked at again and again. First round by round: the rounds before the last arrival
-    // are past for all of them, so this never goes back.
+    // Arrived bytes may be examined repeatedly. The search begins round by round: the rounds before the last arrival
+    // are past for all of them, so it never goes back.
     auto entry = std::lower_bound(nestedRounds.begin(), nestedRounds.end(), arrivalOf(arrived - 1),
                                   [](const NestedRound& nested, Round round) { return nested.round < round; });
     for (std::size_t steps = 0; steps < arrived; ++steps, ++entry) {
@@ -182,8 +182,8 @@ void TagRemoval::consider(std::size_t open, Round arrived, Match& best)
         best = {round, open, &tag};
 }
 
-/// The text from the first open on, with `unread` behind it, becomes the tag of a new round; its last tag has this
-/// hash. False when fingerprints misled.
+/// Makes the text from the first open on, followed by `unread`, the tag of a new round. `hashOfLast` is the hash of its
+/// last tag. Returns false after a fingerprint collision.
 bool TagRemoval::startRound(std::string_view unread, std::uint32_t hashOfLast)
 {
     const std::uint64_t print = appended(fingerprint_, unread);
@@ -220,7 +220,7 @@ bool TagRemoval::startRound(std::string_view unread, std::uint32_t hashOfLast)
     return true;
 }
 
-/// The two texts, one behind the other, where they stay in place.
+/// Stores the two texts, one after the other, at an address that stays valid. Returns that copy.
 std::string_view TagRemoval::keep(std::string_view first, std::string_view second)
 {
     constexpr std::size_t kTogether = 65536;
@@ -232,7 +232,7 @@ std::string_view TagRemoval::keep(std::string_view first, std::string_view secon
     return std::string_view(texts).substr(texts.size() - length);
 }
 
-/// The number of the tag with this fingerprint; HashSlots::kNone when there is none.
+/// Returns the number of the tag with this fingerprint, or HashSlots::kNone.
 std::uint32_t TagRemoval::nestedTag(std::uint64_t fingerprint) const
 {
     return nestedSlots_.find(hashOf(fingerprint),
@@ -271,7 +271,7 @@ TagRemoval::Round TagRemoval::arrivalOf(std::size_t open) const
     return std::prev(after)->round;
 }
 
-/// The fingerprint of a text with `text` behind it, from its own.
+/// Returns the fingerprint of a text followed by `text`; `fingerprint` is that of the first text alone.
 std::uint64_t TagRemoval::appended(std::uint64_t fingerprint, std::string_view text) const
 {
     for (const char byte : text)

@@ -13,46 +13,46 @@
 
 namespace quarrynet {
 
-/// Takes the tags out of a page, and gives byte for byte the text of this procedure:
+/// Removes the tags from a page. The result is, byte for byte, that of this procedure:
 ///
 ///     repeat: find the first "<", and the first ">" behind it; if either is missing, end.
 ///             Remove every occurrence of the text from that "<" to that ">", and go on removing it
 ///             while the removals form it anew.
 ///
-/// A tag that holds no further "<" goes, whichever round takes it. Where several "<" stand before a ">" the order of
-/// the rounds shows: a tag of an earlier round may end there too, and then only that end goes, and what is left of it
-/// joins the text behind the ">". So the page is read once, and such ends are looked up among the tags removed so far:
+/// A tag without a second "<" is removed whichever round it is. With several "<" before a ">", the order of the rounds
+/// matters: a tag of an earlier round may end there too. Then only that end is removed, and the rest joins the text
+/// after the ">". So the page is read once, and such ends are looked up among the tags removed so far:
 ///
-/// - A round removes the text up to a ">", so each ">" is removed once, in one round; what stood before the removed end
-///   "arrives" at the next ">" in that round, in front of what arrived there earlier.
-/// - Of all the tags that end at a ">", each beginning at one of its "<", that one is removed whose first round not
-///   before the arrival of its bytes is the earliest. When there is none, the text from the first "<" is the tag of a
-///   new round.
+/// - A round removes the text up to a ">", so each ">" is removed once, in one round. The text before the removed end
+///   "arrives" at the next ">" in that round, in front of the text that arrived there earlier.
+/// - Of all the tags that end at a ">", each beginning at one of its "<", the one with the earliest round is removed;
+///   rounds before the arrival of a tag's bytes do not count. If there is none, the text from the first "<" is the tag
+///   of a new round.
 ///
-/// Costs, for a page of n bytes: time and memory proportional to n, as long as what arrived is looked at in bounded
-/// portions. Each ">" looks at the least of: the "<" that arrived before it, and the rounds since, of tags with several
-/// "<" that share its last tag. Over a page these add up to n again, unless the page holds very many such tags that
-/// were laid out for the purpose; the worst is n times the square root of their number. Texts are compared by
-/// fingerprints with a base drawn at random, and whatever is acted on is then compared byte for byte.
+/// Costs for a page of n bytes: time and memory are proportional to n as long as the arrived text is examined in
+/// bounded portions. Each ">" examines the fewer of two: the "<" that arrived before it, or the rounds since then of
+/// tags with several "<" that share its last tag. Over a page, these add up to n again, unless the page has very many
+/// such tags that were designed for this; the worst case is n times the square root of their number. Texts are compared
+/// by fingerprints with a random base, and each match is verified byte for byte before it is used.
 class TagRemoval
 {
 public:
-    /// `base` is the base of the fingerprints. The smaller the likelier are two texts with one fingerprint.
+    /// `base` is the base of the fingerprint polynomial. Small values make collisions more likely.
     explicit TagRemoval(std::uint64_t base);
 
-    /// `text` without its tags, or nothing when two different texts with one fingerprint met; then another base is
-    /// called for. To be called once.
+    /// Returns `text` without its tags, or nothing when two different texts collided; retry with another base. Call
+    /// once per object.
     std::optional<std::string> run(std::string_view text);
 
 private:
     using Round = std::uint32_t;
 
-    struct NestedTag // one with several "<"
+    struct NestedTag // a tag with several "<"
     {
         std::string_view text;
         std::uint64_t fingerprint;
         std::uint32_t opens;
-        ListPool<Round>::List rounds; // in which it was removed, in order
+        ListPool<Round>::List rounds; // that removed it, in order
     };
 
     struct NestedRound
@@ -62,24 +62,24 @@ private:
         bool operator==(const NestedRound&) const = default;
     };
 
-    /// What is known of a last tag (a tag's last "<" and what follows) beyond its index entry. There, `first` is the
-    /// first round in which it was a tag of its own, and `more` the number of this record; 0 for none.
+    /// Further data of a last tag (a tag's last "<" and the text after it). In its index entry, `first` is the first
+    /// round in which it was a tag of its own, and `more` is the number of this record; 0 means none.
     struct LastTag
     {
         ListPool<Round>::List later;        // further rounds in which it was a tag of its own
         ListPool<NestedRound>::List nested; // rounds of tags with several "<" that end with it
     };
 
-    struct Open // a "<" whose ">" has not come yet
+    struct Open // a "<" whose ">" has not been read yet
     {
         std::size_t at;            // in out_
-        std::uint64_t fingerprint; // of what stands from the first open to here
+        std::uint64_t fingerprint; // of the text from the first open to here
     };
 
     struct Arrival // of the opens from `firstOpen` on
     {
         std::size_t firstOpen;
-        Round round; // 0: these bytes stood before the ">" from the start
+        Round round; // 0: these bytes were before the ">" from the start
     };
 
     struct Match
@@ -111,7 +111,7 @@ private:
     std::vector<std::uint64_t> smallPowers_;
     std::vector<std::uint64_t> largePowers_;
 
-    std::string out_; // the text that stays, and from the first open on what waits for its ">"
+    std::string out_; // the text that stays, then from the first open on the text that waits for its ">"
     std::vector<Open> opens_;
     std::vector<Arrival> arrivals_; // later rounds first
     std::uint64_t fingerprint_ = 0; // from the first open to the end of out_
@@ -123,7 +123,7 @@ private:
     std::deque<NestedTag> nestedTags_;
     ListPool<Round> rounds_;
     ListPool<NestedRound> nestedRounds_;
-    std::deque<std::string> texts_; // of the tags that do not stand in the page as they are, many to a string
+    std::deque<std::string> texts_; // of tags that are not contiguous in the page, several per string
 };
 
 } // namespace quarrynet

@@ -20,8 +20,8 @@ void appendWithoutQuotes(std::string& text, std::string_view part)
     text.append(part, from);
 }
 
-/// The reduced text of a page in which no tag holds a further "<", as most do; nothing for any other page. Needs no
-/// copy of the page and no memory of its tags.
+/// Returns the reduced text of a page in which no tag has a second "<", as in most pages, or nothing for any other
+/// page. Needs no copy of the page and no record of its tags.
 std::optional<std::string> withoutPlainTags(std::string_view body)
 {
     std::string text;
@@ -53,7 +53,7 @@ std::string reducedPage(std::string_view body)
         text.reserve(body.size());
         appendWithoutQuotes(text, body);
         std::random_device random;
-        while (!reduced) // a second turn is a matter of one page in many thousands
+        while (!reduced) // about one page in many thousands needs a retry
             reduced = TagRemoval((std::uint64_t{random()} << 32) | random()).run(text);
     }
     return reduced->empty() ? std::string(body) : *std::move(reduced);

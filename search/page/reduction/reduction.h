@@ -5,9 +5,9 @@
 
 namespace quarrynet {
 
-/// The text of a page that keywords are looked for in: `body` without its double quotes and then without its tags (see
-/// TagRemoval for what that does to broken and nested markup, and for the costs). An unclosed "<" and what follows it
-/// stays. When nothing would be left, `body` as it is.
+/// Returns the text of a page to search for keywords: `body` without its double quotes and then without its tags (see
+/// TagRemoval for broken and nested markup, and for the costs). An unclosed "<" and the text after it stay. Returns
+/// `body` unchanged if nothing would be left.
 std::string reducedPage(std::string_view body);
 
 } // namespace quarrynet
