@@ -53,7 +53,7 @@ void Main::makeMenus()
 
 void Main::makeToolbar()
 {
-    // A button's tool tip, which is its name too, its picture and its command. A row without them is a separator.
+    // A button's tool tip (also its name), picture and command. An empty row is a separator.
     struct Button
     {
         const char* toolTip = nullptr;
@@ -62,14 +62,14 @@ void Main::makeToolbar()
     };
     static constexpr std::array<Button, 9> kButtons = {{
         {},
-        {"Configure Proxy", "proxy", &Main::proxymnu_Click},
+        {QT_TR_NOOP("Configure Proxy"), "proxy", &Main::proxymnu_Click},
         {},
-        {"Stop Current Search", "stop", &Main::stopmnu_Click},
+        {QT_TR_NOOP("Stop Current Search"), "stop", &Main::stopmnu_Click},
         {},
-        {"Help", "help", &Main::helpmnu_Click}, // does nothing: the manual is reached through Help > Contents alone
-        {"E-mail Author", "mail", &Main::emailauth_Click},
-        {"Webpage", "webpage", &Main::webpage_Click},
-        {"About Quarrynet", "about", &Main::showOwnAbout},
+        {QT_TR_NOOP("Help"), "help", &Main::helpmnu_Click}, // does nothing; only Help > Contents opens the manual
+        {QT_TR_NOOP("E-mail Author"), "mail", &Main::emailauth_Click},
+        {QT_TR_NOOP("Webpage"), "webpage", &Main::webpage_Click},
+        {QT_TR_NOOP("About Quarrynet"), "about", &Main::showOwnAbout},
     }};
     ImageList1 = new ImageList(this);
     ImageList1->setObjectName(QStringLiteral("ImageList1"));
@@ -118,7 +118,7 @@ void Main::proxymnu_Click()
         if (ProxySwitch->text() != value)
             ProxySwitch->setText(value);
         else
-            ProxySwitch_Change(); // a new host and port take effect though the switch stays where it was
+            ProxySwitch_Change(); // a new host and port take effect even if the switch does not change
     };
     Proxy dialog(settingsPath(), setSwitch, this);
     dialog.exec();
@@ -152,7 +152,7 @@ void Main::showAbout(QWidget* owner)
 
 void Main::keyPressEvent(QKeyEvent* event)
 {
-    // Fields and lists leave Escape to their window, so wherever it is pressed it arrives here, once.
+    // Fields and lists pass Escape on to their window, so it arrives here once wherever it is pressed.
     if (event->key() == Qt::Key_Escape) {
         stopmnu_Click();
         return;
@@ -185,7 +185,7 @@ void Main::bringToRest(const StopRow& row)
 
 void Main::giveMemoryBack()
 {
-    // All exchanges share the buffer, and the stopped one need not have been the only one.
+    // All exchanges share the buffer, and another one may still be running.
     for (const TcpClientSocket* socket : findChildren<TcpClientSocket*>()) {
         if (socket->State() != SocketState::Closed && socket->State() != SocketState::Error)
             return;
@@ -198,8 +198,8 @@ void Main::outOfMemory()
 {
     SearchTab* front = frontTab();
     for (SearchTab* tab : tabs_) {
-        // The front's view is what could not be laid out or painted; it would fail again behind the box. Its search may
-        // have no connection yet, or get none.
+        // The front tab is always reset: its view could not be laid out or painted, and would fail again behind the
+        // box. Its search may have no connection yet.
         const bool searching = tab->socket().State() != SocketState::Closed;
         if (searching || tab == front)
             bringToRest({tab, tab, tab});

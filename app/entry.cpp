@@ -19,7 +19,7 @@ using namespace quarrynet;
 
 namespace {
 
-// The manual lies beside the program, or where an installation keeps shared files. Empty when it is in neither place.
+// Returns the manual's path: beside the program, or where an installation keeps shared files. Empty if neither has it.
 std::string manualPage()
 {
     const QDir here(QCoreApplication::applicationDirPath());
@@ -31,7 +31,7 @@ std::string manualPage()
     return {};
 }
 
-// Whether only a text is asked for, which needs no display.
+// Returns whether the options only ask for a text, which needs no display.
 bool asksForText(int argc, char** argv)
 {
     return std::any_of(argv + 1, argv + argc, [](std::string_view argument) {
@@ -48,16 +48,18 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(QUARRYNET_VERSION));
 
     QCommandLineParser options;
-    options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
+    options.setApplicationDescription(
+        QCoreApplication::translate("main", "Searches web pages, images, programs and files."));
     options.addHelpOption();
     options.addVersionOption();
-    const QCommandLineOption tourOption(QStringLiteral("tour"),
-                                        QStringLiteral("Take pictures of a tour through the tabs, and end."),
-                                        QStringLiteral("folder"));
+    const QCommandLineOption tourOption(
+        QStringLiteral("tour"),
+        QCoreApplication::translate("main", "Take screenshots of a tour through the tabs, then exit."),
+        QCoreApplication::translate("main", "folder"));
     options.addOption(tourOption);
     if (argc > 0 && asksForText(argc, argv)) {
         const QCoreApplication withoutDisplay(argc, argv);
-        options.process(withoutDisplay); // which ends the program
+        options.process(withoutDisplay); // exits
     }
 
     Application application(argc, argv);
@@ -66,7 +68,7 @@ int main(int argc, char** argv)
 
     const ProgramFolder folder = findProgramFolder();
     if (!folder.writable) {
-        showFileError(nullptr, folder.path, QObject::tr("The folder cannot be written."));
+        showFileError(nullptr, folder.path, QCoreApplication::translate("main", "The folder cannot be written."));
         return 1;
     }
     const std::string manual = manualPage();

@@ -1,5 +1,6 @@
 #include "platform/message_boxes.h"
 
+#include <QCoreApplication>
 #include <QMessageBox>
 
 #include "platform/text_border.h"
@@ -29,8 +30,10 @@ void showCritical(QWidget* owner, const QString& text)
 
 void showSocketError(QWidget* owner, int number, std::string_view description)
 {
-    const QString text = QStringLiteral("Error occurred.\r\nError #: %1\r\n%2").arg(number).arg(toLine(description));
-    show(owner, QMessageBox::Warning, QStringLiteral("Error"), text);
+    const QString text = QCoreApplication::translate("message_boxes", "Error occurred.\r\nError #: %1\r\n%2")
+                             .arg(number)
+                             .arg(toLine(description));
+    show(owner, QMessageBox::Warning, QCoreApplication::translate("message_boxes", "Error"), text);
 }
 
 void showRuntimeError(QWidget* owner, RuntimeError error)

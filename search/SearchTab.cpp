@@ -12,11 +12,11 @@ namespace quarrynet {
 
 namespace {
 
-// The toolkit's own limit, 32767, would cut a longer text on pasting, without a word.
+// The toolkit's default limit, 32767, would silently truncate a longer pasted text.
 constexpr int kLongestInput = 1 << 20;
 
-/// Takes the line ends out of what is pasted into a field of one line: copied addresses often end in one, and in a
-/// request it would begin another line. Between words it becomes a blank.
+/// Removes line ends from text pasted into a field of one line: copied addresses often end in one, and in a request it
+/// would begin another line. A line end between words becomes a blank.
 class OneLine final : public QValidator
 {
 public:
@@ -46,7 +46,7 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
 {
     setObjectName(row.frame);
     setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
-    setAutoFillBackground(true); // a frame may cover another
+    setAutoFillBackground(true); // because a frame may cover another
     timer_.setParent(this);
     timer_.setObjectName(row.timer);
     timer_.setInterval(row.interval);
@@ -57,7 +57,7 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
 void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs)
 {
     startButton_ = &button;
-    button.setAutoDefault(true); // outside a dialog, Enter would not press it otherwise
+    button.setAutoDefault(true); // otherwise Enter would not press it outside a dialog
     connect(&button, &QPushButton::clicked, this, [this] { search(); });
     for (QLineEdit* input : inputs) {
         input->setMaxLength(kLongestInput);
@@ -71,7 +71,7 @@ void SearchTab::setReachable(bool reachable)
     if (reachable != isCovered())
         return;
     setCovered(!reachable);
-    // Setting the caption anew takes its mnemonic up again.
+    // Setting the caption again restores its mnemonic.
     const QString caption = startButton_->text();
     startButton_->setText({});
     startButton_->setText(caption);
@@ -149,7 +149,7 @@ void PagedSearch::apply(const PagingOffer& offer, HiddenText& pageTotal)
 void PagedSearch::search()
 {
     if (keywords_->text().isEmpty()) {
-        showInformation(window(), QStringLiteral("Please enter keyword/s to search!!!"));
+        showInformation(window(), tr("Please enter keyword/s to search!!!"));
         return;
     }
     setTimerEnabled(true);
