@@ -130,6 +130,7 @@ void Main::joinTabs()
 
 bool Main::load()
 {
+    surroundings_.hosts = readServiceHosts(settingsPath(), surroundings_.hosts);
     settings_.load();
     if (settings_.on) {
         {

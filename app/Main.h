@@ -33,7 +33,7 @@ class WebSearch;
 /// The window's dependencies; tests pass their own.
 struct Surroundings
 {
-    ServiceHosts hosts;
+    ServiceHosts hosts; ///< what the settings file can override
     Shell& shell;
     /// Folder of the settings file and the local pages, as bytes.
     std::string programFolder;

@@ -4,22 +4,12 @@
 #include <string_view>
 
 #include "common/FetchSession.h"
+#include "common/ServiceHosts.h"
 #include "common/request_text.h"
 
 namespace quarrynet {
 
 class Shell;
-
-/// The outside services: host names or addresses as bytes, and the port for direct connections to all of them and to
-/// checked pages. Only tests set a port other than 80.
-struct ServiceHosts
-{
-    std::string webSearch;
-    std::string imageSearch;
-    std::string downloadSite;
-    std::string fileSearch;
-    int port = 80;
-};
 
 /// A tab's interface to its window. All tabs share one receive state, one proxy state and one pair of status panels.
 class SearchWindow

@@ -185,6 +185,21 @@ private slots:
                  "GET " + paged_->beforeQuery + query + paged_->afterQuery + " HTTP/1.1");
     }
 
+    void theSettingsFileNamesTheService_data() { addRows(); }
+
+    void theSettingsFileNamesTheService()
+    {
+        window_->hosts = {"web.invalid", "img.invalid", "down.invalid", "file.invalid", window_->service.port()};
+        window_->writeSettings("[Services]\nWebSearchHost=127.0.0.1\nImageSearchHost=127.0.0.1\n"
+                               "DownloadSiteHost=127.0.0.1\nFileSearchHost=127.0.0.1\n");
+        start();
+        window_->service.answerWith(bytes(paged_->many));
+        search(QStringLiteral("apple"));
+        waitForTheEnd();
+        QVERIFY(!showsNothing());
+        QVERIFY(window_->service.requests().constFirst().contains("HOST: 127.0.0.1\r\n"));
+    }
+
     void aProxyIsAskedInTheAbsoluteForm_data() { addRows(); }
 
     void aProxyIsAskedInTheAbsoluteForm()
