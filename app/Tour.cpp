@@ -92,7 +92,7 @@ void Tour::look()
 void Tour::take(QWidget& widget, const QString& name)
 {
     // Grabs the screen where there is one: it shows what a person sees, including the browser's part of the window.
-    QPixmap picture = QGuiApplication::platformName() == QLatin1String("xcb")
+    QPixmap picture = QGuiApplication::platformName() == QStringLiteral("xcb")
                           ? widget.screen()->grabWindow(widget.winId())
                           : widget.grab();
     complete_ = picture.save(QDir(folder_).filePath(name + QStringLiteral(".png"))) && complete_;

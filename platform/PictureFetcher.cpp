@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds kWholeTime = std::chrono::seconds(60);
 bool isFetchable(const QUrl& address)
 {
     return address.isValid() && !address.host().isEmpty() &&
-           (address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https")) &&
+           (address.scheme() == QStringLiteral("http") || address.scheme() == QStringLiteral("https")) &&
            address.toEncoded().size() <= PictureFetcher::kMaxAddress;
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 bool isHttp(const QUrl& address)
 {
-    return address.scheme() == QLatin1String("http") || address.scheme() == QLatin1String("https");
+    return address.scheme() == QStringLiteral("http") || address.scheme() == QStringLiteral("https");
 }
 
 bool isPageType(QWebEngineUrlRequestInfo::ResourceType type)
