@@ -18,32 +18,6 @@ namespace {
 
 constexpr std::size_t kMaxRelativePath = 4096;
 
-/// Closes a descriptor when destroyed.
-class Descriptor
-{
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor()
-    {
-        if (number_ >= 0)
-            ::close(number_);
-    }
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(number_, other.number_);
-        return *this;
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return number_; }
-    int release() { return std::exchange(number_, -1); }
-
-private:
-    int number_;
-};
-
 // Without O_NONBLOCK, opening a pipe would wait for a writer.
 constexpr int kFileFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
 constexpr int kFolderFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_DIRECTORY;
@@ -58,7 +32,7 @@ int openStepwise(int folder, const std::string& path)
         begin = slash + 1;
         if (!part.empty())
             at = Descriptor(::openat(at.number(), part.c_str(), kFolderFlags));
-        if (at.number() < 0)
+        if (!at)
             return -1;
     }
     return ::openat(at.number(), path.substr(begin).c_str(), kFileFlags);
@@ -90,16 +64,11 @@ bool mayBeServed(std::string_view relative)
 
 } // namespace
 
-OpenFile::~OpenFile()
-{
-    ::close(descriptor_);
-}
-
 std::string OpenFile::version() const
 {
     struct stat status
     {};
-    if (::fstat(descriptor_, &status) != 0)
+    if (::fstat(descriptor_.number(), &status) != 0)
         return {};
     return std::to_string(status.st_dev) + "." + std::to_string(status.st_ino) + "." +
            std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec) + "." +
@@ -109,7 +78,7 @@ std::string OpenFile::version() const
 std::size_t OpenFile::read(std::uint64_t offset, char* to, std::size_t count) const
 {
     for (;;) {
-        const ssize_t got = ::pread(descriptor_, to, count, static_cast<off_t>(offset));
+        const ssize_t got = ::pread(descriptor_.number(), to, count, static_cast<off_t>(offset));
         if (got >= 0 || errno != EINTR)
             return got < 0 ? 0 : static_cast<std::size_t>(got);
     }
@@ -146,16 +115,14 @@ std::shared_ptr<const OpenFile> openBeneath(const std::string& root, std::string
         return nullptr;
     // Whoever made the index chose the folder itself, so links in its path are allowed.
     const Descriptor folder(::open(root.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
-    if (folder.number() < 0)
+    if (!folder)
         return nullptr;
     Descriptor file(openFrom(folder.number(), std::string(relative), way));
     struct stat status
     {};
-    if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1)
+    if (!file || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_nlink != 1)
         return nullptr;
-    auto open = std::make_shared<const OpenFile>(file.number(), static_cast<std::uint64_t>(status.st_size));
-    (void)file.release(); // not earlier: make_shared() may throw
-    return open;
+    return std::make_shared<const OpenFile>(std::move(file), static_cast<std::uint64_t>(status.st_size));
 }
 
 } // namespace quarrynet

@@ -6,8 +6,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
-#include "ground/Outcome.h"
+#include "ground/Descriptor.h"
 
 namespace quarrynet {
 
@@ -16,10 +17,7 @@ class OpenFile
 {
 public:
     /// Takes ownership of the descriptor of a file of `size` bytes.
-    OpenFile(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
-    ~OpenFile();
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
+    OpenFile(Descriptor descriptor, std::uint64_t size) : descriptor_(std::move(descriptor)), size_(size) {}
 
     std::uint64_t size() const { return size_; }
     /// Returns a text that changes with the file.
@@ -34,7 +32,7 @@ public:
     std::optional<std::string> content(std::size_t maxBytes) const;
 
 private:
-    int descriptor_;
+    Descriptor descriptor_;
     std::uint64_t size_;
 };
 

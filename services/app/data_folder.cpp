@@ -11,6 +11,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "ground/Descriptor.h"
 #include "ground/folder_entries.h"
 
 namespace quarrynet::services {
@@ -22,10 +23,10 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 4> kOwnFiles{"index.sqlite", "index.sqlite.new", "index.sqlite-journal",
                                                     "index.lock"};
 
-/// Opens `path` without following a link at its end. Returns a descriptor, or -1.
-int openItself(const fs::path& path)
+/// Opens `path` without following a link at its end. Returns an empty descriptor on failure.
+Descriptor openItself(const fs::path& path)
 {
-    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    return Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
 }
 
 bool holdsOwnFilesOnly(const fs::path& folder)
@@ -43,19 +44,17 @@ void forEachOwn(const fs::path& folder, const std::function<void(int descriptor,
 {
     const bool whole = holdsOwnFilesOnly(folder);
     for (const std::string_view name : kOwnFiles) {
-        const int file = openItself(folder / name);
+        const Descriptor file = openItself(folder / name);
         struct stat status
         {};
-        if (file >= 0 && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1)
-            change(file, false);
-        if (file >= 0)
-            ::close(file);
+        if (file && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1)
+            change(file.number(), false);
     }
-    const int itself = whole ? ::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY) : -1;
-    if (itself < 0)
+    if (!whole)
         return;
-    change(itself, true);
-    ::close(itself);
+    const Descriptor itself(::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
+    if (itself)
+        change(itself.number(), true);
 }
 
 /// Changes only what belongs to this user.

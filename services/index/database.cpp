@@ -118,19 +118,13 @@ IndexPool::Lease::~Lease()
         pool_->giveBack(std::move(database_), generation_);
 }
 
-IndexPool::~IndexPool()
-{
-    if (folder_ >= 0)
-        ::close(folder_);
-}
-
 void IndexPool::keepFolder()
 {
 #ifdef __linux__
     const std::string folder = std::filesystem::path(path_).parent_path().string();
-    folder_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::string held = "/proc/self/fd/" + std::to_string(folder_);
-    if (folder_ >= 0 && ::access(held.c_str(), X_OK) == 0)
+    folder_ = Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const std::string held = "/proc/self/fd/" + std::to_string(folder_.number());
+    if (folder_ && ::access(held.c_str(), X_OK) == 0)
         path_ = indexPath(held);
 #endif
 }

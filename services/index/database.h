@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ground/Descriptor.h"
 #include "ground/Outcome.h"
 #include "index/sqlite.h"
 
@@ -53,7 +54,6 @@ public:
         : path_(indexPath(dataFolder)), queryTime_(queryTime)
     {}
 
-    ~IndexPool();
     IndexPool(const IndexPool&) = delete;
     IndexPool& operator=(const IndexPool&) = delete;
 
@@ -96,7 +96,7 @@ private:
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
     std::string path_;
-    int folder_ = -1; ///< descriptor, or -1
+    Descriptor folder_; ///< empty if it could not be opened
     std::chrono::milliseconds queryTime_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Database>> idle_;

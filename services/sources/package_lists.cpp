@@ -6,8 +6,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "ground/ChildProcess.h"
 #include "ground/ascii.h"
-#include "ground/child_process.h"
 #include "ground/decimal.h"
 #include "ground/utf8.h"
 #include "text/markup.h"

@@ -3,20 +3,16 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
+#include "ground/ChildProcess.h"
 #include "ground/CurrentTask.h"
-#include "ground/child_process.h"
-
-extern char** environ;
+#include "ground/Descriptor.h"
 
 namespace quarrynet::services {
 
@@ -40,35 +36,18 @@ class Thumbnailer::Process
 public:
     explicit Process(const std::string& program)
     {
-        int ends[2] = {-1, -1};
-        if (!makeSocketPair(ends))
+        std::optional<std::array<Descriptor, 2>> ends = makeSocketPair();
+        if (!ends)
             return;
-        ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, ends[1], STDIN_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        closeOtherDescriptors(actions);
-        std::string name = program;
-        std::array<char*, 2> arguments{name.data(), nullptr};
-        if (::posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments.data(), environ) != 0)
-            process_ = -1;
-        posix_spawn_file_actions_destroy(&actions);
-        ::close(ends[1]);
-        socket_ = ends[0];
-    }
-    ~Process()
-    {
-        if (socket_ >= 0)
-            ::close(socket_);
-        if (process_ <= 0)
+        auto& [own, others] = *ends;
+        ::fcntl(own.number(), F_SETFL, O_NONBLOCK);
+        Outcome<ChildProcess> process =
+            ChildProcess::start({program}, {.input = others.number(), .output = others.number()});
+        if (!process)
             return;
-        ::kill(process_, SIGKILL);
-        while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
-        }
+        process_.emplace(std::move(*process));
+        socket_ = std::move(own);
     }
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
 
     /// Returns false when the process cannot be used any more. An empty thumbnail is a valid response.
     bool ask(PictureFormat format, std::size_t pictureSize, const Source& source, Clock::time_point deadline,
@@ -77,7 +56,7 @@ public:
         std::string head(1, static_cast<char>(format));
         for (const unsigned shift : {24U, 16U, 8U, 0U})
             head.push_back(static_cast<char>(static_cast<unsigned char>(pictureSize >> shift)));
-        if (process_ <= 0 || !send(head, deadline))
+        if (!process_ || !send(head, deadline))
             return false;
         for (std::size_t sent = 0; sent < pictureSize;) {
             const std::string_view piece = source(sent);
@@ -104,7 +83,7 @@ private:
             const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
             if (left.count() <= 0)
                 return false;
-            pollfd watched{socket_, events, 0};
+            pollfd watched{socket_.number(), events, 0};
             const int count = ::poll(&watched, 1, static_cast<int>(std::min(left, kAskInterval).count()));
             if (count != 0)
                 return count > 0 || errno == EINTR;
@@ -115,7 +94,7 @@ private:
     bool send(std::string_view bytes, Clock::time_point deadline) const
     {
         while (!bytes.empty()) {
-            const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            const ssize_t count = ::send(socket_.number(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
             if (count > 0)
                 bytes.remove_prefix(static_cast<std::size_t>(count));
             else if ((errno != EAGAIN && errno != EINTR) || !wait(POLLOUT, deadline))
@@ -129,7 +108,7 @@ private:
     {
         std::size_t filled = 0;
         while (filled < bytes.size()) {
-            const ssize_t count = ::recv(socket_, bytes.data() + filled, bytes.size() - filled, 0);
+            const ssize_t count = ::recv(socket_.number(), bytes.data() + filled, bytes.size() - filled, 0);
             if (count > 0)
                 filled += static_cast<std::size_t>(count);
             else if (count == 0 || (errno != EAGAIN && errno != EINTR) || !wait(POLLIN, deadline))
@@ -138,8 +117,8 @@ private:
         return true;
     }
 
-    pid_t process_ = -1;
-    int socket_ = -1;
+    std::optional<ChildProcess> process_;
+    Descriptor socket_;
 };
 
 Thumbnailer::Thumbnailer(std::string program, Limits limits) : program_(std::move(program)), limits_(limits) {}

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ground/child_process.h"
+#include "ground/ChildProcess.h"
 #include "http/HttpServer.h"
 #include "index/IndexWriter.h"
 #include "index/sqlite.h"

@@ -1,8 +1,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <optional>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <gtest/gtest.h>
 
@@ -10,6 +8,7 @@
 #include "http/message.h"
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"
+#include "tests/support/RunningProgram.h"
 #include "tests/support/test_data.h"
 
 /// Tests the program itself, started as a user or a script starts it.
@@ -20,55 +19,17 @@ using namespace quarrynet::services;
 namespace {
 
 /// The running program: a pipe receives its standard output, a file its error output.
-class Running
+class Running : public RunningProgram
 {
 public:
-    Running(std::vector<std::string> arguments, std::string errorFile) : errorFile_(std::move(errorFile))
-    {
-        int ends[2] = {-1, -1};
-        EXPECT_EQ(::pipe(ends), 0);
-        output_ = ends[0];
-        ::fcntl(output_, F_SETFD, FD_CLOEXEC);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&actions, ends[1]);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile_.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                         0600);
-        arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
-        std::vector<char*> pointers;
-        pointers.reserve(arguments.size() + 1);
-        for (std::string& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
-        EXPECT_EQ(::posix_spawn(&process_, QUARRYNET_SERVICES, &actions, nullptr, pointers.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
-        ::close(ends[1]);
-    }
-    ~Running()
-    {
-        if (process_ > 0)
-            ::kill(process_, SIGKILL);
-        wait();
-        ::close(output_);
-    }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
-
-    /// Returns one line of output without its end, or an incomplete one at the end of the output.
-    std::string readLine() const
-    {
-        std::string line;
-        char c = 0;
-        while (::read(output_, &c, 1) == 1 && c != '\n')
-            line.push_back(c);
-        return line;
-    }
+    Running(std::vector<std::string> arguments, std::string errorFile)
+        : RunningProgram(named(std::move(arguments)), std::move(errorFile))
+    {}
 
     /// Returns the value of the line "NAME:" in the process's /proc status.
     std::string status(const std::string& name) const
     {
-        std::ifstream file("/proc/" + std::to_string(process_) + "/status");
+        std::ifstream file("/proc/" + std::to_string(id()) + "/status");
         for (std::string line; std::getline(file, line);) {
             if (line.rfind(name + ":", 0) == 0)
                 return line.substr(name.size() + 1);
@@ -76,29 +37,12 @@ public:
         return "";
     }
 
-    void signal(int number) const { ::kill(process_, number); }
-
-    /// Returns the exit status, or -1 if a signal ended the process.
-    int wait()
-    {
-        if (process_ <= 0)
-            return -1;
-        int status = 0;
-        ::waitpid(process_, &status, 0);
-        process_ = 0;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-    std::string errors() const
-    {
-        std::ifstream file(errorFile_);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
 private:
-    std::string errorFile_;
-    int output_ = -1;
-    pid_t process_ = 0;
+    static std::vector<std::string> named(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
+        return arguments;
+    }
 };
 
 class Program : public ::testing::Test

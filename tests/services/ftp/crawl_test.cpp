@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "ftp/crawl.h"
+#include "ground/ChildProcess.h"
+#include "ground/Descriptor.h"
 #include "searches/FileService.h"
 #include "sources/indexing.h"
 #include "tests/services/support/ftp_support.h"
@@ -85,43 +87,30 @@ class MlsdServer
 public:
     explicit MlsdServer(const std::string& root)
     {
-        int input[2] = {-1, -1};
-        int output[2] = {-1, -1};
-        if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0)
+        std::optional<Pipe> input = makePipe();
+        std::optional<Pipe> output = makePipe();
+        const Descriptor nothing(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+        if (!input || !output || !nothing)
             return;
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        std::vector<std::string> arguments{"/usr/bin/python3", QUARRYNET_FTP_MLSD_SERVER, root};
-        std::vector<char*> pointers{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
-        if (::posix_spawn(&process_, pointers[0], &actions, nullptr, pointers.data(), environ) != 0)
-            process_ = -1;
-        posix_spawn_file_actions_destroy(&actions);
-        ::close(input[0]);
-        ::close(output[1]);
-        input_ = input[1];
+        Outcome<ChildProcess> process = ChildProcess::start(
+            {"/usr/bin/python3", QUARRYNET_FTP_MLSD_SERVER, root},
+            {.input = input->readEnd.number(), .output = output->writeEnd.number(), .errors = nothing.number()});
+        if (!process)
+            return;
+        process_.emplace(std::move(*process));
+        input_ = std::move(input->writeEnd);
+        output->writeEnd.close();
         char c = 0;
-        while (process_ > 0 && ::read(output[0], &c, 1) == 1 && c != '\n')
+        while (::read(output->readEnd.number(), &c, 1) == 1 && c != '\n')
             port_.push_back(c);
-        ::close(output[0]);
     }
-    ~MlsdServer()
-    {
-        ::close(input_);
-        if (process_ > 0)
-            ::waitpid(process_, nullptr, 0);
-    }
-    MlsdServer(const MlsdServer&) = delete;
-    MlsdServer& operator=(const MlsdServer&) = delete;
 
     bool running() const { return !port_.empty(); }
     std::string site() const { return "ftp://127.0.0.1:" + port_; }
 
 private:
-    pid_t process_ = -1;
-    int input_ = -1;
+    std::optional<ChildProcess> process_;
+    Descriptor input_; ///< the server ends with it
     std::string port_;
 };
 

@@ -9,15 +9,13 @@
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <spawn.h>
 #include <string>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
-extern char** environ;
+#include "ground/ChildProcess.h"
 
 /// FTP servers for the tests of the crawl, each on a free loopback port.
 namespace quarrynet::services {
@@ -90,18 +88,9 @@ private:
 /// Runs a program, as inetd does, with the socket as its input and output, and waits until it ends.
 inline void serveByProgram(int socket, std::vector<std::string> arguments)
 {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, socket, STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, socket, STDOUT_FILENO);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments)
-        pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    pid_t process = -1;
-    if (::posix_spawn(&process, pointers[0], &actions, nullptr, pointers.data(), environ) == 0)
-        ::waitpid(process, nullptr, 0);
-    posix_spawn_file_actions_destroy(&actions);
+    Outcome<ChildProcess> program = ChildProcess::start(std::move(arguments), {.input = socket, .output = socket});
+    if (program)
+        program->wait();
 }
 
 /// The server side of a control connection, with listings supplied by the test.
