@@ -11,38 +11,12 @@
 
 #include "common/profile_file.h"
 #include "common/profile_text.h"
+#include "ground/Descriptor.h"
+#include "ground/durable_file.h"
 
 namespace quarrynet {
 
 namespace {
-
-/// A file descriptor that closes itself.
-class Descriptor
-{
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (number_ >= 0)
-            ::close(number_);
-    }
-
-    explicit operator bool() const { return number_ >= 0; }
-    int number() const { return number_; }
-
-    /// False when the system could not store what was written.
-    bool close()
-    {
-        const int number = number_;
-        number_ = -1;
-        return ::close(number) == 0;
-    }
-
-private:
-    int number_;
-};
 
 std::uint32_t lastError()
 {
@@ -101,19 +75,6 @@ Content readAll(const std::string& file)
     return content;
 }
 
-bool writeAll(int output, std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t count = ::write(output, text.data(), text.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
 /// Where a name leads once its symbolic links are followed, so that a rename replaces the file and not the link. The
 /// name itself where nothing is there yet; nothing, with errno set, when that cannot be found out.
 std::optional<std::string> target(const std::string& file)
@@ -122,55 +83,6 @@ std::optional<std::string> target(const std::string& file)
     if (path)
         return std::string(path.get());
     return errno == ENOENT ? std::optional(file) : std::nullopt;
-}
-
-std::string folderOf(const std::string& file)
-{
-    const std::size_t slash = file.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : file.substr(0, slash);
-}
-
-/// The new text goes to a file beside the old one, reaches the disk, and takes its name in one step: whoever reads,
-/// also after a crash, finds the old file or the new one.
-std::uint32_t replaceFile(const std::string& file, std::string_view text, const std::optional<struct stat>& old)
-{
-    if (old && ::access(file.c_str(), W_OK) != 0)
-        return lastError(); // the rename alone would pass over a file that may not be written
-
-    const std::string folderName =
-        folderOf(file); // before there is a file that running out of memory would leave behind
-    std::string temporary;
-    int number = -1;
-    for (int attempt = 0; attempt < 100 && number < 0; ++attempt) {
-        temporary = file + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
-        number = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
-        if (number < 0 && errno != EEXIST)
-            return lastError();
-    }
-    Descriptor output(number);
-    if (!output)
-        return EEXIST;
-    if (old) {
-        // Best effort: who may write a file need not be able to give it to its owner.
-        [[maybe_unused]] const int owned = ::fchown(number, old->st_uid, old->st_gid);
-    }
-    bool done = !old || ::fchmod(number, old->st_mode & 07777) == 0;
-    done = done && writeAll(number, text) && ::fsync(number) == 0;
-    std::uint32_t error = done ? 0 : lastError();
-    if (!output.close() && error == 0)
-        error = lastError();
-    if (error == 0 && ::rename(temporary.c_str(), file.c_str()) != 0)
-        error = lastError();
-    if (error != 0) {
-        ::unlink(temporary.c_str());
-        return error;
-    }
-    const Descriptor folder(::open(folderName.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
-    if (folder)
-        ::fsync(folder.number()); // some file systems cannot; the new file is in place all the same
-    return 0;
 }
 
 template <class Change>
@@ -185,8 +97,8 @@ ProfileWrite change(const std::string& name, Change changed)
     const std::string text = changed(content.text);
     if (text.size() > kLargestProfile)
         return {false, EFBIG};
-    const std::uint32_t error = replaceFile(*file, text, content.state);
-    return {error == 0, error};
+    const std::error_code error = replaceFile(*file, text, content.state);
+    return {!error, static_cast<std::uint32_t>(error.value())};
 }
 
 } // namespace

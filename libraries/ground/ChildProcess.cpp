@@ -54,8 +54,14 @@ public:
     }
 
     /// Returns the error of the first action that failed, or 0.
-    int error() const { return error_; }
-    const posix_spawn_file_actions_t* get() const { return &actions_; }
+    int error() const
+    {
+        return error_;
+    }
+    const posix_spawn_file_actions_t* get() const
+    {
+        return &actions_;
+    }
 
 private:
     posix_spawn_file_actions_t actions_{};

@@ -16,23 +16,13 @@
 #include <utility>
 #include <vector>
 
+#include "ground/durable_file.h"
 #include "ground/utf8.h"
 #include "index/database.h"
 
 namespace quarrynet::services {
 
 namespace {
-
-/// Waits until the content of the file or folder is on the disk.
-bool flush(const std::string& path)
-{
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool flushed = ::fsync(descriptor) == 0;
-    ::close(descriptor);
-    return flushed;
-}
 
 /// Files that root creates in a user's data folder go to that user, who, like services that gave up root's rights, must
 /// be able to read them.
@@ -51,11 +41,10 @@ void giveToOwnerOf(const std::string& folder, const std::string& file)
 Outcome<IndexLock> IndexLock::take(const std::string& dataFolder, const std::function<bool()>& again)
 {
     const std::string path = (std::filesystem::path(dataFolder) / "index.lock").string();
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (descriptor < 0)
+    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+    if (!file)
         return Failure{"cannot write to " + dataFolder + ": " + std::strerror(errno)};
-    IndexLock lock(descriptor);
-    while (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+    while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR)
             continue;
         if (errno != EWOULDBLOCK)
@@ -63,21 +52,7 @@ Outcome<IndexLock> IndexLock::take(const std::string& dataFolder, const std::fun
         if (!again || !again())
             return Failure{"another quarrynet-services is writing the index in " + dataFolder};
     }
-    return lock;
-}
-
-IndexLock::IndexLock(IndexLock&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-IndexLock& IndexLock::operator=(IndexLock&& other) noexcept
-{
-    std::swap(descriptor_, other.descriptor_);
-    return *this;
-}
-
-IndexLock::~IndexLock()
-{
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
+    return IndexLock(std::move(file));
 }
 
 struct IndexWriter::Parts
@@ -421,11 +396,12 @@ Outcome<Done> IndexWriter::commit()
     parts_->close();
     const std::string target = indexPath(parts_->folder);
     giveToOwnerOf(parts_->folder, parts_->path);
-    if (!flush(parts_->path) || std::rename(parts_->path.c_str(), target.c_str()) != 0)
-        return Failure{"cannot replace the index: " + std::string(std::strerror(errno))};
+    std::error_code error = flushFile(parts_->path);
+    if (!error)
+        error = renameDurably(parts_->path, target);
+    if (error)
+        return Failure{"cannot replace the index: " + error.message()};
     parts_->committed = true;
-    // Without this a power cut could bring back the old index, which is intact as well.
-    flush(parts_->folder);
     return Done{};
 }
 

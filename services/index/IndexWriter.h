@@ -7,8 +7,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "ground/Descriptor.h"
 #include "ground/Outcome.h"
 #include "index/records.h"
 #include "index/sqlite.h"
@@ -27,15 +29,9 @@ public:
     /// to retry. Fails at once without `again`, and on errors that a retry cannot fix.
     static Outcome<IndexLock> take(const std::string& dataFolder, const std::function<bool()>& again = {});
 
-    IndexLock(IndexLock&& other) noexcept;
-    IndexLock& operator=(IndexLock&& other) noexcept;
-    IndexLock(const IndexLock&) = delete;
-    IndexLock& operator=(const IndexLock&) = delete;
-    ~IndexLock();
-
 private:
-    explicit IndexLock(int descriptor) : descriptor_(descriptor) {}
-    int descriptor_;
+    explicit IndexLock(Descriptor file) : file_(std::move(file)) {}
+    Descriptor file_;
 };
 
 /// Builds a new index beside the one in use, and replaces that one at the end. Without commit(), whether after a
