@@ -54,7 +54,7 @@ int main(int argc, char** argv)
     options.addVersionOption();
     const QCommandLineOption tourOption(
         QStringLiteral("tour"),
-        QCoreApplication::translate("main", "Take screenshots of a tour through the tabs, then exit."),
+        QCoreApplication::translate("main", "Takes screenshots of a tour through the tabs, then exits."),
         QCoreApplication::translate("main", "folder"));
     options.addOption(tourOption);
     if (argc > 0 && asksForText(argc, argv)) {

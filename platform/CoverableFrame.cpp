@@ -7,7 +7,7 @@ namespace quarrynet {
 
 namespace {
 
-/// A frame's place in the tree that assistive tools walk. The toolkit's own interface knows visible and hidden only.
+/// A frame's node in the accessibility tree. The toolkit's own interface only distinguishes visible and hidden.
 class FrameInterface final : public QAccessibleWidget
 {
 public:
@@ -40,7 +40,7 @@ private:
 
 QAccessibleInterface* makeInterface(const QString& className, QObject* object)
 {
-    // The toolkit asks for the class of the object first, then for each class below it.
+    // The toolkit tries the object's class first, then each of its base classes.
     if (className != QLatin1String(CoverableFrame::staticMetaObject.className()))
         return nullptr;
     auto* frame = qobject_cast<CoverableFrame*>(object);
@@ -51,7 +51,7 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object)
 
 CoverableFrame::CoverableFrame(QWidget* parent) : QFrame(parent)
 {
-    // The toolkit keeps one entry of a function, however often it is installed.
+    // The toolkit keeps one entry per function, however often it is installed.
     QAccessible::installFactory(&makeInterface);
 }
 
@@ -65,7 +65,7 @@ void CoverableFrame::setCovered(bool covered)
     policies_.clear();
     if (covered) {
         for (auto* control : findChildren<QWidget*>()) {
-            // A policy that is set goes on to the control's proxy: a viewport's would become its list's.
+            // Qt passes a policy on to the control's focus proxy, so a viewport's would become its list's.
             if (control->focusProxy() || control->focusPolicy() == Qt::NoFocus)
                 continue;
             policies_.emplace_back(control, control->focusPolicy());

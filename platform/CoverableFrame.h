@@ -7,8 +7,8 @@
 
 namespace quarrynet {
 
-/// A frame that another one may cover while it stays visible. Covered, it is out of reach of keys, and assistive tools
-/// see neither it nor what stands in it.
+/// A frame that another one may cover while it stays visible. While it is covered, keys do not reach it, and it and its
+/// controls are hidden from assistive tools.
 class CoverableFrame : public QFrame
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
 private:
     bool covered_ = false;
-    std::vector<std::pair<QWidget*, Qt::FocusPolicy>> policies_; // to give back
+    std::vector<std::pair<QWidget*, Qt::FocusPolicy>> policies_; // to restore
 };
 
 } // namespace quarrynet

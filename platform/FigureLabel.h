@@ -6,8 +6,7 @@
 
 namespace quarrynet {
 
-/// A figure that a service reported, on one line. Where the room is too narrow the figure gives way and ends in an
-/// ellipsis; its unit stays.
+/// A figure that a service reported, on one line. Where there is too little room, the figure is elided; its unit stays.
 class FigureLabel final : public QLabel
 {
     Q_OBJECT
@@ -16,7 +15,7 @@ class FigureLabel final : public QLabel
 public:
     using QLabel::QLabel;
 
-    /// Shows the bytes of `caption` as toLine() does. Where they end in `unit`, that end is never left out.
+    /// Shows the bytes of `caption` as toLine() does. If they end in `unit`, that part is never elided.
     void setCaption(std::string_view caption, std::string_view unit = {});
 
 protected:

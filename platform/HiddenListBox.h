@@ -11,7 +11,7 @@
 
 namespace quarrynet {
 
-/// A list box that nobody sees: a parser's working array, one field of every result in page order.
+/// A list box that is never shown: a parser's working array with one field of each result, in page order.
 class HiddenListBox final : public QObject
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     /// The entries, as bytes.
     const std::vector<std::string>& items() const { return items_; }
     void setItems(std::vector<std::string> items) { items_ = std::move(items); }
-    /// Positions as entries, in decimal. An entry that is no number reads as 0.
+    /// Stores positions as decimal entries, and reads them back. An entry that is not a number reads as 0.
     void setPositions(const std::vector<Position>& positions);
     std::vector<Position> positions() const;
     void clear() { items_.clear(); }

@@ -8,9 +8,9 @@
 
 namespace quarrynet {
 
-/// A text field that nobody sees: raw bytes, no copy made to show them, no line ends rewritten.
+/// A text field that is never shown. It keeps raw bytes and does not change line ends.
 ///
-/// The change signal runs its receivers at once, inside setText, and only when the text really changes.
+/// setText emits the change signal before it returns, and only if the text really changes.
 class HiddenText final : public QObject
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
 
     const std::string& text() const { return text_; }
     void setText(std::string_view text);
-    /// The same without a copy, for megabytes that nobody else needs.
+    /// Does the same without a copy, for large texts that the caller no longer needs.
     void takeText(std::string text);
 
 signals:

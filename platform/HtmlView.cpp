@@ -21,7 +21,7 @@ namespace quarrynet {
 
 namespace {
 
-// The build gives both: how the system names a plug-in, and where an installation keeps it, seen from the program.
+// The build sets both: the plug-in's file name, and its installed folder relative to the program's folder.
 constexpr const char* kEngineFile = QUARRYNET_ENGINE_FILE;
 constexpr const char* kInstalledFolder = QUARRYNET_ENGINE_FOLDER;
 
@@ -31,7 +31,7 @@ QStringList defaultFolders()
     return {program, program + QLatin1Char('/') + QString::fromLatin1(kInstalledFolder)};
 }
 
-// Keeps the engine's report on how it starts, several screens of it, from this program's output while it lives.
+// While it exists, keeps the engine's long start-up messages out of this program's output.
 class ScopedSilence
 {
     Q_DISABLE_COPY_MOVE(ScopedSilence)
@@ -61,7 +61,7 @@ bool takesTabKey(const QWidget& control)
            control.isVisible();
 }
 
-// Keys and clicks go to `part` as before, but the Tab key does not stop there.
+// Takes `part` out of the Tab order. It still accepts keys and clicks.
 void leaveTabKey(QWidget& part)
 {
     part.setFocusPolicy(static_cast<Qt::FocusPolicy>(part.focusPolicy() & ~Qt::TabFocus));
@@ -116,7 +116,7 @@ void HtmlView::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (std::exchange(started_, true))
         return;
-    // Afterwards, so that the tab that was chosen is seen at once.
+    // Queued, so that the chosen tab appears at once.
     QMetaObject::invokeMethod(this, &HtmlView::start, Qt::QueuedConnection);
 }
 
@@ -133,7 +133,7 @@ void HtmlView::start()
         if (!QFileInfo(path).isFile())
             continue;
         const ScopedSilence silence;
-        // The plug-in stays loaded: an engine cannot be started twice in one program.
+        // The plug-in stays loaded, because an engine cannot start twice in one process.
         QPluginLoader loader(path);
         auto* engine = qobject_cast<PageEngine*>(loader.instance());
         QString reason = engine ? QString() : loader.errorString();
@@ -152,10 +152,10 @@ void HtmlView::start()
 void HtmlView::engineFailed(const QString& reason)
 {
     if (view_ && !hasBrowser_)
-        return; // it has been replaced already
+        return; // already replaced
     say(reason + QLatin1Char('\n') + plainNote());
     hasBrowser_ = false;
-    // Later, for the view that fails may be the caller.
+    // Queued, because the failing view may be the caller.
     QMetaObject::invokeMethod(this, &HtmlView::startPlain, Qt::QueuedConnection);
 }
 
@@ -169,8 +169,9 @@ void HtmlView::takeView(std::unique_ptr<PageView> view)
     view_ = std::move(view);
     view_->widget().setAccessibleName(accessibleName());
     layout_->addWidget(&view_->widget(), 1);
-    // Made late, the view would be the window's last for the Tab key, so this widget stands for it. A focus proxy that
-    // is a child would move this widget behind what follows it, and the key would go round between the two.
+    // Because it is created late, the view would be last in the window's Tab order, so this widget takes its place. A
+    // child as focus proxy would move this widget behind its successor in that order, and the key would alternate
+    // between the two.
     leaveTabKey(view_->widget());
     view_->widget().installEventFilter(this);
     if (hasFocus())
@@ -200,7 +201,7 @@ void HtmlView::focusInEvent(QFocusEvent* event)
 
 bool HtmlView::focusNextPrevChild(bool next)
 {
-    // What has the focus is below this widget and stands anywhere in the window's order.
+    // The focus widget is a child of this widget and can be anywhere in the window's Tab order.
     QWidget* control = this;
     do {
         control = next ? control->nextInFocusChain() : control->previousInFocusChain();
@@ -213,7 +214,7 @@ bool HtmlView::focusNextPrevChild(bool next)
 
 bool HtmlView::eventFilter(QObject* watched, QEvent* event)
 {
-    // The engine makes the widget that takes its keys when it comes to a page.
+    // The engine creates the widget that takes its keys when it loads a page.
     if (event->type() == QEvent::ChildPolished) {
         if (auto* part = qobject_cast<QWidget*>(static_cast<QChildEvent*>(event)->child()))
             leaveTabKey(*part);
@@ -223,7 +224,7 @@ bool HtmlView::eventFilter(QObject* watched, QEvent* event)
 
 void HtmlView::keyPressEvent(QKeyEvent* event)
 {
-    // What the view has left over, Escape for one, goes on to the window.
+    // Keys that the view did not use, such as Escape, go on to the window.
     if (!leadsAway(*event) && event->key() != Qt::Key_Backspace)
         event->ignore();
 }

@@ -15,44 +15,44 @@ class QVBoxLayout;
 
 namespace quarrynet {
 
-/// Shows one of the program's local pages. Behind it works a browser engine, a plug-in that is loaded when the view is
-/// first shown, so that a program that never shows it does not pay for it. Where the plug-in is missing, or the engine
-/// cannot start, a plain view stands in.
+/// Shows one of the program's local pages in a browser engine. The engine is a plug-in that is loaded when the view is
+/// first shown, so it costs nothing before. If the plug-in is missing or the engine cannot start, a plain view replaces
+/// it.
 ///
-/// The page stays what it is: links are handed out and never followed here, and neither the page nor a key leads away
-/// from it. Its pictures come over HTTP; nothing else of the net or the file system is open to it.
+/// The view never leaves its page: links are only reported, and neither the page nor a key can navigate. The page gets
+/// pictures over HTTP, and no other access to the network or the file system.
 class HtmlView final : public QWidget
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(HtmlView)
-    /// The local page that is shown, or will be once the view is shown: a file: address, or empty.
+    /// The page to show, as a file: address, or empty.
     Q_PROPERTY(QUrl url READ url NOTIFY urlChanged)
     /// Whether the browser engine shows the page.
     Q_PROPERTY(bool browser READ hasBrowser)
-    /// What the view has to say about its engine, as shown above the page; mostly empty.
+    /// The message about the engine that is shown above the page; usually empty.
     Q_PROPERTY(QString message READ message)
 
 public:
     explicit HtmlView(QWidget* parent = nullptr);
     ~HtmlView() override;
 
-    /// Shows the page at `path`, reading it anew if it is shown already. `pictures` are the gallery that the page
-    /// shows, for a view that reads no pages.
+    /// Shows the page at `path`; reloads it if it is already shown. `pictures` is the gallery on the page, for a view
+    /// that does not read pages.
     void navigate(const QString& path, std::vector<GalleryPicture> pictures = {});
     QUrl url() const { return url_; }
 
-    /// Pictures come through this HTTP proxy from now on; directly where `host` is empty.
+    /// Fetches pictures through this HTTP proxy from now on, or directly if `host` is empty.
     void setProxy(const QString& host, quint16 port);
 
-    /// Where the plug-in is looked for, in this order; by default beside the program and in the installation's library
-    /// folder. Heeded until the view is first shown.
+    /// Sets the folders to search for the plug-in, in this order. The default is the program's folder, then the
+    /// installation's library folder. Has no effect after the view was first shown.
     void setEngineFolders(const QStringList& folders) { engineFolders_ = folders; }
 
     bool hasBrowser() const { return hasBrowser_; }
     QString message() const;
 
 signals:
-    /// A person chose a link. The address is an http, https or ftp one, in the form that openableAddress gives it.
+    /// The user chose a link. `address` is an http, https or ftp address as openableAddress returns it.
     void linkActivated(const std::string& address);
     void urlChanged();
 
@@ -73,7 +73,7 @@ private:
     PageViewHost host();
 
     QUrl url_;
-    std::vector<GalleryPicture> gallery_; // that the page shows
+    std::vector<GalleryPicture> gallery_; // on the page
     QStringList engineFolders_;
     PictureFetcher pictures_;
     QVBoxLayout* layout_;

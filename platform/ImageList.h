@@ -6,7 +6,7 @@
 
 namespace quarrynet {
 
-/// The pictures of a window's buttons, by number: the first one is number 1.
+/// The pictures of a window's buttons, numbered from 1.
 class ImageList final : public QObject
 {
     Q_OBJECT

@@ -22,9 +22,9 @@ void ListViewModel::setRows(std::vector<Row> rows)
 {
     if (rows.empty() && rows_.empty())
         return;
-    // The view lays out all rows in one block, and does not survive where there is none: this finds out before, and
-    // throws what the caller can catch.
-    constexpr std::size_t kLayoutOfARow = 128; // bytes; about twice what it is
+    // The view lays out all rows in one block of memory, and crashes if it cannot get it. This allocation throws before
+    // that, where the caller can catch the exception.
+    constexpr std::size_t kLayoutOfARow = 128; // bytes; about twice the actual size
     std::vector<char>().reserve(rows.size() * kLayoutOfARow);
     beginResetModel();
     rows_ = std::move(rows);
@@ -148,7 +148,7 @@ void ListView::mouseReleaseEvent(QMouseEvent* event)
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    // The first click has taken the selection apart: without a key it left only its own row, with Ctrl all others.
+    // The first click has changed the selection: without a key it left only its own row, with Ctrl all others.
     const int row = indexAt(event->position().toPoint()).row();
     const bool onSelected = pressed_.isValid() && row == pressed_.row();
     const QItemSelection before = beforePress_;
@@ -203,7 +203,7 @@ void ListView::focusInEvent(QFocusEvent* event)
 
 void ListView::resizeEvent(QResizeEvent* event)
 {
-    shareWidth(); // first, for the scroll bars are set for the columns there
+    shareWidth(); // first, because the base class sets the scroll bars for the columns
     QTreeView::resizeEvent(event);
 }
 
@@ -212,7 +212,7 @@ void ListView::shareWidth()
     const QScopedValueRollback<bool> guard(sharing_, true);
     for (std::size_t i = 0; i < shares_.size(); ++i)
         header()->resizeSection(static_cast<int>(i), static_cast<int>(shares_[i] * width()));
-    // A scroll bar takes its room from the last column; otherwise it would push the end of it out of sight.
+    // A scroll bar takes its room from the last column, whose end would otherwise be out of sight.
     const int hidden = header()->length() - viewport()->width();
     if (hidden > 0 && header()->length() <= width()) {
         const int last = header()->count() - 1;

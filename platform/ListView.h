@@ -9,7 +9,7 @@
 
 namespace quarrynet {
 
-/// The rows of a list view: bytes as they were cut, turned into text only when a row is looked at.
+/// The rows of a list view, kept as bytes and converted to text only when a row is read.
 class ListViewModel final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -34,9 +34,9 @@ private:
     std::vector<Row> rows_;
 };
 
-/// A list view in report form: columns with headers, whole rows selected, columns keeping their share of the width when
-/// the list is resized. A double click on one of several selected rows is one on all of them, and leaves them selected.
-/// The copy keys copy the selected rows as they are shown, cells parted by tabs and rows by line feeds.
+/// A list view in report form: columns with headers, whole rows selected, and columns that keep their share of the
+/// width when the list is resized. A double click on one of several selected rows applies to all of them and keeps the
+/// selection. The copy keys copy the selected rows as shown, with tabs between cells and line feeds between rows.
 class ListView final : public QTreeView
 {
     Q_OBJECT
@@ -45,20 +45,20 @@ class ListView final : public QTreeView
 public:
     explicit ListView(QWidget* parent = nullptr);
 
-    /// Sets the columns; to be called once, before rows are shown.
+    /// Sets the columns. Call once, before rows are shown.
     void setColumns(const QStringList& headers);
 
-    /// Sets each column's width in pixels, at the list's present width.
+    /// Sets each column's width in pixels, for the list's current width.
     void setColumnWidths(const std::vector<int>& widths);
 
-    /// Gives each of two columns half the list's width, less 50 twips for the frame.
+    /// Gives each of two columns half the list's width minus 50 twips for the frame.
     void halveColumns();
 
     void setRows(std::vector<ListViewModel::Row> rows);
     const std::vector<ListViewModel::Row>& rows() const;
     void clear() { setRows({}); }
 
-    /// Indexes of the selected rows, ascending.
+    /// Returns the indexes of the selected rows, in ascending order.
     std::vector<std::size_t> selectedRows() const;
 
 signals:
@@ -80,11 +80,11 @@ private:
     void copySelection() const;
 
     ListViewModel* model_ = nullptr;
-    std::vector<double> shares_; // each column's width as a part of the list's
+    std::vector<double> shares_; // each column's fraction of the list's width
     bool sharing_ = false;
-    QItemSelection beforePress_;       // what was selected when a button went down on a selected row
+    QItemSelection beforePress_;       // the selection when a button was pressed on a selected row
     QPersistentModelIndex pressed_;    // a cell of that row
-    bool releasesDoubleClick_ = false; // the release to come is a double click's
+    bool releasesDoubleClick_ = false; // the next release belongs to a double click
 };
 
 } // namespace quarrynet

@@ -14,49 +14,49 @@
 class QUrl;
 class QWidget;
 
-/// What stands behind HtmlView: a view that shows one local page at a time. The browser engine is a plug-in and shares
-/// no code with the program but these interfaces.
+/// The interface of the views behind HtmlView. Each shows one local page at a time. The browser engine is a plug-in and
+/// shares only these interfaces with the program.
 namespace quarrynet {
 
-/// A raster picture as its server sent it; without bytes where there is none.
+/// A raster picture as its server sent it. Empty `bytes` mean that there is none.
 struct Picture
 {
     QByteArray bytes;
-    QByteArray type; // media type, one of those of common/raster_head.h, as the content tells it
+    QByteArray type; // media type found in the content, one of those of common/raster_head.h
     QSize size;      // in pixels
 };
 
-/// A picture of a gallery. The bytes are those of the results page, of any kind and length.
+/// A picture of a gallery. The bytes come from the results page and may be anything.
 struct GalleryPicture
 {
-    std::string address;   // of the whole picture, without its scheme
+    std::string address;   // of the full picture, without its scheme
     std::string thumbnail; // address of the small one
 };
 
-/// No view fetches more pictures than this for one page. A page of results has ten.
+/// Maximum number of pictures that a view fetches for one page. A page of results has ten.
 inline constexpr int kMaxPagePictures = 32;
 
-/// Where a page's pictures come from. A view fetches nothing from the net by itself.
+/// The source of a page's pictures. A view fetches nothing from the network by itself.
 class PictureSource
 {
 public:
     virtual ~PictureSource() = default;
 
-    /// Fetches the picture at an http or https address. `done` runs once, later; not at all when `context` is gone by
-    /// then, which also ends the fetching.
+    /// Fetches the picture at an http or https address. `done` runs once, after this call has returned. Destroying
+    /// `context` cancels the fetch, and `done` then never runs.
     virtual void fetch(const QUrl& address, QObject* context, std::function<void(const Picture&)> done) = 0;
 };
 
-/// What a view needs, and whom it tells.
+/// A view's picture source and callbacks.
 struct PageViewHost
 {
     PictureSource& pictures;
 
-    /// A person chose the link with this address (encoded, of any scheme).
+    /// The user chose the link with this address (encoded, of any scheme).
     std::function<void(const QByteArray& address)> linkActivated;
 
-    /// The view cannot go on; `reason` is a sentence for people. The view may be destroyed soon after, not during, this
-    /// call.
+    /// The view cannot continue; `reason` is a sentence to show. The view may be destroyed soon after this call, not
+    /// during it.
     std::function<void(const QString& reason)> failed;
 };
 
@@ -65,12 +65,12 @@ class PageView
 public:
     virtual ~PageView() = default;
 
-    /// The view's widget, which belongs to the view.
+    /// Returns the view's widget, which the view owns.
     virtual QWidget& widget() = 0;
 
-    /// Shows the local page at `path`, anew if it is shown already. The page may show the program's own pages of its
-    /// folder in its frames, and nothing else of the file system. `pictures` are the gallery that the page shows; a
-    /// view that reads no pages shows them alone.
+    /// Shows the local page at `path`; reloads it if it is already shown. The page's frames may show the program's own
+    /// pages in its folder, and no other file. `pictures` is the gallery on the page; a view that does not read pages
+    /// shows only that.
     virtual void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) = 0;
 };
 
@@ -80,7 +80,8 @@ class PageEngine
 public:
     virtual ~PageEngine() = default;
 
-    /// A view below `parent`; where the engine cannot start, none, and `reason` is a sentence for people.
+    /// Returns a view whose widget is a child of `parent`. If the engine cannot start, returns null and sets `reason`
+    /// to a sentence to show.
     virtual std::unique_ptr<PageView> makeView(const PageViewHost& host, QWidget* parent, QString& reason) = 0;
 };
 

@@ -29,12 +29,12 @@ PagingWindow PagingSlider::window() const
 void PagingSlider::setWindow(const PagingWindow& window)
 {
     const QSignalBlocker quiet(this);
-    // The toolkit would drop a maximum below the minimum.
+    // The toolkit would discard a maximum below the minimum.
     const PagingWindow shown = windowEndingAt(window, window.maximum);
     setRange(shown.minimum, shown.maximum);
     setValue(shown.value);
     setToolTip(QString::number(value()));
-    update(); // the blocked signals are also what would have moved the thumb
+    update(); // the blocked signals would also have moved the thumb
 }
 
 void PagingSlider::reset()

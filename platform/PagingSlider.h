@@ -8,8 +8,8 @@ namespace quarrynet {
 
 /// The page chooser below a result list: its value is a page number.
 ///
-/// A person's change raises `paged` once, on release; setWindow and reset raise nothing. While the thumb is dragged,
-/// the page under it is shown beside it.
+/// A change by the user emits `paged` once, on release; setWindow and reset emit nothing. While the thumb is dragged,
+/// its page number is shown beside it.
 class PagingSlider final : public QSlider
 {
     Q_OBJECT
@@ -19,17 +19,17 @@ public:
     explicit PagingSlider(QWidget* parent = nullptr);
 
     PagingWindow window() const;
-    /// Shows `window`, brought into order by windowEndingAt() where its maximum is not above its minimum.
+    /// Shows `window`, corrected by windowEndingAt() if its maximum is not greater than its minimum.
     void setWindow(const PagingWindow& window);
 
-    /// Pages 1 to 10, at page 1, not available.
+    /// Resets the slider to pages 1 to 10, at page 1, disabled.
     void reset();
 
 signals:
     void paged();
 
 protected:
-    // Slider and tick marks stay together in the middle, however high the control is.
+    // Keeps slider and tick marks together in the middle of a control of any height.
     void initStyleOption(QStyleOptionSlider* option) const override;
 
 private:

@@ -16,7 +16,7 @@ namespace quarrynet {
 namespace {
 
 constexpr int kMaxRedirects = 5;
-// How long a picture may stand still, and how long it may take in all.
+// Timeouts of a picture: without progress, and in total.
 constexpr std::chrono::milliseconds kPatience = std::chrono::seconds(30);
 constexpr std::chrono::milliseconds kWholeTime = std::chrono::seconds(60);
 
@@ -27,7 +27,7 @@ bool isFetchable(const QUrl& address)
            address.toEncoded().size() <= PictureFetcher::kMaxAddress;
 }
 
-// What the server calls it does not matter: the content decides, as it would in a decoder.
+// Ignores the media type that the server declares: the content decides, as it would in a decoder.
 Picture pictureOf(QNetworkReply& reply)
 {
     if (reply.error() != QNetworkReply::NoError)
@@ -85,7 +85,7 @@ void PictureFetcher::start(const Order& order)
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
     request.setTransferTimeout(static_cast<int>(kPatience.count()));
-    // The toolkit would name itself and the person's language, and unpack what was packed small.
+    // By default, the toolkit would send its name and the user's language, and decompress responses of any size.
     request.setRawHeader("User-Agent", "Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)");
     request.setRawHeader("Accept", "*/*");
     request.setRawHeader("Accept-Language", "*");

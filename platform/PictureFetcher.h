@@ -9,23 +9,23 @@
 
 namespace quarrynet {
 
-/// Fetches raster pictures over HTTP, directly or through a proxy. It keeps no cookies, asks nobody for a password, and
-/// tells servers no more of this system than a search does. It gives nothing for a picture that goes beyond a bound.
+/// Fetches raster pictures over HTTP, directly or through a proxy. It keeps no cookies, asks for no passwords, and
+/// tells servers no more about this system than a search does. A picture that exceeds a limit becomes an empty Picture.
 class PictureFetcher final : public QObject, public PictureSource
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PictureFetcher)
 
 public:
-    static constexpr qint64 kMaxBytes = 4 << 20;   // a picture's, as it is sent
-    static constexpr qint64 kMaxPixels = 4 << 20;  // a picture's
-    static constexpr qsizetype kMaxAddress = 8192; // in bytes, as it is asked for
-    static constexpr int kAtOnce = 6;              // pictures on their way
-    static constexpr int kMaxWaiting = 64;         // pictures behind those
+    static constexpr qint64 kMaxBytes = 4 << 20;   // per picture, as sent
+    static constexpr qint64 kMaxPixels = 4 << 20;  // per picture
+    static constexpr qsizetype kMaxAddress = 8192; // in bytes, as sent
+    static constexpr int kAtOnce = 6;              // pictures fetched at the same time
+    static constexpr int kMaxWaiting = 64;         // pictures that wait for those
 
     explicit PictureFetcher(QObject* parent = nullptr);
 
-    /// From now on through the HTTP proxy at `host` and `port`; directly where `host` is empty.
+    /// Fetches through the HTTP proxy at `host` and `port` from now on, or directly if `host` is empty.
     void setProxy(const QString& host, quint16 port);
 
     void fetch(const QUrl& address, QObject* context, std::function<void(const Picture&)> done) override;

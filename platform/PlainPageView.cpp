@@ -17,18 +17,18 @@ namespace quarrynet {
 
 namespace {
 
-// Larger pictures are made smaller: they are thumbnails, and all of them together have to fit into memory.
+// Larger pictures are scaled down: they are thumbnails, and all of them together have to fit into memory.
 constexpr int kMaxPictureSide = 512;
 
 constexpr int kMargin = 12; // below each picture, in pixels
 
-// The name of a picture in the document. Links have the picture's number for their address.
+// The name of a picture in the document. A link's address is the picture's number.
 QUrl pictureName(std::size_t number)
 {
     return {QStringLiteral("picture:%1").arg(number)};
 }
 
-// A page writes the "&" of an address so; a browser reads it as the page meant it.
+// Returns `written` with each "&amp;" decoded to "&", as a browser does it.
 std::string readAmpersands(std::string_view written)
 {
     constexpr std::string_view kWritten = "&amp;";
@@ -48,8 +48,8 @@ QImage decoded(const Picture& picture)
 {
     QByteArray bytes = picture.bytes;
     QBuffer buffer(&bytes);
-    // "image/png" is the reader's "png". It must not choose for itself: among what it can read are drawings that load
-    // other files.
+    // "image/png" is the reader's "png". It must not detect the format itself, because some formats that it reads are
+    // drawings that load other files.
     QImageReader reader(&buffer, picture.type.mid(picture.type.indexOf('/') + 1));
     reader.setAutoDetectImageFormat(false);
     reader.setDecideFormatFromContent(false);
@@ -78,7 +78,7 @@ void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryP
 {
     fetches_ = std::make_unique<QObject>();
     links_.clear();
-    // A document of its own, which also drops the pictures of the gallery before.
+    // A new document also discards the pictures of the last gallery.
     auto* document = new QTextDocument(this);
     document->setUndoRedoEnabled(false);
     document->setDefaultFont(font());
@@ -119,7 +119,7 @@ QVariant PlainPageView::loadResource(int type, const QUrl& /*name*/)
 {
     if (type != QTextDocument::ImageResource)
         return {};
-    // A picture until its own is there. Without any, the document would look for a file of that name.
+    // A placeholder until the picture arrives. Without it, the document would look for a file of that name.
     QPixmap none(1, 1);
     none.fill(Qt::transparent);
     return none;

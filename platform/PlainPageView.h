@@ -9,8 +9,8 @@
 
 namespace quarrynet {
 
-/// The view without a browser engine: the pictures of the gallery, each with its address as caption and link. It reads
-/// no page, so nothing in one can do anything to it.
+/// The view without a browser engine: shows the pictures of the gallery, each with its address as caption and link. It
+/// does not read pages, so no page can harm it.
 class PlainPageView final : public QTextBrowser, public PageView
 {
     Q_OBJECT
@@ -33,9 +33,9 @@ private:
 
     PageViewHost host_;
     std::vector<QByteArray> links_;
-    // What is fetched for the gallery that is shown; a new one begins anew, and what comes for the old is dropped.
+    // The context of the current gallery's fetches. A new gallery replaces it, which cancels those of the old one.
     std::unique_ptr<QObject> fetches_;
-    QTextDocument* shown_ = nullptr; // the last gallery's document, ours to delete
+    QTextDocument* shown_ = nullptr; // the last gallery's document, owned
 };
 
 } // namespace quarrynet

@@ -9,7 +9,7 @@ namespace quarrynet {
 
 namespace {
 
-// By trying: permission bits do not tell of read-only file systems, quotas or Windows' access lists.
+// Tests by writing, because permission bits do not show read-only file systems, quotas or Windows' access lists.
 bool canWrite(const QString& folder)
 {
     QTemporaryFile probe(QDir(folder).filePath(QStringLiteral("probe")));

@@ -4,16 +4,16 @@
 
 namespace quarrynet {
 
-/// Where the settings file and the local pages live.
+/// The folder of the settings file and the local pages.
 struct ProgramFolder
 {
     QString path;
     bool writable;
 };
 
-/// The executable's folder when the user may write there (a portable copy, a build tree), else the user's data folder,
-/// which is made when it is missing. When neither can be written, the data folder's path with `writable` false.
-/// Needs the application object.
+/// Returns the executable's folder if the user may write there (a portable copy, a build tree), otherwise the user's
+/// data folder, which is created if it is missing. If neither is writable, returns the data folder's path with
+/// `writable` false. Needs the application object.
 ProgramFolder findProgramFolder();
 
 } // namespace quarrynet

@@ -8,7 +8,7 @@ namespace quarrynet {
 
 QIcon ProgramStyle::standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const
 {
-    // The arrow for buttons that do not fit: even at the window's minimum size all do.
+    // This is the arrow for buttons that do not fit. All fit, even at the window's minimum size.
     if (picture == SP_ToolBarHorizontalExtensionButton || picture == SP_ToolBarVerticalExtensionButton)
         return {};
     return QProxyStyle::standardIcon(picture, option, widget);
@@ -19,8 +19,8 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
 {
     QSize needed = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (type == CT_MenuItem) {
-        // The Fusion style draws a column for check marks as wide as four fifths of the entry's height, and counts on
-        // this fixed width.
+        // The Fusion style draws a column for check marks as wide as four fifths of the entry's height, but reserves
+        // only this fixed width.
         constexpr int kCountedOn = 21;
         needed.rwidth() += std::max(0, needed.height() * 4 / 5 - kCountedOn);
     }

@@ -4,12 +4,12 @@
 
 namespace quarrynet {
 
-/// The desktop's own style, with what this program mends of it.
+/// The desktop's own style with two corrections.
 class ProgramStyle final : public QProxyStyle
 {
 public:
-    // Leaves one picture out that no toolbar of this program ever shows: to read it, Qt loads every image format that
-    // is installed, which is a sixth of the time until the window is there.
+    // Omits one picture that no toolbar of this program ever shows. To read it, Qt loads every installed image format,
+    // which takes a sixth of the start-up time.
     QIcon standardIcon(StandardPixmap picture, const QStyleOption* option, const QWidget* widget) const override;
 
     // Gives menu entries in large fonts the width that they need.

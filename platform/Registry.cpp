@@ -16,7 +16,7 @@ public:
     std::optional<RegistryValue> query(std::uint32_t root, const std::string& key,
                                        const std::string& name) const override
     {
-        // Reading and writing of values, subkeys, notification and the standard rights.
+        // The rights to read and write values and subkeys, to get notifications, and the standard rights.
         constexpr REGSAM kAccess = 0x2003F;
         constexpr DWORD kBufferSize = 1024;
 

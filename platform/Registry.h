@@ -11,10 +11,10 @@ namespace quarrynet {
 struct RegistryValue
 {
     std::uint32_t type = 0; // REG_SZ and so on, by the system's numbers
-    std::string bytes;      // as many as the system says, the zero byte that ends a text included
+    std::string bytes;      // as many as the system reports, including a text's terminating zero byte
 };
 
-/// The machine's settings registry, where it has one.
+/// The system's registry of settings, if it has one.
 class Registry
 {
 public:
@@ -23,13 +23,13 @@ public:
 
     virtual ~Registry() = default;
 
-    /// The value called `name` of the key `root`\`key`. Nothing when key or value are missing or may not be read, or
-    /// when the value is longer than 1024 bytes. Names and texts are in the system's 8-bit encoding.
+    /// Returns the value `name` of the key `root`\`key`, or nothing when the key or value is missing or may not be
+    /// read, or the value is longer than 1024 bytes. Names and texts are in the system's 8-bit encoding.
     virtual std::optional<RegistryValue> query(std::uint32_t root, const std::string& key,
                                                const std::string& name) const = 0;
 };
 
-/// This machine's registry; one without any value on a system that has none.
+/// Returns this system's registry, or an empty one on a system without a registry.
 std::unique_ptr<Registry> systemRegistry();
 
 } // namespace quarrynet

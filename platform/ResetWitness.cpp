@@ -43,7 +43,7 @@ void ResetWitness::forget()
 void ResetWitness::watch(qintptr descriptor)
 {
     forget();
-    // A program started meanwhile must not hold the connection open.
+    // A child process started meanwhile must not keep the connection open.
     descriptor_ = ::fcntl(static_cast<int>(descriptor), F_DUPFD_CLOEXEC, 0);
 }
 
@@ -51,7 +51,7 @@ bool ResetWitness::sawReset() const
 {
     if (descriptor_ == -1)
         return false;
-    // After the other side's FIN alone our own direction is still open; only a reset shuts both.
+    // After the peer's FIN alone, our own direction is still open; only a reset closes both.
     pollfd state = {static_cast<int>(descriptor_), POLLIN, 0};
     return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
 }

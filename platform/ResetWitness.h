@@ -4,10 +4,10 @@
 
 namespace quarrynet {
 
-/// Tells a connection that was reset (RST, RFC 9293 section 3.5.2) from one that ended in an orderly way (FIN).
+/// Distinguishes a connection that was reset (RST, RFC 9293 section 3.5.2) from one that was closed in order (FIN).
 ///
-/// QTcpSocket reports both alike and has closed its descriptor by then, so this keeps a second one of the same
-/// connection. It has to be forgotten for the connection to end.
+/// QTcpSocket reports both alike and has then already closed its descriptor, so this keeps a duplicate. The connection
+/// ends only after forget().
 class ResetWitness
 {
 public:
@@ -15,10 +15,10 @@ public:
     ~ResetWitness() { forget(); }
     Q_DISABLE_COPY_MOVE(ResetWitness)
 
-    /// Begins to watch a connected socket.
+    /// Starts watching a connected socket.
     void watch(qintptr descriptor);
 
-    /// False when nothing is watched.
+    /// Returns whether the watched connection was reset. Returns false when nothing is watched.
     bool sawReset() const;
 
     void forget();

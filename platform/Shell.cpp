@@ -25,13 +25,13 @@ namespace quarrynet {
 
 namespace {
 
-/// Keeps what this program and the libraries in it have open from the program that is started next: a connection that
-/// another program holds too does not end with this one. What is opened here is opened so already; this stands in for
-/// what is not, and for what this program was started with. (A detached process runs no modifier of ours.)
+/// Prevents the next child process from inheriting open descriptors: a connection that another process also holds does
+/// not end with this one. The program's own descriptors are already close-on-exec; this covers those of libraries and
+/// inherited ones. (A detached process cannot have a child process modifier.)
 void keepDescriptors()
 {
 #if defined(__linux__) && defined(SYS_close_range)
-    // Older systems do not know the call, and leave everything as it was opened.
+    // Older systems do not have the call; the descriptors then stay as they were opened.
     ::syscall(SYS_close_range, static_cast<unsigned>(STDERR_FILENO + 1), UINT_MAX, CLOSE_RANGE_CLOEXEC);
 #endif
 }
@@ -49,7 +49,7 @@ void handToDesktop(const QString& target)
     QProcess process;
     process.setProgram(opener);
     process.setArguments({target});
-    // What the opener has to say is no output of this program.
+    // The opener's messages do not belong in this program's output.
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
@@ -62,7 +62,7 @@ void handToDesktop(const QString& target)
 
 DesktopShell::DesktopShell(std::string manualPage) : manualPage_(std::move(manualPage))
 {
-    // A relative path could be taken for an option, and would depend on where the program was started.
+    // A relative path could be read as an option, and would depend on the working directory.
     if (!std::filesystem::path(manualPage_).is_absolute())
         manualPage_.clear();
 }

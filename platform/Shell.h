@@ -5,24 +5,24 @@
 
 namespace quarrynet {
 
-/// Opens addresses in the user's own programs. An interface, so that a test can keep what it was told to open.
+/// Opens addresses in the user's default programs. An interface, so that tests can record the addresses.
 class Shell
 {
 public:
     virtual ~Shell() = default;
 
-    /// Opens `address` (bytes as they stood in their page) in the program that the user has chosen for its kind. Waits
-    /// for nothing and reports nothing: an address that may not be opened, or that no program takes, is passed over.
+    /// Opens `address` (bytes as the page had them) in the user's default program for its kind. Returns at once and
+    /// reports nothing: an address that may not be opened, or that no program accepts, is ignored.
     virtual void open(std::string_view address) = 0;
 };
 
-/// The desktop's opener: xdg-open, on macOS open, on Windows the system's shell. It is started by itself, with the
-/// address as its one argument; no command interpreter reads the address.
+/// Runs the desktop's opener: xdg-open, on macOS open, on Windows the system's shell. The address is its only argument;
+/// no command interpreter reads it.
 class DesktopShell final : public Shell
 {
 public:
-    /// `manualPage`: the absolute path (in the file system's encoding) of the one local page that may be opened, or
-    /// empty. What else may be opened, openableAddress says.
+    /// `manualPage` is the absolute path (in the file system's encoding) of the only local page that may be opened, or
+    /// empty. See openableAddress for the other addresses that may be opened.
     explicit DesktopShell(std::string manualPage);
 
     void open(std::string_view address) override;
@@ -31,8 +31,8 @@ private:
     std::string manualPage_;
 };
 
-/// Starts the program at `path` (in the file system's encoding) without arguments and in a normal window. False when it
-/// cannot be started.
+/// Starts the program at `path` (in the file system's encoding) without arguments, in a normal window. Returns false if
+/// it cannot be started.
 bool startProgram(const std::string& path);
 
 } // namespace quarrynet

@@ -21,7 +21,8 @@ namespace {
 
 using WinSockError = TcpClientSocket::WinSockError;
 
-// What the socket may read ahead. Without a bound it takes all that the system holds, which stays in the heap.
+// Maximum size of the read buffer, in bytes. Without a limit, the socket would read everything that the system has, and
+// keep that memory.
 constexpr qint64 kReadAhead = 1024 * 1024;
 
 constexpr WinSockError kHostNotFound = {11001, "Host not found"};
@@ -51,19 +52,19 @@ WinSockError winSockError(QAbstractSocket::SocketError error)
     }
 }
 
-/// Whether it is worth asking the system for `name`. What is no address and no host name (RFC 1123 section 2.1; the
-/// underscore is in use) is known not to exist, while name servers may take minutes to say so. A NUL would end the name
-/// for the system, and a blank its address, which then is another host's.
+/// Returns whether `name` is an address or a host name (RFC 1123 section 2.1, plus the underscore, which is in use).
+/// Other names cannot exist, but name servers may take minutes to say so. The system would end a name at a NUL, and an
+/// address at a blank, and connect to another host.
 bool canBeHost(const QString& name)
 {
-    const QByteArray ascii = QUrl::toAce(name); // empty for labels that are too long, or empty themselves
+    const QByteArray ascii = QUrl::toAce(name); // empty if a label is empty or too long
     const auto allOf = [](const auto& text, std::string_view marks) {
         return std::all_of(text.begin(), text.end(), [marks](QChar c) {
             const char latin = c.toLatin1();
             return isAsciiAlphanumeric(latin) || (latin != 0 && marks.find(latin) != std::string_view::npos);
         });
     };
-    constexpr qsizetype kLongestName = 254; // the root's dot included
+    constexpr qsizetype kLongestName = 254; // including the root's dot
     if (!ascii.isEmpty() && ascii.size() <= kLongestName && allOf(QString::fromLatin1(ascii), "-._"))
         return true;
     return allOf(name, ":.%") && QHostAddress(name).protocol() == QAbstractSocket::IPv6Protocol;
@@ -93,8 +94,8 @@ void TcpClientSocket::leave()
         return;
     witness_.forget();
     socket_->disconnect(this);
-    // This runs from within the socket's own signals, and it does not survive an abort there. Queued, the abort also
-    // runs in the event loop of a message box, which a deferred deletion would wait out.
+    // This runs inside the socket's own signals, where an abort would crash it. A queued abort also runs in the event
+    // loop of a message box, while a deferred deletion would wait for its end.
     QMetaObject::invokeMethod(socket_, &QAbstractSocket::abort, Qt::QueuedConnection);
     socket_->deleteLater();
     socket_ = nullptr;
@@ -113,7 +114,7 @@ void TcpClientSocket::Connect(std::string_view host, int port)
     connect(socket_, &QTcpSocket::readyRead, this, &TcpClientSocket::dataArrival);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TcpClientSocket::bytesWritten);
     connect(socket_, &QTcpSocket::errorOccurred, this, &TcpClientSocket::socketFailed);
-    // Queued, so that no event reaches a caller before its start is finished, not even a refusal known at once.
+    // Queued, so that Connect returns before the first event, even if that is an immediate refusal.
     QMetaObject::invokeMethod(
         socket_,
         [this, socket = socket_, name = toText(host), port] {
@@ -171,8 +172,8 @@ SocketState TcpClientSocket::State() const
 void TcpClientSocket::fail(const WinSockError& error)
 {
     ended_ = SocketState::Error;
-    // While the box about the first error stands there, a connection that timed out would report its end as well, as
-    // if the server had sent everything.
+    // While the box about the first error is open, a timed-out connection would also report its end, as if the server
+    // had sent everything.
     leave();
     emit failed(error.number, QString::fromLatin1(error.description));
 }
@@ -181,7 +182,7 @@ void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
 {
     if (error == QAbstractSocket::RemoteHostClosedError && !witness_.sawReset()) {
         ended_ = SocketState::Closing;
-        // The rest of what was received is announced before the end of it.
+        // The remaining received data is announced before the end.
         if (socket_->bytesAvailable() > 0)
             emit dataArrival();
         if (ended_ == SocketState::Closing)

@@ -8,11 +8,11 @@
 
 namespace quarrynet {
 
-/// A TCP client socket with the operations, events and ten states that the fetch cycle is written in.
+/// A TCP client socket with the operations, events and ten states that the fetch cycle uses.
 ///
-/// Never goes through a proxy of its own accord: the request text alone decides that. Error numbers are WinSock's,
-/// which people can look up: 10061 refused, 11001 host not found, 10054 reset, 10060 timed out, 10051 network
-/// unreachable, 10053 aborted, 10049 for a port that does not exist.
+/// It never uses a proxy by itself; callers connect to one like to any host. Error numbers are those of WinSock, which
+/// users can look up: 10061 refused, 11001 host not found, 10054 reset, 10060 timed out, 10051 network unreachable,
+/// 10053 aborted, 10049 for a port that does not exist.
 class TcpClientSocket final : public QObject, public ClientSocket
 {
     Q_OBJECT
@@ -36,23 +36,23 @@ signals:
     void dataArrival();
     void sendProgress();
     void sendComplete();
-    /// The server closed the connection; everything that it sent has been announced before.
+    /// The server closed the connection. All its data has been announced before.
     void closedByPeer();
-    /// The connection failed; no other signal follows. `description` is readable English.
+    /// The connection failed; no other signal follows. `description` is an English text to show.
     void failed(int number, const QString& description);
 
 private:
     int stateNumber() const { return static_cast<int>(State()); }
-    /// Ends the connection, if there is one. Nothing more is heard of it.
+    /// Ends the connection, if there is one. It emits no further signals.
     void leave();
     void fail(const WinSockError& error);
     void socketFailed(QAbstractSocket::SocketError error);
     void bytesWritten();
 
-    // A socket object a connection: an event that was on its way when Close was called belongs to the past.
+    // Each connection has its own socket object, so events that were still queued when Close was called are ignored.
     QTcpSocket* socket_ = nullptr;
     ResetWitness witness_;
-    SocketState ended_ = SocketState::Closed; // the state while no socket is at work
+    SocketState ended_ = SocketState::Closed; // the state while there is no socket
 };
 
 } // namespace quarrynet

@@ -8,26 +8,26 @@
 
 class QWidget;
 
-/// The program's message boxes. All are modal with a single OK button and return when they have been answered; the
-/// title is the program's unless said otherwise.
+/// The program's message boxes. All are modal with a single OK button, and the functions return when the box is closed.
+/// The title is the program's name unless stated otherwise.
 namespace quarrynet {
 
-/// An input problem or a search without results: information icon.
+/// Reports an input problem or a search without results: information icon.
 void showInformation(QWidget* owner, const QString& text);
 
-/// A cancelled operation: critical icon.
+/// Reports a cancelled operation: critical icon.
 void showCritical(QWidget* owner, const QString& text);
 
-/// A socket's error: exclamation icon, title "Error". `description` is UTF-8.
+/// Reports a socket's error: exclamation icon, title "Error". `description` is UTF-8.
 void showSocketError(QWidget* owner, int number, std::string_view description);
 
-/// A step that could not be carried out: critical icon.
+/// Reports a step that failed: critical icon.
 void showRuntimeError(QWidget* owner, RuntimeError error);
 
-/// A setting that cannot be used: critical icon, with the settings file and what is wrong with which setting.
+/// Reports an unusable setting: critical icon, the settings file, and the setting with its fault.
 void showSettingError(QWidget* owner, RuntimeError error, const QString& path, const QString& reason);
 
-/// A file or folder that the program needs and cannot write: critical icon, with the path and the reason.
+/// Reports a file or folder that the program cannot write: critical icon, path and reason.
 void showFileError(QWidget* owner, const QString& path, const QString& reason);
 
 } // namespace quarrynet

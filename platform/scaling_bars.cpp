@@ -10,7 +10,7 @@ namespace quarrynet {
 
 namespace {
 
-// QMenuBar has its entries begin below the style's margin, and offers no other way to move them.
+// QMenuBar's entries begin below the style's margin; there is no other way to move them.
 class CentredEntries final : public QProxyStyle
 {
 public:
@@ -23,7 +23,7 @@ public:
                                    pixelMetric(PM_MenuBarPanelWidth, option, widget));
     }
 
-    // The height of a menu bar's entries.
+    // Returns the height of a menu bar's entries.
     int entryHeight(const QWidget& bar) const
     {
         QStyleOptionMenuItem entry;
@@ -65,8 +65,8 @@ void TabStrip::fit()
         return;
     fittedSize_ = size();
     fittedPoints_ = wantedPoints_;
-    // In half points: a whole one is a large step at the sizes at which the labels are tight. Every size that is tried
-    // loads a font, so after the wanted one the search goes on at what its result calls for.
+    // In half points, because a whole point is a large step at small sizes. Every size tried loads a font, so after the
+    // wanted size the search continues at the size that its result suggests.
     const int wanted = 2 * wantedPoints_;
     for (int halves = wanted; halves >= 4;) {
         QFont smaller = font();
@@ -98,14 +98,14 @@ void ToolBar::resizeEvent(QResizeEvent* event)
     const int side = std::max(8, height() * 5 / 8);
     setIconSize(QSize(side, side));
     QToolBar::resizeEvent(event);
-    // The layout was asked before this event, with the pictures as they were.
+    // The layout was computed before this event, with the old picture size.
     layout()->invalidate();
     layout()->setGeometry(rect());
 }
 
 MenuBar::MenuBar(int height, QWidget* parent) : QMenuBar(parent)
 {
-    setNativeMenuBar(false); // it would leave the window, whose layout counts on its height
+    setNativeMenuBar(false); // a native bar leaves the window, whose layout needs the bar's height
     setFixedHeight(height);
     auto* style = new CentredEntries;
     style->setParent(this);

@@ -9,11 +9,10 @@
 #include <QTabBar>
 #include <QToolBar>
 
-/// The window's bars, as far as stock widgets do not follow when the layout changes their size.
+/// The window's bars. Stock widgets would not adapt when the layout changes their size.
 namespace quarrynet {
 
-/// A tab strip on which all tabs stay readable in full: where the labels do not fit at the wanted font size, the font
-/// gives way.
+/// A tab strip whose labels are never cut: if they do not fit at the wanted font size, the font is reduced.
 class TabStrip final : public QTabBar
 {
     Q_OBJECT
@@ -38,7 +37,7 @@ private:
     int fittedPoints_ = 0;
 };
 
-/// A toolbar whose pictures keep their share of its height.
+/// A toolbar whose pictures scale with its height.
 class ToolBar final : public QToolBar
 {
     Q_OBJECT
@@ -51,7 +50,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 };
 
-/// A menu bar of a fixed height, with its entries in the middle of it rather than at its top.
+/// A menu bar of a fixed height, with vertically centred entries.
 class MenuBar final : public QMenuBar
 {
     Q_OBJECT
@@ -61,8 +60,8 @@ public:
     MenuBar(int height, QWidget* parent);
 };
 
-/// A status bar that consists of panels and has them as high as itself: a stock one keeps margins that leave no room
-/// for a text where the bar is low.
+/// A status bar of panels that are as high as the bar. A stock bar has margins that leave no room for text in a low
+/// bar.
 class StatusBar final : public QStatusBar
 {
     Q_OBJECT
@@ -71,7 +70,7 @@ class StatusBar final : public QStatusBar
 public:
     explicit StatusBar(QWidget* parent = nullptr);
 
-    /// Adds a panel at the right, which gets `share` of the sum of all shares of the width.
+    /// Adds a panel at the right. Its part of the width is `share` divided by the sum of all shares.
     void addPanel(QLabel& panel, int share);
 
 protected:

@@ -4,8 +4,8 @@ class QWidget;
 
 namespace quarrynet {
 
-/// Takes the last entry, which is Close, out of the system menu of a top-level window that has been created, so that
-/// its user cannot close it. Does nothing where windows have no such menu: there the window has to refuse to close.
+/// Removes the last entry, Close, from the system menu of a top-level window whose native window exists, so that the
+/// user cannot close it. Does nothing on systems without such menus; there, the window must reject close events.
 void removeLastSystemMenuEntry(QWidget& window);
 
 } // namespace quarrynet

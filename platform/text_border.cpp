@@ -14,8 +14,8 @@ namespace {
 
 constexpr qsizetype kLongestLine = 4096; // UTF-16 units
 
-// What is looked at of a longer text: enough to see behind the longest line whether its last character ends there. No
-// code page takes more than three bytes a unit.
+// The part of a longer text that is read: enough to tell whether the longest line's last character ends there. No code
+// page needs more than three bytes per unit.
 constexpr qsizetype kUnitsOfALine = kLongestLine + 64;
 constexpr std::size_t kBytesOfALine = 3 * kUnitsOfALine;
 
@@ -25,7 +25,7 @@ constexpr char16_t kEllipsis = u'\u2026';
 
 QString decoded(std::string_view bytes, bool whole)
 {
-    // A decoder with a state takes a character that is cut off at the end for one that is still to come.
+    // A stateful decoder treats a character that is cut at the end as incomplete, not as invalid.
     QStringDecoder decoder(QStringDecoder::System,
                            whole ? QStringDecoder::Flag::Stateless : QStringDecoder::Flag::Default);
     const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
@@ -37,7 +37,7 @@ QString decoded(std::string_view bytes, bool whole)
 QString decoded(std::string_view bytes, bool)
 {
     QString text;
-    std::size_t valid = 0; // bytes before this one are in `text` or in the run that ends here
+    std::size_t valid = 0; // bytes before this index are in `text` or in the run that ends here
     std::size_t runStart = 0;
     const auto takeRun = [&] {
         text += QString::fromUtf8(bytes.data() + runStart, static_cast<qsizetype>(valid - runStart));
@@ -71,8 +71,8 @@ bool endsALine(QChar character)
            character == QChar::ParagraphSeparator;
 }
 
-// The length of the longest beginning of `text` that is no longer than `length` and ends between two characters as
-// people see them. A pile of marks on one letter can be longer than any line; it is cut, but never a surrogate pair.
+// Returns the length of the longest prefix of `text` of at most `length` units that ends at a grapheme boundary. A
+// letter with very many combining marks can exceed any line, so it is cut, but never within a surrogate pair.
 qsizetype wholeCharacters(QStringView text, qsizetype length)
 {
     constexpr qsizetype kLongestPile = 64;
@@ -86,7 +86,7 @@ qsizetype wholeCharacters(QStringView text, qsizetype length)
     return text[length].isLowSurrogate() && text[length - 1].isHighSurrogate() ? length - 1 : length;
 }
 
-// As toLine(); `whole` is false where text was left out already.
+// Does the work of toLine(). `whole` is false if `text` is already shortened.
 QString shownLine(QStringView text, bool whole)
 {
     const qsizetype length = wholeCharacters(text, kLongestLine);

@@ -5,26 +5,25 @@
 
 #include <QString>
 
-/// The one border between bytes, in which the program searches and cuts, and text for people. The bytes are in the
-/// system's code page: UTF-8 on Linux and macOS, the ANSI code page on Windows.
+/// All conversions between bytes, which the program searches and cuts, and text to show. The bytes are in the system's
+/// code page: UTF-8 on Linux and macOS, the ANSI code page on Windows.
 namespace quarrynet {
 
-/// Bytes as text to be shown. Never fails: a byte that is not valid in the system's code page is shown as the Latin-1
-/// character of its number.
+/// Returns `bytes` as text to show. Never fails: a byte that is invalid in the system's code page becomes the Latin-1
+/// character of its value.
 QString toText(std::string_view bytes);
 
-/// `bytes` as one line on the screen, for cells, captions, tool tips and whatever else shows words that came from
-/// outside. Control characters, line ends among them, become blanks. Each character that turns the direction of reading
-/// becomes U+FFFD, so that an address cannot be made to read backwards. At most 4,096 UTF-16 units are shown: laying
-/// out megabytes that nobody could read would stop the window. A longer text is cut between two characters and ends in
-/// an ellipsis.
+/// Returns `bytes` as one line to show in cells, captions, tool tips and other places for texts from outside. Control
+/// characters, including line ends, become blanks. Characters that change the text direction become U+FFFD, so that no
+/// address can be displayed backwards. A text of more than 4,096 UTF-16 units, whose layout could block the window, is
+/// cut between two characters and ends in an ellipsis.
 QString toLine(std::string_view bytes);
 
-/// The same for what is text already.
+/// Does the same for text.
 QString toLine(QStringView text);
 
-/// Typed text as bytes. What the code page cannot say becomes "?" (on Windows; UTF-8 can say everything but an unpaired
-/// surrogate).
+/// Returns typed text as bytes. Characters that the code page lacks become "?" (on Windows; UTF-8 lacks only unpaired
+/// surrogates).
 std::string toBytes(const QString& text);
 
 } // namespace quarrynet

@@ -4,8 +4,8 @@
 
 namespace quarrynet {
 
-/// Keys that a page view swallows, because they would lead away from its page or load it again: Alt with anything,
-/// Ctrl+N, Ctrl+R and F5. (Backspace is swallowed too, but not in a page's field.)
+/// Returns whether a page view discards `key` because it would leave the page or reload it: Alt with any key, Ctrl+N,
+/// Ctrl+R and F5. (Backspace is discarded too, except in a page's field.)
 inline bool leadsAway(const QKeyEvent& key)
 {
     const bool control = key.modifiers().testFlag(Qt::ControlModifier);

@@ -11,7 +11,7 @@
 #include "platform/webengine/RequestGuard.h"
 #include "platform/webengine/sandbox.h"
 
-// Exported by Qt Gui for the engine; no header of the library's users declares them.
+// Qt Gui exports these for the engine; no public header declares them.
 Q_GUI_EXPORT QOpenGLContext* qt_gl_global_share_context();
 Q_GUI_EXPORT void qt_gl_set_global_share_context(QOpenGLContext* context);
 
@@ -20,18 +20,18 @@ namespace quarrynet {
 namespace {
 
 constexpr const char* kFlags = "QTWEBENGINE_CHROMIUM_FLAGS";
-constexpr const char* kNoSandbox = "QTWEBENGINE_DISABLE_SANDBOX"; // any value disables it, the empty one too
+constexpr const char* kNoSandbox = "QTWEBENGINE_DISABLE_SANDBOX"; // any value disables it, even an empty one
 constexpr const char* kDebugging = "QTWEBENGINE_REMOTE_DEBUGGING";
 constexpr const char* kProcess = "QTWEBENGINEPROCESS_PATH";
 
 constexpr const char* kOurFlags = "--disable-gpu --no-first-run --disable-background-networking"
                                   " --disable-component-update --disable-sync --disable-breakpad"
-                                  // The engine itself never uses the net, so it finds no host in it.
+                                  // The engine itself never uses the network, so it must resolve no host.
                                   " --host-resolver-rules=\"MAP * ~NOTFOUND\""
                                   " --force-webrtc-ip-handling-policy=disable_non_proxied_udp";
 
-// Gives an environment variable another value, or none, while it lives. The engine reads its options from the
-// environment when it starts; the programs that this one starts must not find them there.
+// Changes or removes an environment variable during its lifetime. The engine reads its options from the environment
+// when it starts; other child processes must not inherit them.
 class ScopedVariable
 {
     Q_DISABLE_COPY_MOVE(ScopedVariable)
@@ -59,11 +59,11 @@ private:
     std::optional<QByteArray> before_;
 };
 
-// The program that draws the pages. The engine ends this one when it does not find it.
+// Returns whether the engine's rendering program exists. Without it, the engine would end this process.
 bool processExists()
 {
 #if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
-    return true; // it lies elsewhere there, and always beside the library
+    return true; // elsewhere, and always installed with the library
 #else
     if (qEnvironmentVariableIsSet(kProcess))
         return QFileInfo(qEnvironmentVariable(kProcess)).isExecutable();
@@ -72,13 +72,13 @@ bool processExists()
 #endif
 }
 
-// Draws by the processor alone: thumbnails need no graphics card, and a program that was started without this engine
-// has no context to share with it. The engine wants to look at one all the same, so it gets one that was never made.
+// Selects software rendering: thumbnails need no graphics card, and a program that started without this engine has no
+// OpenGL context to share. The engine still requires one, so it gets a context that was never created.
 void prepareDrawing()
 {
     QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
     if (qt_gl_global_share_context() == nullptr)
-        qt_gl_set_global_share_context(new QOpenGLContext); // kept for the engine's life, which is the program's
+        qt_gl_set_global_share_context(new QOpenGLContext); // the engine needs it until the process ends
 }
 
 } // namespace
@@ -86,15 +86,15 @@ void prepareDrawing()
 std::unique_ptr<PageView> BrowserEngine::makeView(const PageViewHost& host, QWidget* parent, QString& reason)
 {
     if (!processExists()) {
-        reason = tr("its drawing process is not installed.");
+        reason = tr("its rendering process is not installed.");
         return nullptr;
     }
     switch (sandboxOfThisSystem()) {
     case Sandbox::NotForRoot:
-        reason = tr("it has no sandbox when root starts it.");
+        reason = tr("it cannot use a sandbox when root starts it.");
         return nullptr;
     case Sandbox::Refused:
-        reason = tr("this system refuses it a sandbox.");
+        reason = tr("this system does not allow it a sandbox.");
         return nullptr;
     case Sandbox::Usable:
         break;
@@ -106,7 +106,7 @@ std::unique_ptr<PageView> BrowserEngine::makeView(const PageViewHost& host, QWid
         prepareDrawing();
         PictureHandler::registerScheme();
     }
-    // Whatever else these variables hold could take the sandbox away or open a port to the page.
+    // Other values of these variables could disable the sandbox or open a debugging port.
     const ScopedVariable flags(kFlags, kOurFlags);
     const ScopedVariable sandbox(kNoSandbox, std::nullopt);
     const ScopedVariable debugging(kDebugging, std::nullopt);

@@ -6,7 +6,7 @@
 
 namespace quarrynet {
 
-/// The browser engine as a plug-in: starts the engine of Qt WebEngine on the first view that is asked for.
+/// The browser engine as a plug-in. The first makeView() starts the engine of Qt WebEngine.
 class BrowserEngine final : public QObject, public PageEngine
 {
     Q_OBJECT

@@ -10,7 +10,7 @@ namespace quarrynet {
 
 namespace {
 
-// A page that is busy may take a while to find the link under the pointer.
+// A busy page may take a while to find the link under the pointer.
 constexpr qint64 kMomentMs = 5000;
 
 qint64 monotonicMs()
@@ -38,7 +38,7 @@ void BrowserPage::personActed()
 
 void BrowserPage::offerLink(const QUrl& address)
 {
-    // A script can click a link as well. One press is one link.
+    // Scripts can click links too, so one press allows one link.
     if (monotonicMs() > linkAllowedUntil_)
         return;
     linkAllowedUntil_ = 0;
@@ -81,7 +81,7 @@ bool BrowserPage::javaScriptPrompt(const QUrl& /*origin*/, const QString& /*text
 void BrowserPage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel /*level*/, const QString& /*message*/,
                                            int /*line*/, const QString& /*source*/)
 {
-    // What a page has to say is no output of this program.
+    // A page's messages do not belong in this program's output.
 }
 
 } // namespace quarrynet

@@ -8,18 +8,19 @@ namespace quarrynet {
 
 class RequestGuard;
 
-/// A page that stays where it is: what would lead away from it is handed out as a link, and only when a person chose
-/// it. It shows no dialogs, opens no windows, takes no files and grants no permissions.
+/// A page that rejects navigation. Instead it reports the address as a link, if the user chose it. It shows no dialogs,
+/// opens no windows, accepts no files and grants no permissions.
 class BrowserPage final : public QWebEnginePage
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(BrowserPage)
 
 public:
-    /// `guard` knows the pages that may be shown. `profile` has to outlive the page.
+    /// `guard` decides which pages may be shown. `profile` must outlive the page.
     BrowserPage(const RequestGuard& guard, QWebEngineProfile* profile, QObject* parent);
 
-    /// A person pressed a button or a key that may choose a link: the next link within a moment is theirs.
+    /// Call when the user presses a button or a key that may choose a link. The next link within five seconds counts as
+    /// the user's choice.
     void personActed();
 
 signals:
@@ -40,7 +41,7 @@ private:
     void offerLink(const QUrl& address);
 
     const RequestGuard& guard_;
-    qint64 linkAllowedUntil_ = 0; // milliseconds of the system's monotonic clock
+    qint64 linkAllowedUntil_ = 0; // in milliseconds of the system's monotonic clock
 };
 
 } // namespace quarrynet

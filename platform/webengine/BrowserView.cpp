@@ -21,8 +21,8 @@ namespace quarrynet {
 
 namespace {
 
-// Characters that turn the direction of reading become marks, as everywhere in the program, so that no address reads
-// backwards.
+// Characters that change the text direction become U+FFFD, as everywhere in the program, so that no address is
+// displayed backwards.
 constexpr const char* kMarks = "var w = document.createTreeWalker(document, NodeFilter.SHOW_TEXT);"
                                "while (w.nextNode()) {"
                                "  var t = w.currentNode.data.replace("
@@ -30,7 +30,7 @@ constexpr const char* kMarks = "var w = document.createTreeWalker(document, Node
                                "  if (t != w.currentNode.data) w.currentNode.data = t;"
                                "}";
 
-// A script of the program's own, out of the page's reach. It runs although the page's scripts do not.
+// Returns a script of the program's own that the page cannot access. It runs although the page's scripts do not.
 QWebEngineScript markScript()
 {
     QWebEngineScript script;
@@ -51,7 +51,7 @@ bool choosesLink(const QEvent& event)
     return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
-// The left button chooses links and the middle one, too; the others would open a menu or lead through a history.
+// Only the left and middle buttons choose links. The others would open a menu or navigate the history.
 bool isForbiddenButton(const QEvent& event)
 {
     if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonRelease &&
@@ -61,7 +61,7 @@ bool isForbiddenButton(const QEvent& event)
     return button != Qt::LeftButton && button != Qt::MiddleButton;
 }
 
-// Backspace belongs to a field, and nowhere else.
+// Backspace is allowed only in a field.
 bool isForbiddenKey(const QKeyEvent& key, const QObject& place)
 {
     if (leadsAway(key))
@@ -93,7 +93,7 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
             [this](const QByteArray& address) { host_.linkActivated(address); });
     connect(page_, &QWebEnginePage::loadFinished, this, [this](bool loaded) {
         page_->history()->clear();
-        // Each link that was pressed in the page before may have ended the loading of this one.
+        // Each link that was pressed in the previous page may have aborted the loading of this one.
         if (!loaded && retries_ > 0) {
             --retries_;
             setUrl(shown_);
@@ -106,14 +106,14 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
             });
 
     const auto* watch = new PageWatch(*page_, this);
-    connect(watch, &PageWatch::hangs, this, [this] { giveUp(tr("The browser view did not answer any more.")); });
-    connect(watch, &PageWatch::grows, this, [this] { giveUp(tr("The browser view took too much memory.")); });
-    connect(guard_, &RequestGuard::flooded, this, [this] { giveUp(tr("The page asked for too much.")); });
+    connect(watch, &PageWatch::hangs, this, [this] { giveUp(tr("The browser view stopped responding.")); });
+    connect(watch, &PageWatch::grows, this, [this] { giveUp(tr("The browser view used too much memory.")); });
+    connect(guard_, &RequestGuard::flooded, this, [this] { giveUp(tr("The page sent too many requests.")); });
 }
 
 BrowserView::~BrowserView()
 {
-    delete page_; // before its profile
+    delete page_; // must be deleted before its profile
 }
 
 void BrowserView::restrict()
@@ -122,7 +122,7 @@ void BrowserView::restrict()
     profile_->setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);
     profile_->cookieStore()->setCookieFilter([](const QWebEngineCookieStore::FilterRequest&) { return false; });
     profile_->setSpellCheckEnabled(false);
-    // A search's name, which tells nothing of this system.
+    // The user agent of the searches, which reveals nothing about this system.
     profile_->setHttpUserAgent(QStringLiteral("Mozilla/4.0 (compatible; MSIE 5.00; Windows 98)"));
     profile_->setHttpAcceptLanguage(QStringLiteral("*"));
     connect(profile_.get(), &QWebEngineProfile::downloadRequested, this,
@@ -139,8 +139,8 @@ void BrowserView::restrict()
           QWebEngineSettings::AllowRunningInsecureContent, QWebEngineSettings::AllowGeolocationOnInsecureOrigins,
           QWebEngineSettings::NavigateOnDropEnabled, QWebEngineSettings::ErrorPageEnabled})
         settings->setAttribute(attribute, false);
-    // The pages are local, show each other in frames and show pictures of the net. What they may load of either, the
-    // guard decides.
+    // The pages are local, show each other in frames, and show pictures from the network. The guard decides what they
+    // may load.
     settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
     settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
     settings->setAttribute(QWebEngineSettings::WebRTCPublicInterfacesOnly, true);
@@ -165,7 +165,7 @@ void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture
 
 void BrowserView::childEvent(QChildEvent* event)
 {
-    // The widget that draws the page is made, and made anew, behind this one. It gets the events.
+    // The engine creates, and sometimes replaces, the child widget that draws the page and gets the events.
     if (event->added() && event->child()->isWidgetType())
         event->child()->installEventFilter(this);
     QWebEngineView::childEvent(event);
@@ -177,11 +177,12 @@ bool BrowserView::eventFilter(QObject* watched, QEvent* event)
     if (type == QEvent::ShortcutOverride || type == QEvent::KeyPress || type == QEvent::KeyRelease) {
         const auto& key = *static_cast<QKeyEvent*>(event);
         if (isForbiddenKey(key, *watched)) {
-            event->accept(); // no menu shortcut either
+            event->accept(); // also no menu shortcut
             return true;
         }
         if (key.key() == Qt::Key_Escape) {
-            // The engine would keep it; it is the window's. Later, for what the window does may destroy this view.
+            // The engine would keep Escape, which belongs to the window. Posted, because the window's reaction may
+            // destroy this view.
             if (type == QEvent::KeyPress)
                 QCoreApplication::postEvent(parentWidget(), key.clone());
             event->ignore();

@@ -14,7 +14,7 @@ class BrowserPage;
 class PictureHandler;
 class RequestGuard;
 
-/// The browser engine's view of one page, closed to everything that a hostile page could try.
+/// The browser engine's view of one page, with restrictions against hostile pages.
 class BrowserView final : public QWebEngineView, public PageView
 {
     Q_OBJECT
@@ -41,7 +41,7 @@ private:
     PictureHandler* pictures_;
     BrowserPage* page_;
     QUrl shown_;
-    int retries_ = 0; // that are left of the page that is shown
+    int retries_ = 0; // left for the page that is shown
 };
 
 } // namespace quarrynet

@@ -25,8 +25,8 @@ void PageWatch::look()
         emit grows();
         return;
     }
-    // Seconds are counted here and not read from a clock: a machine that slept, or a program that was stopped, is not
-    // the page's fault.
+    // Seconds are counted, not read from a clock, so that the time of a suspended machine or stopped program does not
+    // count.
     if (unanswered_ > 0) {
         if (++unanswered_ > kPatience) {
             timer_.stop();
@@ -35,7 +35,7 @@ void PageWatch::look()
         return;
     }
     unanswered_ = 1;
-    // The frames' page is a line long, and its process draws the frames too.
+    // The outer page is one line long, and its process also renders the frames.
     page_.toPlainText([watch = QPointer(this)](const QString&) {
         if (watch)
             watch->unanswered_ = 0;

@@ -7,26 +7,26 @@ class QWebEnginePage;
 
 namespace quarrynet {
 
-/// Watches the process that draws a page: whether it still answers, and how much memory it holds. A hostile page can
-/// keep it busy, or let it grow, for as long as it is shown.
+/// Monitors the process that renders a page: whether it responds, and how much memory it uses. A hostile page can keep
+/// it busy or make it grow as long as the page is shown.
 class PageWatch final : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageWatch)
 
 public:
-    /// So many seconds may pass without an answer.
+    /// Timeout of a response, in seconds.
     static constexpr int kPatience = 10;
-    /// In bytes; a gallery of ordinary thumbnails takes a fifth of it.
+    /// Maximum memory, in bytes. A gallery of ordinary thumbnails uses a fifth of it.
     static constexpr qint64 kMaxMemory = 512 << 20;
 
-    /// `page` has to outlive the watch.
+    /// `page` must outlive the watch.
     PageWatch(QWebEnginePage& page, QObject* parent);
 
 signals:
-    /// No answer came for too long.
+    /// The process did not respond within the timeout.
     void hangs();
-    /// The process holds more memory than it may.
+    /// The process uses more than the maximum memory.
     void grows();
 
 private:
@@ -34,7 +34,7 @@ private:
 
     QWebEnginePage& page_;
     QTimer timer_;
-    int unanswered_ = 0; // seconds; 0 while nothing is asked
+    int unanswered_ = 0; // seconds; 0 while no request is pending
 };
 
 } // namespace quarrynet

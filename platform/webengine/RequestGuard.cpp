@@ -103,7 +103,7 @@ void PictureHandler::requestStarted(QWebEngineUrlRequestJob* job)
             job->fail(QWebEngineUrlRequestJob::RequestFailed);
             return;
         }
-        auto* buffer = new QBuffer; // read by the engine for as long as the job lives
+        auto* buffer = new QBuffer; // the engine reads it as long as the job exists
         buffer->setData(picture.bytes);
         buffer->open(QIODevice::ReadOnly);
         connect(job, &QObject::destroyed, buffer, &QObject::deleteLater);

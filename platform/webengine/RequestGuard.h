@@ -8,33 +8,32 @@
 
 namespace quarrynet {
 
-/// Lets through what the program's pages consist of, the pages themselves and pictures, and blocks everything else,
-/// local files, scripts and sockets among them. Pictures are sent on to PictureHandler, so the engine itself never
-/// uses the net.
+/// Allows requests for the program's own pages and for pictures, and blocks all others, such as local files, scripts
+/// and sockets. Redirects pictures to PictureHandler, so the engine itself never uses the network.
 class RequestGuard final : public QWebEngineUrlRequestInterceptor
 {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(RequestGuard)
 
 public:
-    /// How often a page whose loading was ended is loaded again.
+    /// Maximum number of retries for a page whose loading was aborted.
     static constexpr int kMaxRetries = 3;
-    /// Loads of pages for one that is shown: it and its frame, and again for each retry. A page may ask for itself
-    /// again.
+    /// Maximum number of page loads for one shown page: the page and its frame, and both again per retry. Limited
+    /// because a page may reload itself.
     static constexpr int kMaxLoads = 2 * (1 + kMaxRetries);
-    /// Requests of any kind, refused ones included, before the page counts as a flood.
+    /// Maximum number of requests of any kind, including blocked ones. More count as a flood.
     static constexpr int kMaxRequests = 1000;
 
     using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
 
-    /// The page at `path` is shown from now on: it and the program's own pages beside it may be loaded.
+    /// Replaces the shown page: the page at `path` and the program's own pages beside it may be loaded from now on.
     void allowPage(const QString& path);
     bool allows(const QUrl& page) const;
 
     void interceptRequest(QWebEngineUrlRequestInfo& request) override;
 
 signals:
-    /// The page asked for more than `kMaxRequests`.
+    /// The page sent more than `kMaxRequests` requests.
     void flooded();
 
 private:
@@ -43,7 +42,7 @@ private:
     int requests_ = 0; // likewise
 };
 
-/// Answers the addresses that RequestGuard sends pictures on to, from the program's own source of pictures.
+/// Serves the addresses to which RequestGuard redirects pictures, from the program's own picture source.
 class PictureHandler final : public QWebEngineUrlSchemeHandler
 {
     Q_OBJECT
@@ -53,18 +52,19 @@ public:
     PictureHandler(PictureSource& pictures, QObject* parent) : QWebEngineUrlSchemeHandler(parent), pictures_(pictures)
     {}
 
-    /// The scheme of those addresses. It has to be registered before the engine starts.
+    /// Returns the scheme of those addresses. Call registerScheme() before the engine starts.
     static QByteArray scheme() { return QByteArrayLiteral("quarrynet-picture"); }
     static void registerScheme();
 
-    /// `picture`, an http or https address, as an address of the scheme, and back (empty for any other).
+    /// Converts `picture`, an http or https address, to an address of the scheme, and back (empty for any other
+    /// address).
     static QUrl addressFor(const QUrl& picture);
     static QUrl pictureAt(const QUrl& address);
 
-    /// In pixels, of all pictures of one page together.
+    /// Maximum number of pixels of all pictures of one page together.
     static constexpr qint64 kMaxPixels = 32 << 20;
 
-    /// Another page is shown from now on, and may have as many pictures as the one before.
+    /// Resets the limits, for a new page.
     void beginPage();
 
     void requestStarted(QWebEngineUrlRequestJob* job) override;

@@ -2,7 +2,7 @@
 
 #if defined(Q_OS_WIN)
 #include <windows.h>
-// After windows.h, which it needs.
+// Must come after windows.h.
 #include <psapi.h>
 #else
 #include <csignal>
@@ -26,7 +26,7 @@ qint64 processMemory(qint64 process)
     }
     return bytes;
 #elif defined(Q_OS_LINUX)
-    // In units of the system's pages: the addresses in use, how much of them is in memory, and more.
+    // The file has the sizes of the address space and of the resident memory, and more, in memory pages.
     QFile file(QStringLiteral("/proc/%1/statm").arg(process));
     if (!file.open(QIODevice::ReadOnly))
         return 0;

@@ -4,12 +4,12 @@
 
 namespace quarrynet {
 
-/// The process that draws a page, as the system sees it. `process` is its number, and above 0.
+/// The operating system's functions for the process that renders a page. `process` is its number, greater than 0.
 
-/// Returns the bytes of memory that it holds, or 0 where the system does not tell.
+/// Returns how many bytes of memory it uses, or 0 if the system does not tell.
 qint64 processMemory(qint64 process);
 
-/// Ends it at once, however busy it is. The engine would ask it first.
+/// Kills it at once, however busy it is. The engine would first send it a request.
 void endProcess(qint64 process);
 
 } // namespace quarrynet

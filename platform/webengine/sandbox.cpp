@@ -14,7 +14,7 @@ namespace quarrynet {
 
 namespace {
 
-// A user namespace alone does not do: some systems grant it and then forbid everything inside.
+// A user namespace alone is not enough: some systems grant it and then forbid everything in it.
 bool canMakeNamespaces()
 {
     const pid_t child = fork();

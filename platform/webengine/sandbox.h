@@ -2,15 +2,15 @@
 
 namespace quarrynet {
 
-/// Whether the processes that read pages get a sandbox. Without one the engine is not used.
+/// Whether the processes that read pages can run in a sandbox. Without one, the engine is not used.
 enum class Sandbox
 {
     Usable,
-    NotForRoot, // the engine runs as root only when it is told to do without
-    Refused,    // the system forbids it to this user: the engine would end the program
+    NotForRoot, // as root, the engine runs only without a sandbox
+    Refused,    // the system forbids a sandbox to this user, and the engine would end the program
 };
 
-/// What this system and this user allow. It is found out in a process of its own, so nothing of this one changes.
+/// Returns what this system allows to this user. Tests it in a child process, so that this process does not change.
 Sandbox sandboxOfThisSystem();
 
 } // namespace quarrynet

@@ -264,7 +264,7 @@ void HtmlEngineGuardTest::viewThatHangsIsReplaced()
     const qint64 process = drawingProcess();
     QVERIFY(process > 0);
     ::kill(static_cast<pid_t>(process), SIGSTOP);
-    expectReplacement(u"The browser view did not answer any more."_s);
+    expectReplacement(u"The browser view stopped responding."_s);
     QTRY_VERIFY_WITH_TIMEOUT(processes::statusField(process, "State").isEmpty() ||
                                  processes::statusField(process, "State").startsWith('Z'),
                              30000);
@@ -273,7 +273,7 @@ void HtmlEngineGuardTest::viewThatHangsIsReplaced()
 void HtmlEngineGuardTest::viewThatGrowsIsReplaced()
 {
     open(QByteArray("<input type=date>").repeated(200'000), u"images.html"_s, {{"host/x.jpg", {}}});
-    expectReplacement(u"The browser view took too much memory."_s);
+    expectReplacement(u"The browser view used too much memory."_s);
 }
 
 void HtmlEngineGuardTest::pageThatFloodsIsReplaced()
@@ -282,7 +282,7 @@ void HtmlEngineGuardTest::pageThatFloodsIsReplaced()
     for (int i = 0; i < 2000; ++i)
         page += "<img src=\"" + address("/") + QByteArray::number(i) + "\">";
     open(page, u"images.html"_s, {{"host/x.jpg", {}}});
-    expectReplacement(u"The page asked for too much."_s);
+    expectReplacement(u"The page sent too many requests."_s);
     QVERIFY(server_->requests.size() <= quarrynet::kMaxPagePictures);
 }
 

@@ -172,7 +172,7 @@ void HtmlViewTest::rootGetsThePlainView()
     open({{"host/x.jpg", {}}});
     QVERIFY(!view_->property("browser").toBool());
     QCOMPARE(view_->message().section(u'\n', 0, 0),
-             u"The browser view cannot start: it has no sandbox when root starts it."_s);
+             u"The browser view cannot start: it cannot use a sandbox when root starts it."_s);
     QCOMPARE(captions(), u"http://host/x.jpg"_s);
 #endif
 }
