@@ -43,7 +43,7 @@ void Dialog::closeEvent(QCloseEvent* event)
 
 bool Dialog::eventFilter(QObject* watched, QEvent* event)
 {
-    // A program that ends asks every window first, and one that refuses to close would keep it running.
+    // When the program quits, it asks every window to close, and one that refuses would keep it running.
     if (event->type() == QEvent::Quit)
         unload();
     return QDialog::eventFilter(watched, event);

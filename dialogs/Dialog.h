@@ -10,8 +10,8 @@ class Dialog;
 
 namespace quarrynet {
 
-/// The box that is shown while a download's address is being found out. Only code closes it, by unload(): a person who
-/// closed it would wait for nothing, or think that the search was over.
+/// The wait box that is shown while a download's address is resolved. Only code closes it, with unload(): a user who
+/// could close it might think that the search had ended.
 class Dialog final : public QDialog
 {
     Q_OBJECT
@@ -21,13 +21,13 @@ public:
     explicit Dialog(QWidget* parent = nullptr);
     ~Dialog() override;
 
-    /// Shows the box, or brings it to the front when it is shown already, without waiting for it.
+    /// Shows the box, or brings it to the front if it is already shown. Does not wait for it to close.
     void load();
 
-    /// Hides the box; nothing when it is hidden already.
+    /// Hides the box. Does nothing if it is already hidden.
     void unload();
 
-    /// What Escape runs. Does nothing.
+    /// Does nothing, so that Escape does not close the box.
     void reject() override;
 
 protected:

@@ -10,7 +10,8 @@ namespace quarrynet {
 
 namespace {
 
-// A line end that was pasted along with a name is not seen in the field, and the settings file could not hold it.
+// Returns the field's text as bytes. Removes pasted line ends, which the field does not show and the settings file
+// cannot store.
 std::string typedText(const QLineEdit& field)
 {
     QString text = field.text();
@@ -61,7 +62,7 @@ void Proxy::Check1_Click()
     ui_->Text2->setEnabled(on);
     if (on) {
         settings_.load();
-        showHostAndPort(); // what was saved last comes back
+        showHostAndPort(); // restores the last saved values
     } else {
         ui_->Text1->clear();
         ui_->Text2->clear();
@@ -82,7 +83,7 @@ void Proxy::Command1_Click()
             }
         }
     }
-    settings_.save(); // a failed write is passed over: whoever handles the switch reads back what the file holds
+    settings_.save(); // a failed write is ignored: the switch's handler reads the file again
     setProxySwitch_(ProxySettings::switchText(settings_.on));
     accept();
 }

@@ -16,8 +16,8 @@ class Proxy;
 
 namespace quarrynet {
 
-/// The proxy options. They are in the settings file only: the dialog reads them when it is made, and OK writes them and
-/// then says which way the switch stands, so that whoever uses them reads the file again.
+/// The proxy options. Only the settings file stores them: the constructor reads them, and OK writes them and then sets
+/// the proxy switch, whose handler reads the file again.
 class Proxy final : public QDialog
 {
     Q_OBJECT
@@ -27,8 +27,8 @@ public:
     /// Takes "on" or "off".
     using SwitchSetter = std::function<void(const std::string&)>;
 
-    /// `settingsPath`: the settings file, in the file system's encoding; it need not exist. `setProxySwitch` runs on
-    /// every OK that is carried out, after the file was written, while the dialog is still open.
+    /// `settingsPath` is the path of the settings file, in the file system's encoding; it need not exist.
+    /// `setProxySwitch` runs on every accepted OK, after the file was written, while the dialog is still open.
     Proxy(const std::string& settingsPath, SwitchSetter setProxySwitch, QWidget* parent = nullptr);
     ~Proxy() override;
 

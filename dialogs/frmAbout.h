@@ -22,18 +22,18 @@ class frmAbout final : public QDialog
     Q_DISABLE_COPY_MOVE(frmAbout)
 
 public:
-    /// Starts the program at a path, in the file system's encoding; false when that fails.
+    /// Starts the program at a path, in the file system's encoding. Returns false on failure.
     using ProgramStarter = std::function<bool(const std::string&)>;
 
-    /// `registry` has to outlive the dialog. `parent` is the window that the dialog belongs to, or none.
+    /// `registry` must outlive the dialog. `parent` is the window that the dialog belongs to, or null.
     frmAbout(const Registry& registry, ProgramStarter startProgram, QWidget* parent = nullptr);
     ~frmAbout() override;
 
-    /// Starts the program that the registry names for system information, or says that there is none.
+    /// Starts the program that the registry names for system information, or reports that none could be started.
     void StartSysInfo();
 
-    /// Reads one value of the registry as text, as registryValueText has it, into `KeyVal`, and gives true. A value
-    /// that cannot be read empties `KeyVal` and gives false; one of a type without a text leaves `KeyVal` as it was.
+    /// Reads a registry value into `KeyVal`, as registryValueText converts it, and returns true. If the value cannot be
+    /// read, empties `KeyVal` and returns false. A value whose type has no text leaves `KeyVal` unchanged.
     bool GetKeyValue(std::uint32_t KeyRoot, const std::string& KeyName, const std::string& SubKeyRef,
                      std::string& KeyVal) const;
 

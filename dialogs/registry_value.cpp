@@ -4,7 +4,8 @@ namespace quarrynet {
 
 namespace {
 
-// Decimal text of a hexadecimal one of any length: a value that claims to be a number may hold more than four bytes.
+// Converts hexadecimal text of any length to decimal text. A value whose type is a number may have more than four
+// bytes.
 std::string decimalOfHex(std::string_view hex)
 {
     std::string decimal = "0"; // the last digit first

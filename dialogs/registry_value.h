@@ -6,20 +6,20 @@
 #include <string>
 #include <string_view>
 
-/// What a value of the Windows registry reads as. The rules need no registry, so they hold and are tested everywhere.
+/// Conversion of Windows registry values to text. It needs no registry, so it is tested on every system.
 namespace quarrynet {
 
-/// The types of a registry value that are understood here, with the system's numbers.
+/// The supported types of registry values, with the system's numbers.
 inline constexpr std::uint32_t kRegistryText = 1;   // REG_SZ
 inline constexpr std::uint32_t kRegistryNumber = 4; // REG_DWORD
 
-/// The first `size` bytes of `buffer`, without the zero byte that ends them, if one does: one is taken off, no more. A
-/// `size` beyond the buffer means all of it. A view into `buffer`.
+/// Returns a view of the first `size` bytes of `buffer`, without one terminating zero byte, if there is one. A `size`
+/// greater than the buffer's means all of it.
 std::string_view trimmedRegistryValue(std::string_view buffer, std::size_t size);
 
-/// A trimmed value of the given type as text: a text as it stands, a number in decimal. Nothing for any other type.
-/// A number is put together from its bytes, the last one first, each in hexadecimal without leading zeros, so a byte
-/// below 16 takes one digit and not two: the bytes 05 01 read as 0x15, which is "21".
+/// Returns a trimmed value of the given type as text: a text unchanged, a number in decimal. Returns nothing for other
+/// types. A number is the concatenation of its bytes, last one first, in hexadecimal without leading zeros. So a byte
+/// below 16 has one digit, not two: the bytes 05 01 are 0x15, which is "21".
 std::optional<std::string> registryValueText(std::uint32_t type, std::string_view trimmed);
 
 } // namespace quarrynet
