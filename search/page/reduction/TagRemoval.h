@@ -15,9 +15,9 @@ namespace quarrynet {
 
 /// Removes the tags from a page. The result is, byte for byte, that of this procedure:
 ///
-///     repeat: find the first "<", and the first ">" behind it; if either is missing, end.
+///     repeat: find the first "<", and the first ">" after it; if either is missing, end.
 ///             Remove every occurrence of the text from that "<" to that ">", and go on removing it
-///             while the removals form it anew.
+///             while the removals form it again.
 ///
 /// A tag without a second "<" is removed whichever round it is. With several "<" before a ">", the order of the rounds
 /// matters: a tag of an earlier round may end there too. Then only that end is removed, and the rest joins the text
