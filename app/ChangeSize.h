@@ -62,7 +62,7 @@ public:
     virtual bool autoRedraw() const = 0;
     virtual void setAutoRedraw(bool on) = 0;
 
-    /// Access the controls, in a fixed order; `index` is less than count().
+    /// Gives access to the controls, in a fixed order; `index` is less than count().
     virtual std::size_t count() const = 0;
     virtual LayoutControl& control(std::size_t index) = 0;
 };

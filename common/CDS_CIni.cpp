@@ -21,7 +21,7 @@ std::string uptoNul(std::string_view text)
     return std::string(text.substr(0, text.find('\0')));
 }
 
-/// The entries of a packed list that end within it: the one that was cut for want of room has its NUL behind the end.
+/// Returns the complete entries of a packed list. An entry that was cut has its NUL after the list's end.
 std::vector<std::string_view> unpack(std::string_view packed)
 {
     std::vector<std::string_view> entries;
@@ -74,7 +74,7 @@ bool CDS_CIni::ReadSection(const std::string& psSection, std::vector<std::string
             keys.emplace_back(entry.substr(0, sign));
             values.emplace_back(sign == std::string_view::npos ? std::string_view() : entry.substr(sign + 1));
         }
-        // Both arrays have a first slot, also where the only entry was too long for the buffer.
+        // Both arrays have a first slot, even if the only entry was too long for the buffer.
         if (keys.empty()) {
             keys.emplace_back();
             values.emplace_back();
@@ -128,7 +128,7 @@ bool CDS_CIni::attempt(Operation operation)
             return fail(outOfMemoryError());
         }
     } catch (const std::bad_alloc&) {
-        lastErrorDescription_ = "Out of memory"; // short enough to need none
+        lastErrorDescription_ = "Out of memory"; // short enough to need no allocation
         return false;
     }
 }

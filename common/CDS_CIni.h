@@ -6,50 +6,53 @@
 
 namespace quarrynet {
 
-/// One INI file, read and written through the operating system (see profile_file.h), with a readable description of
-/// the last failure. Nothing is cached: two objects on one file see each other's writes. Texts and file names are
-/// bytes in the system's code page.
+/// One INI file, read and written through the operating system (see profile_file.h), with a readable description of the
+/// last failure. Nothing is cached, so two objects for one file see each other's writes. Texts and file names are bytes
+/// in the system's code page.
 ///
-/// Every operation returns true on success. On failure it returns false, leaves its output arguments alone, and
-/// LastErrorDescription() says why; without a file name that is "No filename specified", and no file is touched.
+/// Every operation returns true on success. On failure it returns false, leaves its output arguments unchanged, and
+/// sets LastErrorDescription(). Without a file name, the description is "No filename specified", and no file is
+/// touched.
 class CDS_CIni
 {
 public:
     const std::string& FileName() const { return fileName_; }
 
-    /// The full path of the file, which need not exist.
+    /// Sets the full path of the file, which need not exist.
     void setFileName(const std::string& fileName) { fileName_ = fileName; }
 
-    /// Empty until something failed. Otherwise the system's message for its error code, or "An unknown error has
-    /// occured" where the system told none (a missing section or key, or an empty value).
+    /// Returns an empty text before the first failure, then the system's message for its error code, or "An unknown
+    /// error has occured" if there is no code (for a missing section or key, or an empty value).
     const std::string& LastErrorDescription() const { return lastErrorDescription_; }
 
-    /// The value of a key, without the blanks and one pair of quotes around it, up to its first NUL and at most 254
-    /// characters. A missing file, section or key is a failure, and so is an empty value.
+    /// Reads the value of a key, without the blanks and one pair of quotes around it, up to its first NUL and at most
+    /// 254 characters. A missing file, section or key is a failure, as is an empty value.
     bool ReadValue(const std::string& psSection, const std::string& psKey, std::string& psValue);
 
-    /// Writes one value; makes the file, the section and the key where they are missing. Texts that would change other
-    /// lines or be read back as a line of another kind are refused, and nothing is written: a line end or NUL anywhere,
-    /// "]" in a section, "=" in a key, a key that begins with "[" or ";", a blank section or key.
+    /// Writes one value. Creates the file, the section and the key if they are missing. Rejects texts that would change
+    /// other lines or be read back as another kind of line, and then writes nothing: a line end or NUL anywhere, "]" in
+    /// a section, "=" in a key, a key that begins with "[" or ";", a blank section or key.
     bool WriteValue(const std::string& psSection, const std::string& psKey, const std::string& psValue);
 
-    /// The keys and values of a section, split at the first "=". An entry without "=" is a key with an empty value. A
-    /// section of more than 32765 characters is cut behind the last entry that fits whole.
+    /// Reads the keys and values of a section, split at the first "=". An entry without "=" is a key with an empty
+    /// value. A section of more than 32765 characters is cut after the last complete entry that fits.
     bool ReadSection(const std::string& psSection, std::vector<std::string>& psKeys,
                      std::vector<std::string>& psValues);
 
-    /// Replaces the entries of a section; arrays of different size are a failure. Refuses what WriteValue refuses.
+    /// Replaces the entries of a section. Arrays of different sizes are a failure. Rejects the same texts as
+    /// WriteValue.
     bool WriteSection(const std::string& psSection, const std::vector<std::string>& psKeys,
                       const std::vector<std::string>& psValues);
 
-    /// The names of all sections, in the order of the file; cut like a section. A failure when there is none.
+    /// Reads the names of all sections, in the order of the file; the list is cut like a section. A file without
+    /// sections is a failure.
     bool Enum_SectionNames(std::vector<std::string>& psSectionNames);
 
 private:
     bool hasFileName();
     bool fail(std::uint32_t error);
 
-    /// Runs an operation; running out of memory in it is a failure like others.
+    /// Runs an operation. If it runs out of memory, it fails like other operations.
     template <class Operation>
     bool attempt(Operation operation);
 

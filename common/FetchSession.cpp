@@ -34,7 +34,7 @@ void stripHeader(std::string& response)
 {
     static constexpr std::string_view kEmptyLine = "\r\n\r\n";
     const std::size_t at = response.find(kEmptyLine);
-    // A response without an empty line loses its first three bytes, not the four of the line it does not have.
+    // Deliberate: a response without an empty line loses its first three bytes, not four.
     response.erase(0, at == std::string::npos ? kEmptyLine.size() - 1 : at + kEmptyLine.size());
 }
 
@@ -128,7 +128,7 @@ void FetchSession::attempt(Step step)
         step();
         return;
     } catch (const std::bad_alloc&) {
-        // Told below, where what the step took is free again.
+        // Reported below, where the step's memory is free again.
     }
     giveUp(static_cast<int>(RuntimeError::OutOfMemory), describe(RuntimeError::OutOfMemory));
 }
@@ -136,9 +136,9 @@ void FetchSession::attempt(Step step)
 void FetchSession::giveUp(int number, std::string_view description)
 {
     try {
-        socket_.Close(); // or the data that arrives while the box stands there would fail again, box upon box
+        socket_.Close(); // otherwise data that arrives while the box is open would fail again and show more boxes
     } catch (const std::bad_alloc&) {
-        // It is closed again behind the box.
+        // It is closed again after the box.
     }
     shared_.restart();
     releaseFreedMemory();
@@ -157,7 +157,7 @@ void FetchSession::rest()
         steps();
     } catch (const std::bad_alloc&) {
         releaseFreedMemory();
-        steps(); // what the message took is free again
+        steps(); // the message's memory is free again
     }
 }
 

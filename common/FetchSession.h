@@ -8,11 +8,12 @@
 
 #include "common/memory.h"
 
-/// The cycle that every search follows: one HTTP/1.1 exchange, written and read by hand. Knows no toolkit and no
-/// network: a socket and a tab are handed in, so every event order, split and overlap can be tried without a window.
+/// The cycle that every search follows: one HTTP/1.1 exchange, written and read by hand. It depends on neither toolkit
+/// nor network, but on a socket and a tab that are passed in, so tests can try every event order, split and overlap
+/// without a window.
 namespace quarrynet {
 
-/// A socket's states, with the numbers that the state timer shows a caption for.
+/// A socket's states. The state timer shows a caption for each number.
 enum class SocketState : std::uint8_t
 {
     Closed = 0,
@@ -27,65 +28,65 @@ enum class SocketState : std::uint8_t
     Error = 9,
 };
 
-/// The caption of a state ("Connection pending"); empty for a number outside 0 to 9.
+/// Returns the caption of a state ("Connection pending"), or an empty text for a number outside 0 to 9.
 std::string_view socketStateName(SocketState state);
 
-/// A TCP client socket, as the cycle uses it. Nothing blocks; what happens is reported through the session's event
-/// functions (`Connect` by FetchSession::connected and so on).
+/// A TCP client socket, as the cycle uses it. No call blocks; events are reported through the session's functions (such
+/// as FetchSession::connected after `Connect`).
 class ClientSocket
 {
 public:
     virtual ~ClientSocket() = default;
 
-    /// Ends any connection, drops what was not yet received and goes to Closed. Allowed in every state.
+    /// Ends any connection, discards data not yet received, and enters the state Closed. Allowed in every state.
     virtual void Close() = 0;
 
-    /// Starts connecting. `host` is a host name or address as bytes; `port` is taken as it is, so a port outside
-    /// 1 to 65535 ends in the error event.
+    /// Starts connecting. `host` is a host name or address as bytes; `port` may be any number; one outside 1 to 65535
+    /// causes the error event.
     virtual void Connect(std::string_view host, int port) = 0;
 
     virtual void SendData(std::string_view bytes) = 0;
 
-    /// Takes what has arrived since the last call and appends it to `text`.
+    /// Appends the data received since the last call to `text`.
     virtual void GetData(std::string& text) = 0;
 
     virtual SocketState State() const = 0;
 };
 
-/// Where an exchange connects to.
+/// The host and port that an exchange connects to.
 struct Endpoint
 {
     std::string host;
     int port = 0;
 };
 
-/// What the sockets of the whole window share. Two overlapping exchanges mix their data here: the design gathers one
-/// response at a time.
+/// The state that all sockets of the window share. It is designed for one response at a time; overlapping exchanges mix
+/// their data here.
 struct ReceiveState
 {
     std::string ReceiveBuffer;
     bool HeaderStripped = false;
 
-    /// The longest response in bytes, header included. One that is longer is given up with an error: only the server's
-    /// close ends a response, and it need never come.
+    /// Maximum length of a response in bytes, including the header. A longer one fails with an error, because only the
+    /// server's close ends a response, and it may never come.
     std::size_t longest = responseAllowance();
 
-    /// What every start command and slider does before it connects.
+    /// Empties the buffer and resets the flag. Every start command and slider calls it before connecting.
     void restart();
 };
 
-/// Cuts the response header off: `response` afterwards begins behind the first empty line (CR LF CR LF, RFC 9112
-/// section 2.1). Without one, the first three bytes go and the rest stays, header lines included. In place, no copy.
+/// Removes the response header, up to and including the first empty line (CR LF CR LF, RFC 9112 section 2.1). Without
+/// one, removes the first three bytes and keeps the rest, including header lines. Works in place.
 void stripHeader(std::string& response);
 
-/// The tab as the cycle sees it.
+/// The cycle's interface to its tab.
 class FetchTab
 {
 public:
     virtual ~FetchTab() = default;
 
-    /// The request as bytes; asked for at the moment of connecting, so it follows what the controls hold then. Nothing
-    /// when it cannot be built; the tab has said why, and nothing is sent.
+    /// Returns the request as bytes. The cycle calls it on connecting, so it reads the controls at that time. Returns
+    /// nothing when the request cannot be built and the tab has reported why; then nothing is sent.
     virtual std::optional<std::string> requestText() = 0;
 
     virtual void showConnection(std::string_view caption) = 0;
@@ -93,39 +94,39 @@ public:
     virtual void enableStartButton() = 0;
     virtual void setTimerEnabled(bool enabled) = 0;
 
-    /// Takes the response's body, which stays in the shared buffer: the tab's parser runs in here.
+    /// Parses the response's body, which stays in the shared buffer.
     virtual void handOver(const std::string& body) = 0;
 
-    /// Shows the error box and returns when it has been answered. `description` is UTF-8.
+    /// Shows the error box and returns when it is closed. `description` is UTF-8.
     virtual void reportError(int number, std::string_view description) = 0;
 
-    /// The socket has been closed after a response; nothing of the cycle follows.
+    /// Runs last in the cycle, after the socket was closed at the end of a response.
     virtual void exchangeEnded() {}
 };
 
-/// What distinguishes the sockets' cycles. What a socket has no control for, its tab leaves out.
+/// The differences between the sockets' cycles. A tab ignores calls for controls that it does not have.
 struct FetchSettings
 {
-    /// The activity panel says "Connected" on connecting; the page check's leaves it alone.
+    /// Whether connecting shows "Connected" in the activity panel; not for the page check.
     bool saysConnected = true;
-    /// The connection panel shows the state on connecting, before the next tick; the download search's does.
+    /// Whether connecting shows the state in the connection panel, before the next tick; only for the download search.
     bool showsStateOnConnect = false;
-    /// The end of a response sets HeaderStripped; the link resolution's leaves it alone.
+    /// Whether the end of a response sets HeaderStripped; not for the link resolution.
     bool marksHeader = true;
 };
 
-/// One socket's cycle. The socket's events call the functions named after them; everything runs on one thread.
+/// One socket's cycle. The socket's events call the functions of the same names; everything runs on one thread.
 ///
-/// An exchange that runs out of memory at any step ends like one that the network ended: with an error box, the socket
-/// closed and the tab at rest. Only when memory does not even suffice for the box do the functions throw
-/// std::bad_alloc, with the socket closed and the tab at rest all the same.
+/// An exchange that runs out of memory at any step ends like one that failed on the network: with an error box, the
+/// socket closed and the tab reset. If there is not even enough memory for the box, the functions throw std::bad_alloc,
+/// also with the socket closed and the tab reset.
 class FetchSession
 {
 public:
     FetchSession(FetchSettings settings, ClientSocket& socket, FetchTab& tab, ReceiveState& shared);
 
-    /// Empties the shared buffer, closes the socket and connects it to `target`. The socket is closed on return when
-    /// memory did not suffice.
+    /// Empties the shared buffer, closes the socket and connects it to `target`. If memory runs out, the socket is
+    /// closed on return.
     void start(const Endpoint& target);
 
     void connected();
@@ -133,20 +134,20 @@ public:
     void sendComplete();
     void dataArrived();
 
-    /// The server closed the connection: the only sign of a response's end.
+    /// Ends the response. Only the server's close of the connection shows where it ends.
     void closed();
 
     void failed(int number, std::string_view description);
 
-    /// The state timer's tick.
+    /// Shows the socket's state, on each tick of the state timer.
     void tick();
 
 private:
-    /// Runs a step of the cycle, and ends the exchange when memory does not suffice for it.
+    /// Runs a step of the cycle. Ends the exchange if memory runs out.
     template <class Step>
     void attempt(Step step);
     void giveUp(int number, std::string_view description);
-    /// Closes the socket and brings the tab to rest.
+    /// Closes the socket and resets the tab.
     void rest();
 
     FetchSettings settings_;

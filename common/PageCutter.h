@@ -9,22 +9,22 @@
 
 namespace quarrynet {
 
-/// Cuts the texts of results out of a page, within an allowance for all of them together. Entries of an honest page lie
-/// side by side, so their texts sum up to less than the page. Entries of a broken one can all reach to the same distant
-/// marker, and a few megabytes would become terabytes of text. The view of the page must outlive this object.
+/// Cuts the texts of results out of a page, with a limit on their total length. Entries of a well-formed page do not
+/// overlap, so their texts are shorter than the page. In a broken page, all entries can extend to the same distant
+/// marker, so a few megabytes would become terabytes of text. The page must outlive this object.
 class PageCutter
 {
 public:
-    /// With an allowance of four times the page's length or textAllowance(), whichever is more.
+    /// Sets the limit to four times the page's length or textAllowance(), whichever is greater.
     explicit PageCutter(std::string_view page);
 
-    /// With `allowance` bytes in textAllowance()'s place.
+    /// Uses `allowance` bytes instead of textAllowance().
     PageCutter(std::string_view page, std::size_t allowance);
 
-    /// As `cut`, but as a text of its own. Fails with OutOfMemory when the texts exceed the allowance.
+    /// Returns a copy of what `cut` returns. Returns OutOfMemory when the texts exceed the limit.
     Result<std::string> cut(Position start, Position length);
 
-    /// Counts a text that was made otherwise; false when it exceeds the allowance.
+    /// Counts the length of another text. Returns false when the limit is exceeded.
     bool charge(std::size_t length);
 
 private:

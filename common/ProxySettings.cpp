@@ -15,7 +15,7 @@ constexpr const char* kKey = "Value";
 std::string ProxySettings::value(std::string_view section)
 {
     std::string text;
-    store_.ReadValue(std::string(section), kKey, text); // leaves the text empty when it fails
+    store_.ReadValue(std::string(section), kKey, text); // on failure, the text stays empty
     return text;
 }
 

@@ -10,27 +10,28 @@
 
 namespace quarrynet {
 
-/// The proxy as the settings file keeps it: one section a setting, each with the single key "Value". Nothing is taken
-/// for granted about the file; texts are bytes.
+/// The proxy as stored in the settings file: one section per setting, each with the single key "Value". The file may
+/// have any content; texts are bytes.
 class ProxySettings
 {
 public:
     static constexpr std::string_view kPortSection = "ProxyPort";
     static constexpr std::int16_t kLargestPort = std::numeric_limits<std::int16_t>::max();
 
-    /// What the switch says: "on" or "off".
+    /// Returns the text of the switch: "on" or "off".
     static std::string switchText(bool on) { return on ? "on" : "off"; }
 
-    /// `file`: the settings file, in the file system's encoding; it need not exist. Reads nothing yet.
+    /// `file` is the path of the settings file, in the file system's encoding; it need not exist. Does not read it yet.
     explicit ProxySettings(const std::string& file) { store_.setFileName(file); }
 
-    /// Reads all three. A missing or unreadable value is empty; any switch but exactly "on" is off.
+    /// Reads all three. A missing or unreadable value is empty; a switch other than exactly "on" is off.
     void load();
 
-    /// Writes all three: switch, host, port. Returns false when one of them could not be written; the others are.
+    /// Writes all three: switch, host, port. Returns false if one of them could not be written; still writes the
+    /// others.
     bool save();
 
-    /// Returns the number that the port begins with, 0 when it begins with none, rounded; or Overflow above
+    /// Returns the leading number of `port`, rounded, or 0 if there is none. Returns Overflow if it exceeds
     /// kLargestPort.
     Result<std::int16_t> portNumber() const;
 

@@ -12,7 +12,7 @@ namespace quarrynet {
 
 namespace {
 
-// An argument of a program may be 128 KB long on the strictest of the systems.
+// The smallest limit of any supported system for a program's argument is 128 KB.
 constexpr std::size_t kMaxLength = 64 * 1024;
 
 bool isOneOf(char c, std::string_view characters)
@@ -20,8 +20,8 @@ bool isOneOf(char c, std::string_view characters)
     return characters.find(c) != std::string_view::npos;
 }
 
-// RFC 3986, section 3.2: user information, host and port. Stricter where a program behind the desktop might stumble: no
-// host that looks like an option, none that is empty.
+// RFC 3986, section 3.2: user information, host and port. Stricter to protect the program that opens it: a host must
+// not look like an option, nor be empty.
 bool isAuthority(std::string_view authority)
 {
     std::string_view user;
@@ -63,7 +63,7 @@ bool isAuthority(std::string_view authority)
     return port.size() <= 5 && std::all_of(port.begin(), port.end(), isAsciiDigit);
 }
 
-// Between a scheme's colon and the end. "!" stays: pages that keep their place behind "#!" would lose it.
+// Characters that stay after the scheme's colon. "!" is one of them, because some pages keep their state after "#!".
 constexpr std::string_view kPathBytes = "-._~!*&+,;=:@/";
 
 std::string encodedPath(std::string_view text)
@@ -92,7 +92,7 @@ std::optional<std::string> networkAddress(std::string_view scheme, std::string_v
            encodedPath(rest.substr(end));
 }
 
-// RFC 6068, section 4: of the fields that an address may set, only those that a letter is made of are safe.
+// Returns whether an address may set this field. Only the ordinary fields of a message are safe (RFC 6068, section 4).
 bool isLetterField(std::string_view field)
 {
     constexpr std::array<std::string_view, 7> kFields = {"to",   "cc",       "bcc",        "subject",
@@ -103,7 +103,7 @@ bool isLetterField(std::string_view field)
 
 std::optional<std::string> mailAddress(std::string_view rest)
 {
-    // A part behind "#" has no meaning here, and mail programs differ in what they make of it.
+    // A fragment after "#" has no meaning here, and mail programs treat it differently.
     if (rest.empty() || rest.front() == '-' || isOneOf('#', rest))
         return std::nullopt;
     if (const std::size_t query = rest.find('?'); query != std::string_view::npos) {

@@ -23,7 +23,7 @@ namespace quarrynet {
 
 std::string lowerCase(std::string_view text)
 {
-    constexpr std::size_t kPortion = std::size_t{1} << 30; // the call counts in 32 bits
+    constexpr std::size_t kPortion = std::size_t{1} << 30; // the call takes 32-bit lengths
     std::string lower(text);
     for (std::size_t from = 0; from < lower.size(); from += kPortion)
         ::CharLowerBuffA(lower.data() + from, static_cast<DWORD>(std::min(kPortion, lower.size() - from)));
@@ -32,15 +32,15 @@ std::string lowerCase(std::string_view text)
 
 std::size_t letterBoundary(std::string_view text, std::size_t)
 {
-    return text.size(); // in a code page with letters of two bytes, only reading from the start would tell
+    return text.size(); // in a double-byte code page, only a scan from the start could tell
 }
 
 #else
 
 namespace {
 
-/// The first of these locales that the system has: the second name is macOS's, and every system has the last, which
-/// knows the letters of ASCII.
+/// Returns the first of these locales that the system has. The second name is that of macOS. Every system has the last
+/// one, which only has ASCII letters.
 locale_t letters()
 {
     static const locale_t all = [] {
@@ -92,7 +92,7 @@ std::string lowerCase(std::string_view text)
 std::size_t letterBoundary(std::string_view text, std::size_t at)
 {
     const auto continues = [text](std::size_t i) { return isUtf8Continuation(text[i]); };
-    // A letter has three continuation bytes at most; where as many precede, the next one belongs to none.
+    // A letter has at most three continuation bytes, so a fourth one in a row belongs to no letter.
     const auto cannotContinue = [&](std::size_t i) {
         return i >= 3 && continues(i - 1) && continues(i - 2) && continues(i - 3);
     };

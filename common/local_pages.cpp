@@ -70,8 +70,8 @@ constexpr std::array<std::string_view, 53> kBlankLines = {
     "</html>",
 };
 
-// This line of the blank page has no line end: the next one continues it. Both are comments of the script, and the
-// file's bytes are fixed.
+// Deliberate: this line of the blank page has no line end, so the next one continues it. Both are comments of the
+// script, and the file's bytes are fixed.
 constexpr std::size_t kOpenLine = 34;
 
 } // namespace

@@ -2,21 +2,21 @@
 
 #include <cstddef>
 
-/// How much memory the machine has, and what of it may be taken for what comes from outside.
+/// The size of the machine's memory, and limits derived from it for data from outside.
 namespace quarrynet {
 
-/// The machine's physical memory in bytes; 2 GiB where the system does not tell.
+/// Returns the machine's physical memory in bytes, or 2 GiB if the system does not tell.
 std::size_t physicalMemory();
 
-/// The longest response that is received, in bytes: a quarter of the physical memory. The tab that parses it keeps a
-/// second one.
+/// Returns the maximum length of a response, in bytes: a quarter of the physical memory. The tab that parses it keeps a
+/// second copy.
 std::size_t responseAllowance();
 
-/// What texts cut or made out of one page may sum up to, in bytes: a sixteenth of the physical memory, for lists and
-/// views keep them up to four times over. At most 1 GiB, which already takes most of a second to make.
+/// Returns the maximum total length of the texts made from one page, in bytes: a sixteenth of the physical memory,
+/// because lists and views keep up to four copies, and at most 1 GiB, which already takes most of a second to build.
 std::size_t textAllowance();
 
-/// Gives the system back what was freed but is still held for later; for after something large has gone.
+/// Gives the system the freed memory that the allocator still holds. Call after freeing something large.
 void releaseFreedMemory();
 
 } // namespace quarrynet

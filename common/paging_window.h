@@ -5,8 +5,7 @@
 
 #include "common/runtime_error.h"
 
-/// The result pages that a paging slider offers. It shows ten of them at a time; reaching the last one moves the window
-/// on by nine.
+/// The result pages that a paging slider offers: ten at a time. Reaching the last one moves the window forward by nine.
 namespace quarrynet {
 
 /// Page numbers, 1-based. The defaults are those of a new search.
@@ -19,21 +18,21 @@ struct PagingWindow
     bool operator==(const PagingWindow&) const = default;
 };
 
-/// `window` with `last` as its last page, or 1 where that is less. The value is not above it, and a window that would
-/// begin at or behind its last page begins at 1, so that a person can always go back.
+/// Returns `window` with `last`, but at least 1, as its last page. The value is lowered to it if necessary, and a
+/// window that would begin at or after its last page begins at 1, so that the user can always go back.
 PagingWindow windowEndingAt(const PagingWindow& window, std::int32_t last);
 
-/// The window after its value changed, for the web and the image search. While the value is below the maximum nothing
-/// changes. At the maximum m, and with the total of result pages in `pageTotal` (decimal text) below m + 9, the maximum
-/// becomes the total, as windowEndingAt() does it; otherwise the window runs from m to m + 9. Fails with
-/// TypeMismatch when the total is needed and no number, with Overflow when a bound does not fit.
+/// Returns the window after its value changed, for the web and the image search. A value below the maximum changes
+/// nothing. At the maximum m, if `pageTotal` (decimal text, the number of result pages) is below m + 9, the total
+/// becomes the maximum, as in windowEndingAt(); otherwise the window becomes m to m + 9. Returns TypeMismatch when the
+/// total is needed but is not a number, and Overflow when a bound does not fit.
 Result<PagingWindow> widenedWindow(const PagingWindow& window, std::string_view pageTotal);
 
-/// As above for the download search, whose total is compared by its leading number (an empty text is 0) and must be a
-/// number as a whole only where it becomes the maximum.
+/// Does the same for the download search: compares the total by its leading number (0 for an empty text), and requires
+/// a complete number only if it becomes the maximum.
 Result<PagingWindow> widenedWindowByLeadingTotal(const PagingWindow& window, std::string_view pageTotal);
 
-/// As above for the file search, which knows no total: at the maximum the window always moves on.
+/// Does the same for the file search, which has no total: at the maximum, the window always moves forward.
 Result<PagingWindow> widenedWindowWithoutTotal(const PagingWindow& window);
 
 } // namespace quarrynet

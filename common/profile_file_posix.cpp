@@ -33,7 +33,7 @@ struct Content
 Content readAll(const std::string& file)
 {
     Content content;
-    // A pipe in the file's place must not make the open wait, and a terminal there must not become this process's.
+    // Opening a pipe must not block, and opening a terminal must not make it this process's terminal.
     const Descriptor input(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!input) {
         content.error = lastError();
@@ -56,7 +56,7 @@ Content readAll(const std::string& file)
     std::size_t length = 0;
     content.text.resize(static_cast<std::size_t>(state.st_size) + 1);
     while (true) {
-        if (length > kLargestProfile) { // it grew meanwhile, or its file system does not tell the size
+        if (length > kLargestProfile) { // it has grown, or its file system does not tell the size
             content.error = EFBIG;
             break;
         }
@@ -75,8 +75,8 @@ Content readAll(const std::string& file)
     return content;
 }
 
-/// Where a name leads once its symbolic links are followed, so that a rename replaces the file and not the link. The
-/// name itself where nothing is there yet; nothing, with errno set, when that cannot be found out.
+/// Returns `file` with its symbolic links resolved, so that a rename replaces the file and not the link, or unchanged
+/// if no file exists. Returns nothing, with errno set, when that cannot be determined.
 std::optional<std::string> target(const std::string& file)
 {
     const std::unique_ptr<char, decltype(&std::free)> path(::realpath(file.c_str(), nullptr), &std::free);

@@ -7,7 +7,7 @@ namespace quarrynet {
 
 namespace {
 
-/// ERROR_FILE_TOO_LARGE for a file beyond the bound, 0 for every other one; the call itself judges those.
+/// Returns ERROR_FILE_TOO_LARGE for a file above the limit, or 0; other errors are left to the call.
 DWORD sizeFault(const std::string& file)
 {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
@@ -25,7 +25,7 @@ ProfileReply fill(const std::string& file, std::size_t capacity, Call call)
     if (reply.error != 0)
         return reply;
     reply.text.resize(capacity);
-    ::SetLastError(0); // a success leaves the code of an earlier failure standing
+    ::SetLastError(0); // a success does not clear the code of an earlier failure
     const DWORD count = call(reply.text.data(), static_cast<DWORD>(capacity));
     reply.error = ::GetLastError();
     reply.text.resize(count);

@@ -31,7 +31,7 @@ struct Line
 {
     LineKind kind;
     std::size_t begin;
-    std::size_t end;        // behind the line end
+    std::size_t end;        // after the line end
     std::string_view name;  // of a section or a key
     std::string_view value; // of an entry
     bool hasValue;
@@ -71,7 +71,7 @@ public:
         return line;
     }
 
-    /// Moves behind the header of `section`; false, and at the end, when there is none.
+    /// Moves to the line after the header of `section`. If there is none, moves to the end and returns false.
     bool enter(std::string_view section)
     {
         const std::string_view name = trim(section);
@@ -101,8 +101,8 @@ std::string entryLine(std::string_view key, std::string_view value, std::string_
     return line.append("=").append(value).append(lineEnd);
 }
 
-/// `text` with the bytes from `begin` to `end` replaced by whole lines; where the line before lacks its end, it gets
-/// it.
+/// Returns `text` with the bytes from `begin` to `end` replaced by whole lines. Adds a line end to the previous line if
+/// it has none.
 std::string splice(std::string_view text, std::size_t begin, std::size_t end, std::string_view lines)
 {
     std::string out;
@@ -174,7 +174,7 @@ std::string withProfileValue(std::string_view text, std::string_view section, st
     if (!lines.enter(section))
         return splice(text, text.size(), text.size(),
                       sectionHeader(section, lineEnd) + entryLine(name, value, lineEnd));
-    std::size_t behind = lines.at();
+    std::size_t behind = lines.at(); // after the last line that is not blank
     while (const std::optional<Line> line = lines.next()) {
         if (line->kind == LineKind::Section)
             break;
@@ -200,10 +200,10 @@ std::string withProfileEntries(std::string_view text, std::string_view section,
     if (!lines.enter(section))
         return splice(text, text.size(), text.size(), sectionHeader(section, lineEnd) + added);
 
-    std::optional<std::size_t> place; // of the first entry, or behind the last line that is not blank
-    std::size_t behind = lines.at();
+    std::optional<std::size_t> place; // of the first entry, in `before`
+    std::size_t behind = lines.at();  // after the last comment before that
     std::size_t bodyEnd = lines.at();
-    std::string kept; // the section's lines that are no entries, from `place` on
+    std::string kept; // the section's lines from `place` on that are not entries
     const std::size_t body = lines.at();
     std::string before;
     while (const std::optional<Line> line = lines.next()) {

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::literals;
 
-// Reads numbers at offsets; whatever lies beyond the end reads as 0, and a size of 0 is refused.
+// Reads numbers at offsets. Bytes after the end read as 0, and a size of 0 is rejected.
 class Bytes
 {
 public:
@@ -47,7 +47,7 @@ std::optional<RasterHead> readPng(const Bytes& bytes)
     return sized(RasterFormat::Png, bytes.big32(16), bytes.big32(20));
 }
 
-// A frame header: 0xC0 to 0xCF but for the tables among them.
+// Returns whether `marker` begins a frame header: 0xC0 to 0xCF, except those of tables.
 bool isFrame(std::uint32_t marker)
 {
     return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
@@ -63,7 +63,7 @@ std::optional<RasterHead> readJpeg(const Bytes& bytes)
         const bool alone = marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
         if (marker == 0xD9)
             break;
-        if (marker == 0xFF || alone) { // a fill byte, or nothing that has a length
+        if (marker == 0xFF || alone) { // a fill byte, or a marker without a length
             at = bytes.find('\xFF', at + (marker == 0xFF ? 1 : 2));
             continue;
         }
@@ -81,7 +81,7 @@ std::optional<RasterHead> readJpeg(const Bytes& bytes)
     return head;
 }
 
-// The size of the canvas, or of the first frame where that is larger: decoders follow either.
+// Returns the size of the canvas, or of the first frame if that is larger, because decoders use either.
 std::optional<RasterHead> readGif(const Bytes& bytes)
 {
     const auto tableSize = [&bytes](std::size_t flags) {

@@ -4,10 +4,10 @@
 #include <optional>
 #include <string_view>
 
-/// What a picture from the net is, found out before anything decodes it.
+/// Inspection of pictures from the network before anything decodes them.
 namespace quarrynet {
 
-/// The formats that are shown. All of them are rasters: a drawing could name files and addresses of its own.
+/// The formats that are shown. All are raster formats, because a vector drawing could refer to files and addresses.
 enum class RasterFormat
 {
     Png,
@@ -19,19 +19,19 @@ enum class RasterFormat
 struct RasterHead
 {
     RasterFormat format;
-    std::uint32_t width; // both in pixels, above 0
+    std::uint32_t width; // both in pixels, greater than 0
     std::uint32_t height;
 };
 
-/// JPEG pictures with more scans than this are refused: a decoder goes over all pixels for each of them, and each can
-/// be a few bytes long. Encoders make about ten.
+/// Maximum number of scans of a JPEG picture. A decoder processes all pixels for each scan, and a scan can have only a
+/// few bytes. Encoders write about ten.
 inline constexpr int kMaxJpegScans = 64;
 
-/// Reads the head of a picture. `bytes` are the whole picture; its format is told by its content alone. Returns nothing
-/// where it is none of these formats, or is cut off before it tells its size. The time grows with the length.
+/// Reads the header of a picture. `bytes` is the whole picture, whose content alone tells the format. Returns nothing
+/// if the format is none of these, or the picture ends before its size. The time is proportional to the length.
 std::optional<RasterHead> readRasterHead(std::string_view bytes);
 
-/// The media type of a format, for example "image/png".
+/// Returns the media type of a format, such as "image/png".
 std::string_view mediaType(RasterFormat format);
 
 } // namespace quarrynet

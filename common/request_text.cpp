@@ -49,7 +49,7 @@ std::string engineRequest(std::string_view target, std::string_view host, Route 
 
 Result<std::int32_t> firstResultOfPage(std::int32_t page, std::int32_t perPage, std::int32_t offset)
 {
-    // The product alone must fit too: it is a 32-bit value of its own.
+    // The product alone must also fit, because it is a 32-bit value of its own.
     const std::int64_t product = std::int64_t{page} * perPage;
     if (!fitsInt32(product) || !fitsInt32(product + offset))
         return RuntimeError::Overflow;

@@ -47,8 +47,8 @@ Result<PageTotal> countPages(std::string_view countText, std::int32_t perPage)
     if (!whole)
         return whole.error();
     const double remainder = std::fmod(*count, perPage);
-    // The count itself as the number of pages, and no page for a remainder from 5 on that rounds down: the sliders have
-    // always been offered so.
+    // Deliberate: a multiple of a page gives the count itself as the number of pages, and a remainder of 5 or more that
+    // rounds down adds no page.
     if (remainder == 0)
         return PageTotal{PageTotal::Rule::CountItself, *whole, std::move(plain)};
     const auto rounded = static_cast<std::int32_t>(std::nearbyint(*count / perPage));

@@ -8,8 +8,7 @@
 
 namespace quarrynet {
 
-/// A step that could not be carried out. The numbers are the classic ones, which people can look up and which the error
-/// box shows.
+/// The error of a step that failed. The error box shows these classic numbers, which users can look up.
 enum class RuntimeError : std::uint8_t
 {
     InvalidProcedureCall = 5,
@@ -21,13 +20,13 @@ enum class RuntimeError : std::uint8_t
     PathFileAccess = 75,
 };
 
-/// The description that belongs to the number, in English ASCII, without a final full stop.
+/// Returns the error's description, in English ASCII, without a final full stop.
 std::string_view describe(RuntimeError error);
 
-/// The text of the error box: "Run-time error 'N':", an empty line and the description. Lines end in LF.
+/// Returns the text of the error box: "Run-time error 'N':", an empty line and the description. Lines end in LF.
 std::string runtimeErrorText(RuntimeError error);
 
-/// A value, or the fault that kept it from being made. Faults in pages are ordinary.
+/// A value, or the error that prevented it. Faulty pages are normal input.
 template <class T>
 using Result = Expected<T, RuntimeError>;
 

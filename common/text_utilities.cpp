@@ -10,10 +10,10 @@ namespace quarrynet {
 
 namespace {
 
-// Up to this length a search text is looked for with find(), which may cost its length for each byte of the text.
+// Maximum length of a search text for find(), whose cost per byte of the text may be that length.
 constexpr std::size_t kShortSearch = 32;
 
-// How many bytes replacements that stand on earlier ones may sum up to in a text that grows: it need never end.
+// Maximum total length of replacements that involve earlier ones in a growing text, which might never end.
 constexpr std::size_t kMostFormed = std::size_t{64} << 20;
 
 std::string replaceInOnePass(std::string_view source, std::string_view sought, std::string_view replacement)
@@ -27,18 +27,18 @@ std::string replaceInOnePass(std::string_view source, std::string_view sought, s
     return out.append(source, from);
 }
 
-/// Replaces matches until none is left. Returns nothing once replacements that stand on earlier ones sum up to more
-/// than `most` bytes.
+/// Replaces matches until none is left. Returns nothing once replacements that involve earlier ones total more than
+/// `most` bytes.
 std::optional<std::string> rewritten(std::string_view source, std::string_view sought, std::string_view replacement,
                                      std::size_t most)
 {
-    // `out` is free of matches. The texts in `unread` follow it, the last one first: what is left of replacements, and
-    // of the source. So the first match of the whole text is always the first one that `out` ends with.
+    // `out` has no matches. The texts in `unread`, the rest of replacements and of the source, follow it, the last one
+    // first. So the first match of the whole text is always the first one that `out` ends with.
     std::string out(source, 0, source.find(sought));
     std::vector<std::string_view> unread{source.substr(out.size())};
-    std::size_t replaced = 0; // how much of the source had been read at the last replacement
+    std::size_t replaced = 0; // number of source bytes read before the last replacement
     while (unread.size() > 1 || !unread.front().empty()) {
-        // No byte but the search text's last one completes a match.
+        // Only the search text's last byte can complete a match.
         std::string_view& next = unread.back();
         const std::size_t end = next.find(sought.back());
         const std::size_t taken = end == std::string_view::npos ? next.size() : end + 1;
@@ -49,7 +49,7 @@ std::optional<std::string> rewritten(std::string_view source, std::string_view s
             unread.pop_back();
         if (end == std::string_view::npos || !out.ends_with(sought))
             continue;
-        if (read - replaced < sought.size()) { // so some of the match is not the source's
+        if (read - replaced < sought.size()) { // part of the match comes from a replacement
             if (replacement.size() > most)
                 return std::nullopt;
             most -= replacement.size();
@@ -77,7 +77,7 @@ std::string ReplaceFirstInstance(std::string_view SourceString, std::string_view
 
 std::string FindReplace(std::string_view SourceString, std::string_view SearchString, std::string_view ReplaceString)
 {
-    // A text that does not grow comes to an end by itself.
+    // The replacement of a text that does not grow always ends.
     const bool grows = ReplaceString.size() > SearchString.size();
     const std::size_t most = grows ? kMostFormed : std::numeric_limits<std::size_t>::max();
     if (std::optional<std::string> done = FindReplaceWithin(SourceString, SearchString, ReplaceString, most))
@@ -101,7 +101,8 @@ bool containsText(std::string_view text, std::string_view sought)
 {
     if (sought.size() <= kShortSearch || sought.size() > text.size())
         return text.find(sought) != std::string_view::npos;
-    // Knuth, Morris and Pratt: the state is how many bytes of `sought` the bytes read so far end with.
+    // Knuth-Morris-Pratt: the state is the length of the longest prefix of `sought` that the bytes read so far end
+    // with.
     std::vector<std::size_t> shorter(sought.size() + 1); // the next shorter state that fits the same bytes
     const auto next = [&](std::size_t state, char byte) {
         while (state > 0 && sought[state] != byte)
