@@ -103,10 +103,13 @@ std::shared_ptr<HttpServer::Loop::Session> HttpServer::Loop::next(Listener& list
     return session;
 }
 
-/// Removes a session from the queue `waiting` when its client has closed its sending side or is gone.
+/// Moves a session whose client has closed its sending side from `waiting` to `ended`, and drops one whose client is
+/// gone. A client's end can be noticed twice, by next() and by the session's own read. The session may be in one queue
+/// once only, or two workers would use it at the same time.
 void HttpServer::Loop::setAside(Listener& listener, std::shared_ptr<Session> session)
 {
     std::erase(listener.waiting, session);
+    std::erase(listener.ended, session);
     if (session->client() == Client::Gone) {
         session->close();
         return;

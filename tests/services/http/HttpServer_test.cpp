@@ -1,7 +1,14 @@
 #include <atomic>
+#include <csignal>
+#include <fstream>
+#include <future>
 #include <memory>
+#include <pthread.h>
 #include <stdexcept>
+#include <string>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -46,6 +53,9 @@ public:
     }
 
     std::uint16_t port(std::size_t listener = 0) const { return ports_[listener]; }
+
+    /// The thread that runs the loop.
+    pthread_t loop() { return thread_.native_handle(); }
     std::size_t mostHeld() const { return server_.mostHeld(); }
 
 private:
@@ -57,6 +67,44 @@ private:
 
 /// Size of the response to "/large", which stalls if the client does not read it.
 constexpr std::size_t kLarge = 64 * 1024 * 1024;
+
+/// Returns when a thread of this process sleeps. Not for a thread that may sleep on its way.
+void waitUntilIdle(pid_t thread)
+{
+    const std::string path = "/proc/self/task/" + std::to_string(thread) + "/stat";
+    for (std::string stat; stat.find(") S ") == std::string::npos; std::this_thread::yield())
+        std::getline(std::ifstream(path), stat);
+}
+
+/// Stops a thread in a signal handler for as long as the object lives, whatever the thread is doing.
+class PausedThread
+{
+public:
+    explicit PausedThread(pthread_t thread)
+    {
+        EXPECT_EQ(::pipe(paused), 0);
+        EXPECT_EQ(::pipe(resume), 0);
+        std::signal(SIGUSR1, [](int) {
+            char byte = 0;
+            (void)!::write(paused[1], &byte, 1);
+            (void)!::read(resume[0], &byte, 1);
+        });
+        ::pthread_kill(thread, SIGUSR1);
+        char byte = 0;
+        (void)!::read(paused[0], &byte, 1);
+    }
+    ~PausedThread()
+    {
+        (void)!::write(resume[1], "", 1);
+        // The handler still reads from `resume`, so these stay open.
+    }
+    PausedThread(const PausedThread&) = delete;
+    PausedThread& operator=(const PausedThread&) = delete;
+
+private:
+    inline static int paused[2];
+    inline static int resume[2];
+};
 
 HttpResponse largeOnRequest(const HttpRequest& request)
 {
@@ -233,6 +281,46 @@ TEST(HttpServer, AClientThatReadsTooSlowlyMakesRoomForOthers)
     const RawClient idle("127.0.0.1", server.port());
     idle.send("GET /large HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+}
+
+// The queues noticed the end of a waiting client, and then the session's own read did: two workers made one response.
+TEST(HttpServer, AClientWhoseEndIsNoticedTwiceGetsOneResponse)
+{
+    HttpServer::Limits limits;
+    limits.workers = 1;
+    std::promise<pid_t> working;
+    std::promise<void> go;
+    std::atomic<int> made = 0;
+    RunningServer server(
+        [&](const HttpRequest& request) {
+            if (request.path == "/first") {
+                working.set_value(static_cast<pid_t>(::syscall(SYS_gettid)));
+                go.get_future().wait();
+            }
+            made += request.path == "/ending" ? 1 : 0;
+            return echo(request);
+        },
+        limits);
+    const RawClient first("127.0.0.1", server.port());
+    first.send("GET /first HTTP/1.1\r\nHost: h\r\n\r\n");
+    const pid_t worker = working.get_future().get();
+    const RawClient ending("127.0.0.1", server.port());
+    ending.send("GET /ending HTTP/1.1\r\nHost: h\r\n\r\n");
+    const RawClient waiting("127.0.0.1", server.port());
+    waiting.send("GET / HTTP/1.1\r\nHost: h\r\n\r\n");
+    // The loop itself refuses this one, after it has read the others.
+    EXPECT_EQ(statusOf(server.ask("NONSENSE\r\n\r\n")), "400");
+    {
+        // When the loop goes on, it hears of the first response, and then of the client that has ended.
+        const PausedThread paused(server.loop());
+        go.set_value();
+        waitUntilIdle(worker);
+        ending.endSending();
+    }
+    EXPECT_EQ(statusOf(waiting.receiveAll()), "200");
+    EXPECT_EQ(statusOf(ending.receiveAll()), "200");
+    EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+    EXPECT_EQ(made, 1);
 }
 
 TEST(HttpServer, RequestsOfClientsThatAreGoneDoNotHoldOthersUp)
