@@ -39,7 +39,7 @@ void place(LayoutControl& control, LayoutProperty property, std::int16_t entry, 
         control.write(property, *value);
 }
 
-// An odd size is raised to the next even one.
+// Raises an odd size to the next even one.
 void placeFont(LayoutControl& control, std::int16_t entry, double ratio)
 {
     const std::optional<std::int32_t> size = floorOf(entry / ratio);

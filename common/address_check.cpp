@@ -20,8 +20,8 @@ bool isOneOf(char c, std::string_view characters)
     return characters.find(c) != std::string_view::npos;
 }
 
-// RFC 3986, section 3.2: user information, host and port. Stricter to protect the program that opens it: a host must
-// not look like an option, nor be empty.
+// Validates user information, host and port (RFC 3986, section 3.2). Stricter to protect the program that opens the
+// address: the host must not look like an option, nor be empty.
 bool isAuthority(std::string_view authority)
 {
     std::string_view user;

@@ -21,7 +21,7 @@ class HiddenListBox final : public QObject
 public:
     HiddenListBox(const QString& name, QObject* parent);
 
-    /// The entries, as bytes.
+    /// Returns the entries, as bytes.
     const std::vector<std::string>& items() const { return items_; }
     void setItems(std::vector<std::string> items) { items_ = std::move(items); }
     /// Stores positions as decimal entries, and reads them back. An entry that is not a number reads as 0.

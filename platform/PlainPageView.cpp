@@ -22,7 +22,7 @@ constexpr int kMaxPictureSide = 512;
 
 constexpr int kMargin = 12; // below each picture, in pixels
 
-// The name of a picture in the document. A link's address is the picture's number.
+// Returns the name of a picture in the document. A link's address is the picture's number.
 QUrl pictureName(std::size_t number)
 {
     return {QStringLiteral("picture:%1").arg(number)};

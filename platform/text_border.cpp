@@ -57,7 +57,7 @@ QString decoded(std::string_view bytes, bool)
 
 #endif
 
-// The explicit formatting characters of the Unicode Bidirectional Algorithm, section 2.
+// Returns whether `character` is an explicit formatting character (Unicode Bidirectional Algorithm, section 2).
 bool turnsDirection(QChar character)
 {
     const char16_t number = character.unicode();

@@ -19,8 +19,7 @@ public:
     /// `guard` decides which pages may be shown. `profile` must outlive the page.
     BrowserPage(const RequestGuard& guard, QWebEngineProfile* profile, QObject* parent);
 
-    /// Call when the user presses a button or a key that may choose a link. The next link within five seconds counts as
-    /// the user's choice.
+    /// Allows the next link within five seconds. Call when the user presses a button or a key that may choose one.
     void personActed();
 
 signals:

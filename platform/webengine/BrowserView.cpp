@@ -51,7 +51,8 @@ bool choosesLink(const QEvent& event)
     return key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
-// Only the left and middle buttons choose links. The others would open a menu or navigate the history.
+// Returns whether to block a button: all but the left and middle ones, which choose links. The others would open a menu
+// or navigate the history.
 bool isForbiddenButton(const QEvent& event)
 {
     if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonRelease &&
@@ -61,7 +62,7 @@ bool isForbiddenButton(const QEvent& event)
     return button != Qt::LeftButton && button != Qt::MiddleButton;
 }
 
-// Backspace is allowed only in a field.
+// Returns whether to block a key. Backspace is allowed only in a field.
 bool isForbiddenKey(const QKeyEvent& key, const QObject& place)
 {
     if (leadsAway(key))

@@ -14,7 +14,8 @@ namespace quarrynet {
 
 namespace {
 
-// A user namespace alone is not enough: some systems grant it and then forbid everything in it.
+// Returns whether a process can create the namespaces of a sandbox. A user namespace alone is not enough: some systems
+// grant it and then forbid everything in it.
 bool canMakeNamespaces()
 {
     const pid_t child = fork();
