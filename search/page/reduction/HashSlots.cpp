@@ -21,7 +21,7 @@ void HashSlots::expect(std::size_t count)
 
 void HashSlots::add(std::uint32_t hash, std::uint32_t number)
 {
-    if (3 * taken_ >= 2 * slots_.size())
+    if (4 * taken_ >= 3 * slots_.size())
         grow();
     put(slots_, {hash, number});
     ++taken_;

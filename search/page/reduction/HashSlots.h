@@ -42,7 +42,7 @@ private:
     static void put(std::vector<Slot>& slots, const Slot& slot);
     void grow();
 
-    std::vector<Slot> slots_; // a power of two; at most two thirds are taken
+    std::vector<Slot> slots_; // a power of two; at most three quarters are taken
     std::size_t taken_ = 0;
 };
 
