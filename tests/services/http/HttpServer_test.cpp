@@ -4,12 +4,14 @@
 #include <future>
 #include <memory>
 #include <pthread.h>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "ground/CurrentTask.h"
@@ -321,6 +323,65 @@ TEST(HttpServer, AClientWhoseEndIsNoticedTwiceGetsOneResponse)
     EXPECT_EQ(statusOf(ending.receiveAll()), "200");
     EXPECT_EQ(statusOf(server.ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
     EXPECT_EQ(made, 1);
+}
+
+// The way in which a client leaves must not let two workers make one response, or mix two of them.
+TEST(HttpServer, ClientsThatComeAndGoAtRandomGetTheirOwnResponses)
+{
+    constexpr std::size_t kClients = 8;
+    constexpr std::size_t kRequests = 100;
+    HttpServer::Limits limits;
+    limits.workers = 1;
+    limits.connections = kClients;
+    std::vector<std::atomic<int>> made(kClients * kRequests);
+    const auto bodyOf = [](std::size_t number) {
+        return std::string(number % 7 * 20'000, 'a') + std::to_string(number);
+    };
+    RunningServer server(
+        [&](const HttpRequest& request) {
+            const std::size_t number = std::stoul(request.path.substr(1));
+            ++made[number];
+            HttpResponse response;
+            response.body = bodyOf(number);
+            return response;
+        },
+        limits);
+    const auto visit = [&](std::size_t client) {
+        std::minstd_rand chance(static_cast<unsigned>(client) + 1);
+        for (std::size_t number = client * kRequests; number < (client + 1) * kRequests; ++number) {
+            const RawClient visitor("127.0.0.1", server.port());
+            const std::string request = "GET /" + std::to_string(number) + " HTTP/1.1\r\nHost: h\r\n\r\n";
+            switch (chance() % 6) {
+            case 0: // leaves before it has asked
+                visitor.send(request.substr(0, chance() % request.size()));
+                break;
+            case 1: // leaves without waiting
+                visitor.send(request);
+                break;
+            case 2:
+                visitor.send(request);
+                visitor.resetAtEnd();
+                break;
+            case 3: // has asked all, and may be told that too many wait
+                visitor.send(request);
+                visitor.endSending();
+                EXPECT_THAT(statusOf(visitor.receiveAll()), testing::AnyOf("200", "503"));
+                break;
+            default:
+                visitor.send(request);
+                EXPECT_THAT(visitor.receiveAll(), testing::EndsWith("\r\n\r\n" + bodyOf(number)));
+            }
+        }
+    };
+    {
+        std::vector<std::jthread> clients;
+        for (std::size_t i = 0; i < kClients; ++i)
+            clients.emplace_back(visit, i);
+    }
+    EXPECT_EQ(statusOf(server.ask("GET /0 HTTP/1.1\r\nHost: h\r\n\r\n")), "200");
+    server.stop();
+    made[0] = 0;
+    EXPECT_THAT(made, testing::Each(testing::Le(1)));
 }
 
 TEST(HttpServer, RequestsOfClientsThatAreGoneDoNotHoldOthersUp)
