@@ -1,8 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "ground/Outcome.h"
 #include "index/database.h"
@@ -27,5 +29,32 @@ struct WordTable
 /// page after the first `start` to `take`, best first.
 Outcome<std::int64_t> searchWords(IndexPool& pool, const WordTable& table, std::string_view typed, std::int64_t start,
                                   const std::function<void(Statement&)>& take);
+
+/// One page of a search's results.
+template <class Hit>
+struct WordAnswer
+{
+    std::int64_t total = 0;
+    std::int64_t start = 0; ///< number of results before this page
+    double seconds = 0;     ///< duration of the search
+    std::vector<Hit> hits;
+};
+
+/// Returns the page after the first `start` matches of `typed`, each made by `hitOf` from its row.
+template <class Hit, class HitOf>
+Outcome<WordAnswer<Hit>> findPage(IndexPool& pool, const WordTable& table, std::string_view typed, std::int64_t start,
+                                  const HitOf& hitOf)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    WordAnswer<Hit> answer;
+    answer.start = start;
+    const Outcome<std::int64_t> total =
+        searchWords(pool, table, typed, start, [&](Statement& row) { answer.hits.push_back(hitOf(row)); });
+    if (!total)
+        return total.error();
+    answer.total = *total;
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
+}
 
 } // namespace quarrynet::services

@@ -6,7 +6,6 @@
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
-#include "index/word_search.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
@@ -172,17 +171,11 @@ Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int6
         "ORDER BY whole DESC, begun IS NULL, begun, companion, score, shown.id",
         kPageSize,
     };
-    ProgramAnswer answer;
-    answer.start = start;
-    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
-        answer.hits.push_back({std::string(row.text(0)), std::string(row.text(1)), std::string(row.text(2)),
-                               row.number(3), std::string(row.text(4)),
-                               std::string(row.text(5)) + encodePath(row.text(6))});
+    return findPage<ProgramHit>(index_, kTable, typed, start, [&](const Statement& row) {
+        return ProgramHit{std::string(row.text(0)), std::string(row.text(1)),
+                          std::string(row.text(2)), row.number(3),
+                          std::string(row.text(4)), std::string(row.text(5)) + encodePath(row.text(6))};
     });
-    if (!total)
-        return total.error();
-    answer.total = *total;
-    return answer;
 }
 
 /// Returns the address of the download at `place`, or an empty text when the index has none there: the page redirects

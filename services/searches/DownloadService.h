@@ -7,6 +7,7 @@
 
 #include "http/message.h"
 #include "index/database.h"
+#include "index/word_search.h"
 
 namespace quarrynet::services {
 
@@ -21,12 +22,7 @@ struct ProgramHit
     std::string address; ///< where the program is downloaded from
 };
 
-struct ProgramAnswer
-{
-    std::int64_t total = 0;
-    std::int64_t start = 0; ///< number of results before this page
-    std::vector<ProgramHit> hits;
-};
+using ProgramAnswer = WordAnswer<ProgramHit>;
 
 /// The download directory, with 25 programs per page:
 ///   /3120-20-0-PAGE-5.html?qt=WORDS&ca=20   a results page, counted from 1

@@ -1,10 +1,7 @@
 #include "searches/ImageService.h"
 
-#include <chrono>
-
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
-#include "index/word_search.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
 #include "text/markup.h"
@@ -158,19 +155,11 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
         "ORDER BY turn, named, score, turned.id LIMIT ?2 OFFSET ?3",
         kPageSize,
     };
-    const auto begin = std::chrono::steady_clock::now();
-    ImageAnswer answer;
-    answer.start = start;
-    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+    return findPage<ImageHit>(index_, kTable, typed, start, [&](const Statement& row) {
         std::string address = pictureAddress(host_, row.number(0), row.text(1));
         std::string thumbnail = "/images?q=tbn:" + versionText(row.number(2)) + ":" + address;
-        answer.hits.push_back({std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))});
+        return ImageHit{std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))};
     });
-    if (!total)
-        return total.error();
-    answer.total = *total;
-    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    return answer;
 }
 
 /// Opens the picture at "FOLDER/PATH" (escaped). Returns null unless the index has it and it still lies inside its

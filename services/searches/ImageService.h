@@ -8,6 +8,7 @@
 
 #include "http/message.h"
 #include "index/database.h"
+#include "index/word_search.h"
 #include "thumbnails/ThumbnailCache.h"
 #include "thumbnails/Thumbnailer.h"
 
@@ -21,13 +22,7 @@ struct ImageHit
     std::string caption;   ///< its path below the folder, UTF-8
 };
 
-struct ImageAnswer
-{
-    std::int64_t total = 0;
-    std::int64_t start = 0; ///< number of results before this page
-    double seconds = 0;     ///< duration of the search
-    std::vector<ImageHit> hits;
-};
+using ImageAnswer = WordAnswer<ImageHit>;
 
 /// The image search, with ten results per page, and its pictures:
 ///   /images?...&start=N&...&q=WORDS[&sa=N]        a results page

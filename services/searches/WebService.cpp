@@ -1,12 +1,10 @@
 #include "searches/WebService.h"
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
-#include "index/word_search.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
 #include "text/markup.h"
@@ -116,20 +114,12 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
         "ORDER BY length IS NULL, length, score, shown.id",
         kPageSize,
     };
-    const auto begin = std::chrono::steady_clock::now();
-    WebAnswer answer;
-    answer.start = start;
-    const Outcome<std::int64_t> total = searchWords(index_, kTable, typed, start, [&](Statement& row) {
+    return findPage<WebHit>(index_, kTable, typed, start, [&](const Statement& row) {
         std::string address(row.text(0));
         if (!address.empty() && address.front() == '/')
             address.insert(0, base_);
-        answer.hits.push_back({std::move(address), std::string(row.text(1)), std::string(row.text(2))});
+        return WebHit{std::move(address), std::string(row.text(1)), std::string(row.text(2))};
     });
-    if (!total)
-        return total.error();
-    answer.total = *total;
-    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    return answer;
 }
 
 /// Returns a document's folder and what the index has the document as, or nothing when the index has no such folder.

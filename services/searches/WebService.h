@@ -8,6 +8,7 @@
 
 #include "http/message.h"
 #include "index/database.h"
+#include "index/word_search.h"
 
 namespace quarrynet::services {
 
@@ -19,14 +20,7 @@ struct WebHit
     std::string description;
 };
 
-/// The content of a results page, without header and footer.
-struct WebAnswer
-{
-    std::int64_t total = 0;
-    std::int64_t start = 0; ///< number of results before this page
-    double seconds = 0;     ///< duration of the search
-    std::vector<WebHit> hits;
-};
+using WebAnswer = WordAnswer<WebHit>;
 
 /// The web search, with 30 results per page, and the documents that it serves itself:
 ///   /search?...&start=N&...&q=WORDS   a results page; q is the last parameter and extends to the end of the query
