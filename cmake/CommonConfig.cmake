@@ -27,6 +27,10 @@ if(QUARRYNET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   endif()
 endif()
 
+if(WIN32)
+  add_compile_definitions(NOMINMAX) # windows.h would make macros of std::min and std::max
+endif()
+
 add_library(quarrynet_warnings INTERFACE)
 if(MSVC)
   target_compile_options(quarrynet_warnings INTERFACE /W4 /utf-8 /permissive-)

@@ -5,8 +5,9 @@
 #include <utility>
 
 #ifdef _WIN32
-#include <shellapi.h>
 #include <windows.h>
+// Must come after windows.h.
+#include <shellapi.h>
 #elif defined(__linux__)
 #include <climits>
 #include <linux/close_range.h>

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ground/ascii.h"
 #include "index/IndexWriter.h"
 #include "sources/HomePages.h"
 #include "sources/PoolFiles.h"
@@ -17,6 +18,7 @@
 #include "tests/services/support/service_support.h"
 
 /// Compares the cost of collecting index data from folders and package lists of single and double size.
+using namespace quarrynet;
 using namespace quarrynet::cost;
 using namespace quarrynet::services;
 
@@ -87,7 +89,7 @@ void expectProportionalLists(const std::string& what,
 TEST(SourcesCost, FoldersOfFiles)
 {
     expectProportionalWalk("files", [](const std::string& folder) {
-        const auto isPicture = [](std::string_view name) { return hasEnding(name, ".png"); };
+        const auto isPicture = [](std::string_view name) { return endsWithIgnoringCase(name, ".png"); };
         findFiles(folder, isPicture, [](const std::string&) {});
     });
     expectProportionalWalk("HTML files",
