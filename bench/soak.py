@@ -6,8 +6,8 @@
 Eight clients search on all four services, page, fetch thumbnails, send broken requests, disconnect early and read
 slowly; every ten minutes the index is rebuilt. All traffic is on loopback addresses and bounded: each client pauses
 between two requests. Once a minute a line reports the services' memory, descriptors and threads, and the search times;
-soak.tsv in the current folder keeps the lines. The exit status is 1 if memory or descriptors have grown since the tenth
-minute, a search took longer than two seconds, or the services ended.
+soak.tsv in the current folder keeps the lines; bench/soak.tsv has those of the last long run. The exit status is 1 if
+memory or descriptors have grown since the tenth minute, a search took longer than two seconds, or the services ended.
 
 With --halts the services are stopped for moments of up to five seconds, so that every timeout and every order of events
 is met; search times are then not judged. Under the thread sanitizer (preset tsan) this finds races within minutes.
