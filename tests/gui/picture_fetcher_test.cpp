@@ -185,7 +185,8 @@ public:
             while (QTcpSocket* connection = server_.nextPendingConnection())
                 connections.append(connection);
         });
-        server_.listen(QHostAddress::LocalHost);
+        // All of 127.0.0.0/8: the pictures have a host each, and none may be refused.
+        server_.listen(QHostAddress::AnyIPv4);
     }
 
     QString address() const { return u"http://127.0.0.1:%1/"_s.arg(server_.serverPort()); }
