@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <tuple>
 #include <unordered_map>
 #include <utility>
 
