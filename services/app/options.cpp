@@ -56,6 +56,12 @@ std::string checkMirror(const std::string& text)
     return good ? "" : "takes an http, https or ftp address, not \"" + text + "\"";
 }
 
+void addConfig(CLI::App& command, Options& options)
+{
+    addText(command, "--config", options.configFile, "FILE",
+            "which sources are asked (default: quarrynet/services.toml in $XDG_CONFIG_HOME or ~/.config)");
+}
+
 void addIndex(CLI::App& app, Options& options)
 {
     CLI::App* index = app.add_subcommand("index", "Make the index for the searches");
@@ -105,6 +111,7 @@ void addServe(CLI::App& app, Options& options)
     addNumber(*serve, "--proxy-port", options.proxyPort, 0, kMost, "its port; 0 picks a free one");
     addText(*serve, "--user", options.user, "NAME",
             "the user that root becomes once all services listen (default nobody)");
+    addConfig(*serve, options);
     serve->final_callback([&options] { options.command = Options::Command::Serve; });
 }
 

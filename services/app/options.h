@@ -48,6 +48,8 @@ struct Options
     std::string proxyAddress = "127.0.0.1";
     std::uint16_t proxyPort = 8780;
     std::string user; ///< the user that root becomes; empty: nobody
+
+    std::string configFile; ///< empty: the user's configuration folder
 };
 
 /// Parses the arguments after the program's name. Options are "--name value" or "--name=value", flags just "--name".

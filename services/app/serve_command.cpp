@@ -10,6 +10,7 @@
 #include "app/own_program.h"
 #include "app/privileges.h"
 #include "app/service_table.h"
+#include "config/services_file.h"
 #include "http/HttpServer.h"
 #include "http/Router.h"
 #include "index/database.h"
@@ -62,6 +63,12 @@ Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexP
 
 int runServe(const Options& options)
 {
+    const Expected<ServicesFile, FileFaults> config = loadServicesFile(options.configFile);
+    if (!config) {
+        for (const std::string& fault : config.error())
+            std::fprintf(stderr, "quarrynet-services: %s\n", fault.c_str());
+        return 1;
+    }
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data) {
         std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());

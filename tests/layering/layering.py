@@ -31,6 +31,7 @@ TREE = {
     "services/text": "libraries/ground",
     "services/http": "libraries/ground services/text",
     "services/index": "libraries/ground services/text",
+    "services/config": "libraries/ground",
     "services/ftp": "libraries/ground services/text",
     "services/thumbnails": "libraries/ground",
     "services/sources":
@@ -38,7 +39,7 @@ TREE = {
     "services/searches":
         "libraries/ground services/http services/index services/text services/thumbnails",
     "services/app":
-        "libraries/ground services/ftp services/http services/index services/searches services/sources services/text "
+        "libraries/ground services/config services/ftp services/http services/index services/searches services/sources services/text "
         "services/thumbnails",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ground/Expected.h"
+
+/// The configuration of the services: one TOML file that says which sources each service asks. Without a file each
+/// service asks the index.
+namespace quarrynet::services {
+
+inline constexpr std::size_t kMaxServicesFile = 256 * 1024;
+inline constexpr std::size_t kMostSources = 8;
+inline constexpr std::size_t kMostInstances = 8;
+inline constexpr std::size_t kMaxSourceAddress = 1024;
+
+/// A source that a search asks.
+struct SourceSetting
+{
+    /// Addresses of SearXNG or searx instances that stand in for each other, without a trailing slash. Empty: the
+    /// index.
+    std::vector<std::string> instances;
+    std::size_t line = 0; ///< in the file, counted from 1
+
+    bool isIndex() const { return instances.empty(); }
+};
+
+enum class SafeSearch : std::uint8_t
+{
+    Off,
+    Moderate,
+    Strict,
+};
+
+/// The table of one service.
+struct ServiceSettings
+{
+    std::vector<SourceSetting> sources{SourceSetting{}}; ///< in the order of their results; never empty
+    std::string language = "all";                        ///< "all", or a language code such as "de" or "pt-BR"
+    SafeSearch safeSearch = SafeSearch::Off;
+    std::chrono::seconds wait{6}; ///< for the sources, per search
+
+    /// Returns whether a source other than the index is asked.
+    bool asksOthers() const;
+};
+
+/// The content of the file. A further table is one more member here, and one more entry in readServicesFile().
+struct ServicesFile
+{
+    ServiceSettings web;
+    ServiceSettings image;
+    bool logQueries = false; ///< write what people type to the error output
+};
+
+/// Lines "FILE:LINE: message" for a person to read; never empty.
+using FileFaults = std::vector<std::string>;
+
+/// Parses the content of the file; `name` is its name in messages.
+Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const std::string& name);
+
+/// Reads the file `chosen`, or if that is empty, "quarrynet/services.toml" in $XDG_CONFIG_HOME or ~/.config (XDG Base
+/// Directory Specification). Returns the defaults when nothing was chosen and there is no file.
+Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen);
+
+} // namespace quarrynet::services
