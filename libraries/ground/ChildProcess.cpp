@@ -147,7 +147,7 @@ int ChildProcess::wait()
 }
 
 Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
-                                const std::function<void(std::string_view)>& take)
+                                const std::function<void(std::string_view)>& take, std::uint64_t most)
 {
     std::optional<Pipe> pipe = makePipe();
     if (!pipe)
@@ -166,6 +166,9 @@ Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
             continue;
         if (count <= 0)
             break;
+        if (static_cast<std::uint64_t>(count) > most)
+            return Failure{arguments[0] + " printed too much"};
+        most -= static_cast<std::uint64_t>(count);
         take(std::string_view(buffer.data(), static_cast<std::size_t>(count)));
     }
     pipe->readEnd.close();

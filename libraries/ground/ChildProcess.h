@@ -1,7 +1,9 @@
 #pragma once
 
 #include <csignal>
+#include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -54,9 +56,10 @@ private:
 };
 
 /// Runs a program as ChildProcess::start() does, with empty input and this process's standard error, and passes its
-/// standard output to `take` piece by piece. Fails when the program cannot be started or its exit status is not 0;
-/// pieces already passed stay passed.
+/// standard output to `take` piece by piece. Fails when the program cannot be started, its exit status is not 0, or it
+/// prints more than `most` bytes, which ends it; pieces already passed stay passed.
 Outcome<Done> readProgramOutput(const std::vector<std::string>& arguments,
-                                const std::function<void(std::string_view)>& take);
+                                const std::function<void(std::string_view)>& take,
+                                std::uint64_t most = std::numeric_limits<std::uint64_t>::max());
 
 } // namespace quarrynet

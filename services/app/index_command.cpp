@@ -24,6 +24,7 @@ int runIndex(const Options& options)
     if (options.ifNeeded && IndexPool(*data).borrow())
         return 0;
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
+    sources.contentsFiles = options.contentsFiles;
     sources.force = options.force;
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
@@ -49,9 +50,10 @@ int runIndex(const Options& options)
         return complain(counts.error());
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::fprintf(stderr,
-                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents and %zu "
-                 "pictures in %.1f seconds\n",
-                 counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures, seconds);
+                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents, %zu "
+                 "pictures and %zu files in packages in %.1f seconds\n",
+                 counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures,
+                 counts->listedFiles, seconds);
     if (counts->leftOut.count > 0)
         std::fprintf(stderr, "quarrynet-services: %zu items were left out, such as %s\n", counts->leftOut.count,
                      counts->leftOut.first.c_str());

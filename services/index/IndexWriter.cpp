@@ -72,6 +72,10 @@ struct IndexWriter::Parts
         FileFolderRow,
         FileRow,
         FileNameRow,
+        ListedFolderRow,
+        ListedPackageRow,
+        ListedBlockRow,
+        ListedTrigramRow,
         PictureFolderRow,
         PictureRow,
         PictureTextRow,
@@ -181,6 +185,10 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
         "INSERT INTO file_folder(site, path) VALUES (?1, ?2)",
         "INSERT INTO file_entry(id, folder, name, size, directory) VALUES (?1, ?2, ?3, ?4, ?5)",
         "INSERT INTO file_name(rowid, name) VALUES (?1, ?2)",
+        "INSERT INTO listed_folder(id, path) VALUES (?1, ?2)",
+        "INSERT INTO listed_package(id, program) VALUES (?1, ?2)",
+        "INSERT INTO listed_block(id, names, places) VALUES (?1, ?2, ?3)",
+        "INSERT INTO listed_trigram(id, blocks) VALUES (?1, ?2)",
         "INSERT INTO picture_folder(path) VALUES (?1)",
         "INSERT INTO picture(folder, path, name, place, stem, version) VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
         "INSERT INTO picture_text(rowid, name, place) VALUES (?1, ?2, ?3)",
@@ -330,6 +338,40 @@ Outcome<Done> IndexWriter::addFile(std::int64_t number, const FileEntry& entry)
     Outcome<Done> result = parts_->insert(Parts::FileRow, number, entry.folder, entry.name, entry.size,
                                           static_cast<std::int64_t>(entry.directory ? 1 : 0));
     return result ? parts_->insert(Parts::FileNameRow, number, entry.name) : result;
+}
+
+Outcome<std::optional<std::int64_t>> IndexWriter::findProgram(std::string_view name, std::int64_t mirror)
+{
+    Outcome<Statement> statement = parts_->database->prepare(
+        "SELECT id FROM program WHERE name = ?1 COLLATE BINARY AND name = ?1 ORDER BY mirror <> ?2, id LIMIT 1");
+    if (!statement)
+        return statement.error();
+    statement->bind(1, name);
+    statement->bind(2, mirror);
+    const Statement::Step step = statement->step();
+    if (step == Statement::Step::Failed)
+        return statement->failure();
+    return step == Statement::Step::Row ? std::optional(statement->number(0)) : std::nullopt;
+}
+
+Outcome<Done> IndexWriter::addListedFolder(std::uint32_t number, std::string_view path)
+{
+    return parts_->insert(Parts::ListedFolderRow, std::int64_t{number}, path);
+}
+
+Outcome<Done> IndexWriter::addListedPackage(std::uint32_t number, std::int64_t program)
+{
+    return parts_->insert(Parts::ListedPackageRow, std::int64_t{number}, program);
+}
+
+Outcome<Done> IndexWriter::addListedBlock(std::uint32_t number, std::string_view names, std::string_view places)
+{
+    return parts_->insert(Parts::ListedBlockRow, std::int64_t{number}, names, places);
+}
+
+Outcome<Done> IndexWriter::addListedTrigram(std::uint32_t slot, std::string_view list)
+{
+    return parts_->insert(Parts::ListedTrigramRow, std::int64_t{slot}, list);
 }
 
 Outcome<std::int64_t> IndexWriter::addPictureFolder(const std::string& path)

@@ -77,6 +77,18 @@ public:
     /// Adds a file. Searches show small numbers first.
     Outcome<Done> addFile(std::int64_t number, const FileEntry& entry);
 
+    /// Returns the number of a program that has already been added, that of this mirror if several have the name, or
+    /// nothing when there is none.
+    Outcome<std::optional<std::int64_t>> findProgram(std::string_view name, std::int64_t mirror);
+
+    /// The files in packages (see name_blocks.h). Folders and packages are numbered from 0 on, blocks from 1 on in the
+    /// order in which searches show them. `path` is not escaped, and empty or ends in "/".
+    Outcome<Done> addListedFolder(std::uint32_t number, std::string_view path);
+    Outcome<Done> addListedPackage(std::uint32_t number, std::int64_t program);
+    /// `names` are names with kNameBorder before, between and after them; `places` those of each name.
+    Outcome<Done> addListedBlock(std::uint32_t number, std::string_view names, std::string_view places);
+    Outcome<Done> addListedTrigram(std::uint32_t slot, std::string_view list);
+
     /// Adds a folder of pictures. Returns its number, which is part of their addresses.
     Outcome<std::int64_t> addPictureFolder(const std::string& path);
     Outcome<Done> addPicture(std::int64_t folder, const Picture& picture);

@@ -18,7 +18,8 @@ namespace {
 // Ordinary tables hold the texts, and full-text tables only the search data. Rows of file_entry are numbered in the
 // order in which searches show them, so that a search with many matches need not sort them; those of program, in the
 // order of the matches whose names begin with the typed text. The names of a page are its packages. file_site.crawled
-// is in seconds since 1970, or 0 when the files come from package lists.
+// is in seconds since 1970, or 0 when the files come from package lists. The listed files are those in packages;
+// name_blocks.h describes them.
 constexpr const char* kTables = R"(
 CREATE TABLE folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 CREATE TABLE document(folder INTEGER NOT NULL, path TEXT NOT NULL, PRIMARY KEY(folder, path)) WITHOUT ROWID;
@@ -45,6 +46,11 @@ CREATE INDEX file_folder_path ON file_folder(path);
 CREATE INDEX file_entry_folder ON file_entry(folder);
 CREATE INDEX file_entry_name ON file_entry(name);
 CREATE VIRTUAL TABLE file_name USING fts5(name, content='file_entry', content_rowid='id', tokenize='trigram');
+
+CREATE TABLE listed_folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
+CREATE TABLE listed_package(id INTEGER PRIMARY KEY, program INTEGER NOT NULL);
+CREATE TABLE listed_block(id INTEGER PRIMARY KEY, names BLOB NOT NULL, places BLOB NOT NULL);
+CREATE TABLE listed_trigram(id INTEGER PRIMARY KEY, blocks BLOB NOT NULL);
 
 CREATE TABLE picture_folder(id INTEGER PRIMARY KEY, path TEXT NOT NULL);
 CREATE TABLE picture(id INTEGER PRIMARY KEY, folder INTEGER NOT NULL, path TEXT NOT NULL, name TEXT NOT NULL,

@@ -178,6 +178,7 @@ NameQuery nameQuery(std::string_view typed)
         if (word.empty())
             continue;
         ++terms;
+        query.words.push_back(toLowerAscii(word));
         if (query.first.empty()) {
             query.first = std::string(word);
             query.firstEnd = query.first + std::string(kLastCharacter);

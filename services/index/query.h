@@ -41,6 +41,8 @@ struct NameQuery
     std::string firstEnd;
     /// LIKE patterns for all words except the first.
     std::vector<std::string> otherPatterns;
+    /// All words, A to Z in lower case.
+    std::vector<std::string> words;
 
     bool empty() const { return first.empty(); }
 };

@@ -4,6 +4,7 @@
 
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
+#include "searches/listed_files.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
@@ -88,10 +89,11 @@ FileHit readHit(const Statement& row)
     return hit;
 }
 
-/// Appends the rows after the first `skipped` to the page. `source` and `condition` are SQL written in this file;
-/// `values` are bound from the third parameter on.
+/// Appends rows after the first `skipped` to `hits` until these are `most`. `source` and `condition` are SQL written in
+/// this file; `values` are bound from the third parameter on.
 Outcome<Done> readRows(Database& index, const std::string& source, const std::string& condition,
-                       const std::vector<std::string>& values, std::int64_t skipped, FileAnswer& answer)
+                       const std::vector<std::string>& values, std::int64_t skipped, std::size_t most,
+                       std::vector<FileHit>& hits)
 {
     Outcome<Statement> rows =
         index.prepare("SELECT site.base, folder.path, entry.name, entry.size, entry.directory FROM " + source +
@@ -100,27 +102,23 @@ Outcome<Done> readRows(Database& index, const std::string& source, const std::st
                       condition + " LIMIT ?1 OFFSET ?2");
     if (!rows)
         return rows.error();
-    // One row more than the page holds shows whether there is another page.
-    rows->bind(1, static_cast<std::int64_t>(FileService::kPageSize - answer.hits.size()) + 1);
+    rows->bind(1, static_cast<std::int64_t>(most - hits.size()));
     rows->bind(2, skipped);
     for (std::size_t i = 0; i < values.size(); ++i)
         rows->bind(static_cast<int>(i) + 3, values[i]);
     Statement::Step step = rows->step();
-    for (; step == Statement::Step::Row; step = rows->step()) {
-        if (answer.hits.size() == FileService::kPageSize)
-            answer.more = true;
-        else
-            answer.hits.push_back(readHit(*rows));
-    }
+    for (; step == Statement::Step::Row; step = rows->step())
+        hits.push_back(readHit(*rows));
     if (step == Statement::Step::Failed)
         return rows->failure();
     return Done{};
 }
 
-/// Counts the entries that match `condition`; `values` are as above.
-Outcome<std::int64_t> countRows(Database& index, const std::string& condition, const std::vector<std::string>& values)
+/// Counts the rows that match `condition`; `source` and `values` are as above.
+Outcome<std::int64_t> countRows(Database& index, const std::string& source, const std::string& condition,
+                                const std::vector<std::string>& values)
 {
-    Outcome<Statement> count = index.prepare("SELECT count(*) FROM file_entry AS entry WHERE " + condition);
+    Outcome<Statement> count = index.prepare("SELECT count(*) FROM " + source + " WHERE " + condition);
     if (!count)
         return count.error();
     for (std::size_t i = 0; i < values.size(); ++i)
@@ -128,6 +126,42 @@ Outcome<std::int64_t> countRows(Database& index, const std::string& condition, c
     if (count->step() != Statement::Step::Row)
         return count->failure();
     return count->number(0);
+}
+
+/// Does for the files of mirrors and crawled servers what findListedFiles() does for those in packages.
+Outcome<std::int64_t> findEntries(Database& index, const NameQuery& names, NameGroup group, std::int64_t skip,
+                                  std::size_t most, std::vector<FileHit>& hits)
+{
+    std::vector<std::string> values{names.first, names.firstEnd};
+    std::string begins = "entry.name >= ?3 AND entry.name < ?4";
+    for (const std::string& pattern : names.otherPatterns)
+        begins += " AND " + likeCondition(pattern, values);
+    std::string source = "file_entry AS entry";
+    std::string condition;
+    std::string order = "entry.id";
+    if (group == NameGroup::Rest) {
+        condition = "NOT (" + begins + ")";
+        if (!names.expression.empty()) {
+            // The full-text table returns its rows in the order of their numbers, so no more are read than are shown.
+            source = "file_name CROSS JOIN file_entry AS entry ON entry.id = file_name.rowid";
+            values.push_back(names.expression);
+            condition += " AND file_name MATCH ?" + std::to_string(values.size() + 2);
+            order = "file_name.rowid";
+        }
+        for (const std::string& pattern : names.patterns)
+            condition += " AND " + likeCondition(pattern, values);
+    } else {
+        const std::string isExact = "(length(entry.name) <= length(?3) OR substr(entry.name, length(?3) + 1, 1) IN "
+                                    "('_', '.'))";
+        condition = begins + " AND " + (group == NameGroup::Exact ? isExact : "NOT " + isExact);
+    }
+    const std::size_t before = hits.size();
+    const Outcome<Done> read = readRows(index, source, condition + " ORDER BY " + order, values, skip, most, hits);
+    if (!read)
+        return read.error();
+    if (hits.size() > before || skip == 0)
+        return skip + static_cast<std::int64_t>(hits.size() - before);
+    return countRows(index, source, condition, values);
 }
 
 } // namespace
@@ -184,8 +218,8 @@ HttpResponse FileService::answer(const HttpRequest& request)
         HttpResponse response;
         response.body =
             std::string(kPageHead) +
-            "<div>Searches the names of files on the mirrors of this machine's packages, and on FTP servers "
-            "that were crawled.</div>\n</body></html>\n";
+            "<div>Searches the names of files on the mirrors of this machine's packages, in the packages, and on "
+            "servers that were crawled.</div>\n</body></html>\n";
         return response;
     }
     if (path == "/cgi-bin/s")
@@ -218,39 +252,29 @@ Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t sta
     return findNames(**index, names, start);
 }
 
-/// Names that begin with the typed text come first, and among them those that continue with "_" or "." or not at all.
-/// The two kinds are read one after the other, so that a search with many matches sorts only the few; the others come
-/// in the order of their numbers.
+/// The groups are read one after the other, so that a search with many matches sorts only the few in the first ones; in
+/// each, crawled servers and mirrors, which have the files themselves, come before the files in packages.
 Outcome<FileAnswer> FileService::findNames(Database& index, const NameQuery& names, std::int64_t start)
 {
+    // One row more than the page holds shows whether there is another page.
+    constexpr std::size_t kMost = kPageSize + 1;
     FileAnswer answer;
     answer.start = start;
-    std::vector<std::string> values{names.first, names.firstEnd};
-    std::string begins = "entry.name >= ?3 AND entry.name < ?4";
-    for (const std::string& pattern : names.otherPatterns)
-        begins += " AND " + likeCondition(pattern, values);
-    const std::string order = " ORDER BY length(entry.name) > length(?3) AND substr(entry.name, length(?3) + 1, 1) NOT "
-                              "IN ('_', '.'), entry.id";
-    Outcome<Done> read = readRows(index, "file_entry AS entry", begins + order, values, start, answer);
-    if (!read || answer.more)
-        return read ? Outcome<FileAnswer>(answer) : read.error();
-    const Outcome<std::int64_t> begun = countRows(index, begins, values);
-    if (!begun)
-        return begun.error();
-
-    std::string source = "file_entry AS entry";
-    std::string others = "NOT (" + begins + ")";
-    if (!names.expression.empty()) {
-        // The full-text table returns its rows in the order of their numbers, so no more are read than are shown.
-        source = "file_name CROSS JOIN file_entry AS entry ON entry.id = file_name.rowid";
-        values.push_back(names.expression);
-        others += " AND file_name MATCH ?" + std::to_string(values.size() + 2);
+    std::int64_t skip = start;
+    for (const NameGroup group : {NameGroup::Exact, NameGroup::Beginning, NameGroup::Rest}) {
+        for (const auto find : {findEntries, findListedFiles}) {
+            const Outcome<std::int64_t> passed = find(index, names, group, skip, kMost, answer.hits);
+            if (!passed)
+                return passed.error();
+            if (answer.hits.size() == kMost) {
+                answer.more = true;
+                answer.hits.pop_back();
+                return answer;
+            }
+            skip = std::max<std::int64_t>(0, skip - *passed);
+        }
     }
-    for (const std::string& pattern : names.patterns)
-        others += " AND " + likeCondition(pattern, values);
-    others += names.expression.empty() ? " ORDER BY entry.id" : " ORDER BY file_name.rowid";
-    read = readRows(index, source, others, values, std::max<std::int64_t>(0, start - *begun), answer);
-    return read ? Outcome<FileAnswer>(answer) : read.error();
+    return answer;
 }
 
 Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view address, std::int64_t start)
@@ -271,9 +295,11 @@ Outcome<FileAnswer> FileService::listDirectory(Database& index, std::string_view
             readRows(index, "file_entry AS entry",
                      "folder.id = (SELECT id FROM file_folder WHERE path = ?3 AND site = CAST(?4 AS INTEGER) LIMIT 1) "
                      "ORDER BY entry.id",
-                     {path, std::to_string(sites->number(0))}, start, answer);
+                     {path, std::to_string(sites->number(0))}, start, kPageSize + 1, answer.hits);
         if (!read)
             return read.error();
+        answer.more = answer.hits.size() > kPageSize;
+        answer.hits.resize(std::min<std::size_t>(answer.hits.size(), kPageSize));
     }
     if (step == Statement::Step::Failed)
         return sites->failure();

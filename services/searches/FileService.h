@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,18 +8,9 @@
 #include "http/message.h"
 #include "index/database.h"
 #include "index/query.h"
+#include "searches/file_hit.h"
 
 namespace quarrynet::services {
-
-/// A file or directory that the file search found.
-struct FileHit
-{
-    std::string name;
-    std::string address; ///< as opened, with the mirror's scheme on a mirror; a directory's ends in "/"
-    std::string parent;  ///< address of the directory that contains it
-    std::optional<std::int64_t> size = std::nullopt;
-    bool directory = false;
-};
 
 struct FileAnswer
 {
@@ -58,9 +48,5 @@ std::string fileResultsPage(const FileAnswer& answer, std::string_view typed);
 
 /// Returns a name for an element of the page, escaped so that it contains none of the layout's markers.
 std::string fileNameText(std::string_view name);
-
-/// Returns the address of `path` (not escaped) below `base` (escaped). Besides what a path must escape, one letter of
-/// the word "class" is escaped, because the program cuts the address out of the page at that word.
-std::string addressBelow(std::string_view base, std::string_view path);
 
 } // namespace quarrynet::services

@@ -12,8 +12,10 @@
 #include "index/IndexWriter.h"
 #include "index/database.h"
 #include "sources/HomePages.h"
+#include "sources/ListedFiles.h"
 #include "sources/PoolFiles.h"
 #include "sources/Programs.h"
+#include "sources/contents_lists.h"
 #include "sources/document_folders.h"
 #include "sources/package_lists.h"
 #include "sources/picture_folders.h"
@@ -26,6 +28,8 @@ namespace quarrynet::services {
 namespace {
 
 constexpr std::size_t kProgressStep = 10000;
+constexpr std::size_t kContentsStep = 1'000'000;
+constexpr std::size_t kMaxKnownPackages = 1'000'000;
 constexpr std::size_t kMaxAddress = 2048;
 constexpr std::size_t kMaxPage = 16 * 1024 * 1024;
 
@@ -69,6 +73,9 @@ public:
     void addPackage(const Package& package, const std::string& base);
     /// Writes the records collected from the packages.
     void writePackages();
+    /// Reads a contents list of the packages of the mirror `base`. Call after writePackages().
+    void addContents(const std::string& list, const std::string& base);
+    void writeContents();
     void addFolder(const std::string& folder);
     void addPictureFolder(const std::string& folder);
 
@@ -84,12 +91,16 @@ private:
     void addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative);
 
     void addProgram(const Package& package, const std::string& base);
+    std::optional<std::uint32_t> listedPackage(std::string_view name, std::int64_t mirror);
 
     IndexWriter& writer_;
     std::map<std::string, std::int64_t, std::less<>> mirrors_;
     HomePages homePages_;
     Programs programs_;
     PoolFiles poolFiles_;
+    ListedFiles listedFiles_;
+    std::size_t contentsLines_ = 0;
+    std::unordered_map<std::string, std::optional<std::uint32_t>> listedPackages_; ///< by mirror, blank and name
     const std::function<void(const std::string&)>& progress_;
     IndexCounts counts_;
     std::optional<Failure> fault_;
@@ -140,6 +151,71 @@ void Run::writePackages()
         note(programs_.write(writer_));
     if (!fault_)
         note(poolFiles_.write(writer_));
+}
+
+/// Returns the number of a package among those of listed files, or nothing when no package list has it.
+std::optional<std::uint32_t> Run::listedPackage(std::string_view name, std::int64_t mirror)
+{
+    const std::string key = std::to_string(mirror) + " " + std::string(name);
+    const auto known = listedPackages_.find(key);
+    if (known != listedPackages_.end())
+        return known->second;
+    const Outcome<std::optional<std::int64_t>> program = writer_.findProgram(name, mirror);
+    if (!program) {
+        if (!fault_)
+            fault_ = program.error();
+        return std::nullopt;
+    }
+    std::optional<std::uint32_t> number;
+    if (*program)
+        number = listedFiles_.addPackage(**program);
+    // Unknown names are not remembered without bound.
+    if (number || listedPackages_.size() < kMaxKnownPackages)
+        listedPackages_.emplace(key, number);
+    return number;
+}
+
+void Run::addContents(const std::string& list, const std::string& base)
+{
+    const auto mirror = mirrors_.find(base);
+    if (fault_ || mirror == mirrors_.end())
+        return;
+    std::string lastNames; // successive lines mostly have the same packages
+    std::vector<std::uint32_t> lastPackages;
+    const auto take = [&](std::string_view path, std::string_view packages) {
+        if (fault_)
+            return;
+        if (++contentsLines_ % kContentsStep == 0)
+            progress_(withSeparators(static_cast<std::int64_t>(contentsLines_)) + " files in packages");
+        if (packages != lastNames) {
+            lastNames = packages;
+            lastPackages.clear();
+            forEachPackageName(packages, [&](std::string_view name) {
+                if (const std::optional<std::uint32_t> package = listedPackage(name, mirror->second))
+                    lastPackages.push_back(*package);
+            });
+        }
+        if (lastPackages.empty())
+            counts_.leftOut.add(clipUtf8(toUtf8(path), 100), "no package list has its package");
+        for (const std::uint32_t package : lastPackages) {
+            if (!listedFiles_.add(path, package))
+                counts_.leftOut.add(clipUtf8(toUtf8(path), 100), "there are too many files in packages");
+        }
+    };
+    const Outcome<std::size_t> skipped = readContentsList(list, take);
+    if (!skipped)
+        progress_(skipped.error().message);
+    else if (*skipped > 0)
+        progress_(withSeparators(static_cast<std::int64_t>(*skipped)) + " lines of " + list + " were skipped");
+}
+
+void Run::writeContents()
+{
+    counts_.listedFiles = listedFiles_.size();
+    if (counts_.listedFiles > 0)
+        progress_("sorting " + withSeparators(static_cast<std::int64_t>(counts_.listedFiles)) + " files in packages");
+    if (!fault_)
+        note(listedFiles_.write(writer_));
 }
 
 void Run::addDocument(std::int64_t folderNumber, const std::string& folder, const std::string& relative)
@@ -253,6 +329,15 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
             return read.error();
     }
     run.writePackages();
+    if (sources.packageFiles.empty() && sources.contentsFiles.empty()) {
+        for (const Repository& repository : installedContents()) {
+            for (const std::string& list : repository.lists)
+                run.addContents(list, repository.base);
+        }
+    }
+    for (const std::string& list : sources.contentsFiles)
+        run.addContents(list, sources.mirror);
+    run.writeContents();
     for (const std::string& folder : sources.folders)
         run.addFolder(folder);
     for (const std::string& folder : sources.pictureFolders)

@@ -23,6 +23,9 @@ struct IndexSources
     std::vector<std::string> folders = {};
     /// Folders of pictures; missing ones are skipped.
     std::vector<std::string> pictureFolders = {};
+    /// Contents lists of that mirror's packages, plain or compressed. If there are neither these nor `packageFiles`,
+    /// the machine's own contents lists are used.
+    std::vector<std::string> contentsFiles = {};
     /// Replaces the index in use even if the new one has much less.
     bool force = false;
 };
@@ -34,7 +37,8 @@ struct IndexCounts
     std::size_t programs = 0;
     std::size_t documents = 0;
     std::size_t pictures = 0;
-    LeftOut leftOut; ///< what could not be read, or exceeds a limit
+    std::size_t listedFiles = 0; ///< files in packages
+    LeftOut leftOut;             ///< what could not be read, or exceeds a limit
 };
 
 /// For each of web pages, programs and pictures: if the index in use has at least kMinCompared of them, the new one

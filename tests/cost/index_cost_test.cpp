@@ -17,6 +17,7 @@
 #include "searches/FileService.h"
 #include "searches/ImageService.h"
 #include "searches/WebService.h"
+#include "sources/ListedFiles.h"
 #include "tests/cost/step_counter.h"
 #include "tests/services/support/service_support.h"
 
@@ -39,6 +40,8 @@ void makeIndex(const std::string& folder, std::size_t rows)
     const Outcome<std::int64_t> site = writer->addFileSite("ftp://h.example/", 1);
     const Outcome<std::int64_t> files = writer->addFileFolder(*site, "pub/");
     const Outcome<std::int64_t> pictures = writer->addPictureFolder("/pictures");
+    ListedFiles listed;
+    const std::uint32_t package = listed.addPackage(1);
     for (std::size_t i = 0; i < rows; ++i) {
         const std::string name = "word-" + std::to_string(i);
         const auto number = static_cast<std::int64_t>(i) + 1;
@@ -56,7 +59,9 @@ void makeIndex(const std::string& folder, std::size_t rows)
         picture.name = "word " + std::to_string(i);
         picture.stem = name;
         ASSERT_TRUE(writer->addPicture(*pictures, picture));
+        listed.add("usr/" + name + ".txt", package);
     }
+    ASSERT_TRUE(listed.write(*writer));
     const Outcome<Done> done = writer->commit();
     ASSERT_TRUE(done) << done.error().message;
 }

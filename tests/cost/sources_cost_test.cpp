@@ -10,8 +10,10 @@
 #include "ground/ascii.h"
 #include "index/IndexWriter.h"
 #include "sources/HomePages.h"
+#include "sources/ListedFiles.h"
 #include "sources/PoolFiles.h"
 #include "sources/Programs.h"
+#include "sources/contents_lists.h"
 #include "sources/document_folders.h"
 #include "sources/picture_folders.h"
 #include "tests/cost/step_counter.h"
@@ -203,6 +205,43 @@ TEST(SourcesCost, PoolFiles)
                 files.add(shape.base(i), shape.file(i), 1);
             ASSERT_TRUE(files.write(writer));
         });
+    }
+}
+
+TEST(SourcesCost, ListedFiles)
+{
+    const auto numbered = [](std::size_t i) { return std::to_string(i); };
+    const std::vector<std::pair<std::string, Name>> shapes = {
+        {"one folder", [=](std::size_t i) { return "usr/bin/tool" + numbered(i); }},
+        {"a folder for each", [=](std::size_t i) { return numbered(i) + "/copyright"; }},
+        {"one file", [=](std::size_t) { return "usr/bin/tool"; }},
+        {"names that begin alike", [=](std::size_t i) { return "usr/" + std::string(500, 'a') + numbered(i); }},
+        {"names that end alike", [=](std::size_t i) { return "usr/" + numbered(i) + std::string(500, 'a'); }},
+        {"names that are no UTF-8", [=](std::size_t i) { return numbered(i) + filled("\xff\xc3", 200); }},
+    };
+    for (const auto& [shape, pathOf] : shapes) {
+        expectProportionalLists("listed files, " + shape, [&, &path = pathOf](std::size_t count, IndexWriter& writer) {
+            ListedFiles files;
+            const std::uint32_t package = files.addPackage(1);
+            for (std::size_t i = 0; i < count; ++i)
+                files.add(path(i), package);
+            ASSERT_TRUE(files.write(writer));
+        });
+    }
+}
+
+TEST(SourcesCost, ContentsLines)
+{
+    for (const std::string pattern : {"x", " ", "\t", "/", ",", "\n", "a b\n", "a b,", "./", "\r", "a/b c/d,e/f\n"}) {
+        expectProportionalText(
+            "contents list, " + pattern, [&](std::size_t length) { return filled(pattern, length); },
+            [](const std::string& list) {
+                ContentsReader reader([](std::string_view, std::string_view packages) {
+                    forEachPackageName(packages, [](std::string_view) {});
+                });
+                reader.feed(list);
+                reader.finish();
+            });
     }
 }
 

@@ -41,6 +41,16 @@ TEST(ReadProgramOutput, FailureKeepsWhatWasPrinted)
     EXPECT_EQ(outputOf({"sh", "-c", "kill -9 $$"}), "!");
 }
 
+TEST(ReadProgramOutput, EndlessOutputEndsTheProgram)
+{
+    std::size_t taken = 0;
+    const auto count = [&taken](std::string_view piece) { taken += piece.size(); };
+    EXPECT_FALSE(readProgramOutput({"yes"}, count, 1'000'000));
+    EXPECT_LE(taken, 1'000'000U);
+    EXPECT_TRUE(readProgramOutput({"printf", "%s", "abc"}, count, 3));
+    EXPECT_FALSE(readProgramOutput({"printf", "%s", "abcd"}, count, 3));
+}
+
 TEST(ReadProgramOutput, MissingProgramIsNamed)
 {
     const Outcome<Done> result = readProgramOutput({"/none/such-program"}, [](std::string_view) {});

@@ -58,6 +58,13 @@ TEST(ParseOptions, HelpNamesTheCommandsAndTheirOptions)
     EXPECT_EQ(serve.find("--mirror"), std::string::npos);
 }
 
+TEST(ParseOptions, ContentsListsMayBeRepeated)
+{
+    EXPECT_EQ(parseOptions({"index", "--contents", "a", "--contents=b"})->contentsFiles,
+              (std::vector<std::string>{"a", "b"}));
+    EXPECT_TRUE(parseOptions({"index"})->contentsFiles.empty());
+}
+
 TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)
 {
     EXPECT_EQ(parseOptions({"serve", "--port", "010"})->port, 10);

@@ -59,10 +59,12 @@ protected:
             router_.add(host, service);
     }
 
-    void build(const std::string& stanzas, const std::string& mirror = "http://mirror.example/class/")
+    void build(const std::string& stanzas, const std::string& contents = {},
+               const std::string& mirror = "http://mirror.example/class/")
     {
-        const Outcome<IndexCounts> counts =
-            buildIndex(data_.path(), {{input_.write("list", stanzas)}, mirror, {}}, [](const std::string&) {});
+        IndexSources sources{{input_.write("list", stanzas)}, mirror};
+        sources.contentsFiles = {input_.write("contents", contents)};
+        const Outcome<IndexCounts> counts = buildIndex(data_.path(), sources, [](const std::string&) {});
         ASSERT_TRUE(counts) << counts.error().message;
     }
 
@@ -206,6 +208,18 @@ TEST_F(Pages, PlainPackagesAreReadBackWhole)
     readFilePages("http://mirror.example/class/pool/main/a/");
 }
 
+TEST_F(Pages, FilesInPackagesAreReadBackWhole)
+{
+    std::string contents;
+    for (const char* name : {"apple", "apple class", "<b> apple", "apple&lt;dir&gt;", "apple not found", "apple\"'>",
+                             "q=apple", "a:b=apple", "caf\xc3\xa9-apple"})
+        contents.append("usr/class/not found/").append(name).append("  x/p\n");
+    build(stanza("p", "a package", "pool/class/p_1.deb"), contents);
+    readFilePages("apple");
+    readFilePages("class");
+    readFilePages("p");
+}
+
 TEST_F(Pages, FirstPageFormsAreReadBackWhole)
 {
     build(stanza("redirpick", "pick a class", "pool/r/redir/redirpick-class_1.0_amd64.deb"));
@@ -233,7 +247,7 @@ TEST_F(Pages, AddressesOfEverySchemeAreReadBackAndCanBeOpened)
 {
     for (const std::string scheme : {"http", "https", "ftp"}) {
         const std::string mirror = scheme + "://mirror.example/class/";
-        build(stanza("apple", "an apple", "pool/a b/apple+class_1.deb"), mirror);
+        build(stanza("apple", "an apple", "pool/a b/apple+class_1.deb"), {}, mirror);
         for (const char* typed : {"apple", "pool", "a b"})
             readFilePages(typed);
         readFilePages(mirror + "pool/");

@@ -1,0 +1,139 @@
+#include "sources/contents_lists.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include "ground/ChildProcess.h"
+#include "ground/ascii.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+constexpr std::array<std::string_view, 7> kCompressed{".lz4", ".gz", ".xz", ".zst", ".bz2", ".lzma", ".zstd"};
+
+bool isCompressed(const std::string& path)
+{
+    return std::any_of(kCompressed.begin(), kCompressed.end(),
+                       [&path](std::string_view suffix) { return endsWithIgnoringCase(path, suffix); });
+}
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+} // namespace
+
+void ContentsReader::feed(std::string_view piece)
+{
+    while (!piece.empty()) {
+        const std::size_t end = piece.find('\n');
+        if (end == std::string_view::npos) {
+            append(piece);
+            return;
+        }
+        if (line_.empty()) {
+            takeLine(piece.substr(0, end));
+        } else {
+            append(piece.substr(0, end));
+            takeLine(line_);
+            line_.clear();
+        }
+        piece.remove_prefix(end + 1);
+    }
+}
+
+void ContentsReader::append(std::string_view text)
+{
+    // Keeps one byte more than a line may have, so that a truncated line counts as too long.
+    line_.append(text.substr(0, kMaxContentsLine + 1 - std::min(line_.size(), kMaxContentsLine + 1)));
+}
+
+void ContentsReader::finish()
+{
+    if (!line_.empty())
+        takeLine(line_);
+    line_.clear();
+}
+
+void ContentsReader::takeLine(std::string_view line)
+{
+    const auto trimEnd = [](std::string_view& text, const auto& isCut) {
+        while (!text.empty() && isCut(text.back()))
+            text.remove_suffix(1);
+    };
+    if (line.empty())
+        return;
+    ++skipped_;
+    if (line.size() > kMaxContentsLine)
+        return;
+    if (line.back() == '\r')
+        line.remove_suffix(1);
+    trimEnd(line, isBlank);
+    const std::size_t blank = line.find_last_of(" \t");
+    if (blank == std::string_view::npos)
+        return;
+    std::string_view path = line.substr(0, blank);
+    trimEnd(path, isBlank);
+    if (path.substr(0, 2) == "./")
+        path.remove_prefix(1);
+    while (!path.empty() && path.front() == '/')
+        path.remove_prefix(1);
+    trimEnd(path, [](char c) { return c == '/'; });
+    const std::string_view packages = line.substr(blank + 1);
+    if (path.empty() || path.size() > kMaxContentsPath || std::any_of(path.begin(), path.end(), isAsciiControl) ||
+        std::any_of(packages.begin(), packages.end(), isAsciiControl))
+        return;
+    --skipped_;
+    take_(path, packages);
+}
+
+void forEachPackageName(std::string_view packages, const std::function<void(std::string_view name)>& take)
+{
+    while (!packages.empty()) {
+        const std::size_t end = std::min(packages.find(','), packages.size());
+        const std::string_view place = packages.substr(0, end);
+        packages.remove_prefix(std::min(end + 1, packages.size()));
+        const std::string_view name = place.substr(place.rfind('/') + 1);
+        if (!name.empty())
+            take(name);
+    }
+}
+
+std::vector<Repository> installedContents()
+{
+    std::string targets;
+    const auto result = readProgramOutput(
+        {"apt-get", "indextargets", "--format", "$(REPO_URI)\t$(FILENAME)", "Identifier: Contents-deb"},
+        [&targets](std::string_view piece) { targets.append(piece); });
+    return result ? repositoriesFrom(targets) : std::vector<Repository>();
+}
+
+Outcome<std::size_t> readContentsList(const std::string& path, const ContentsReader::Take& take)
+{
+    ContentsReader reader(take);
+    if (isCompressed(path)) {
+        const Outcome<Done> read = readProgramOutput(
+            {"/usr/lib/apt/apt-helper", "cat-file", path}, [&reader](std::string_view piece) { reader.feed(piece); },
+            kMaxContentsBytes);
+        if (!read)
+            return Failure{"cannot read " + path + ": " + read.error().message};
+    } else {
+        std::ifstream file(path, std::ios::binary);
+        if (!file)
+            return Failure{"cannot read " + path};
+        std::vector<char> buffer(256 * 1024);
+        for (std::uint64_t bytes = 0; file && bytes < kMaxContentsBytes; bytes += buffer.size()) {
+            file.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+            reader.feed(std::string_view(buffer.data(), static_cast<std::size_t>(file.gcount())));
+        }
+        if (file.bad())
+            return Failure{"cannot read " + path};
+    }
+    reader.finish();
+    return reader.skipped();
+}
+
+} // namespace quarrynet::services
