@@ -1,6 +1,11 @@
 #include <algorithm>
+#include <cstdio>
 #include <optional>
 #include <string_view>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -40,6 +45,27 @@ bool asksForText(int argc, char** argv)
     });
 }
 
+// Prints the text that the options ask for, where the caller can read it. Returns false if there is no such place.
+bool printForCaller([[maybe_unused]] QCommandLineParser& options, [[maybe_unused]] const QCommandLineOption& version)
+{
+#ifdef _WIN32
+    // Windows gives a program with windows no console, and Qt shows its texts in a box then. The caller may have a
+    // console all the same, or have redirected the output.
+    const bool redirected = GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN;
+    if (!redirected && (!AttachConsole(ATTACH_PARENT_PROCESS) || !std::freopen("CONOUT$", "w", stdout)))
+        return false;
+    if (!options.parse(QCoreApplication::arguments()) || options.isSet(QStringLiteral("help-all")))
+        return false; // Qt alone has those texts
+    const QString text = options.isSet(version) ? QCoreApplication::applicationName() + QLatin1Char(' ') +
+                                                      QCoreApplication::applicationVersion() + QLatin1Char('\n')
+                                                : options.helpText();
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+    return true;
+#else
+    return false; // Qt prints it
+#endif
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -51,7 +77,7 @@ int main(int argc, char** argv)
     options.setApplicationDescription(
         QCoreApplication::translate("main", "Searches web pages, images, programs and files."));
     options.addHelpOption();
-    options.addVersionOption();
+    const QCommandLineOption versionOption = options.addVersionOption();
     const QCommandLineOption tourOption(
         QStringLiteral("tour"),
         QCoreApplication::translate("main", "Takes screenshots of a tour through the tabs, then exits."),
@@ -59,6 +85,8 @@ int main(int argc, char** argv)
     options.addOption(tourOption);
     if (argc > 0 && asksForText(argc, argv)) {
         const QCoreApplication withoutDisplay(argc, argv);
+        if (printForCaller(options, versionOption))
+            return 0;
         options.process(withoutDisplay); // exits
     }
 

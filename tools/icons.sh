@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Renders icons/pictures/NAME-WIDTH.png from icons/drawings/NAME.svg. Run it after changing a drawing. The pictures are
-# in the repository, so that neither the build nor the program needs an SVG renderer.
+# Renders icons/pictures/NAME-WIDTH.png and icons/quarrynet.ico from icons/drawings/NAME.svg. Run it after changing a
+# drawing. The pictures are in the repository, so that neither the build nor the program needs an SVG renderer.
 set -euo pipefail
 cd "$(dirname "$0")/../icons"
 . ../tools/packages.sh
-install_missing librsvg2-bin optipng
+install_missing librsvg2-bin optipng icoutils
 
 # The widths cover device pixel ratios of 1, 1.5 and 2, and larger windows.
 draw() {
@@ -31,3 +31,15 @@ draw terraces 320 480 640
     echo '  </qresource>'
     echo '</RCC>'
 } >icons.qrc
+
+# The icon of the Windows program and its installer, in the sizes of lists, taskbar and desktop at 100 to 250 percent.
+# Only the large sizes are stored as PNG: some readers of icons expect bitmaps for the small ones.
+sizes=$(mktemp -d)
+trap 'rm -rf "$sizes"' EXIT
+for width in 16 20 24 32 40 48 64 128 256; do
+    rsvg-convert --width "$width" --height "$width" drawings/quarrynet.svg --output "$sizes/$width.png"
+    optipng -quiet -o5 -strip all "$sizes/$width.png"
+done
+cd "$sizes"
+icotool --create --output="$OLDPWD/quarrynet.ico" 16.png 20.png 24.png 32.png 40.png 48.png 64.png --raw=128.png \
+    --raw=256.png
