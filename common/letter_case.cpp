@@ -2,11 +2,7 @@
 
 #include <cstddef>
 
-#ifdef _WIN32
-#include <algorithm>
-
-#include <windows.h>
-#else
+#ifndef _WIN32
 #include <cwctype>
 #include <locale.h>
 #endif
@@ -14,30 +10,37 @@
 #include <xlocale.h>
 #endif
 
+#ifdef _WIN32
+#include "common/windows_text.h"
+#endif
 #include "ground/ascii.h"
 #include "ground/utf8.h"
 
 namespace quarrynet {
 
+namespace {
+
 #ifdef _WIN32
 
-std::string lowerCase(std::string_view text)
+char32_t lower(char32_t letter)
 {
-    constexpr std::size_t kPortion = std::size_t{1} << 30; // the call takes 32-bit lengths
-    std::string lower(text);
-    for (std::size_t from = 0; from < lower.size(); from += kPortion)
-        ::CharLowerBuffA(lower.data() + from, static_cast<DWORD>(std::min(kPortion, lower.size() - from)));
-    return lower;
+    return lowerCaseLetter(letter);
 }
 
-std::size_t letterBoundary(std::string_view text, std::size_t)
+/// Returns the first boundary from `at` on in a code page whose letters have one or two bytes.
+std::size_t codePageBoundary(std::string_view text, std::size_t at)
 {
-    return text.size(); // in a double-byte code page, only a scan from the start could tell
+    // A byte that never begins a letter of two bytes ends a letter, whatever is before it. Reads forward from the last
+    // such byte.
+    std::size_t letter = at;
+    while (letter > 0 && beginsLongLetter(text[letter - 1]))
+        --letter;
+    while (letter < at)
+        letter += codePageLetterLength(text.substr(letter));
+    return letter;
 }
 
 #else
-
-namespace {
 
 /// Returns the first of these locales that the system has. The second name is that of macOS. Every system has the last
 /// one, which only has ASCII letters.
@@ -60,10 +63,16 @@ char32_t lower(char32_t letter)
     return static_cast<char32_t>(::towlower_l(static_cast<wint_t>(letter), letters()));
 }
 
+#endif
+
 } // namespace
 
 std::string lowerCase(std::string_view text)
 {
+#ifdef _WIN32
+    if (!codePageIsUtf8())
+        return lowerCaseInCodePage(text);
+#endif
     std::string out(text);
     std::size_t plain = 0;
     for (; plain < out.size() && isAscii(out[plain]); ++plain) {
@@ -91,6 +100,10 @@ std::string lowerCase(std::string_view text)
 
 std::size_t letterBoundary(std::string_view text, std::size_t at)
 {
+#ifdef _WIN32
+    if (!codePageIsUtf8())
+        return codePageBoundary(text, at);
+#endif
     const auto continues = [text](std::size_t i) { return isUtf8Continuation(text[i]); };
     // A letter has at most three continuation bytes, so a fourth one in a row belongs to no letter.
     const auto cannotContinue = [&](std::size_t i) {
@@ -100,7 +113,5 @@ std::size_t letterBoundary(std::string_view text, std::size_t at)
         ++at;
     return at;
 }
-
-#endif
 
 } // namespace quarrynet

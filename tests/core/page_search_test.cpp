@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "common/letter_case.h"
 #include "search/page/address.h"
 #include "search/page/keywords.h"
 #include "search/page/presence.h"
@@ -220,6 +221,7 @@ TEST(Presence, KeywordsAtEveryPlaceOfALargePageAreFound)
     // Pages are searched in pieces of a mebibyte; a keyword may cross their boundaries.
     constexpr std::size_t kPiece = std::size_t{1} << 20;
     const std::string keyword = "\xC3\x84pfel";
+    const std::string lowerKeyword = lowerCase(keyword); // by the system's code page
     for (std::size_t before = kPiece - 8; before <= kPiece + 1; ++before) {
         for (const int mode : {kAny, kAll, kExact}) {
             const std::string page = std::string(before, '.') + "\xC3\x84PFEL" + std::string(kPiece, '.');
@@ -227,7 +229,6 @@ TEST(Presence, KeywordsAtEveryPlaceOfALargePageAreFound)
             ASSERT_EQ(one.size(), 1u);
             ASSERT_EQ(one[0].result, "Found") << before << ' ' << mode;
         }
-        ASSERT_THAT(rows(std::string(before, '.') + "\xC3\x84PFE", keyword, kAny),
-                    ElementsAre(notFound("\xC3\xA4pfel")));
+        ASSERT_THAT(rows(std::string(before, '.') + "\xC3\x84PFE", keyword, kAny), ElementsAre(notFound(lowerKeyword)));
     }
 }
