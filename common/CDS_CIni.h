@@ -7,8 +7,8 @@
 namespace quarrynet {
 
 /// One INI file, read and written through the operating system (see profile_file.h), with a readable description of the
-/// last failure. Nothing is cached, so two objects for one file see each other's writes. Texts and file names are bytes
-/// in the system's code page.
+/// last failure. Nothing is cached, so two objects for one file see each other's writes. Texts are bytes in the
+/// system's code page; on Windows, file names are UTF-8.
 ///
 /// Every operation returns true on success. On failure it returns false, leaves its output arguments unchanged, and
 /// sets LastErrorDescription(). Without a file name, the description is "No filename specified", and no file is

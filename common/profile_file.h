@@ -8,7 +8,8 @@
 #include <vector>
 
 /// INI files on disk: the private-profile calls on Windows, elsewhere a reader and writer that does the same (see
-/// profile_text.h). File names and texts are bytes in the system's code page.
+/// profile_text.h). Texts are bytes in the system's code page. File names are UTF-8 on Windows, and bytes as the file
+/// system has them elsewhere. Files may begin with a mark of their encoding (see profile_encoding.h).
 namespace quarrynet {
 
 /// Maximum size of a file that is read or written, in bytes. A larger file, or one that is not a regular file, is a

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "common/profile_encoding.h"
 #include "common/profile_file.h"
 #include "common/profile_text.h"
 #include "ground/Descriptor.h"
@@ -25,7 +26,7 @@ std::uint32_t lastError()
 
 struct Content
 {
-    std::string text;
+    std::string bytes;
     std::uint32_t error = 0;
     std::optional<struct stat> state; // nothing when there is no such file
 };
@@ -54,15 +55,15 @@ Content readAll(const std::string& file)
     }
     content.state = state;
     std::size_t length = 0;
-    content.text.resize(static_cast<std::size_t>(state.st_size) + 1);
+    content.bytes.resize(static_cast<std::size_t>(state.st_size) + 1);
     while (true) {
         if (length > kLargestProfile) { // it has grown, or its file system does not tell the size
             content.error = EFBIG;
             break;
         }
-        if (length == content.text.size())
-            content.text.resize(std::min(2 * length, kLargestProfile + 1));
-        const ssize_t count = ::read(input.number(), content.text.data() + length, content.text.size() - length);
+        if (length == content.bytes.size())
+            content.bytes.resize(std::min(2 * length, kLargestProfile + 1));
+        const ssize_t count = ::read(input.number(), content.bytes.data() + length, content.bytes.size() - length);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -71,7 +72,7 @@ Content readAll(const std::string& file)
             break;
         length += static_cast<std::size_t>(count);
     }
-    content.text.resize(content.error == 0 ? length : 0);
+    content.bytes.resize(content.error == 0 ? length : 0);
     return content;
 }
 
@@ -94,10 +95,12 @@ ProfileWrite change(const std::string& name, Change changed)
     const Content content = readAll(*file);
     if (content.error != 0 && content.error != ENOENT)
         return {false, content.error};
-    const std::string text = changed(content.text);
-    if (text.size() > kLargestProfile)
+    ProfileText profile = decodeProfile(content.bytes);
+    profile.text = changed(profile.text);
+    const std::string bytes = encodeProfile(profile);
+    if (bytes.size() > kLargestProfile)
         return {false, EFBIG};
-    const std::error_code error = replaceFile(*file, text, content.state);
+    const std::error_code error = replaceFile(*file, bytes, content.state);
     return {!error, static_cast<std::uint32_t>(error.value())};
 }
 
@@ -107,27 +110,21 @@ ProfileReply readProfileValue(const std::string& file, const std::string& sectio
                               std::size_t capacity)
 {
     const Content content = readAll(file);
-    const std::string_view value = profileValue(content.text, section, key).value_or(std::string_view());
+    const std::string text = decodeProfile(content.bytes).text;
+    const std::string_view value = profileValue(text, section, key).value_or(std::string_view());
     return {std::string(value.substr(0, capacity - 1)), content.error};
 }
 
 ProfileReply readProfileSection(const std::string& file, const std::string& section, std::size_t capacity)
 {
     const Content content = readAll(file);
-    std::vector<std::string> lines;
-    for (const ProfileEntry& entry : profileEntries(content.text, section)) {
-        std::string& line = lines.emplace_back(entry.key);
-        if (entry.value)
-            line.append("=").append(*entry.value);
-    }
-    return {packProfileList(lines, capacity), content.error};
+    return {packedProfileSection(decodeProfile(content.bytes).text, section, capacity), content.error};
 }
 
 ProfileReply readProfileSectionNames(const std::string& file, std::size_t capacity)
 {
     const Content content = readAll(file);
-    const std::vector<std::string_view> names = profileSectionNames(content.text);
-    return {packProfileList({names.begin(), names.end()}, capacity), content.error};
+    return {packedProfileSectionNames(decodeProfile(content.bytes).text, capacity), content.error};
 }
 
 ProfileWrite writeProfileValue(const std::string& file, const std::string& section, const std::string& key,

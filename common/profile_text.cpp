@@ -8,15 +8,14 @@ namespace quarrynet {
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kLineEndBytes("\r\n\0", 3);
 
 std::string_view trim(std::string_view text)
 {
-    const std::size_t first = text.find_first_not_of(" \t\r");
+    const std::size_t first = text.find_first_not_of(" \t");
     if (first == std::string_view::npos)
         return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 enum class LineKind
@@ -41,18 +40,17 @@ struct Line
 class Lines
 {
 public:
-    explicit Lines(std::string_view text) : text_(text), at_(text.starts_with(kByteOrderMark) ? 3 : 0) {}
+    explicit Lines(std::string_view text) : text_(text) {}
 
     std::optional<Line> next()
     {
         if (at_ >= text_.size())
             return std::nullopt;
         const std::size_t begin = at_;
-        const std::size_t lineFeed = text_.find('\n', begin);
-        at_ = lineFeed == std::string_view::npos ? text_.size() : lineFeed + 1;
+        const std::size_t end = std::min(text_.find_first_of("\r\n", begin), text_.size());
+        at_ = std::min(end + (text_.substr(end).starts_with("\r\n") ? 2 : 1), text_.size());
         Line line{LineKind::Blank, begin, at_, {}, {}, false};
-        const std::string_view content =
-            trim(text_.substr(begin, (lineFeed == std::string_view::npos ? at_ : lineFeed) - begin));
+        const std::string_view content = trim(text_.substr(begin, end - begin));
         if (content.empty())
             return line;
         if (content.front() == ';') {
@@ -86,13 +84,21 @@ public:
 
 private:
     std::string_view text_;
-    std::size_t at_;
+    std::size_t at_ = 0;
 };
 
+/// Returns the text's first line end, or LF if it has none.
 std::string_view lineEndOf(std::string_view text)
 {
-    const std::size_t lineFeed = text.find('\n');
-    return lineFeed != std::string_view::npos && lineFeed > 0 && text[lineFeed - 1] == '\r' ? "\r\n" : "\n";
+    const std::size_t end = text.find_first_of("\r\n");
+    if (end == std::string_view::npos)
+        return "\n";
+    return text.substr(end, text.substr(end).starts_with("\r\n") ? 2 : 1);
+}
+
+bool endsInLineEnd(std::string_view text)
+{
+    return text.ends_with('\n') || text.ends_with('\r');
 }
 
 std::string entryLine(std::string_view key, std::string_view value, std::string_view lineEnd)
@@ -108,7 +114,7 @@ std::string splice(std::string_view text, std::size_t begin, std::size_t end, st
     std::string out;
     out.reserve(text.size() + lines.size() + 2);
     out.append(text, 0, begin);
-    if (!lines.empty() && begin > 0 && out.back() != '\n' && out != kByteOrderMark)
+    if (!lines.empty() && begin > 0 && !endsInLineEnd(out))
         out.append(lineEndOf(text));
     return out.append(lines).append(text, end);
 }
@@ -223,7 +229,7 @@ std::string withProfileEntries(std::string_view text, std::string_view section,
         kept = before.substr(behind - body);
         before.resize(behind - body);
     }
-    if (!before.empty() && before.back() != '\n')
+    if (!before.empty() && !endsInLineEnd(before))
         before += lineEnd;
     return splice(text, body, bodyEnd, before + added + kept);
 }
@@ -256,6 +262,23 @@ std::string packProfileList(const std::vector<std::string>& items, std::size_t c
         }
     }
     return packed;
+}
+
+std::string packedProfileSection(std::string_view text, std::string_view section, std::size_t capacity)
+{
+    std::vector<std::string> lines;
+    for (const ProfileEntry& entry : profileEntries(text, section)) {
+        std::string& line = lines.emplace_back(entry.key);
+        if (entry.value)
+            line.append("=").append(*entry.value);
+    }
+    return packProfileList(lines, capacity);
+}
+
+std::string packedProfileSectionNames(std::string_view text, std::size_t capacity)
+{
+    const std::vector<std::string_view> names = profileSectionNames(text);
+    return packProfileList({names.begin(), names.end()}, capacity);
 }
 
 } // namespace quarrynet

@@ -8,13 +8,14 @@
 #include <vector>
 
 /// The INI file format that the Windows private-profile calls read and write, for other systems. These functions work
-/// on text alone: bytes in the system's code page, in lines that end in LF or CR LF.
+/// on text alone: bytes in the system's code page, in lines that end in CR LF, LF or CR. See profile_encoding.h for
+/// files with a mark at their start.
 ///
 /// A line whose first character other than a blank is "[" begins a section, named by the text before the first "]" (or
 /// the line's end). A line that begins with ";" is a comment. Every other line that is not blank is an entry: the key
 /// is the text before its first "=", the value the text after it, each without the blanks (spaces and tabs) around it.
 /// Of several sections or keys with one name, the first counts. Comparison of names ignores the case of ASCII letters
-/// and blanks around the names. A UTF-8 byte order mark at the start is skipped.
+/// and blanks around the names.
 namespace quarrynet {
 
 /// One entry of a section: its key and its value, or only a key if the line has no "=".
@@ -56,5 +57,11 @@ bool isProfileValue(std::string_view value);
 /// Returns `items`, each followed by a NUL, as the system packs a list into a buffer of `capacity` characters that also
 /// takes a final NUL. A list that does not fit is cut to capacity - 2 characters.
 std::string packProfileList(const std::vector<std::string>& items, std::size_t capacity);
+
+/// Returns the entries of `section` ("key=value"), packed.
+std::string packedProfileSection(std::string_view text, std::string_view section, std::size_t capacity);
+
+/// Returns the names of all sections, packed.
+std::string packedProfileSectionNames(std::string_view text, std::size_t capacity);
 
 } // namespace quarrynet

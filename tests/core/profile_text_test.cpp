@@ -85,9 +85,15 @@ TEST(ProfileValue, SecondEqualsSignBelongsToTheValue)
     EXPECT_EQ(value("[A]\nk=x=y\n", "A", "k"), "x=y");
 }
 
-TEST(ProfileValue, ByteOrderMarkIsPassedOver)
+TEST(ProfileValue, EveryLineEndEndsALine)
 {
-    EXPECT_EQ(value("\xEF\xBB\xBF[A]\nk=1\n", "A", "k"), "1");
+    for (const char* end : {"\n", "\r\n", "\r", "\r\r\n"}) {
+        const std::string text =
+            std::string("[A]") + end + "k=1" + end + "; j=0" + end + end + "j=2" + end + "[B]" + end;
+        EXPECT_EQ(value(text, "A", "k"), "1");
+        EXPECT_EQ(value(text, "A", "j"), "2");
+        EXPECT_EQ(profileSectionNames(text).size(), 2U);
+    }
 }
 
 TEST(ProfileValue, NulAndHighBytesAreBytesLikeOthers)
@@ -125,7 +131,13 @@ TEST(WithProfileValue, NewSectionStandsAtTheEnd)
 {
     EXPECT_EQ(withProfileValue("", "A", "k", "1"), "[A]\nk=1\n");
     EXPECT_EQ(withProfileValue("x", "A", "k", "1"), "x\n[A]\nk=1\n");
-    EXPECT_EQ(withProfileValue("\xEF\xBB\xBF", "A", "k", "1"), "\xEF\xBB\xBF[A]\nk=1\n");
+}
+
+TEST(WithProfileValue, NewLinesEndLikeTheFirstOne)
+{
+    EXPECT_EQ(withProfileValue("[A]\rk=1\r[B]\r", "A", "j", "2"), "[A]\rk=1\rj=2\r[B]\r");
+    EXPECT_EQ(withProfileValue("[A]\rk=1\r", "C", "j", "2"), "[A]\rk=1\r[C]\rj=2\r");
+    EXPECT_EQ(withProfileValue("[A]\r\nk=1\r\r\nj=2\n", "A", "k", "3"), "[A]\r\nk=3\r\r\nj=2\n");
 }
 
 TEST(WithProfileEntries, CommentsAndBlankLinesStay)
