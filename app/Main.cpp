@@ -182,7 +182,7 @@ bool Main::takeProxy(QWidget* owner)
         const QString reason = tr("Section [%1]: the port must not be greater than %2.")
                                    .arg(toText(ProxySettings::kPortSection))
                                    .arg(ProxySettings::kLargestPort);
-        showSettingError(owner, number.error(), toText(settingsPath()), reason);
+        showSettingError(owner, number.error(), toPathText(settingsPath()), reason);
         return false;
     }
     CurrentProxyPort = *number;

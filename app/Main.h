@@ -35,7 +35,7 @@ struct Surroundings
 {
     ServiceHosts hosts; ///< what the settings file can override
     Shell& shell;
-    /// Folder of the settings file and the local pages, as bytes.
+    /// Folder of the settings file and the local pages, as toPathBytes gives it.
     std::string programFolder;
     /// Addresses behind the Help menu, as bytes.
     std::string helpPageUrl;

@@ -31,7 +31,7 @@ std::string manualPage()
     for (const char* place : {"manual/index.html", "../share/quarrynet/manual/index.html"}) {
         const QString page = QDir::cleanPath(here.filePath(QLatin1String(place)));
         if (QFile::exists(page))
-            return toBytes(page);
+            return toPathBytes(page);
     }
     return {};
 }
@@ -104,7 +104,7 @@ int main(int argc, char** argv)
     DesktopShell shell(manual);
     const ServiceHosts hosts = {QUARRYNET_WEB_SEARCH_HOST, QUARRYNET_IMAGE_SEARCH_HOST, QUARRYNET_DOWNLOAD_SITE_HOST,
                                 QUARRYNET_FILE_SEARCH_HOST};
-    Main window({hosts, shell, toBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
+    Main window({hosts, shell, toPathBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
                  QUARRYNET_AUTHOR_MAIL_URL});
     QObject::connect(&application, &Application::outOfMemory, &window, &Main::outOfMemory);
     QObject::connect(&window, &Main::cannotGoOn, &application, [] { QCoreApplication::exit(1); });

@@ -8,6 +8,7 @@
 
 #include "dialogs/registry_value.h"
 #include "icons/icons.h"
+#include "platform/text_border.h"
 #include "ui_frmAbout.h"
 
 namespace quarrynet {
@@ -60,7 +61,7 @@ void frmAbout::StartSysInfo()
         started = startProgram_(path);
     } else if (GetKeyValue(Registry::kLocalMachine, kFolderKey, kFolderValue, path)) {
         path += kInfoFile;
-        started = QFile::exists(QFile::decodeName(QByteArray::fromStdString(path))) && startProgram_(path);
+        started = QFile::exists(toText(path)) && startProgram_(path);
     }
     if (!started) {
         QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Quarrynet"),

@@ -1,6 +1,5 @@
 #include "platform/Shell.h"
 
-#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -15,12 +14,13 @@
 #include <unistd.h>
 #endif
 
-#include <QFile>
+#include <QDir>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 
 #include "common/address_check.h"
+#include "platform/text_border.h"
 
 namespace quarrynet {
 
@@ -40,6 +40,7 @@ void keepDescriptors()
 void handToDesktop(const QString& target)
 {
 #ifdef _WIN32
+    // The toolkit's window thread has initialised COM, which handlers may need. The call shows no box when it fails.
     ShellExecuteW(nullptr, L"open", reinterpret_cast<const wchar_t*>(target.utf16()), nullptr, nullptr, SW_SHOWNORMAL);
 #else
 #ifdef __APPLE__
@@ -64,14 +65,15 @@ void handToDesktop(const QString& target)
 DesktopShell::DesktopShell(std::string manualPage) : manualPage_(std::move(manualPage))
 {
     // A relative path could be read as an option, and would depend on the working directory.
-    if (!std::filesystem::path(manualPage_).is_absolute())
+    if (!QDir::isAbsolutePath(toPathText(manualPage_)))
         manualPage_.clear();
 }
 
 void DesktopShell::open(std::string_view address)
 {
     if (!manualPage_.empty() && address == manualPage_) {
-        handToDesktop(QFile::decodeName(QByteArray::fromStdString(manualPage_)));
+        // With slashes, the shell of Windows does not know every path, such as that of a share.
+        handToDesktop(QDir::toNativeSeparators(toPathText(manualPage_)));
     } else if (const std::optional<std::string> openable = openableAddress(address)) {
         handToDesktop(QString::fromLatin1(openable->data(), static_cast<qsizetype>(openable->size())));
     }
@@ -82,7 +84,7 @@ bool startProgram(const std::string& path)
     if (path.empty() || path.find('\0') != std::string::npos)
         return false;
     keepDescriptors();
-    return QProcess::startDetached(QFile::decodeName(QByteArray::fromStdString(path)), QStringList());
+    return QProcess::startDetached(toText(path), QStringList());
 }
 
 } // namespace quarrynet

@@ -21,8 +21,8 @@ public:
 class DesktopShell final : public Shell
 {
 public:
-    /// `manualPage` is the absolute path (in the file system's encoding) of the only local page that may be opened, or
-    /// empty. See openableAddress for the other addresses that may be opened.
+    /// `manualPage` is the absolute path (see toPathBytes) of the only local page that may be opened, or empty. See
+    /// openableAddress for the other addresses that may be opened.
     explicit DesktopShell(std::string manualPage);
 
     void open(std::string_view address) override;
@@ -31,8 +31,8 @@ private:
     std::string manualPage_;
 };
 
-/// Starts the program at `path` (in the file system's encoding) without arguments, in a normal window. Returns false if
-/// it cannot be started.
+/// Starts the program at `path` (in the system's code page, like texts of the registry) without arguments, in a normal
+/// window. Returns false if it cannot be started.
 bool startProgram(const std::string& path);
 
 } // namespace quarrynet

@@ -10,7 +10,7 @@ namespace quarrynet {
 
 QString rewriteFile(const std::string& path, std::string_view bytes)
 {
-    QFile file(toText(path));
+    QFile file(toPathText(path));
     if (file.exists() && !file.remove())
         return file.errorString();
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
@@ -27,7 +27,7 @@ bool writePages(QWidget* owner, const std::string& folder,
     for (const auto& [name, text] : pages) {
         const std::string path = pathInFolder(folder, name);
         if (const QString reason = rewriteFile(path, text); !reason.isEmpty()) {
-            showFileError(owner, toText(path), reason);
+            showFileError(owner, toPathText(path), reason);
             return false;
         }
     }

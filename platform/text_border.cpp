@@ -2,10 +2,12 @@
 
 #include <optional>
 
-#include <QStringDecoder>
-#include <QStringEncoder>
+#include <QFile>
 #include <QTextBoundaryFinder>
 
+#ifdef Q_OS_WIN
+#include "common/windows_text.h"
+#endif
 #include "ground/utf8.h"
 
 namespace quarrynet {
@@ -21,21 +23,13 @@ constexpr std::size_t kBytesOfALine = 3 * kUnitsOfALine;
 
 constexpr char16_t kEllipsis = u'\u2026';
 
+QString decoded(std::string_view bytes)
+{
 #ifdef Q_OS_WIN
-
-QString decoded(std::string_view bytes, bool whole)
-{
-    // A stateful decoder treats a character that is cut at the end as incomplete, not as invalid.
-    QStringDecoder decoder(QStringDecoder::System,
-                           whole ? QStringDecoder::Flag::Stateless : QStringDecoder::Flag::Default);
-    const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
-    return decoder.hasError() ? QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size())) : text;
-}
-
-#else
-
-QString decoded(std::string_view bytes, bool)
-{
+    // Qt's decoder replaces invalid bytes and does not report them.
+    if (!codePageIsUtf8())
+        return QString::fromStdWString(wideFromCodePage(bytes));
+#endif
     QString text;
     std::size_t valid = 0; // bytes before this index are in `text` or in the run that ends here
     std::size_t runStart = 0;
@@ -54,8 +48,6 @@ QString decoded(std::string_view bytes, bool)
     takeRun();
     return text;
 }
-
-#endif
 
 // Returns whether `character` is an explicit formatting character (Unicode Bidirectional Algorithm, section 2).
 bool turnsDirection(QChar character)
@@ -106,13 +98,13 @@ QString shownLine(QStringView text, bool whole)
 
 QString toText(std::string_view bytes)
 {
-    return decoded(bytes, true);
+    return decoded(bytes);
 }
 
 QString toLine(std::string_view bytes)
 {
     const bool whole = bytes.size() <= kBytesOfALine;
-    return shownLine(decoded(bytes.substr(0, kBytesOfALine), whole), whole);
+    return shownLine(decoded(bytes.substr(0, kBytesOfALine)), whole);
 }
 
 QString toLine(QStringView text)
@@ -124,11 +116,28 @@ QString toLine(QStringView text)
 std::string toBytes(const QString& text)
 {
 #ifdef Q_OS_WIN
-    const QByteArray bytes = QStringEncoder(QStringEncoder::System)(text);
+    return codePageFromWide(text.toStdWString());
 #else
-    const QByteArray bytes = text.toUtf8();
+    return text.toUtf8().toStdString();
 #endif
-    return bytes.toStdString();
+}
+
+QString toPathText(std::string_view path)
+{
+#ifdef Q_OS_WIN
+    return QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size()));
+#else
+    return QFile::decodeName(QByteArray(path.data(), static_cast<qsizetype>(path.size())));
+#endif
+}
+
+std::string toPathBytes(const QString& path)
+{
+#ifdef Q_OS_WIN
+    return path.toUtf8().toStdString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
 }
 
 } // namespace quarrynet

@@ -34,7 +34,7 @@ public:
 
     virtual Shell& shell() = 0;
 
-    /// Returns the program's folder, as bytes.
+    /// Returns the program's folder, as toPathBytes gives it.
     virtual const std::string& programFolder() const = 0;
 
     virtual void showConnection(std::string_view caption) = 0;

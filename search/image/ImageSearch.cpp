@@ -61,7 +61,7 @@ void ImageSearch::showPage(std::string_view name, std::vector<GalleryPicture> pi
     if (route() == Route::Proxy && (proxy.host.empty() || proxy.port < 1))
         proxy = {"proxy.invalid", 9};
     ui_->IMGViewer->setProxy(toText(proxy.host), static_cast<quint16>(proxy.port));
-    ui_->IMGViewer->navigate(toText(pathInFolder(searchWindow().programFolder(), name)), std::move(pictures));
+    ui_->IMGViewer->navigate(toPathText(pathInFolder(searchWindow().programFolder(), name)), std::move(pictures));
 }
 
 std::vector<GalleryPicture> ImageSearch::shownPictures() const
