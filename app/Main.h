@@ -41,6 +41,8 @@ struct Surroundings
     std::string helpPageUrl;
     std::string homePageUrl;
     std::string authorMailUrl;
+    /// Certificates to trust besides the system's when a page is fetched over TLS, in PEM format. Only tests set it.
+    std::string trustedCertificates = {};
 };
 
 /// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and everything that the tabs
@@ -69,6 +71,7 @@ public:
     const ServiceHosts& serviceHosts() const override { return surroundings_.hosts; }
     bool isDirect() const override;
     Endpoint proxy() const override { return {CurrentProxyHost, CurrentProxyPort}; }
+    const std::string& trustedCertificates() const override { return surroundings_.trustedCertificates; }
     Shell& shell() override { return surroundings_.shell; }
     const std::string& programFolder() const override { return surroundings_.programFolder; }
     void showConnection(std::string_view caption) override;

@@ -4,13 +4,16 @@
 #include <new>
 #include <string>
 
+#include "common/response_end.h"
 #include "common/runtime_error.h"
 
 namespace quarrynet {
 
 namespace {
 
-constexpr int kNoBufferSpace = 10055; // WinSock's number
+// WinSock's numbers
+constexpr int kConnectionAborted = 10053;
+constexpr int kNoBufferSpace = 10055;
 
 } // namespace
 
@@ -47,7 +50,10 @@ void FetchSession::start(const Endpoint& target)
     attempt([&] {
         shared_.restart();
         socket_.Close();
-        socket_.Connect(target.host, target.port);
+        if (target.tls)
+            socket_.ConnectTls(target.host, target.port);
+        else
+            socket_.Connect(target.host, target.port);
     });
 }
 
@@ -103,6 +109,14 @@ void FetchSession::closed()
         socket_.Close();
         tab_.exchangeEnded();
     });
+}
+
+void FetchSession::cutOff()
+{
+    if (isCompleteResponse(shared_.ReceiveBuffer))
+        closed();
+    else
+        failed(kConnectionAborted, "The secure connection was cut before the end of the response");
 }
 
 void FetchSession::failed(int number, std::string_view description)

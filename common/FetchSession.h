@@ -45,6 +45,9 @@ public:
     /// causes the error event.
     virtual void Connect(std::string_view host, int port) = 0;
 
+    /// Connects like `Connect`, and over TLS. The connect event comes after the handshake, so nothing is sent before.
+    virtual void ConnectTls(std::string_view host, int port) = 0;
+
     virtual void SendData(std::string_view bytes) = 0;
 
     /// Appends the data received since the last call to `text`.
@@ -58,6 +61,7 @@ struct Endpoint
 {
     std::string host;
     int port = 0;
+    bool tls = false;
 };
 
 /// The state that all sockets of the window share. It is designed for one response at a time; overlapping exchanges mix
@@ -136,6 +140,11 @@ public:
 
     /// Ends the response. Only the server's close of the connection shows where it ends.
     void closed();
+
+    /// Handles a connection over TLS that ended without the TLS close (close_notify, RFC 8446 section 6.1), so that
+    /// anyone on the path may have cut it. Ends the response if its own header shows that it is complete (RFC 9112
+    /// section 9.8), and otherwise fails.
+    void cutOff();
 
     void failed(int number, std::string_view description);
 

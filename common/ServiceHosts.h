@@ -4,8 +4,8 @@
 
 namespace quarrynet {
 
-/// The outside services: host names or addresses as bytes, and the port for direct connections to all of them and to
-/// checked pages. Only tests set a port other than 80.
+/// The outside services: host names or addresses as bytes, and the ports for direct connections: one for all of them
+/// and for checked pages, and one for checked pages over TLS. Only tests set other ports than 80 and 443.
 struct ServiceHosts
 {
     std::string webSearch;
@@ -13,6 +13,7 @@ struct ServiceHosts
     std::string downloadSite;
     std::string fileSearch;
     int port = 80;
+    int tlsPort = 443;
 };
 
 /// Returns `defaults` with the hosts that the section [Services] of the settings file names: WebSearchHost,

@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include "ground/ascii.h"
+#include "platform/TlsSocket.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
@@ -99,17 +100,36 @@ void TcpClientSocket::leave()
     QMetaObject::invokeMethod(socket_, &QAbstractSocket::abort, Qt::QueuedConnection);
     socket_->deleteLater();
     socket_ = nullptr;
+    tls_ = nullptr;
 }
 
 void TcpClientSocket::Connect(std::string_view host, int port)
 {
+    open(host, port, false);
+}
+
+void TcpClientSocket::ConnectTls(std::string_view host, int port)
+{
+    open(host, port, true);
+}
+
+void TcpClientSocket::open(std::string_view host, int port, bool tls)
+{
     Close();
-    socket_ = new QTcpSocket(this);
+    if (tls && TlsSocket::isAvailable()) {
+        socket_ = tls_ = new TlsSocket(QByteArray::fromStdString(trustedCertificates_), this);
+        connect(tls_, &TlsSocket::ready, this, &TcpClientSocket::connected);
+        connect(tls_, &TlsSocket::refused, this,
+                [this](const TlsFault& fault) { fail(fault.number, fault.description); });
+    } else {
+        socket_ = new QTcpSocket(this);
+    }
     socket_->setProxy(QNetworkProxy::NoProxy);
     socket_->setReadBufferSize(kReadAhead);
     connect(socket_, &QTcpSocket::connected, this, [this] {
         witness_.watch(socket_->socketDescriptor());
-        emit connected();
+        if (!tls_)
+            emit connected();
     });
     connect(socket_, &QTcpSocket::readyRead, this, &TcpClientSocket::dataArrival);
     connect(socket_, &QTcpSocket::bytesWritten, this, &TcpClientSocket::bytesWritten);
@@ -117,13 +137,17 @@ void TcpClientSocket::Connect(std::string_view host, int port)
     // Queued, so that Connect returns before the first event, even if that is an immediate refusal.
     QMetaObject::invokeMethod(
         socket_,
-        [this, socket = socket_, name = toText(host), port] {
+        [this, socket = socket_, name = toText(host), port, tls] {
             if (socket != socket_)
                 return; // closed in the meantime
             if (!canBeHost(name))
                 fail(kHostNotFound);
             else if (port < 1 || port > 65535)
                 fail(kNoSuchPort);
+            else if (tls_)
+                tls_->connectTo(name, static_cast<quint16>(port));
+            else if (const TlsFault fault = noTlsFault(); tls)
+                fail(fault.number, fault.description);
             else
                 socket->connectToHost(name, static_cast<quint16>(port));
         },
@@ -150,7 +174,10 @@ SocketState TcpClientSocket::State() const
 {
     if (!socket_ || ended_ != SocketState::Closed)
         return ended_;
-    switch (socket_->state()) {
+    const QAbstractSocket::SocketState state = socket_->state();
+    if (tls_ && !tls_->isReady() && state == QAbstractSocket::ConnectedState)
+        return SocketState::Connecting;
+    switch (state) {
     case QAbstractSocket::HostLookupState:
         return SocketState::ResolvingHost;
     case QAbstractSocket::ConnectingState:
@@ -171,21 +198,42 @@ SocketState TcpClientSocket::State() const
 
 void TcpClientSocket::fail(const WinSockError& error)
 {
+    fail(error.number, QString::fromLatin1(error.description));
+}
+
+void TcpClientSocket::fail(int number, const QString& description)
+{
     ended_ = SocketState::Error;
     // While the box about the first error is open, a timed-out connection would also report its end, as if the server
     // had sent everything.
     leave();
-    emit failed(error.number, QString::fromLatin1(error.description));
+    emit failed(number, description);
 }
 
 void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
 {
-    if (error == QAbstractSocket::RemoteHostClosedError && !witness_.sawReset()) {
+    if (ended_ != SocketState::Closed)
+        return; // over TLS, the end of the data and the end of the connection are reported one after the other
+    // A server that closed in order may still answer our own close with a reset.
+    const bool closedInOrder = tls_ && tls_->wasClosedInOrder();
+    const bool reset = error == QAbstractSocket::RemoteHostClosedError && !closedInOrder && witness_.sawReset();
+    if (tls_ && !reset) {
+        if (const std::optional<TlsFault> fault = tls_->faultOf(error)) {
+            fail(fault->number, fault->description);
+            return;
+        }
+    }
+    if (error == QAbstractSocket::RemoteHostClosedError && !reset) {
+        const bool wasCutOff = tls_ && !closedInOrder;
         ended_ = SocketState::Closing;
         // The remaining received data is announced before the end.
         if (socket_->bytesAvailable() > 0)
             emit dataArrival();
-        if (ended_ == SocketState::Closing)
+        if (ended_ != SocketState::Closing)
+            return;
+        if (wasCutOff)
+            emit cutOff();
+        else
             emit closedByPeer();
         return;
     }

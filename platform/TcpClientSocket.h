@@ -8,11 +8,15 @@
 
 namespace quarrynet {
 
+class TlsSocket;
+
 /// A TCP client socket with the operations, events and ten states that the fetch cycle uses.
 ///
 /// It never uses a proxy by itself; callers connect to one like to any host. Error numbers are those of WinSock, which
 /// users can look up: 10061 refused, 11001 host not found, 10054 reset, 10060 timed out, 10051 network unreachable,
-/// 10053 aborted, 10049 for a port that does not exist.
+/// 10053 aborted, 10049 for a port that does not exist. `TlsFault` has those of TLS.
+///
+/// Until the handshake of TLS has ended and the certificate was accepted, the state is Connecting.
 class TcpClientSocket final : public QObject, public ClientSocket
 {
     Q_OBJECT
@@ -25,9 +29,13 @@ public:
 
     void Close() override;
     void Connect(std::string_view host, int port) override;
+    void ConnectTls(std::string_view host, int port) override;
     void SendData(std::string_view bytes) override;
     void GetData(std::string& text) override;
     SocketState State() const override;
+
+    /// Sets certificates to trust besides the system's, in PEM format. Further connections use them.
+    void setTrustedCertificates(const std::string& pem) { trustedCertificates_ = pem; }
 
     struct WinSockError;
 
@@ -38,6 +46,8 @@ signals:
     void sendComplete();
     /// The server closed the connection. All its data has been announced before.
     void closedByPeer();
+    /// The connection over TLS ended without the TLS close. All data that arrived has been announced before.
+    void cutOff();
     /// The connection failed; no other signal follows. `description` is an English text to show.
     void failed(int number, const QString& description);
 
@@ -45,12 +55,17 @@ private:
     int stateNumber() const { return static_cast<int>(State()); }
     /// Ends the connection, if there is one. It emits no further signals.
     void leave();
+    /// Closes the current socket and starts connecting a new one.
+    void open(std::string_view host, int port, bool tls);
     void fail(const WinSockError& error);
+    void fail(int number, const QString& description);
     void socketFailed(QAbstractSocket::SocketError error);
     void bytesWritten();
 
     // Each connection has its own socket object, so events that were still queued when Close was called are ignored.
     QTcpSocket* socket_ = nullptr;
+    TlsSocket* tls_ = nullptr; // the same object, if it is one of TLS
+    std::string trustedCertificates_;
     ResetWitness witness_;
     SocketState ended_ = SocketState::Closed; // the state while there is no socket
 };

@@ -14,6 +14,7 @@ Exchange::Exchange(const QString& name, const FetchSettings& settings, FetchTab&
     QObject::connect(&socket_, &Socket::sendComplete, &socket_, [this] { session_.sendComplete(); });
     QObject::connect(&socket_, &Socket::dataArrival, &socket_, [this] { session_.dataArrived(); });
     QObject::connect(&socket_, &Socket::closedByPeer, &socket_, [this] { session_.closed(); });
+    QObject::connect(&socket_, &Socket::cutOff, &socket_, [this] { session_.cutOff(); });
     QObject::connect(&socket_, &Socket::failed, &socket_,
                      [this](int number, const QString& description) { session_.failed(number, toBytes(description)); });
 }

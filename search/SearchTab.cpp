@@ -79,10 +79,10 @@ void SearchTab::setReachable(bool reachable)
         startButton_->setShortcut({});
 }
 
-void SearchTab::fetch(const std::string& directHost)
+void SearchTab::fetchFrom(const Endpoint& target)
 {
     buffer_.setText({});
-    exchange_.session().start(window_.target(directHost));
+    exchange_.session().start(target);
 }
 
 void SearchTab::enableStartButton()

@@ -60,7 +60,10 @@ protected:
     void setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs);
 
     /// Empties the buffer and starts the exchange with `directHost`, or through the proxy if it is on.
-    void fetch(const std::string& directHost);
+    void fetch(const std::string& directHost) { fetchFrom(window_.target(directHost)); }
+
+    /// Empties the buffer and starts the exchange with `target`.
+    void fetchFrom(const Endpoint& target);
 
     SearchWindow& searchWindow() { return window_; }
     Route route() const { return window_.route(); }

@@ -32,6 +32,9 @@ public:
         return isDirect() ? Endpoint{directHost, serviceHosts().port} : proxy();
     }
 
+    /// Returns certificates that checked pages may have besides those that the system trusts, in PEM format.
+    virtual const std::string& trustedCertificates() const = 0;
+
     virtual Shell& shell() = 0;
 
     /// Returns the program's folder, as toPathBytes gives it.

@@ -4,8 +4,8 @@ build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webeng
     qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libcap2-bin libcap-dev
     libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev
     fonts-dejavu-core fonts-liberation"
-run_packages="xdg-utils xvfb xauth"
-test_packages="libgtest-dev libgmock-dev clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib vsftpd"
+run_packages="ca-certificates xdg-utils xvfb xauth"
+test_packages="libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib vsftpd"
 bench_packages="libbenchmark-dev curl w3m"
 
 as_root() {

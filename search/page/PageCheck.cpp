@@ -38,6 +38,7 @@ PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
     caption->setGeometry({}); // takes no room in the layout
     caption->hide();
     ui_->ListView2->setColumns({tr("Keyword"), tr("Found/Not Found")});
+    socket().setTrustedCertificates(window.trustedCertificates());
     connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
     connect(ui_->Text4, &QLineEdit::returnPressed, this, [this] { ui_->Text5->setFocus(); });
     connect(ui_->Text5, &QLineEdit::returnPressed, this, [this] { search(); });
@@ -82,7 +83,8 @@ void PageCheck::search()
     if (route() == Route::Proxy)
         return;
     address_ = splitAddress(toBytes(ui_->Text4->text()));
-    fetch(address_.PageHost);
+    const ServiceHosts& hosts = searchWindow().serviceHosts();
+    fetchFrom({address_.PageHost, address_.tls ? hosts.tlsPort : hosts.port, address_.tls});
 }
 
 std::optional<std::string> PageCheck::requestText()

@@ -98,6 +98,7 @@ public:
     {
         operation(true, [&] { state_ = host.empty() ? SocketState::Error : SocketState::Connecting; });
     }
+    void ConnectTls(std::string_view host, int port) override { Connect(host, port); }
     void SendData(std::string_view bytes) override
     {
         operation(true, [&] { sent_ = bytes; });

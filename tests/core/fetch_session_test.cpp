@@ -31,6 +31,11 @@ public:
         state = SocketState::Connecting;
         log_.push_back("socket connects to " + std::string(host) + ":" + std::to_string(port));
     }
+    void ConnectTls(std::string_view host, int port) override
+    {
+        state = SocketState::Connecting;
+        log_.push_back("socket connects over TLS to " + std::string(host) + ":" + std::to_string(port));
+    }
     void SendData(std::string_view bytes) override { log_.push_back("socket sends " + std::string(bytes)); }
     void GetData(std::string& text) override
     {
@@ -242,6 +247,34 @@ TEST(FetchSession, ErrorEndsTheExchangeWithoutTheParser)
                 ElementsAre("error 10054 reset", "socket closes", "panel 1 'Closed'", "button on", "timer off"));
     EXPECT_THAT(exchange.tab.bodies, IsEmpty());
     EXPECT_FALSE(shared.HeaderStripped);
+}
+
+TEST(FetchSession, ATargetOfTlsIsConnectedOverTls)
+{
+    ReceiveState shared;
+    Exchange exchange(shared);
+    exchange.session.start({"host", 443, true});
+    EXPECT_THAT(exchange.log, ElementsAre("socket closes", "socket connects over TLS to host:443"));
+}
+
+TEST(FetchSession, ACutConnectionEndsACompleteResponseOnly)
+{
+    const std::string whole = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody";
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        ReceiveState shared;
+        Exchange exchange(shared);
+        exchange.session.start({"host", 443, true});
+        exchange.arrive(whole.substr(0, length));
+        exchange.log.clear();
+        exchange.session.cutOff();
+        if (length == whole.size()) {
+            EXPECT_THAT(exchange.tab.bodies, ElementsAre("body"));
+        } else {
+            EXPECT_THAT(exchange.log,
+                        ElementsAre("error 10053 The secure connection was cut before the end of the response",
+                                    "socket closes", "panel 1 'Closed'", "button on", "timer off"));
+        }
+    }
 }
 
 TEST(FetchSession, TickShowsTheSocketsState)

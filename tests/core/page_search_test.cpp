@@ -76,7 +76,32 @@ TEST(SplitAddress, SchemeIsDroppedWhenWrittenInLowerCase)
     EXPECT_EQ(splitAddress("http://www.example.org").PagePath, "/");
     EXPECT_EQ(splitAddress("HTTP://x/y").PageHost, "HTTP:");
     EXPECT_EQ(splitAddress("HTTP://x/y").PagePath, "//x/y");
-    EXPECT_EQ(splitAddress("https://x/y").PageHost, "https:");
+    EXPECT_FALSE(splitAddress("http://x/y").tls);
+    EXPECT_FALSE(splitAddress("x/y").tls);
+}
+
+TEST(SplitAddress, SchemeOfTlsIsDroppedWhenWrittenInLowerCase)
+{
+    const PageAddress address = splitAddress("https://www.example.org/a?b=https://c/");
+    EXPECT_EQ(address.PageHost, "www.example.org");
+    EXPECT_EQ(address.PagePath, "/a?b=https://c/");
+    EXPECT_TRUE(address.tls);
+    EXPECT_EQ(splitAddress("https://x").PagePath, "/");
+    EXPECT_EQ(splitAddress("https://x:8443/y").PageHost, "x:8443");
+    EXPECT_EQ(splitAddress("https://").PageHost, "");
+    EXPECT_EQ(splitAddress("HTTPS://x/y").PageHost, "HTTPS:");
+    EXPECT_FALSE(splitAddress("HTTPS://x/y").tls);
+    EXPECT_EQ(splitAddress("https:/x/y").PageHost, "https:");
+    EXPECT_FALSE(splitAddress("https:/x/y").tls);
+}
+
+TEST(SplitAddress, OneSchemeIsDropped)
+{
+    EXPECT_EQ(splitAddress("http://https://x/y").PageHost, "https:");
+    EXPECT_FALSE(splitAddress("http://https://x/y").tls);
+    EXPECT_EQ(splitAddress("https://http://x/y").PageHost, "http:");
+    EXPECT_TRUE(splitAddress("https://http://x/y").tls);
+    EXPECT_EQ(splitAddress("https://https://x/y").PageHost, "https:");
 }
 
 TEST(SplitAddress, PortStaysWithTheHost)

@@ -14,6 +14,7 @@
 #include "common/profile_text.h"
 #include "common/raster_head.h"
 #include "common/request_text.h"
+#include "common/response_end.h"
 #include "common/text_utilities.h"
 #include "ground/utf8.h"
 #include "search/download/redirect.h"
@@ -296,6 +297,21 @@ TEST(CoreCost, HeadsOfPictures)
     expectProportionalTexts("picture", pictures(), [](const std::string& bytes) { readRasterHead(bytes); });
 }
 
+TEST(CoreCost, EndsOfResponses)
+{
+    Texts responses;
+    for (const std::string& pattern :
+         {std::string("HTTP/1.1 100 \r\n\r\n"), std::string("\r\n"), std::string("\r\n\r")})
+        responses.emplace_back(pattern, [pattern](std::size_t length) { return filled(pattern, length); });
+    const std::string head = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n";
+    for (const std::string& pattern : {std::string("Content-Length: 1\r\n"), std::string(":\r\n"),
+                                       std::string("\r\n1\r\nx"), std::string("\r\n1"), std::string("\r\n0\r\nA: b")})
+        responses.emplace_back("head and " + pattern,
+                               [=](std::size_t length) { return head + filled(pattern, length) + "\r\n\r\n"; });
+    expectProportionalTexts("end of a response", responses,
+                            [](const std::string& response) { isCompleteResponse(response); });
+}
+
 namespace {
 
 class PieceSocket final : public ClientSocket
@@ -303,6 +319,7 @@ class PieceSocket final : public ClientSocket
 public:
     void Close() override {}
     void Connect(std::string_view, int) override {}
+    void ConnectTls(std::string_view, int) override {}
     void SendData(std::string_view) override {}
     void GetData(std::string& text) override { text += piece; }
     SocketState State() const override { return SocketState::Connected; }

@@ -1,20 +1,37 @@
 #include "LoopbackService.h"
 
 #include <QRandomGenerator>
+#include <QSslSocket>
 #include <QTcpSocket>
 
-#ifndef Q_OS_WIN
+#ifdef Q_OS_WIN
+#include <winsock2.h>
+#else
 #include <sys/socket.h>
 #endif
 
-LoopbackService::LoopbackService(QObject* parent) : QObject(parent)
+namespace {
+
+#ifdef Q_OS_WIN
+constexpr int kEndOfSending = SD_SEND;
+#else
+constexpr int kEndOfSending = SHUT_WR;
+#endif
+
+} // namespace
+
+LoopbackService::LoopbackService(QObject* parent) : LoopbackService(std::make_unique<QTcpServer>(), parent) {}
+
+LoopbackService::LoopbackService(std::unique_ptr<QTcpServer> server, QObject* parent)
+    : QObject(parent), server_(std::move(server))
 {
     // The port must also be valid for a proxy, that is, at most 32767. The system would choose larger ones.
-    for (int tries = 0; tries < 1000 && !server_.isListening(); ++tries)
-        server_.listen(QHostAddress::LocalHost, static_cast<quint16>(QRandomGenerator::global()->bounded(1024, 32768)));
-    if (!server_.isListening())
+    for (int tries = 0; tries < 1000 && !server_->isListening(); ++tries)
+        server_->listen(QHostAddress::LocalHost,
+                        static_cast<quint16>(QRandomGenerator::global()->bounded(1024, 32768)));
+    if (!server_->isListening())
         qFatal("no free loopback port");
-    connect(&server_, &QTcpServer::newConnection, this, &LoopbackService::accept);
+    connect(server_.get(), &QTcpServer::pendingConnectionAvailable, this, &LoopbackService::accept);
 }
 
 LoopbackService::~LoopbackService()
@@ -53,9 +70,19 @@ QByteArray LoopbackService::lastRequestLine() const
     return requests_.isEmpty() ? QByteArray() : requestLines().last();
 }
 
+bool LoopbackService::isSent() const
+{
+    for (QTcpSocket* connection : open_.keys()) {
+        const auto* tls = qobject_cast<QSslSocket*>(connection);
+        if (connection->bytesToWrite() > 0 || (tls && tls->encryptedBytesToWrite() > 0))
+            return false;
+    }
+    return true;
+}
+
 void LoopbackService::accept()
 {
-    while (QTcpSocket* connection = server_.nextPendingConnection()) {
+    while (QTcpSocket* connection = server_->nextPendingConnection()) {
         open_.insert(connection, {});
         connect(connection, &QTcpSocket::readyRead, this, [this, connection] { read(connection); });
         connect(connection, &QTcpSocket::disconnected, this, [this, connection] {
@@ -106,11 +133,15 @@ void LoopbackService::release()
 
 void LoopbackService::reset()
 {
-    for (QTcpSocket* connection : open_.keys()) {
-        const linger none = {1, 0};
-        ::setsockopt(static_cast<int>(connection->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
-        connection->abort();
-    }
+    for (QTcpSocket* connection : open_.keys())
+        resetOne(*connection);
+}
+
+void LoopbackService::resetOne(QTcpSocket& connection)
+{
+    const linger none = {1, 0};
+    ::setsockopt(static_cast<int>(connection.socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+    connection.abort();
 }
 
 void LoopbackService::send(const QByteArray& bytes)
@@ -118,6 +149,14 @@ void LoopbackService::send(const QByteArray& bytes)
     for (QTcpSocket* connection : open_.keys()) {
         connection->write(bytes);
         connection->flush();
+    }
+}
+
+void LoopbackService::cut()
+{
+    for (QTcpSocket* connection : open_.keys()) {
+        connection->flush();
+        ::shutdown(static_cast<int>(connection->socketDescriptor()), kEndOfSending);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include <QByteArray>
@@ -18,9 +19,11 @@ class LoopbackService final : public QObject
 
 public:
     explicit LoopbackService(QObject* parent = nullptr);
+    /// A service whose connections `server` makes, such as one of TLS.
+    explicit LoopbackService(std::unique_ptr<QTcpServer> server, QObject* parent = nullptr);
     ~LoopbackService() override;
 
-    quint16 port() const { return server_.serverPort(); }
+    quint16 port() const { return server_->serverPort(); }
 
     /// Sets the response to every further request; the connection is closed after it.
     void answerWith(const QByteArray& body, const QByteArray& header = "HTTP/1.1 200 OK\r\nContent-Type: text/html");
@@ -38,10 +41,13 @@ public:
     void release();
     /// Ends all waiting connections with a reset.
     void reset();
+    static void resetOne(QTcpSocket& connection);
     /// Sends bytes on all open connections and keeps them open.
     void send(const QByteArray& bytes);
     /// Closes all open connections in an orderly way.
     void finish();
+    /// Ends what is sent on all open connections, over TLS without the TLS close.
+    void cut();
 
     /// The requests so far, each with its header block.
     const QList<QByteArray>& requests() const { return requests_; }
@@ -49,6 +55,8 @@ public:
     QByteArray lastRequestLine() const;
     /// The first lines of all requests.
     QList<QByteArray> requestLines() const;
+    /// Returns whether the system has taken everything that was sent.
+    bool isSent() const;
     int openConnections() const { return static_cast<int>(open_.size()); }
 
 signals:
@@ -66,7 +74,7 @@ private:
     void read(QTcpSocket* connection);
     void answer(QTcpSocket* connection, const QByteArray& request);
 
-    QTcpServer server_;
+    std::unique_ptr<QTcpServer> server_;
     Mode mode_ = Mode::Answer;
     QList<QByteArray> pieces_;
     std::function<QByteArray(const QByteArray&)> bodyFor_;

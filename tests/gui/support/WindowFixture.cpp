@@ -6,9 +6,9 @@ bool WindowFixture::load()
 {
     if (hosts.webSearch.empty())
         hosts = {"127.0.0.1", "127.0.0.1", "127.0.0.1", "127.0.0.1", service.port()};
-    main_ = std::make_unique<quarrynet::Main>(quarrynet::Surroundings{hosts, *opener, folder().toStdString(),
-                                                                      "http://help.example/", "http://home.example/",
-                                                                      "mailto:author@home.example"});
+    main_ = std::make_unique<quarrynet::Main>(
+        quarrynet::Surroundings{hosts, *opener, folder().toStdString(), "http://help.example/", "http://home.example/",
+                                "mailto:author@home.example", trustedCertificates});
     control<quarrynet::HtmlView>("IMGViewer")->setEngineFolders(engineFolders);
     return main_->load();
 }
