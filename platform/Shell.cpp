@@ -1,5 +1,6 @@
 #include "platform/Shell.h"
 
+#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -25,6 +26,12 @@
 namespace quarrynet {
 
 namespace {
+
+#ifdef _WIN32
+constexpr std::size_t kLongestAddress = 2083; // in characters; the system's shell takes no longer ones
+#else
+constexpr std::size_t kLongestAddress = 64 * 1024;
+#endif
 
 /// Prevents the next child process from inheriting open descriptors: a connection that another process also holds does
 /// not end with this one. The program's own descriptors are already close-on-exec; this covers those of libraries and
@@ -74,7 +81,7 @@ void DesktopShell::open(std::string_view address)
     if (!manualPage_.empty() && address == manualPage_) {
         // With slashes, the shell of Windows does not know every path, such as that of a share.
         handToDesktop(QDir::toNativeSeparators(toPathText(manualPage_)));
-    } else if (const std::optional<std::string> openable = openableAddress(address)) {
+    } else if (const auto openable = openableAddress(address); openable && openable->size() <= kLongestAddress) {
         handToDesktop(QString::fromLatin1(openable->data(), static_cast<qsizetype>(openable->size())));
     }
 }
