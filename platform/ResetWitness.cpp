@@ -26,9 +26,13 @@ bool ResetWitness::sawReset() const
 {
     if (descriptor_ == -1)
         return false;
+    const auto socket = static_cast<SOCKET>(descriptor_);
     char byte = 0;
-    return ::recv(static_cast<SOCKET>(descriptor_), &byte, 1, MSG_PEEK) == SOCKET_ERROR &&
-           ::WSAGetLastError() == WSAECONNRESET;
+    if (::recv(socket, &byte, 1, MSG_PEEK) == SOCKET_ERROR && ::WSAGetLastError() == WSAECONNRESET)
+        return true;
+    // The toolkit's own read may have taken the error with it. After the peer's FIN alone, our direction is still open,
+    // and sending nothing succeeds.
+    return ::send(socket, &byte, 0, 0) == SOCKET_ERROR && ::WSAGetLastError() != WSAEWOULDBLOCK;
 }
 
 void ResetWitness::forget()
