@@ -15,7 +15,7 @@ Dialog::Dialog(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::Dial
     setWindowFlag(Qt::WindowCloseButtonHint, false);
     ui_->Image1->setPixmap(picture(QStringLiteral("waiting"), QSize(64, 64), devicePixelRatioF()));
     create(); // the system menu belongs to the native window
-    removeLastSystemMenuEntry(*this);
+    removeCloseFromSystemMenu(*this);
 }
 
 Dialog::~Dialog() = default;

@@ -10,20 +10,23 @@ namespace quarrynet {
 
 #ifdef _WIN32
 
-void removeLastSystemMenuEntry(QWidget& window)
+void removeCloseFromSystemMenu(QWidget& window)
 {
     const auto handle = reinterpret_cast<HWND>(window.winId());
     HMENU menu = GetSystemMenu(handle, FALSE);
-    const int count = GetMenuItemCount(menu);
-    if (count <= 0)
+    // Close is the last entry, unless another program or the system has added its own.
+    int entry = GetMenuItemCount(menu) - 1;
+    while (entry >= 0 && GetMenuItemID(menu, entry) != SC_CLOSE)
+        --entry;
+    if (entry < 0)
         return;
-    RemoveMenu(menu, static_cast<UINT>(count - 1), MF_BYPOSITION);
+    RemoveMenu(menu, static_cast<UINT>(entry), MF_BYPOSITION);
     DrawMenuBar(handle);
 }
 
 #else
 
-void removeLastSystemMenuEntry(QWidget& /*window*/) {}
+void removeCloseFromSystemMenu(QWidget& /*window*/) {}
 
 #endif
 

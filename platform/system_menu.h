@@ -4,8 +4,8 @@ class QWidget;
 
 namespace quarrynet {
 
-/// Removes the last entry, Close, from the system menu of a top-level window whose native window exists, so that the
+/// Removes the entry Close from the system menu of a top-level window whose native window exists, so that the
 /// user cannot close it. Does nothing on systems without such menus; there, the window must reject close events.
-void removeLastSystemMenuEntry(QWidget& window);
+void removeCloseFromSystemMenu(QWidget& window);
 
 } // namespace quarrynet

@@ -3,6 +3,10 @@
 
 #include "dialogs/Dialog.h"
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::Dialog;
 
@@ -13,6 +17,9 @@ class WaitBoxTest : public QObject
 private slots:
     void saysWhatItWaitsFor();
     void personCannotCloseIt();
+#ifdef Q_OS_WIN
+    void systemMenuHasNoClose();
+#endif
     void codeClosesIt();
     void secondLoadKeepsTheOneBox();
     void endOfTheProgramClosesIt_data();
@@ -45,6 +52,41 @@ void WaitBoxTest::personCannotCloseIt()
     QVERIFY(!dialog.close());
     QVERIFY(dialog.isVisible());
 }
+
+#ifdef Q_OS_WIN
+
+void WaitBoxTest::systemMenuHasNoClose()
+{
+    if (QGuiApplication::platformName() != u"windows")
+        QSKIP("Only a window of the system has a system menu");
+    QWidget window;
+    window.show();
+    QDialog other(&window);
+    other.show();
+    Dialog dialog(&window);
+    HMENU usual = ::GetSystemMenu(reinterpret_cast<HWND>(other.winId()), FALSE);
+    const int entries = ::GetMenuItemCount(usual);
+    QVERIFY(::GetMenuState(usual, SC_CLOSE, MF_BYCOMMAND) != UINT(-1));
+    for (int times = 0; times < 2; ++times) {
+        dialog.load();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        const auto handle = reinterpret_cast<HWND>(dialog.winId());
+        HMENU menu = ::GetSystemMenu(handle, FALSE);
+        QCOMPARE(::GetMenuItemCount(menu), entries - 1);
+        QCOMPARE(::GetMenuState(menu, SC_CLOSE, MF_BYCOMMAND), UINT(-1));
+        QVERIFY(::GetMenuState(menu, SC_MOVE, MF_BYCOMMAND) != UINT(-1));
+        // What Alt+F4, another program and the task bar send.
+        for (const UINT message : {UINT(WM_SYSCOMMAND), UINT(WM_CLOSE)}) {
+            ::SendMessageW(handle, message, message == WM_SYSCOMMAND ? SC_CLOSE : 0, 0);
+            QCoreApplication::processEvents();
+            QVERIFY(dialog.isVisible());
+        }
+        dialog.unload();
+        QVERIFY(!dialog.isVisible());
+    }
+}
+
+#endif
 
 void WaitBoxTest::codeClosesIt()
 {
