@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// The encodings of INI files, told by the mark at the start of the file. profile_text works on text in the code page or
-/// in UTF-8.
+/// The encodings of INI files, told by the mark at the start of the file. profile_text works on text in the code page
+/// or in UTF-8.
 namespace quarrynet {
 
 inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";

@@ -44,9 +44,9 @@ TEST(ProfileEncoding, Utf16OfBothOrdersIsUtf8Inside)
 TEST(ProfileEncoding, BrokenUtf16IsReadWithMarks)
 {
     EXPECT_EQ(decodeProfile("\xFF\xFE").text, "");
-    EXPECT_EQ(decodeProfile("\xFF\xFEk\0="s).text, "k");                          // half a unit
-    EXPECT_EQ(decodeProfile("\xFF\xFE\x3D\xD8k\0"s).text, "\xEF\xBF\xBDk");      // half a pair
-    EXPECT_EQ(decodeProfile("\xFF\xFEk\0\x3D\xD8"s).text, "k\xEF\xBF\xBD");      // at the end
+    EXPECT_EQ(decodeProfile("\xFF\xFEk\0="s).text, "k");                                  // half a unit
+    EXPECT_EQ(decodeProfile("\xFF\xFE\x3D\xD8k\0"s).text, "\xEF\xBF\xBDk");               // half a pair
+    EXPECT_EQ(decodeProfile("\xFF\xFEk\0\x3D\xD8"s).text, "k\xEF\xBF\xBD");               // at the end
     EXPECT_EQ(decodeProfile("\xFF\xFE\0\xDE\x3D\xD8"s).text, "\xEF\xBF\xBD\xEF\xBF\xBD"); // the wrong way round
 }
 

@@ -9,6 +9,11 @@
 #include <QtTest>
 
 #include "dialogs/frmAbout.h"
+#include "platform/text_border.h"
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::frmAbout;
@@ -57,6 +62,10 @@ private slots:
     void secondKeyWithoutFileIsUnavailable();
     void emptyRegistryIsUnavailable();
     void systemsOwnRegistryGivesAnAnswer();
+#ifdef Q_OS_WIN
+    void systemsOwnValuesAreReadAsWritten_data();
+    void systemsOwnValuesAreReadAsWritten();
+#endif
     void programThatDoesNotStartIsUnavailable();
     void otherTypeStartsNothingFromTheFirstKey();
     void valueThatCannotBeReadEmptiesTheText();
@@ -151,6 +160,9 @@ void AboutTest::firstKeyIsStartedAsItStands()
 void AboutTest::secondKeyIsStartedWhenItsFileExists()
 {
     const QTemporaryDir folder;
+#ifdef Q_OS_WIN
+    QVERIFY(QDir(folder.path()).mkdir(u"tools"_s)); // elsewhere "\\" is a letter
+#endif
     QFile program(folder.filePath(u"tools\\MSINFO32.EXE"_s));
     QVERIFY(program.open(QIODevice::WriteOnly));
     registry_.setText(kFolderKey, "MSINFO", folder.filePath(u"tools"_s).toStdString());
@@ -178,6 +190,60 @@ void AboutTest::systemsOwnRegistryGivesAnAnswer()
     const auto missing = registry->query(Registry::kLocalMachine, "SOFTWARE\\Quarrynet has no such key", "x");
     QVERIFY(!missing.has_value());
 }
+
+#ifdef Q_OS_WIN
+
+void AboutTest::systemsOwnValuesAreReadAsWritten_data()
+{
+    QTest::addColumn<uint>("type");
+    QTest::addColumn<QByteArray>("bytes"); // in UTF-16 for texts
+    QTest::addColumn<bool>("read");
+    QTest::addColumn<QByteArray>("text"); // "before" stands for what the text was
+    const auto utf16 = [](const QString& text) {
+        return QByteArray(reinterpret_cast<const char*>(text.utf16()), 2 * text.size());
+    };
+    const QString nul(1, QChar(0));
+    QTest::newRow("text") << uint(REG_SZ) << utf16(u"C:\\Tools\\x.exe"_s + nul) << true
+                          << QByteArray("C:\\Tools\\x.exe");
+    QTest::newRow("text without final zero") << uint(REG_SZ) << utf16(u"C:\\x"_s) << true << QByteArray("C:\\x");
+    QTest::newRow("empty text") << uint(REG_SZ) << utf16(nul) << true << QByteArray("");
+    QTest::newRow("letters of the code page")
+        << uint(REG_SZ) << utf16(u"grüß"_s + nul) << true << QByteArray::fromStdString(quarrynet::toBytes(u"grüß"_s));
+    QTest::newRow("longest text") << uint(REG_SZ) << utf16(QString(1023, u'x') + nul) << true << QByteArray(1023, 'x');
+    QTest::newRow("too long") << uint(REG_SZ) << utf16(QString(1024, u'x') + nul) << false << QByteArray("");
+    QTest::newRow("number") << uint(REG_DWORD) << QByteArray("\x78\x56\x34\x12") << true << QByteArray("305419896");
+    QTest::newRow("number with low bytes")
+        << uint(REG_DWORD) << QByteArray("\x05\x01\0\0", 4) << true << QByteArray("21");
+    QTest::newRow("zero") << uint(REG_DWORD) << QByteArray(4, '\0') << true << QByteArray("0");
+    QTest::newRow("bytes") << uint(REG_BINARY) << QByteArray("abc") << true << QByteArray("before");
+    QTest::newRow("text with variables") << uint(REG_EXPAND_SZ) << utf16(u"%TEMP%"_s + nul) << true
+                                         << QByteArray("before");
+}
+
+void AboutTest::systemsOwnValuesAreReadAsWritten()
+{
+    QFETCH(uint, type);
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, read);
+    QFETCH(QByteArray, text);
+    constexpr std::uint32_t kCurrentUser = 0x80000001U; // its keys can be written without an administrator's rights
+    const QString key = u"Software\\Quarrynet test %1"_s.arg(QCoreApplication::applicationPid());
+    const auto* name = reinterpret_cast<const wchar_t*>(key.utf16());
+    QCOMPARE(
+        ::RegSetKeyValueW(HKEY_CURRENT_USER, name, L"Value", type, bytes.constData(), static_cast<DWORD>(bytes.size())),
+        LONG(ERROR_SUCCESS));
+    const auto removing = qScopeGuard([name] { ::RegDeleteTreeW(HKEY_CURRENT_USER, name); });
+
+    const std::unique_ptr<Registry> registry = quarrynet::systemRegistry();
+    const frmAbout about(*registry, [](const std::string&) { return true; });
+    std::string value = "before";
+    QCOMPARE(about.GetKeyValue(kCurrentUser, key.toStdString(), "Value", value), read);
+    QCOMPARE(QByteArray::fromStdString(value), text);
+    QVERIFY(!about.GetKeyValue(kCurrentUser, key.toStdString(), "Other", value));
+    QVERIFY(value.empty());
+}
+
+#endif
 
 void AboutTest::programThatDoesNotStartIsUnavailable()
 {
