@@ -15,5 +15,6 @@ inline constexpr bool kHasImageSearch = false;
 int runIndex(const Options& options);
 int runCrawl(const Options& options);
 int runServe(const Options& options);
+int runCheck(const Options& options);
 
 } // namespace quarrynet::services

@@ -49,6 +49,8 @@ int run(int argc, char** argv)
         return runCrawl(*options);
     case Options::Command::Serve:
         return runServe(*options);
+    case Options::Command::Check:
+        return runCheck(*options);
     case Options::Command::Version:
         std::puts("quarrynet-services " QUARRYNET_VERSION);
         return 0;

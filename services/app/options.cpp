@@ -114,7 +114,16 @@ void addServe(CLI::App& app, Options& options)
     addText(*serve, "--user", options.user, "NAME",
             "the user that root becomes once all services listen (default nobody)");
     addConfig(*serve, options);
+    serve->add_flag("--log-queries", options.logQueries, "write each search to the error output");
     serve->final_callback([&options] { options.command = Options::Command::Serve; });
+}
+
+void addCheck(CLI::App& app, Options& options)
+{
+    CLI::App* check = app.add_subcommand("check", "Ask each configured source one search, and say what answers");
+    addConfig(*check, options);
+    addText(*check, "--words", options.checkWords, "WORDS", "the words to search for (default linux)");
+    check->final_callback([&options] { options.command = Options::Command::Check; });
 }
 
 } // namespace
@@ -133,6 +142,7 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
     addIndex(app, options);
     addCrawl(app, options);
     addServe(app, options);
+    addCheck(app, options);
     for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         addText(*command, "--data", options.dataFolder, "FOLDER",
                 "where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)");

@@ -18,6 +18,7 @@ struct Options
         Serve,
         Index,
         Crawl,
+        Check,
     };
 
     Command command = Command::Help;
@@ -50,7 +51,12 @@ struct Options
     std::uint16_t proxyPort = 8780;
     std::string user; ///< the user that root becomes; empty: nobody
 
-    std::string configFile; ///< empty: the user's configuration folder
+    bool logQueries = false;
+
+    // check
+    std::string checkWords = "linux";
+
+    std::string configFile; ///< serve and check; empty: the user's configuration folder
 };
 
 /// Parses the arguments after the program's name. Options are "--name value" or "--name=value", flags just "--name".

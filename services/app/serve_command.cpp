@@ -11,13 +11,16 @@
 #include "app/privileges.h"
 #include "app/service_table.h"
 #include "config/services_file.h"
+#include "ground/utf8.h"
 #include "http/HttpServer.h"
 #include "http/Router.h"
 #include "index/database.h"
+#include "live/Gatherer.h"
 #include "searches/DownloadService.h"
 #include "searches/FileService.h"
 #include "searches/ImageService.h"
 #include "searches/WebService.h"
+#include "text/markup.h"
 #include "thumbnails/Thumbnailer.h"
 
 namespace quarrynet::services {
@@ -59,6 +62,17 @@ Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexP
     return dropped;
 }
 
+/// Returns a handler that writes each request's query to the error output, for people who asked for that.
+Router::Handler logged(const std::string& name, Router::Handler handler)
+{
+    return [name, handler = std::move(handler)](const HttpRequest& request) {
+        if (!request.query.empty())
+            std::fprintf(stderr, "quarrynet-services: %s: %s?%s\n", name.c_str(),
+                         collapseBlanks(toUtf8(request.path)).c_str(), collapseBlanks(toUtf8(request.query)).c_str());
+        return handler(request);
+    };
+}
+
 } // namespace
 
 int runServe(const Options& options)
@@ -74,6 +88,11 @@ int runServe(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
         return 1;
     }
+    const Outcome<std::string> certificates = readCertificates(config->caFile);
+    if (!certificates) {
+        std::fprintf(stderr, "quarrynet-services: ca-file: %s\n", certificates.error().message.c_str());
+        return 1;
+    }
     Outcome<User> user = ::geteuid() == 0 ? findUser(options.user) : User();
     if (!user) {
         std::fprintf(stderr, "quarrynet-services: %s\n", user.error().message.c_str());
@@ -84,6 +103,15 @@ int runServe(const Options& options)
         index.keepFolder();
     if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
         std::fprintf(stderr, "quarrynet-services: %s\n", ready.error().message.c_str());
+
+    FetchPool pool(*certificates);
+    InstanceTable instances;
+    std::optional<Gatherer> liveWeb;
+    std::optional<Gatherer> liveImages;
+    if (config->web.asksOthers())
+        liveWeb.emplace(pool, instances, config->web, SearxCategory::General);
+    if (config->image.asksOthers())
+        liveImages.emplace(pool, instances, config->image, SearxCategory::Images);
 
     HttpServer server;
     Router router;
@@ -96,7 +124,7 @@ int runServe(const Options& options)
     std::vector<Service> services{
         {"web", QUARRYNET_WEB_SEARCH_HOST, options.webAddress,
          [&web](const HttpRequest& request) { return web->answer(request); },
-         [&](const std::string& base) { web.emplace(index, base); }},
+         [&](const std::string& base) { web.emplace(index, base, liveWeb ? &*liveWeb : nullptr); }},
         {"download", QUARRYNET_DOWNLOAD_SITE_HOST, options.downloadAddress,
          [&downloads](const HttpRequest& request) { return downloads.answer(request); }},
         {"file", QUARRYNET_FILE_SEARCH_HOST, options.fileAddress,
@@ -106,10 +134,15 @@ int runServe(const Options& options)
         services.push_back({"image", QUARRYNET_IMAGE_SEARCH_HOST, options.imageAddress,
                             [&images](const HttpRequest& request) { return images->answer(request); },
                             [&](const std::string& base) {
-                                images.emplace(index, base.substr(std::string_view("http://").size()), &thumbnailer);
+                                images.emplace(index, base.substr(std::string_view("http://").size()), &thumbnailer,
+                                               liveImages ? &*liveImages : nullptr);
                             }});
     } else {
         std::fprintf(stderr, "quarrynet-services: this build has no image search\n");
+    }
+    if (config->logQueries || options.logQueries) {
+        for (Service& service : services)
+            service.handler = logged(service.name, std::move(service.handler));
     }
     bool explained = false;
     startServices(server, router, options.port, services,

@@ -122,8 +122,7 @@ std::optional<std::size_t> TomlTable::choice(std::string_view key, std::initiali
     std::string names;
     for (const std::string_view name : allowed)
         names.append(names.empty() ? "" : ", ").append(inQuotes(name));
-    complain(*table_.get(key),
-             inQuotes(key) + " takes one of " + names + ", not " + quotedForMessage(*value));
+    complain(*table_.get(key), inQuotes(key) + " takes one of " + names + ", not " + quotedForMessage(*value));
     return std::nullopt;
 }
 

@@ -146,6 +146,26 @@ std::string usualFile()
     return home == nullptr || home[0] == '\0' ? std::string() : std::string(home) + "/.config/quarrynet/services.toml";
 }
 
+/// Returns a file's content, or nothing when there is no such file.
+Outcome<std::optional<std::string>> contentOf(const std::string& path, std::size_t most)
+{
+    // A pipe without a writer must not block.
+    Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor) {
+        if (errno == ENOENT || errno == ENOTDIR)
+            return std::optional<std::string>();
+        return Failure{std::string("the file cannot be read: ") + std::strerror(errno)};
+    }
+    struct stat status = {};
+    if (::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
+        return Failure{"this is not a regular file"};
+    const OpenFile file(std::move(descriptor), static_cast<std::uint64_t>(status.st_size));
+    std::optional<std::string> content = file.content(most);
+    if (!content)
+        return Failure{"the file cannot be read, or is larger than " + std::to_string(most / 1024) + " KB"};
+    return content;
+}
+
 } // namespace
 
 bool ServiceSettings::asksOthers() const
@@ -166,12 +186,15 @@ Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const
         return faults.faults();
     }
     ServicesFile file;
+    file.path = name;
     TomlTable top(parsed.table(), "", faults);
     readService(top, "web", faults, file.web);
     readService(top, "image", faults, file.image);
     // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
     if (const std::optional<bool> log = top.flag("log-queries"))
         file.logQueries = *log;
+    if (std::optional<std::string> certificates = top.text("ca-file"))
+        file.caFile = std::move(*certificates);
     top.finish();
     if (!faults.faults().empty())
         return faults.faults();
@@ -183,28 +206,29 @@ Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen)
     const std::string path = chosen.empty() ? usualFile() : chosen;
     if (path.empty())
         return ServicesFile{};
-    // A pipe without a writer must not block.
-    Descriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     FaultList faults(path);
-    if (!descriptor) {
-        const int error = errno;
-        if (chosen.empty() && (error == ENOENT || error == ENOTDIR))
-            return ServicesFile{};
-        faults.add(0, std::string("the file cannot be read: ") + std::strerror(error));
+    Outcome<std::optional<std::string>> content = contentOf(path, kMaxServicesFile);
+    if (!content)
+        faults.add(0, content.error().message);
+    else if (!*content && !chosen.empty())
+        faults.add(0, "there is no such file");
+    if (!faults.faults().empty())
         return faults.faults();
-    }
-    struct stat status = {};
-    if (::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        faults.add(0, "this is not a regular file");
-        return faults.faults();
-    }
-    const OpenFile file(std::move(descriptor), static_cast<std::uint64_t>(status.st_size));
-    const std::optional<std::string> content = file.content(kMaxServicesFile);
-    if (!content) {
-        faults.add(0, "the file cannot be read, or is larger than " + std::to_string(kMaxServicesFile / 1024) + " KB");
-        return faults.faults();
-    }
-    return readServicesFile(*content, path);
+    if (!*content)
+        return ServicesFile{};
+    return readServicesFile(**content, path);
+}
+
+Outcome<std::string> readCertificates(const std::string& caFile)
+{
+    if (caFile.empty())
+        return std::string();
+    Outcome<std::optional<std::string>> content = contentOf(caFile, kMaxCaFile);
+    if (content && !*content)
+        return Failure{caFile + ": there is no such file"};
+    if (!content)
+        return Failure{caFile + ": " + content.error().message};
+    return std::move(**content);
 }
 
 } // namespace quarrynet::services

@@ -8,12 +8,14 @@
 #include <vector>
 
 #include "ground/Expected.h"
+#include "ground/Outcome.h"
 
 /// The configuration of the services: one TOML file that says which sources each service asks. Without a file each
 /// service asks the index.
 namespace quarrynet::services {
 
 inline constexpr std::size_t kMaxServicesFile = 256 * 1024;
+inline constexpr std::size_t kMaxCaFile = 4 * 1024 * 1024;
 inline constexpr std::size_t kMostSources = 8;
 inline constexpr std::size_t kMostInstances = 8;
 inline constexpr std::size_t kMaxSourceAddress = 1024;
@@ -54,6 +56,8 @@ struct ServicesFile
     ServiceSettings web;
     ServiceSettings image;
     bool logQueries = false; ///< write what people type to the error output
+    std::string path;        ///< as in messages; empty without a file
+    std::string caFile;      ///< certificates (PEM) to trust besides the system's; may be empty
 };
 
 /// Lines "FILE:LINE: message" for a person to read; never empty.
@@ -65,5 +69,8 @@ Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const
 /// Reads the file `chosen`, or if that is empty, "quarrynet/services.toml" in $XDG_CONFIG_HOME or ~/.config (XDG Base
 /// Directory Specification). Returns the defaults when nothing was chosen and there is no file.
 Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen);
+
+/// Returns the content of `caFile`, or an empty text if that is empty.
+Outcome<std::string> readCertificates(const std::string& caFile);
 
 } // namespace quarrynet::services

@@ -14,6 +14,18 @@ bool isNumeric(const std::string& host)
     return host.substr(0, 1) == "[" || host.find_first_not_of("0123456789.") == std::string::npos;
 }
 
+/// Returns whether this program made the request, because its configuration names one of its own addresses as a source.
+/// An answer would ask that source again, without an end.
+bool isOwnRequest(const HttpRequest& request)
+{
+    return request.agent.starts_with(kOwnAgent);
+}
+
+HttpResponse loopResponse()
+{
+    return errorResponse(508, "This is quarrynet-services itself, which cannot be a source of its own.");
+}
+
 } // namespace
 
 void Router::add(const std::string& host, Handler handler)
@@ -25,6 +37,8 @@ HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request
 {
     if (request.absoluteForm)
         return byHost(request);
+    if (isOwnRequest(request))
+        return loopResponse();
     if (!isNumeric(request.host) && request.host != "localhost" && handlers_.find(request.host) == handlers_.end())
         return errorResponse(421, "The local search services do not serve " + toUtf8(request.host) + ".");
     return service(request);
@@ -39,6 +53,8 @@ HttpResponse Router::answerAsProxy(const HttpRequest& request) const
 
 HttpResponse Router::byHost(const HttpRequest& request) const
 {
+    if (isOwnRequest(request))
+        return loopResponse();
     const auto found = handlers_.find(request.host);
     if (found == handlers_.end())
         return errorResponse(403,

@@ -145,6 +145,7 @@ private:
         HttpRequest request;
         request.method = std::string(viewOf(message.method_string()));
         request.host = hostOfAuthority(viewOf(message[http::field::host]));
+        request.agent = std::string(viewOf(message[http::field::user_agent]));
         // The host of the absolute form takes precedence over the Host field (RFC 9112, section 3.2.2).
         if (auto refusal = readTarget(viewOf(message.target()), request))
             return *refusal;

@@ -23,7 +23,11 @@ struct HttpRequest
     std::string path;  ///< as sent, not decoded; begins with "/"
     std::string query; ///< as sent: everything after the first "?"
     bool absoluteForm = false;
+    std::string agent = {}; ///< the User-Agent field; may be empty
 };
+
+/// The beginning of the User-Agent of every request that this program makes.
+inline constexpr std::string_view kOwnAgent = "quarrynet-services/";
 
 struct HttpResponse
 {

@@ -1,9 +1,13 @@
 #include "searches/ImageService.h"
 
+#include <algorithm>
+#include <chrono>
+
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
+#include "searches/signs.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
@@ -24,6 +28,10 @@ vertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }</s
 
 constexpr std::string_view kThumbnailMark = "q=tbn:";
 constexpr std::string_view kPicturesPath = "/pictures/";
+constexpr std::string_view kRemotePath = "/go/";
+
+/// So much of a picture's address is shown after its token.
+constexpr std::size_t kMostShown = 160;
 
 /// The program takes every "src=/images?q=tbn" for a thumbnail, so text from people or files must not contain it.
 std::string withoutMarker(std::string_view text)
@@ -116,13 +124,16 @@ HttpResponse ImageService::answer(const HttpRequest& request)
     }
     if (path.substr(0, kPicturesPath.size()) == kPicturesPath)
         return picture(path.substr(kPicturesPath.size()));
+    if (path.starts_with(kRemotePath))
+        return redirect(path.substr(kRemotePath.size()));
+    if (path.starts_with(kHelpPath))
+        return helpPage(request);
     if (path != "/images")
         return errorResponse(404, "There is no such page on the image search.");
     const std::string_view query = request.query;
     if (query.substr(0, kThumbnailMark.size()) == kThumbnailMark) {
-        const std::size_t place = query.find(kPicturesPath);
-        return place == std::string_view::npos ? missingPicture()
-                                               : thumbnail(query.substr(place + kPicturesPath.size()));
+        const std::size_t place = query.find('/');
+        return place == std::string_view::npos ? missingPicture() : thumbnailAt(query.substr(place));
     }
     return searchPage(query);
 }
@@ -130,7 +141,7 @@ HttpResponse ImageService::answer(const HttpRequest& request)
 HttpResponse ImageService::searchPage(std::string_view query)
 {
     const std::string typed = decodeQueryValue(typedWords(query));
-    const Outcome<ImageAnswer> found = search(typed, startPart(query));
+    const Outcome<ImageAnswer> found = searchSources(typed, startPart(query));
     if (!found)
         return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
@@ -160,6 +171,99 @@ Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t s
         std::string thumbnail = "/images?q=tbn:" + versionText(row.number(2)) + ":" + address;
         return ImageHit{std::move(address), std::move(thumbnail), collapseBlanks(toUtf8(row.text(1)))};
     });
+}
+
+Outcome<ImageAnswer> ImageService::searchSources(std::string_view typed, std::int64_t start)
+{
+    if (live_ == nullptr)
+        return search(typed, start);
+    const auto begin = std::chrono::steady_clock::now();
+    const Gathered gathered =
+        live_->gather(typed, start, kPageSize, [&](std::int64_t from) -> Outcome<Gatherer::IndexPage> {
+            Outcome<ImageAnswer> page = search(typed, from);
+            if (!page)
+                return page.error();
+            Gatherer::IndexPage rows{page->total, {}};
+            for (ImageHit& hit : page->hits)
+                rows.rows.push_back(
+                    {std::move(hit.address), std::move(hit.caption), "", std::move(hit.thumbnail), true});
+            return rows;
+        });
+    ImageAnswer answer;
+    answer.start = start;
+    for (const SourceFault& fault : gathered.faults) {
+        std::string address = host_ + faultPath(fault);
+        std::string thumbnail = "/images?" + std::string(kThumbnailMark) + "0:" + address;
+        answer.hits.push_back(
+            {std::move(address), std::move(thumbnail), faultTitle(fault) + ". " + faultAdvice(fault)});
+    }
+    for (const GatheredRow& row : gathered.rows) {
+        if (row.fromIndex)
+            answer.hits.push_back({row.address, row.thumbnail, row.title});
+        else
+            answer.hits.push_back(hitOf({row.address, row.thumbnail}, row.title));
+    }
+    if (answer.hits.size() > kPageSize)
+        answer.hits.resize(kPageSize);
+    answer.total = std::max(gathered.total, start + static_cast<std::int64_t>(answer.hits.size()));
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
+}
+
+/// Returns the hit for a picture of the internet. The program opens its hits over http and fetches their thumbnails
+/// from this host, so both lead here: redirect() and remoteThumbnail() know the picture by its token. The rest of the
+/// address is for people to read.
+ImageHit ImageService::hitOf(const RemotePicture& picture, std::string_view caption)
+{
+    std::string address = host_;
+    address.append(kRemotePath).append(remote_.tokenOf(picture)).append("/");
+    std::string_view shown = std::string_view(picture.address);
+    shown.remove_prefix(std::min(shown.find("://") + 3, shown.size()));
+    shown = shown.substr(0, std::min(shown.find_first_of("?#"), kMostShown));
+    for (const char c : shown)
+        address.append(c == ':' ? "%3A" : std::string(1, c));
+    std::string thumbnail = "/images?" + std::string(kThumbnailMark) + "0:" + address;
+    return {std::move(address), std::move(thumbnail), std::string(caption)};
+}
+
+/// Returns the thumbnail for what the program knows as `place`, a path on this host.
+HttpResponse ImageService::thumbnailAt(std::string_view place)
+{
+    if (place.starts_with(kPicturesPath))
+        return thumbnail(place.substr(kPicturesPath.size()));
+    if (place.starts_with(kRemotePath))
+        return remoteThumbnail(place.substr(kRemotePath.size()));
+    if (!place.starts_with(kHelpPath))
+        return missingPicture();
+    HttpResponse response;
+    response.contentType = mediaTypeOf(PictureFormat::Png);
+    response.body = warningSign();
+    return response;
+}
+
+/// Returns the thumbnail of the picture of the internet at `place`: its token, followed by text for people.
+HttpResponse ImageService::remoteThumbnail(std::string_view place)
+{
+    const std::optional<RemotePicture> picture = remote_.find(place.substr(0, place.find('/')));
+    if (!picture)
+        return missingPicture();
+    // Until pictures of the internet are fetched, a placeholder stands for them.
+    HttpResponse response;
+    response.contentType = mediaTypeOf(PictureFormat::Png);
+    response.body = placeholder();
+    return response;
+}
+
+/// Redirects to the picture of the internet at `place`, as for remoteThumbnail().
+HttpResponse ImageService::redirect(std::string_view place)
+{
+    const std::optional<RemotePicture> picture = remote_.find(place.substr(0, place.find('/')));
+    if (!picture)
+        return errorResponse(404, "This picture was listed too long ago. Search again.");
+    HttpResponse response = errorResponse(302, "The picture is at " + picture->address + ".");
+    response.fields.emplace_back("Location", picture->address);
+    response.fields.emplace_back("Referrer-Policy", "no-referrer");
+    return response;
 }
 
 /// Opens the picture at "FOLDER/PATH" (escaped). Returns null unless the index has it and it still lies inside its

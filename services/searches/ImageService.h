@@ -9,6 +9,8 @@
 #include "http/message.h"
 #include "index/database.h"
 #include "index/word_search.h"
+#include "live/Gatherer.h"
+#include "live/RemotePictures.h"
 #include "thumbnails/ThumbnailCache.h"
 #include "thumbnails/Thumbnailer.h"
 
@@ -28,6 +30,9 @@ using ImageAnswer = WordAnswer<ImageHit>;
 ///   /images?...&start=N&...&q=WORDS[&sa=N]        a results page
 ///   /images?q=tbn:ID:HOST/pictures/FOLDER/PATH    a thumbnail; the ID changes with the file
 ///   /pictures/FOLDER/PATH                         the picture itself
+///   /go/TOKEN/...                                 redirects to a picture of the internet
+///   /images?q=tbn:0:HOST/go/TOKEN/...             its thumbnail
+///   /help/source-FAULT?...                        what to do about a source that does not answer
 /// Only indexed files are served, and only while they are still pictures inside their folder.
 class ImageService
 {
@@ -36,8 +41,9 @@ public:
     static constexpr std::size_t kCacheBytes = 32 * 1024 * 1024;
 
     /// `host` serves the pictures; it includes the port unless that is 80. A null `thumbnailer` disables thumbnails.
-    ImageService(IndexPool& index, std::string host, Thumbnailer* thumbnailer)
-        : index_(index), host_(std::move(host)), thumbnailer_(thumbnailer)
+    /// A null `live` leaves the index as the only source.
+    ImageService(IndexPool& index, std::string host, Thumbnailer* thumbnailer, Gatherer* live = nullptr)
+        : index_(index), host_(std::move(host)), thumbnailer_(thumbnailer), live_(live)
     {}
 
     HttpResponse answer(const HttpRequest& request);
@@ -45,7 +51,15 @@ public:
     /// Runs the search for typed words. Returns no hits when there are no words or no matches.
     Outcome<ImageAnswer> search(std::string_view typed, std::int64_t start);
 
+    /// Runs the search over all sources, at most kPageSize hits, because the program shows no more. Sources that do not
+    /// answer are the first hits, which lead to their help pages; fails only when the index is the only source.
+    Outcome<ImageAnswer> searchSources(std::string_view typed, std::int64_t start);
+
 private:
+    ImageHit hitOf(const RemotePicture& picture, std::string_view caption);
+    HttpResponse thumbnailAt(std::string_view place);
+    HttpResponse remoteThumbnail(std::string_view place);
+    HttpResponse redirect(std::string_view place);
     HttpResponse searchPage(std::string_view query);
     HttpResponse thumbnail(std::string_view place);
     HttpResponse picture(std::string_view place);
@@ -54,6 +68,8 @@ private:
     IndexPool& index_;
     std::string host_;
     Thumbnailer* thumbnailer_;
+    Gatherer* live_;
+    RemotePictures remote_;
     ThumbnailCache cache_{kCacheBytes};
 };
 

@@ -1,6 +1,7 @@
 #include "searches/WebService.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 
 #include "ground/percent_coding.h"
@@ -77,6 +78,8 @@ HttpResponse WebService::answer(const HttpRequest& request)
     }
     if (path == "/search")
         return searchPage(request.query);
+    if (path.starts_with(kHelpPath))
+        return helpPage(request);
     if (path.substr(0, 5) == "/doc/")
         return document(path.substr(5));
     return errorResponse(404, "There is no such page on the web search.");
@@ -85,7 +88,7 @@ HttpResponse WebService::answer(const HttpRequest& request)
 HttpResponse WebService::searchPage(std::string_view query)
 {
     const std::string typed = decodeQueryValue(typedPart(query));
-    const Outcome<WebAnswer> found = search(typed, startPart(query));
+    const Outcome<WebAnswer> found = searchSources(typed, startPart(query));
     if (!found)
         return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
     HttpResponse response;
@@ -120,6 +123,35 @@ Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start
             address.insert(0, base_);
         return WebHit{std::move(address), std::string(row.text(1)), std::string(row.text(2))};
     });
+}
+
+Outcome<WebAnswer> WebService::searchSources(std::string_view typed, std::int64_t start)
+{
+    if (live_ == nullptr)
+        return search(typed, start);
+    const auto begin = std::chrono::steady_clock::now();
+    Gathered gathered = live_->gather(typed, start, kPageSize, [&](std::int64_t from) -> Outcome<Gatherer::IndexPage> {
+        Outcome<WebAnswer> page = search(typed, from);
+        if (!page)
+            return page.error();
+        Gatherer::IndexPage rows{page->total, {}};
+        for (WebHit& hit : page->hits)
+            rows.rows.push_back({std::move(hit.address), std::move(hit.title), std::move(hit.description), "", true});
+        return rows;
+    });
+    WebAnswer answer;
+    answer.start = start;
+    for (const SourceFault& fault : gathered.faults)
+        answer.hits.push_back({base_ + faultPath(fault), faultTitle(fault), faultAdvice(fault)});
+    for (GatheredRow& row : gathered.rows)
+        answer.hits.push_back({std::move(row.address), std::move(row.title), std::move(row.text)});
+    for (WebHit& hit : answer.hits) {
+        if (hit.title.empty())
+            hit.title = hit.address;
+    }
+    answer.total = std::max(gathered.total, start + static_cast<std::int64_t>(answer.hits.size()));
+    answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    return answer;
 }
 
 /// Returns a document's folder and what the index has the document as, or nothing when the index has no such folder.

@@ -9,6 +9,7 @@
 #include "http/message.h"
 #include "index/database.h"
 #include "index/word_search.h"
+#include "live/Gatherer.h"
 
 namespace quarrynet::services {
 
@@ -24,6 +25,7 @@ using WebAnswer = WordAnswer<WebHit>;
 
 /// The web search, with 30 results per page, and the documents that it serves itself:
 ///   /search?...&start=N&...&q=WORDS   a results page; q is the last parameter and extends to the end of the query
+///   /help/source-FAULT?...            what to do about a source that does not answer
 ///   /doc/FOLDER/PATH                  an indexed page, or a picture or style sheet below its folder
 class WebService
 {
@@ -31,12 +33,19 @@ public:
     static constexpr int kPageSize = 30;
 
     /// `base` is the prefix of the documents' paths: "http://" and the host, without a trailing slash.
-    WebService(IndexPool& index, std::string base) : index_(index), base_(std::move(base)) {}
+    /// A null `live` leaves the index as the only source.
+    WebService(IndexPool& index, std::string base, Gatherer* live = nullptr)
+        : index_(index), base_(std::move(base)), live_(live)
+    {}
 
     HttpResponse answer(const HttpRequest& request);
 
     /// Runs the search for typed words. Returns no hits when there are no words or no matches.
     Outcome<WebAnswer> search(std::string_view typed, std::int64_t start);
+
+    /// Runs the search over all sources. Sources that do not answer are the first hits, which lead to their help pages;
+    /// fails only when the index is the only source.
+    Outcome<WebAnswer> searchSources(std::string_view typed, std::int64_t start);
 
 private:
     struct Place
@@ -52,6 +61,7 @@ private:
 
     IndexPool& index_;
     std::string base_;
+    Gatherer* live_;
 };
 
 /// Returns the results page in the layout that the program parses. Without hits it contains no result marker, whatever

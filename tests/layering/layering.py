@@ -36,10 +36,11 @@ TREE = {
     "services/thumbnails": "libraries/ground",
     "services/sources":
         "libraries/ground services/ftp services/index services/text services/thumbnails",
+    "services/live": "libraries/ground services/config services/http services/text",
     "services/searches":
-        "libraries/ground services/http services/index services/text services/thumbnails",
+        "libraries/ground services/http services/index services/live services/text services/thumbnails",
     "services/app":
-        "libraries/ground services/config services/ftp services/http services/index services/searches services/sources services/text "
+        "libraries/ground services/config services/ftp services/http services/index services/live services/searches services/sources services/text "
         "services/thumbnails",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)

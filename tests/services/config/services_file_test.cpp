@@ -124,12 +124,26 @@ TEST(ServicesFile, WrongTypesAreNamedWithTheirLines)
 
 TEST(ServicesFile, SourcesThatAreNoneAreNamedWithTheirLines)
 {
-    for (const char* source :
-         {"3", "\"\"", "\"searx.example\"", "\"ftp://searx.example\"", "\"https://\"", "\"https://a b.example\"",
-          "\"https://user@a.example\"", "\"https://a.example/?q=\"", "\"https://a.example:0\"",
-          "\"https://a.example:65536\"", "\"https://a.example:x\"", "\"https://a\\u0000.example\"",
-          "\"https://a.example\\r\\nX: y\"", "\"https://\\u00E4.example\"", "[]", "[\"index\"]", "[[\"https://a\"]]",
-          "\"javascript:alert(1)\"", "\"https://a\", \"https://a/\"", "\"index\", \"index\""}) {
+    for (const char* source : {"3",
+                               "\"\"",
+                               "\"searx.example\"",
+                               "\"ftp://searx.example\"",
+                               "\"https://\"",
+                               "\"https://a b.example\"",
+                               "\"https://user@a.example\"",
+                               "\"https://a.example/?q=\"",
+                               "\"https://a.example:0\"",
+                               "\"https://a.example:65536\"",
+                               "\"https://a.example:x\"",
+                               "\"https://a\\u0000.example\"",
+                               "\"https://a.example\\r\\nX: y\"",
+                               "\"https://\\u00E4.example\"",
+                               "[]",
+                               "[\"index\"]",
+                               "[[\"https://a\"]]",
+                               "\"javascript:alert(1)\"",
+                               "\"https://a\", \"https://a/\"",
+                               "\"index\", \"index\""}) {
         const FileFaults faults = faultsOf(std::string("[web]\nsources = [").append(source).append("]"));
         ASSERT_EQ(faults.size(), 1U) << source;
         EXPECT_THAT(faults[0], StartsWith("s.toml:2: ")) << source;

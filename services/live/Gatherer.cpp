@@ -1,0 +1,391 @@
+#include "live/Gatherer.h"
+
+#include <algorithm>
+#include <deque>
+#include <optional>
+#include <utility>
+
+#include "ground/CurrentTask.h"
+#include "ground/utf8.h"
+#include "text/markup.h"
+
+namespace quarrynet::services {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Longer words are cut: no instance accepts them.
+constexpr std::size_t kMaxWords = 1024;
+
+/// How often a thread that waits for another's round asks whether it is still wanted.
+constexpr std::chrono::milliseconds kLockPause{50};
+
+/// The index is asked for at most this many pages for one response.
+constexpr int kIndexPagesPerAnswer = 100;
+
+/// Estimated memory of an entry of a set of hashes.
+constexpr std::size_t kSetEntry = 64;
+
+std::size_t sizeOf(const GatheredRow& row)
+{
+    return sizeof(GatheredRow) + row.address.size() * 2 + row.title.size() + row.text.size() + row.thumbnail.size();
+}
+
+} // namespace
+
+/// What one source has given for a search so far.
+struct Gatherer::Stream
+{
+    const SourceSetting* setting = nullptr;
+    std::deque<GatheredRow> waiting; ///< not merged yet
+    std::set<std::size_t> seen;      ///< hashes of the addresses, to notice a source that repeats itself
+    int nextPage = 1;
+    std::size_t pageRows = 0;       ///< rows of the last page; 0: unknown
+    std::int64_t indexTaken = 0;    ///< rows that the index gave
+    std::int64_t indexTotal = 0;
+    bool ended = false;
+};
+
+struct Gatherer::Search
+{
+    std::timed_mutex mutex; ///< guards what follows, except `begun` and `counted`
+    std::vector<Stream> streams;
+    std::size_t turn = 0; ///< the stream whose row comes next
+    std::vector<GatheredRow> merged;
+    std::set<std::string> addresses;
+    std::size_t mergedBytes = 0;
+    std::int64_t announced = 0; ///< largest total so far
+
+    Clock::time_point begun;  ///< guarded by the Gatherer's mutex
+    std::size_t counted = 0; ///< likewise: bytes of this search in Gatherer::bytes_
+
+    std::size_t bytes() const
+    {
+        std::size_t sum = mergedBytes;
+        for (const Stream& stream : streams) {
+            sum += stream.seen.size() * kSetEntry;
+            for (const GatheredRow& row : stream.waiting)
+                sum += sizeOf(row);
+        }
+        return sum;
+    }
+};
+
+/// The questions that one response asks.
+class Gatherer::Round
+{
+public:
+    Round(Gatherer& gatherer, Search& search, const std::string& words, std::size_t wanted, const AskIndex& index,
+          Clock::time_point begin)
+        : gatherer_(gatherer), search_(search), words_(words), wanted_(wanted), index_(index), begin_(begin),
+          end_(begin + gatherer.settings_.wait), fetches_(gatherer.pool_), states_(search.streams.size())
+    {}
+    ~Round()
+    {
+        if (patient_)
+            --gatherer_.patient_;
+    }
+    Round(const Round&) = delete;
+    Round& operator=(const Round&) = delete;
+
+    std::vector<SourceFault> run();
+
+private:
+    /// A stream's state in this round.
+    struct State
+    {
+        int pending = 0; ///< pages that were asked and did not answer yet
+        int asked = 0;
+        std::map<int, SearxAnswer> pages; ///< answers that wait for an earlier page
+        std::optional<SourceFault> fault;
+        bool busy = false; ///< askInstances() may answer at once; the pump must not enter itself
+    };
+
+    bool canAsk(std::size_t i) const
+    {
+        const Stream& stream = search_.streams[i];
+        const int most = stream.setting->isIndex() ? kIndexPagesPerAnswer : gatherer_.limits_.pagesPerAnswer;
+        return !stream.ended && !states_[i].fault && states_[i].asked < most;
+    }
+    bool mayWait();
+    void pump();
+    void askIndex(std::size_t i);
+    void askSearx(std::size_t i, std::size_t needed);
+    void take(std::size_t i, int page, Expected<SearxPage, SourceFault> result);
+    static void append(Stream& stream, int page, SearxAnswer answer);
+    bool merge();
+
+    Gatherer& gatherer_;
+    Search& search_;
+    const std::string& words_;
+    std::size_t wanted_;
+    const AskIndex& index_;
+    Clock::time_point begin_;
+    Clock::time_point end_;
+    bool patient_ = false;
+    bool late_ = false;
+    Fetches fetches_;
+    std::vector<State> states_;
+};
+
+/// Returns whether the round may go on. A source that is slow must not occupy all threads of a service.
+bool Gatherer::Round::mayWait()
+{
+    const auto waited = Clock::now() - begin_;
+    if (waited < gatherer_.limits_.patience || patient_)
+        return true;
+    if (++gatherer_.patient_ <= gatherer_.limits_.patient) {
+        patient_ = true;
+        return true;
+    }
+    --gatherer_.patient_;
+    late_ = true;
+    return false;
+}
+
+void Gatherer::Round::askIndex(std::size_t i)
+{
+    Stream& stream = search_.streams[i];
+    ++states_[i].asked;
+    Outcome<IndexPage> page = index_(stream.indexTaken);
+    if (!page) {
+        states_[i].fault = SourceFault{SourceFault::Kind::Index, "", page.error().message};
+        return;
+    }
+    stream.indexTotal = page->total;
+    stream.indexTaken += static_cast<std::int64_t>(page->rows.size());
+    stream.ended = page->rows.empty() || stream.indexTaken >= page->total;
+    for (GatheredRow& row : page->rows) {
+        row.fromIndex = true;
+        stream.waiting.push_back(std::move(row));
+    }
+}
+
+void Gatherer::Round::askSearx(std::size_t i, std::size_t needed)
+{
+    Stream& stream = search_.streams[i];
+    State& state = states_[i];
+    const auto pages = stream.pageRows == 0 ? 1 : (needed + stream.pageRows - 1) / stream.pageRows;
+    const int ahead = std::min({static_cast<int>(std::min<std::size_t>(pages, 100)), gatherer_.limits_.pagesAtOnce,
+                                gatherer_.limits_.pagesPerAnswer - state.asked});
+    state.busy = true;
+    for (int k = 0; k < ahead && !state.fault; ++k) {
+        const int number = stream.nextPage + k;
+        ++state.asked;
+        ++state.pending;
+        askInstances(fetches_, gatherer_.table_, stream.setting->instances,
+                     {words_, number, gatherer_.category_, gatherer_.settings_.language, gatherer_.settings_.safeSearch},
+                     end_, [this, i, number](Expected<SearxPage, SourceFault> result) {
+                         take(i, number, std::move(result));
+                         pump();
+                     });
+    }
+    state.busy = false;
+}
+
+void Gatherer::Round::append(Stream& stream, int page, SearxAnswer answer)
+{
+    stream.nextPage = page + 1;
+    stream.pageRows = answer.rows.size();
+    bool fresh = false;
+    for (SearxRow& row : answer.rows) {
+        fresh = stream.seen.insert(std::hash<std::string>()(row.address)).second || fresh;
+        stream.waiting.push_back({std::move(row.address), std::move(row.title), std::move(row.text),
+                                  std::move(row.thumbnail), false});
+    }
+    // A page of rows that all came before would be followed by others like it, without an end.
+    stream.ended = !fresh;
+}
+
+void Gatherer::Round::take(std::size_t i, int page, Expected<SearxPage, SourceFault> result)
+{
+    Stream& stream = search_.streams[i];
+    State& state = states_[i];
+    --state.pending;
+    if (!result) {
+        // After the last page, engines have nothing left to answer.
+        if (result.error().kind == SourceFault::Kind::Engines && page > 1)
+            stream.ended = true;
+        else if (!state.fault)
+            state.fault = result.error();
+        return;
+    }
+    state.pages.emplace(page, std::move(result->answer));
+    for (auto next = state.pages.find(stream.nextPage); next != state.pages.end() && !stream.ended;
+         next = state.pages.find(stream.nextPage)) {
+        append(stream, next->first, std::move(next->second));
+        state.pages.erase(next);
+    }
+    if (stream.nextPage > gatherer_.limits_.pages)
+        stream.ended = true;
+}
+
+/// Asks each source for what is missing.
+void Gatherer::Round::pump()
+{
+    std::size_t giving = 0;
+    for (std::size_t i = 0; i < states_.size(); ++i)
+        giving += canAsk(i) || !search_.streams[i].waiting.empty() ? 1 : 0;
+    if (giving == 0 || search_.merged.size() >= wanted_ || Clock::now() >= end_)
+        return;
+    const std::size_t share = (wanted_ - search_.merged.size() + giving - 1) / giving;
+    for (std::size_t i = 0; i < states_.size(); ++i) {
+        Stream& stream = search_.streams[i];
+        if (states_[i].busy || states_[i].pending > 0)
+            continue;
+        if (stream.setting->isIndex()) {
+            while (canAsk(i) && stream.waiting.size() < share)
+                askIndex(i);
+        } else if (canAsk(i) && stream.waiting.size() < share) {
+            askSearx(i, share - stream.waiting.size());
+        }
+    }
+}
+
+/// Merges rows in turn. Returns whether further rows could make the page fuller.
+bool Gatherer::Round::merge()
+{
+    std::size_t dry = 0;
+    while (search_.merged.size() < wanted_ && dry < states_.size()) {
+        Stream& stream = search_.streams[search_.turn];
+        if (stream.waiting.empty()) {
+            // A source that could give more must be asked before the others take its turn.
+            if (canAsk(search_.turn) && !late_ && Clock::now() < end_)
+                return true;
+            ++dry;
+        } else {
+            GatheredRow row = std::move(stream.waiting.front());
+            stream.waiting.pop_front();
+            dry = 0;
+            if (!search_.addresses.insert(row.address).second)
+                continue;
+            search_.mergedBytes += sizeOf(row);
+            search_.merged.push_back(std::move(row));
+        }
+        search_.turn = (search_.turn + 1) % states_.size();
+    }
+    return false;
+}
+
+std::vector<SourceFault> Gatherer::Round::run()
+{
+    while (merge()) {
+        pump();
+        const bool ran = fetches_.run([this] { return mayWait(); });
+        if (CurrentTask::abandoned())
+            return {};
+        for (std::size_t i = 0; i < states_.size(); ++i) {
+            if (!ran && states_[i].pending > 0 && !states_[i].fault)
+                states_[i].fault = SourceFault{SourceFault::Kind::TimeOut,
+                                               search_.streams[i].setting->instances.front(), ""};
+        }
+        late_ = late_ || !ran;
+    }
+    std::vector<SourceFault> faults;
+    for (State& state : states_) {
+        if (state.fault)
+            faults.push_back(std::move(*state.fault));
+    }
+    return faults;
+}
+
+Gatherer::Gatherer(FetchPool& pool, InstanceTable& table, ServiceSettings settings, SearxCategory category,
+                   Limits limits, Now now)
+    : pool_(pool), table_(table), settings_(std::move(settings)), category_(category), limits_(limits),
+      now_(std::move(now))
+{}
+
+Gatherer::~Gatherer() = default;
+
+/// Returns the kept search for these words, or a new one.
+std::shared_ptr<Gatherer::Search> Gatherer::searchFor(const std::string& words)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto now = now_();
+    while (!order_.empty()) {
+        const auto oldest = searches_.find(order_.front());
+        const bool fits = searches_.size() <= limits_.searches && bytes_ <= limits_.bytes;
+        if (fits && now - oldest->second->begun < limits_.keep)
+            break;
+        bytes_ -= oldest->second->counted;
+        searches_.erase(oldest);
+        order_.pop_front();
+    }
+    std::shared_ptr<Search>& search = searches_[words];
+    if (search == nullptr) {
+        search = std::make_shared<Search>();
+        search->begun = now;
+        search->streams.resize(settings_.sources.size());
+        for (std::size_t i = 0; i < settings_.sources.size(); ++i)
+            search->streams[i].setting = &settings_.sources[i];
+        order_.push_back(words);
+    }
+    return search;
+}
+
+/// Counts the bytes of a search that is still kept. Call it with the search's mutex held.
+void Gatherer::account(const std::string& words, const std::shared_ptr<Search>& search)
+{
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto kept = searches_.find(words);
+    if (kept == searches_.end() || kept->second != search)
+        return;
+    const std::size_t bytes = search->bytes();
+    bytes_ += bytes - search->counted;
+    search->counted = bytes;
+}
+
+Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index)
+{
+    const auto begin = Clock::now();
+    const std::string words(clipUtf8(collapseBlanks(toUtf8(typed)), kMaxWords));
+    Gathered gathered;
+    if (words.empty())
+        return gathered;
+    const std::shared_ptr<Search> search = searchFor(words);
+    std::unique_lock<std::timed_mutex> lock(search->mutex, std::defer_lock);
+    while (!lock.try_lock_for(kLockPause)) {
+        if (CurrentTask::abandoned())
+            return gathered;
+        if (Clock::now() - begin > limits_.patience) {
+            const auto slow = std::find_if(settings_.sources.begin(), settings_.sources.end(),
+                                           [](const SourceSetting& source) { return !source.isIndex(); });
+            gathered.faults.push_back({SourceFault::Kind::TimeOut, slow->instances.front(), ""});
+            return gathered;
+        }
+    }
+    constexpr std::int64_t kFar = 1'000'000;
+    const auto first = static_cast<std::size_t>(std::clamp<std::int64_t>(start, 0, kFar));
+    const std::size_t last = first + static_cast<std::size_t>(count);
+    {
+        Round round(*this, *search, words, last, index, begin);
+        gathered.faults = round.run();
+    }
+    if (search->bytes() > limits_.bytesPerSearch) {
+        for (Stream& stream : search->streams)
+            stream.ended = true;
+    }
+    account(words, search);
+
+    for (std::size_t i = first; i < std::min(last, search->merged.size()); ++i)
+        gathered.rows.push_back(search->merged[i]);
+    auto known = static_cast<std::int64_t>(search->merged.size());
+    bool more = false;
+    for (const Stream& stream : search->streams) {
+        known += static_cast<std::int64_t>(stream.waiting.size());
+        if (stream.setting->isIndex())
+            known += std::max<std::int64_t>(0, stream.indexTotal - stream.indexTaken);
+        else
+            more = more || !stream.ended;
+    }
+    // While there is more, one further page is announced, so that the program's slider can go on.
+    const bool reached = search->merged.size() >= last;
+    if (more && reached && known <= start + count)
+        known = start + 2 * count;
+    search->announced = more ? std::max(search->announced, known) : known;
+    gathered.total = search->announced;
+    return gathered;
+}
+
+} // namespace quarrynet::services

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "config/services_file.h"
+#include "ground/Outcome.h"
+#include "live/SearxSource.h"
+#include "live/fetch.h"
+
+namespace quarrynet::services {
+
+/// A result of a search over several sources.
+struct GatheredRow
+{
+    std::string address;
+    std::string title; ///< UTF-8, with kMatchBegin and kMatchEnd if it comes from the index
+    std::string text;  ///< likewise
+    std::string thumbnail;
+    bool fromIndex = false;
+};
+
+/// One page of a search over several sources.
+struct Gathered
+{
+    std::int64_t total = 0; ///< at least so many results are there
+    std::vector<GatheredRow> rows;
+    std::vector<SourceFault> faults; ///< why sources contributed nothing now
+};
+
+/// Searches the sources of one service: gathers their pages ahead as far as needed, merges their rows in turn, in the
+/// configured order, and drops rows whose address came before. What was merged is kept for some minutes, so that pages
+/// neither repeat nor lose results, and that paging back asks nobody. Several threads may use it.
+class Gatherer
+{
+public:
+    struct Limits
+    {
+        std::chrono::steady_clock::duration keep = std::chrono::minutes(5);
+        std::size_t searches = 64;                  ///< kept
+        std::size_t bytes = 32 * 1024 * 1024;       ///< of all rows kept
+        std::size_t bytesPerSearch = 4 * 1024 * 1024;
+        int pages = 50;                             ///< of a source per search, whatever it still offers
+        int pagesAtOnce = 4;                        ///< asked of a source at the same time
+        int pagesPerAnswer = 10;                    ///< asked of a source for one response
+        /// A search waits this long in any case; longer only while fewer than `patient` others do.
+        std::chrono::steady_clock::duration patience = std::chrono::seconds(2);
+        int patient = 2;
+    };
+
+    /// One page of the index: the rows after the first `start`, and the number of all.
+    struct IndexPage
+    {
+        std::int64_t total = 0;
+        std::vector<GatheredRow> rows;
+    };
+    using AskIndex = std::function<Outcome<IndexPage>(std::int64_t start)>;
+    using Now = std::function<std::chrono::steady_clock::time_point()>;
+
+    Gatherer(FetchPool& pool, InstanceTable& table, ServiceSettings settings, SearxCategory category)
+        : Gatherer(pool, table, std::move(settings), category, Limits(), &std::chrono::steady_clock::now)
+    {}
+    /// `now` measures how long results are kept.
+    Gatherer(FetchPool& pool, InstanceTable& table, ServiceSettings settings, SearxCategory category, Limits limits,
+             Now now);
+    ~Gatherer();
+    Gatherer(const Gatherer&) = delete;
+    Gatherer& operator=(const Gatherer&) = delete;
+
+    /// Returns `count` results after the first `start`, fewer when there are no more. `typed` may be any bytes; without
+    /// a character other than blanks nobody is asked.
+    Gathered gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index);
+
+private:
+    struct Stream;
+    struct Search;
+    class Round;
+
+    std::shared_ptr<Search> searchFor(const std::string& words);
+    void account(const std::string& words, const std::shared_ptr<Search>& search);
+
+    FetchPool& pool_;
+    InstanceTable& table_;
+    ServiceSettings settings_;
+    SearxCategory category_;
+    Limits limits_;
+    Now now_;
+    std::atomic<int> patient_ = 0; ///< searches that wait for longer than the usual patience
+    std::mutex mutex_;             ///< guards what follows
+    std::map<std::string, std::shared_ptr<Search>> searches_;
+    std::list<std::string> order_; ///< keys of searches_, oldest first
+    std::size_t bytes_ = 0;
+};
+
+} // namespace quarrynet::services
