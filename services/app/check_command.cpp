@@ -125,18 +125,20 @@ int runCheck(const Options& options)
     FetchPool pool(*certificates);
     IndexPool index(*data);
     std::vector<Checked> rows;
-    checkService("web", config->web, SearxCategory::General, toUtf8(options.checkWords), pool,
-                 [&](Checked& row) {
-                     const auto begin = Clock::now();
-                     takeIndexResult(row, WebService(index, "").search(options.checkWords, 0), begin);
-                 },
-                 rows);
-    checkService("image", config->image, SearxCategory::Images, toUtf8(options.checkWords), pool,
-                 [&](Checked& row) {
-                     const auto begin = Clock::now();
-                     takeIndexResult(row, ImageService(index, "", nullptr).search(options.checkWords, 0), begin);
-                 },
-                 rows);
+    checkService(
+        "web", config->web, SearxCategory::General, toUtf8(options.checkWords), pool,
+        [&](Checked& row) {
+            const auto begin = Clock::now();
+            takeIndexResult(row, WebService(index, "").search(options.checkWords, 0), begin);
+        },
+        rows);
+    checkService(
+        "image", config->image, SearxCategory::Images, toUtf8(options.checkWords), pool,
+        [&](Checked& row) {
+            const auto begin = Clock::now();
+            takeIndexResult(row, ImageService(index, "", nullptr).search(options.checkWords, 0), begin);
+        },
+        rows);
     print(rows);
     bool failed = false;
     for (const Checked& row : rows) {

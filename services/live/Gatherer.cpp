@@ -41,8 +41,8 @@ struct Gatherer::Stream
     std::deque<GatheredRow> waiting; ///< not merged yet
     std::set<std::size_t> seen;      ///< hashes of the addresses, to notice a source that repeats itself
     int nextPage = 1;
-    std::size_t pageRows = 0;       ///< rows of the last page; 0: unknown
-    std::int64_t indexTaken = 0;    ///< rows that the index gave
+    std::size_t pageRows = 0;    ///< rows of the last page; 0: unknown
+    std::int64_t indexTaken = 0; ///< rows that the index gave
     std::int64_t indexTotal = 0;
     bool ended = false;
 };
@@ -57,7 +57,7 @@ struct Gatherer::Search
     std::size_t mergedBytes = 0;
     std::int64_t announced = 0; ///< largest total so far
 
-    Clock::time_point begun;  ///< guarded by the Gatherer's mutex
+    Clock::time_point begun; ///< guarded by the Gatherer's mutex
     std::size_t counted = 0; ///< likewise: bytes of this search in Gatherer::bytes_
 
     std::size_t bytes() const
@@ -78,8 +78,15 @@ class Gatherer::Round
 public:
     Round(Gatherer& gatherer, Search& search, const std::string& words, std::size_t wanted, const AskIndex& index,
           Clock::time_point begin)
-        : gatherer_(gatherer), search_(search), words_(words), wanted_(wanted), index_(index), begin_(begin),
-          end_(begin + gatherer.settings_.wait), fetches_(gatherer.pool_), states_(search.streams.size())
+        : gatherer_(gatherer)
+        , search_(search)
+        , words_(words)
+        , wanted_(wanted)
+        , index_(index)
+        , begin_(begin)
+        , end_(begin + gatherer.settings_.wait)
+        , fetches_(gatherer.pool_)
+        , states_(search.streams.size())
     {}
     ~Round()
     {
@@ -167,19 +174,21 @@ void Gatherer::Round::askSearx(std::size_t i, std::size_t needed)
     Stream& stream = search_.streams[i];
     State& state = states_[i];
     const auto pages = stream.pageRows == 0 ? 1 : (needed + stream.pageRows - 1) / stream.pageRows;
-    const int ahead = std::min({static_cast<int>(std::min<std::size_t>(pages, 100)), gatherer_.limits_.pagesAtOnce,
-                                gatherer_.limits_.pagesPerAnswer - state.asked});
+    const int ahead =
+        std::min({static_cast<int>(std::min<std::size_t>(pages, 100)), gatherer_.limits_.pagesAtOnce,
+                  gatherer_.limits_.pagesPerAnswer - state.asked, gatherer_.limits_.pages - stream.nextPage + 1});
     state.busy = true;
     for (int k = 0; k < ahead && !state.fault; ++k) {
         const int number = stream.nextPage + k;
         ++state.asked;
         ++state.pending;
-        askInstances(fetches_, gatherer_.table_, stream.setting->instances,
-                     {words_, number, gatherer_.category_, gatherer_.settings_.language, gatherer_.settings_.safeSearch},
-                     end_, [this, i, number](Expected<SearxPage, SourceFault> result) {
-                         take(i, number, std::move(result));
-                         pump();
-                     });
+        askInstances(
+            fetches_, gatherer_.table_, stream.setting->instances,
+            {words_, number, gatherer_.category_, gatherer_.settings_.language, gatherer_.settings_.safeSearch}, end_,
+            [this, i, number](Expected<SearxPage, SourceFault> result) {
+                take(i, number, std::move(result));
+                pump();
+            });
     }
     state.busy = false;
 }
@@ -191,8 +200,8 @@ void Gatherer::Round::append(Stream& stream, int page, SearxAnswer answer)
     bool fresh = false;
     for (SearxRow& row : answer.rows) {
         fresh = stream.seen.insert(std::hash<std::string>()(row.address)).second || fresh;
-        stream.waiting.push_back({std::move(row.address), std::move(row.title), std::move(row.text),
-                                  std::move(row.thumbnail), false});
+        stream.waiting.push_back(
+            {std::move(row.address), std::move(row.title), std::move(row.text), std::move(row.thumbnail), false});
     }
     // A page of rows that all came before would be followed by others like it, without an end.
     stream.ended = !fresh;
@@ -277,8 +286,8 @@ std::vector<SourceFault> Gatherer::Round::run()
             return {};
         for (std::size_t i = 0; i < states_.size(); ++i) {
             if (!ran && states_[i].pending > 0 && !states_[i].fault)
-                states_[i].fault = SourceFault{SourceFault::Kind::TimeOut,
-                                               search_.streams[i].setting->instances.front(), ""};
+                states_[i].fault =
+                    SourceFault{SourceFault::Kind::TimeOut, search_.streams[i].setting->instances.front(), ""};
         }
         late_ = late_ || !ran;
     }
@@ -292,8 +301,12 @@ std::vector<SourceFault> Gatherer::Round::run()
 
 Gatherer::Gatherer(FetchPool& pool, InstanceTable& table, ServiceSettings settings, SearxCategory category,
                    Limits limits, Now now)
-    : pool_(pool), table_(table), settings_(std::move(settings)), category_(category), limits_(limits),
-      now_(std::move(now))
+    : pool_(pool)
+    , table_(table)
+    , settings_(std::move(settings))
+    , category_(category)
+    , limits_(limits)
+    , now_(std::move(now))
 {}
 
 Gatherer::~Gatherer() = default;
@@ -379,10 +392,12 @@ Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64
         else
             more = more || !stream.ended;
     }
-    // While there is more, one further page is announced, so that the program's slider can go on.
+    // While there is more, one further page is announced by its first result, so that the program's slider can go on.
+    // The program takes a total that is a multiple of its page for a number of pages, but never one that exceeds a
+    // multiple by 1.
     const bool reached = search->merged.size() >= last;
-    if (more && reached && known <= start + count)
-        known = start + 2 * count;
+    if (more && reached)
+        known = known > start + count ? (known - 1) / count * count + 1 : start + count + 1;
     search->announced = more ? std::max(search->announced, known) : known;
     gathered.total = search->announced;
     return gathered;

@@ -47,12 +47,12 @@ public:
     struct Limits
     {
         std::chrono::steady_clock::duration keep = std::chrono::minutes(5);
-        std::size_t searches = 64;                  ///< kept
-        std::size_t bytes = 32 * 1024 * 1024;       ///< of all rows kept
+        std::size_t searches = 64;            ///< kept
+        std::size_t bytes = 32 * 1024 * 1024; ///< of all rows kept
         std::size_t bytesPerSearch = 4 * 1024 * 1024;
-        int pages = 50;                             ///< of a source per search, whatever it still offers
-        int pagesAtOnce = 4;                        ///< asked of a source at the same time
-        int pagesPerAnswer = 10;                    ///< asked of a source for one response
+        int pages = 50;          ///< of a source per search, whatever it still offers
+        int pagesAtOnce = 4;     ///< asked of a source at the same time
+        int pagesPerAnswer = 10; ///< asked of a source for one response
         /// A search waits this long in any case; longer only while fewer than `patient` others do.
         std::chrono::steady_clock::duration patience = std::chrono::seconds(2);
         int patient = 2;

@@ -34,8 +34,8 @@ SourceFault faultOf(const std::string& instance, const Fetched& fetched)
     case Fetched::Fault::Redirect:
         return {Kind::Moved, instance, fetched.detail.substr(0, fetched.detail.find_first_of("?#"))};
     case Fetched::Fault::TooLarge:
-        return {Kind::Nonsense, instance, "the answer is larger than " +
-                                              std::to_string(kMaxSearxAnswer / 1024 / 1024) + " MB"};
+        return {Kind::Nonsense, instance,
+                "the answer is larger than " + std::to_string(kMaxSearxAnswer / 1024 / 1024) + " MB"};
     default:
         return {Kind::Nonsense, instance, fetched.detail};
     }
@@ -106,7 +106,8 @@ std::chrono::seconds InstanceTable::restOf(const std::string& instance)
     const auto found = entries_.find(instance);
     if (found == entries_.end())
         return std::chrono::seconds(0);
-    return std::max(std::chrono::seconds(0), std::chrono::ceil<std::chrono::seconds>(found->second.restsUntil - now_()));
+    return std::max(std::chrono::seconds(0),
+                    std::chrono::ceil<std::chrono::seconds>(found->second.restsUntil - now_()));
 }
 
 void InstanceTable::answered(const std::string& instance)

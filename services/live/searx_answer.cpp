@@ -1,8 +1,7 @@
 #include "live/searx_answer.h"
 
-#include <optional>
-
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "ground/ascii.h"
 #include "ground/utf8.h"

@@ -39,8 +39,8 @@ struct SearxRow
 
 struct SearxAnswer
 {
-    std::vector<SearxRow> rows; ///< those with a usable address
-    std::size_t listed = 0;     ///< rows in the answer, including those without one
+    std::vector<SearxRow> rows;                              ///< those with a usable address
+    std::size_t listed = 0;                                  ///< rows in the answer, including those without one
     std::vector<std::pair<std::string, std::string>> silent; ///< engines without an answer, with the reasons
 };
 

@@ -116,7 +116,8 @@ std::string faultPath(const SourceFault& fault)
 
 HttpResponse helpPage(const HttpRequest& request)
 {
-    const std::string_view name = std::string_view(request.path).substr(std::min(kHelpPath.size(), request.path.size()));
+    const std::string_view name =
+        std::string_view(request.path).substr(std::min(kHelpPath.size(), request.path.size()));
     const auto* const texts =
         std::find_if(kTexts.begin(), kTexts.end(), [name](const FaultTexts& entry) { return entry.page == name; });
     if (texts == kTexts.end())

@@ -15,23 +15,23 @@ struct SourceFault
 {
     enum class Kind : std::uint8_t
     {
-        NoJson,       ///< 403: the instance answers, but not in JSON
-        RateLimit,    ///< 429, or a Retry-After
+        NoJson,    ///< 403: the instance answers, but not in JSON
+        RateLimit, ///< 429, or a Retry-After
         TimeOut,
         Tls,
-        NotFound,     ///< the host's name is unknown
+        NotFound, ///< the host's name is unknown
         NoConnection,
-        Nonsense,     ///< the answer is none to a search
-        Moved,        ///< a redirect to another site
-        Loop,         ///< the source is this program
-        Status,       ///< another status
-        Engines,      ///< none of the source's own engines answered
-        Index,        ///< the index cannot answer
+        Nonsense, ///< the answer is none to a search
+        Moved,    ///< a redirect to another site
+        Loop,     ///< the source is this program
+        Status,   ///< another status
+        Engines,  ///< none of the source's own engines answered
+        Index,    ///< the index cannot answer
     };
 
     Kind kind = Kind::Nonsense;
-    std::string source; ///< the instance's address; empty for the index
-    std::string detail; ///< plain text that completes the sentence; may be empty
+    std::string source;            ///< the instance's address; empty for the index
+    std::string detail;            ///< plain text that completes the sentence; may be empty
     std::chrono::seconds retry{0}; ///< with RateLimit: until it is asked again
 };
 

@@ -22,7 +22,8 @@ TEST(RemotePictures, OthersAreNot)
 {
     RemotePictures pictures;
     const std::string token = pictures.tokenOf({"https://a.example/1.jpg", ""});
-    for (const std::string& text : {std::string(), std::string("0"), token + "0", token.substr(1), std::string(9, '\0')})
+    for (const std::string& text :
+         {std::string(), std::string("0"), token + "0", token.substr(1), std::string(9, '\0')})
         EXPECT_FALSE(pictures.find(text)) << text;
 }
 

@@ -138,10 +138,10 @@ TEST(SearxAnswer, LoneSurrogatesAndBrokenBytesLoseNoRow)
 
 TEST(SearxAnswer, WhatIsNoAnswerFails)
 {
-    for (const char* text : {"", " ", "null", "[]", "1", "\"results\"", "{}", R"({"results": {}})", R"({"results": 1})",
-                             "<!DOCTYPE html><html></html>", "{\"results\": []", "{\"results\": [}", "{\"results\": []} x",
-                             R"([{"results": []}])", R"({"results": [1e999999]})", "{\"results\": [\"\\x\"]}",
-                             "{\"results\": [\"\\"})
+    for (const char* text :
+         {"", " ", "null", "[]", "1", "\"results\"", "{}", R"({"results": {}})", R"({"results": 1})",
+          "<!DOCTYPE html><html></html>", "{\"results\": []", "{\"results\": [}", "{\"results\": []} x",
+          R"([{"results": []}])", R"({"results": [1e999999]})", "{\"results\": [\"\\x\"]}", "{\"results\": [\"\\"})
         EXPECT_FALSE(read(text)) << text;
     EXPECT_FALSE(read(std::string("{\"results\": [], \"a\": \"\0\"}", 25)));
     EXPECT_TRUE(read("\xEF\xBB\xBF{\"results\": []}"));

@@ -48,7 +48,8 @@ TEST(SourceFaultTest, RateLimitSaysWhenTheSourceIsAskedAgain)
 
 TEST(SourceFaultTest, HelpPagesShowHostileTextsAsText)
 {
-    const HttpResponse page = pageAt("/help/source-nonsense?source=%3Cscript%3Ealert(1)%3C/script%3E&detail=%00%FF%0A%3Cb");
+    const HttpResponse page =
+        pageAt("/help/source-nonsense?source=%3Cscript%3Ealert(1)%3C/script%3E&detail=%00%FF%0A%3Cb");
     EXPECT_THAT(page.body, HasSubstr("&lt;script>"));
     EXPECT_THAT(page.body, Not(HasSubstr("<script")));
     EXPECT_LT(pageAt("/help/source-nonsense?source=" + std::string(15'000, 'x')).body.size(), 3'000U);
