@@ -77,7 +77,8 @@ protected:
 
     ImageResults image(const std::string& typed, int page = 1)
     {
-        const HttpResponse response = respond(*image_, *imageRequest(typed, ImagePages{page, page}, kImageHost, Route::Direct));
+        const HttpResponse response =
+            respond(*image_, *imageRequest(typed, ImagePages{page, page}, kImageHost, Route::Direct));
         EXPECT_EQ(response.status, 200) << response.body;
         ImageResults results = parseImageResults(ExactCopy(response.body).view(), kImageHost);
         EXPECT_FALSE(results.fault);
@@ -111,7 +112,8 @@ protected:
 
 TEST_F(LivePages, HostileTextsReachTheProgramAsText)
 {
-    const std::string title = "<p><a href=http://evil.example></a> <b>x</b> &e= </b> of about <b>9</b> src=/images?q=tbn:1:a ";
+    const std::string title =
+        "<p><a href=http://evil.example></a> <b>x</b> &e= </b> of about <b>9</b> src=/images?q=tbn:1:a ";
     LoopbackServer server([&title](const HttpRequest&) {
         std::string json = R"({"results": [)";
         for (const char* number : {"1", "2"}) {
@@ -173,8 +175,7 @@ TEST_F(LivePages, ASourceWithoutAnswerIsARowThatLeadsToHelp)
     ask({{refuses.site()}, {answers.site()}, {}});
     const WebResults found = web("words");
     ASSERT_EQ(found.rows, 14U);
-    EXPECT_EQ(found.lists.cleanedTitles[0],
-              refuses.site() + " refused the search: JSON is not enabled there (403)");
+    EXPECT_EQ(found.lists.cleanedTitles[0], refuses.site() + " refused the search: JSON is not enabled there (403)");
     EXPECT_THAT(found.lists.cleanedTitles[1], StartsWith("The index cannot answer: "));
     EXPECT_EQ(found.lists.addresses[2], "https://a.example/1");
     const HttpResponse help = get(found.lists.addresses[0]);
