@@ -16,6 +16,7 @@
 #include "http/Router.h"
 #include "index/database.h"
 #include "live/Gatherer.h"
+#include "live/RemoteThumbnails.h"
 #include "searches/DownloadService.h"
 #include "searches/FileService.h"
 #include "searches/ImageService.h"
@@ -26,6 +27,10 @@
 namespace quarrynet::services {
 
 namespace {
+
+/// A thread waits for each picture of the internet that is being fetched. The window asks for six at a time, and two
+/// windows, or one and its searches, must not wait for each other.
+constexpr unsigned kWorkersWithRemotePictures = 14;
 
 /// Explains how to permit this program to listen below port 1024.
 void explainPermission(std::uint16_t port)
@@ -113,12 +118,18 @@ int runServe(const Options& options)
     if (config->image.asksOthers())
         liveImages.emplace(pool, instances, config->image, SearxCategory::Images);
 
-    HttpServer server;
+    HttpServer::Limits limits;
+    if (liveImages)
+        limits.workers = kWorkersWithRemotePictures;
+    HttpServer server(limits);
     Router router;
     // The addresses in their pages are known only once they listen.
     std::optional<WebService> web;
     std::optional<ImageService> images;
     Thumbnailer thumbnailer(thumbnailProgram());
+    Thumbnailer remoteThumbnailer(thumbnailProgram(), RemoteThumbnails::thumbnailerLimits());
+    FetchPool picturePool(*certificates, config->privatePictures ? Reach::Everywhere : Reach::PublicOnly);
+    RemoteThumbnails remoteThumbnails(picturePool, remoteThumbnailer);
     DownloadService downloads(index);
     FileService files(index);
     std::vector<Service> services{
@@ -135,7 +146,7 @@ int runServe(const Options& options)
                             [&images](const HttpRequest& request) { return images->answer(request); },
                             [&](const std::string& base) {
                                 images.emplace(index, base.substr(std::string_view("http://").size()), &thumbnailer,
-                                               liveImages ? &*liveImages : nullptr);
+                                               liveImages ? &*liveImages : nullptr, &remoteThumbnails);
                             }});
     } else {
         std::fprintf(stderr, "quarrynet-services: this build has no image search\n");

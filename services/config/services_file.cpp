@@ -102,7 +102,9 @@ void readSource(TomlTable& table, const toml::node& node, std::vector<SourceSett
         sources.push_back(std::move(source));
 }
 
-void readService(TomlTable& file, std::string_view name, FaultList& faults, ServiceSettings& settings)
+/// Reads the table of a service. `privatePictures` is null for services without pictures.
+void readService(TomlTable& file, std::string_view name, FaultList& faults, ServiceSettings& settings,
+                 bool* privatePictures = nullptr)
 {
     const toml::table* found = file.table(name);
     if (found == nullptr)
@@ -132,6 +134,8 @@ void readService(TomlTable& file, std::string_view name, FaultList& faults, Serv
         settings.safeSearch = static_cast<SafeSearch>(*safe);
     if (const std::optional<std::int64_t> wait = table.number("wait-seconds", 1, 20))
         settings.wait = std::chrono::seconds(*wait);
+    if (privatePictures != nullptr)
+        *privatePictures = table.flag("private-pictures").value_or(false);
     table.finish();
 }
 
@@ -189,7 +193,7 @@ Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const
     file.path = name;
     TomlTable top(parsed.table(), "", faults);
     readService(top, "web", faults, file.web);
-    readService(top, "image", faults, file.image);
+    readService(top, "image", faults, file.image, &file.privatePictures);
     // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
     if (const std::optional<bool> log = top.flag("log-queries"))
         file.logQueries = *log;

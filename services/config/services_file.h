@@ -55,6 +55,8 @@ struct ServicesFile
 {
     ServiceSettings web;
     ServiceSettings image;
+    /// Whether pictures may be fetched from private and loopback addresses ("private-pictures" in [image]).
+    bool privatePictures = false;
     bool logQueries = false; ///< write what people type to the error output
     std::string path;        ///< as in messages; empty without a file
     std::string caFile;      ///< certificates (PEM) to trust besides the system's; may be empty

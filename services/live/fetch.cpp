@@ -9,6 +9,7 @@
 #include "ground/CurrentTask.h"
 #include "ground/ascii.h"
 #include "http/message.h"
+#include "live/public_address.h"
 
 namespace quarrynet::services {
 
@@ -125,10 +126,19 @@ struct Fetches::Transfer
         return transfer.tooLarge ? 0 : size * count;
     }
 
-    CURLcode setUp(const std::string& certificates);
+    /// Makes the socket for a connection to an address, after the name was looked up.
+    static curl_socket_t openSocket(void* reach, curlsocktype purpose, curl_sockaddr* address) noexcept
+    {
+        if (purpose != CURLSOCKTYPE_IPCXN ||
+            (*static_cast<const Reach*>(reach) == Reach::PublicOnly && !isPublicAddress(address->addr)))
+            return CURL_SOCKET_BAD;
+        return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    }
+
+    CURLcode setUp(const std::string& certificates, const Reach& reach);
 };
 
-CURLcode Fetches::Transfer::setUp(const std::string& certificates)
+CURLcode Fetches::Transfer::setUp(const std::string& certificates, const Reach& reach)
 {
     if (curl == nullptr)
         return CURLE_OUT_OF_MEMORY;
@@ -167,6 +177,8 @@ CURLcode Fetches::Transfer::setUp(const std::string& certificates)
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     set(CURLOPT_HEADERFUNCTION, takeHead);
     set(CURLOPT_HEADERDATA, static_cast<void*>(this));
+    set(CURLOPT_OPENSOCKETFUNCTION, openSocket);
+    set(CURLOPT_OPENSOCKETDATA, const_cast<Reach*>(&reach));
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
@@ -232,7 +244,7 @@ void Fetches::begin(Transfer& transfer)
 {
     transfer.fetched = Fetched();
     transfer.head = 0;
-    if (multi_ == nullptr || transfer.setUp(pool_.certificates_) != CURLE_OK ||
+    if (multi_ == nullptr || transfer.setUp(pool_.certificates_, pool_.reach_) != CURLE_OK ||
         curl_multi_add_handle(multi_, transfer.curl) != CURLM_OK)
         transfer.fetched.fault = Fetched::Fault::Broken;
 }

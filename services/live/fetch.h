@@ -60,12 +60,24 @@ struct Fetched
 /// What is sent to a host thereby never reaches another one, nor loses its encryption.
 bool followsOnSite(std::string_view from, std::string_view to);
 
+/// The hosts that fetches reach.
+enum class Reach : std::uint8_t
+{
+    Everywhere,
+    /// Only addresses of the public internet (isPublicAddress). The address of every connection is checked, so that
+    /// neither a redirect nor a name server can lead elsewhere.
+    PublicOnly,
+};
+
 /// The connections of the fetches, kept for later ones. Several threads may use it.
 class FetchPool
 {
 public:
-    /// `certificates` (PEM) are trusted besides the system's.
-    explicit FetchPool(std::string certificates = {}) : certificates_(std::move(certificates)) {}
+    /// `certificates` (PEM) are trusted besides the system's. All connections of a pool have one reach, because a kept
+    /// one is not checked again.
+    explicit FetchPool(std::string certificates = {}, Reach reach = Reach::Everywhere)
+        : certificates_(std::move(certificates)), reach_(reach)
+    {}
     ~FetchPool();
     FetchPool(const FetchPool&) = delete;
     FetchPool& operator=(const FetchPool&) = delete;
@@ -76,6 +88,7 @@ private:
     void giveBack(void* multi);
 
     std::string certificates_;
+    Reach reach_;
     std::mutex mutex_;
     std::vector<void*> idle_; ///< libcurl's multi handles
 };

@@ -88,6 +88,16 @@ HttpResponse missingPicture()
     return errorResponse(404, "There is no such picture.");
 }
 
+HttpResponse thumbnailResponse(std::string thumbnail)
+{
+    HttpResponse response;
+    const bool png = pictureFormat(thumbnail) == PictureFormat::Png;
+    response.contentType = mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg);
+    response.body = std::move(thumbnail);
+    response.fields.emplace_back("Cache-Control", "max-age=86400");
+    return response;
+}
+
 } // namespace
 
 std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
@@ -247,10 +257,10 @@ HttpResponse ImageService::remoteThumbnail(std::string_view place)
     const std::optional<RemotePicture> picture = remote_.find(place.substr(0, place.find('/')));
     if (!picture)
         return missingPicture();
-    // Until pictures of the internet are fetched, a placeholder stands for them.
-    HttpResponse response;
-    response.contentType = mediaTypeOf(PictureFormat::Png);
-    response.body = placeholder();
+    std::optional<std::string> made = remoteThumbnails_ == nullptr ? std::nullopt : remoteThumbnails_->get(*picture);
+    HttpResponse response = thumbnailResponse(made ? std::move(*made) : placeholder());
+    if (!made)
+        response.fields = {{"Cache-Control", "no-store"}}; // it may come the next time
     return response;
 }
 
@@ -303,13 +313,7 @@ HttpResponse ImageService::thumbnail(std::string_view place)
     });
     if (!made)
         return missingPicture();
-    HttpResponse response;
-    const bool png = pictureFormat(*made) == PictureFormat::Png;
-    response.contentType = mediaTypeOf(png ? PictureFormat::Png : PictureFormat::Jpeg);
-    response.body = std::move(*made);
-    // A changed picture gets another address.
-    response.fields.emplace_back("Cache-Control", "max-age=86400");
-    return response;
+    return thumbnailResponse(std::move(*made)); // a changed picture gets another address
 }
 
 HttpResponse ImageService::picture(std::string_view place)

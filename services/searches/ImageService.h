@@ -11,6 +11,7 @@
 #include "index/word_search.h"
 #include "live/Gatherer.h"
 #include "live/RemotePictures.h"
+#include "live/RemoteThumbnails.h"
 #include "thumbnails/ThumbnailCache.h"
 #include "thumbnails/Thumbnailer.h"
 
@@ -41,9 +42,10 @@ public:
     static constexpr std::size_t kCacheBytes = 32 * 1024 * 1024;
 
     /// `host` serves the pictures; it includes the port unless that is 80. A null `thumbnailer` disables thumbnails.
-    /// A null `live` leaves the index as the only source.
-    ImageService(IndexPool& index, std::string host, Thumbnailer* thumbnailer, Gatherer* live = nullptr)
-        : index_(index), host_(std::move(host)), thumbnailer_(thumbnailer), live_(live)
+    /// A null `live` leaves the index as the only source; a null `remote` shows placeholders for the others' pictures.
+    ImageService(IndexPool& index, std::string host, Thumbnailer* thumbnailer, Gatherer* live = nullptr,
+                 RemoteThumbnails* remote = nullptr)
+        : index_(index), host_(std::move(host)), thumbnailer_(thumbnailer), live_(live), remoteThumbnails_(remote)
     {}
 
     HttpResponse answer(const HttpRequest& request);
@@ -69,6 +71,7 @@ private:
     std::string host_;
     Thumbnailer* thumbnailer_;
     Gatherer* live_;
+    RemoteThumbnails* remoteThumbnails_;
     RemotePictures remote_;
     ThumbnailCache cache_{kCacheBytes};
 };

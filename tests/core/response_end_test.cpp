@@ -62,6 +62,6 @@ TEST(IsCompleteResponse, HeadersThatLeaveTheEndToTheConnectionAreNever)
 TEST(IsCompleteResponse, BrokenChunksAreNever)
 {
     for (const std::string body : {"x\r\n0\r\n\r\n", "\r\n\r\n", "-1\r\n\r\n0\r\n\r\n", "2\r\nabc\r\n0\r\n\r\n",
-                                    "ffffffffffffffff\r\n0\r\n\r\n", "fffffffffffffff\r\n0\r\n\r\n", "1 x\r\n0\r\n\r\n"})
+                                   "ffffffffffffffff\r\n0\r\n\r\n", "fffffffffffffff\r\n0\r\n\r\n", "1 x\r\n0\r\n\r\n"})
         EXPECT_FALSE(isCompleteResponse(kChunked + body)) << body;
 }

@@ -334,9 +334,7 @@ private slots:
         Client client(authority_);
         client.socket.ConnectTls("localhost", service.port());
         QTRY_COMPARE(client.connected.count(), 1);
-        QVERIFY(!client.socket.findChild<TlsSocket*>()
-                     ->findChild<QTimer*>({}, Qt::FindDirectChildrenOnly)
-                     ->isActive());
+        QVERIFY(!client.socket.findChild<TlsSocket*>()->findChild<QTimer*>({}, Qt::FindDirectChildrenOnly)->isActive());
     }
 
     void otherServersRefusals_data()
@@ -461,7 +459,8 @@ private slots:
         QTest::newRow("second of two") << u"DNS:b.example,DNS:a.example"_s << u"a.example"_s << true;
         QTest::newRow("longer") << u"DNS:a.example"_s << u"b.a.example"_s << false;
         QTest::newRow("wildcard") << u"DNS:*.example.org"_s << u"a.example.org"_s << true;
-        QTest::newRow("wildcard of an international name") << u"DNS:*.xn--bcher-kva.org"_s << u"a.xn--bcher-kva.org"_s << true;
+        QTest::newRow("wildcard of an international name")
+            << u"DNS:*.xn--bcher-kva.org"_s << u"a.xn--bcher-kva.org"_s << true;
         QTest::newRow("wildcard, two labels") << u"DNS:*.example.org"_s << u"b.a.example.org"_s << false;
         QTest::newRow("wildcard, no label") << u"DNS:*.example.org"_s << u"example.org"_s << false;
         QTest::newRow("part of a label") << u"DNS:a*.example.org"_s << u"ab.example.org"_s << false;

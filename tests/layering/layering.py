@@ -36,7 +36,7 @@ TREE = {
     "services/thumbnails": "libraries/ground",
     "services/sources":
         "libraries/ground services/ftp services/index services/text services/thumbnails",
-    "services/live": "libraries/ground services/config services/http services/text",
+    "services/live": "libraries/ground services/config services/http services/text services/thumbnails",
     "services/searches":
         "libraries/ground services/http services/index services/live services/text services/thumbnails",
     "services/app":

@@ -1,12 +1,11 @@
 #include "certificates.h"
 
 #include <memory>
-#include <stdexcept>
-
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
+#include <stdexcept>
 
 namespace quarrynet::certificates {
 
@@ -67,7 +66,8 @@ Issued issue(const Subject& subject, const Issued* issuer)
     std::uint64_t serial = 0;
     checked(RAND_bytes(reinterpret_cast<unsigned char*>(&serial), sizeof serial) == 1);
     checked(ASN1_INTEGER_set_uint64(X509_get_serialNumber(made), serial >> 1));
-    checked(X509_gmtime_adj(X509_getm_notBefore(made), static_cast<long>(std::chrono::seconds(subject.begins).count())));
+    checked(
+        X509_gmtime_adj(X509_getm_notBefore(made), static_cast<long>(std::chrono::seconds(subject.begins).count())));
     checked(X509_gmtime_adj(X509_getm_notAfter(made), static_cast<long>(std::chrono::seconds(subject.ends).count())));
     checked(X509_set_pubkey(made, key.get()));
     X509_NAME* name = X509_get_subject_name(made);

@@ -101,6 +101,15 @@ TEST(ServicesFile, WrongKeysAreNamedWithTheirLinesAndTheAllowedOnes)
                             StartsWith("s.toml:4: unknown key \"wbe\"; allowed here: web, image")));
 }
 
+TEST(ServicesFile, PrivatePicturesArePermittedOnlyByTheirKey)
+{
+    EXPECT_FALSE(readServicesFile("", "s.toml")->privatePictures);
+    EXPECT_FALSE(readServicesFile("[image]\nprivate-pictures = false", "s.toml")->privatePictures);
+    EXPECT_TRUE(readServicesFile("[image]\nprivate-pictures = true", "s.toml")->privatePictures);
+    EXPECT_THAT(faultsOf("[image]\nprivate-pictures = 1"), ElementsAre(StartsWith("s.toml:2: ")));
+    EXPECT_THAT(faultsOf("[web]\nprivate-pictures = true"), ElementsAre(StartsWith("s.toml:2: unknown key")));
+}
+
 TEST(ServicesFile, WrongTypesAreNamedWithTheirLines)
 {
     EXPECT_THAT(faultsOf("log-queries = 1\n"
