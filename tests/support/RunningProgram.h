@@ -63,6 +63,21 @@ public:
         return line;
     }
 
+    /// Returns all output until its end, or until it stalls for a minute.
+    std::string readAll() const
+    {
+        std::string all;
+        char bytes[4096];
+        pollfd more{output_.number(), POLLIN, 0};
+        while (::poll(&more, 1, 60'000) == 1) {
+            const ssize_t count = ::read(output_.number(), bytes, sizeof bytes);
+            if (count <= 0)
+                break;
+            all.append(bytes, static_cast<std::size_t>(count));
+        }
+        return all;
+    }
+
     std::string errors() const
     {
         std::ifstream file(errorFile_, std::ios::binary);
