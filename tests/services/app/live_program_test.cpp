@@ -34,7 +34,8 @@ protected:
     {
         arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
         arguments.insert(arguments.end(), {"--data", folder_.path() + "/data"});
-        return {std::move(arguments), folder_.path() + "/errors" + std::to_string(++runs_),
+        return {std::move(arguments),
+                folder_.path() + "/errors" + std::to_string(++runs_),
                 {"XDG_CONFIG_HOME=" + folder_.path()}};
     }
 
