@@ -22,17 +22,17 @@ void ResetWitness::watch(qintptr descriptor)
     }
 }
 
-bool ResetWitness::sawReset() const
+int ResetWitness::failure() const
 {
     if (descriptor_ == -1)
-        return false;
+        return 0;
     const auto socket = static_cast<SOCKET>(descriptor_);
     char byte = 0;
-    if (::recv(socket, &byte, 1, MSG_PEEK) == SOCKET_ERROR && ::WSAGetLastError() == WSAECONNRESET)
-        return true;
+    if (::recv(socket, &byte, 1, MSG_PEEK) == SOCKET_ERROR && ::WSAGetLastError() != WSAEWOULDBLOCK)
+        return ::WSAGetLastError();
     // The toolkit's own read may have taken the error with it. After the peer's FIN alone, our direction is still open,
     // and sending nothing succeeds.
-    return ::send(socket, &byte, 0, 0) == SOCKET_ERROR && ::WSAGetLastError() != WSAEWOULDBLOCK;
+    return ::send(socket, &byte, 0, 0) == SOCKET_ERROR && ::WSAGetLastError() != WSAEWOULDBLOCK ? WSAECONNRESET : 0;
 }
 
 void ResetWitness::forget()
@@ -51,13 +51,15 @@ void ResetWitness::watch(qintptr descriptor)
     descriptor_ = ::fcntl(static_cast<int>(descriptor), F_DUPFD_CLOEXEC, 0);
 }
 
-bool ResetWitness::sawReset() const
+int ResetWitness::failure() const
 {
+    constexpr int kConnectionReset = 10054;
     if (descriptor_ == -1)
-        return false;
+        return 0;
     // After the peer's FIN alone, our own direction is still open; only a reset closes both.
     pollfd state = {static_cast<int>(descriptor_), POLLIN, 0};
-    return ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
+    const bool reset = ::poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
+    return reset ? kConnectionReset : 0;
 }
 
 void ResetWitness::forget()

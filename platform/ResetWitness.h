@@ -4,7 +4,8 @@
 
 namespace quarrynet {
 
-/// Distinguishes a connection that was reset (RST, RFC 9293 section 3.5.2) from one that was closed in order (FIN).
+/// Distinguishes a connection that was broken, mostly by a reset (RST, RFC 9293 section 3.5.2) from one that was closed
+/// in order (FIN).
 ///
 /// QTcpSocket reports both alike and has then already closed its descriptor, so this keeps a duplicate. The connection
 /// ends only after forget().
@@ -18,8 +19,9 @@ public:
     /// Starts watching a connected socket.
     void watch(qintptr descriptor);
 
-    /// Returns whether the watched connection was reset. Returns false when nothing is watched.
-    bool sawReset() const;
+    /// Returns the WinSock number of the failure that broke the watched connection: 10054 for a reset, on Windows also
+    /// 10053 for a connection that this side gave up, and others. Returns 0 if there was none or nothing is watched.
+    int failure() const;
 
     void forget();
 

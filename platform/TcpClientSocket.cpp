@@ -9,49 +9,15 @@
 #include "ground/ascii.h"
 #include "platform/TlsSocket.h"
 #include "platform/text_border.h"
+#include "platform/winsock_errors.h"
 
 namespace quarrynet {
 
-struct TcpClientSocket::WinSockError
-{
-    int number;
-    const char* description;
-};
-
 namespace {
-
-using WinSockError = TcpClientSocket::WinSockError;
 
 // Maximum size of the read buffer, in bytes. Without a limit, the socket would read everything that the system has, and
 // keep that memory.
 constexpr qint64 kReadAhead = 1024 * 1024;
-
-constexpr WinSockError kHostNotFound = {11001, "Host not found"};
-constexpr WinSockError kAborted = {10053, "Connection is aborted due to timeout or other failure"};
-constexpr WinSockError kReset = {10054, "The connection is reset by remote side"};
-constexpr WinSockError kNoSuchPort = {10049, "The remote address is not valid: a port is a number from 1 to 65535"};
-
-WinSockError winSockError(QAbstractSocket::SocketError error)
-{
-    switch (error) {
-    case QAbstractSocket::ConnectionRefusedError:
-        return {10061, "Connection is forcefully rejected"};
-    case QAbstractSocket::HostNotFoundError:
-        return kHostNotFound;
-    case QAbstractSocket::RemoteHostClosedError:
-        return kReset;
-    case QAbstractSocket::SocketTimeoutError:
-        return {10060, "The attempt to connect timed out"};
-    case QAbstractSocket::NetworkError:
-        return {10051, "The network cannot be reached from this host at this time"};
-    case QAbstractSocket::SocketResourceError:
-        return {10055, "No buffer space is available"};
-    case QAbstractSocket::SocketAccessError:
-        return {10013, "Permission to use the network was denied"};
-    default:
-        return kAborted;
-    }
-}
 
 /// Returns whether `name` is an address or a host name (RFC 1123 section 2.1, plus the underscore, which is in use).
 /// Other names cannot exist, but name servers may take minutes to say so. The system would end a name at a NUL, and an
@@ -216,14 +182,16 @@ void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
         return; // over TLS, the end of the data and the end of the connection are reported one after the other
     // A server that closed in order may still answer our own close with a reset.
     const bool closedInOrder = tls_ && tls_->wasClosedInOrder();
-    const bool reset = error == QAbstractSocket::RemoteHostClosedError && !closedInOrder && witness_.sawReset();
-    if (tls_ && !reset) {
+    // The toolkit reports a broken connection as closed, or as a network that cannot be reached.
+    const bool asked = error == QAbstractSocket::RemoteHostClosedError || error == QAbstractSocket::NetworkError;
+    const int broken = asked && !closedInOrder ? witness_.failure() : 0;
+    if (tls_ && broken == 0) {
         if (const std::optional<TlsFault> fault = tls_->faultOf(error)) {
             fail(fault->number, fault->description);
             return;
         }
     }
-    if (error == QAbstractSocket::RemoteHostClosedError && !reset) {
+    if (error == QAbstractSocket::RemoteHostClosedError && broken == 0) {
         const bool wasCutOff = tls_ && !closedInOrder;
         ended_ = SocketState::Closing;
         // The remaining received data is announced before the end.
@@ -237,7 +205,7 @@ void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
             emit closedByPeer();
         return;
     }
-    fail(winSockError(error));
+    fail(broken != 0 ? winSockError(broken) : winSockError(error, socket_->errorString()));
 }
 
 void TcpClientSocket::bytesWritten()

@@ -8,13 +8,15 @@
 
 namespace quarrynet {
 
+struct WinSockError;
+
 class TlsSocket;
 
 /// A TCP client socket with the operations, events and ten states that the fetch cycle uses.
 ///
 /// It never uses a proxy by itself; callers connect to one like to any host. Error numbers are those of WinSock, which
 /// users can look up: 10061 refused, 11001 host not found, 10054 reset, 10060 timed out, 10051 network unreachable,
-/// 10053 aborted, 10049 for a port that does not exist. `TlsFault` has those of TLS.
+/// 10065 host unreachable, 10053 aborted, 10049 for a port that does not exist. `TlsFault` has those of TLS.
 ///
 /// Until the handshake of TLS has ended and the certificate was accepted, the state is Connecting.
 class TcpClientSocket final : public QObject, public ClientSocket
@@ -36,8 +38,6 @@ public:
 
     /// Sets certificates to trust besides the system's, in PEM format. Further connections use them.
     void setTrustedCertificates(const std::string& pem) { trustedCertificates_ = pem; }
-
-    struct WinSockError;
 
 signals:
     void connected();

@@ -4,6 +4,7 @@
 
 #include "LoopbackService.h"
 #include "platform/TcpClientSocket.h"
+#include "platform/winsock_errors.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
@@ -103,6 +104,41 @@ private slots:
         QTRY_COMPARE(failed.count(), 1);
         QCOMPARE(failed[0][0].toInt(), 10054);
         QCOMPARE(closed.count(), 0);
+    }
+
+    // A connection that timed out and a host that cannot be reached used to be a network that cannot be reached.
+    void errorsOfTheToolkitAreThoseOfTheSystem_data()
+    {
+        QTest::addColumn<QAbstractSocket::SocketError>("error");
+        QTest::addColumn<QString>("text"); // as the toolkit says it
+        QTest::addColumn<int>("number");
+        QTest::newRow("refused") << QAbstractSocket::ConnectionRefusedError << u"Connection refused"_s << 10061;
+        QTest::newRow("no such host") << QAbstractSocket::HostNotFoundError << u"Host not found"_s << 11001;
+        QTest::newRow("the toolkit's limit")
+            << QAbstractSocket::SocketTimeoutError << u"Connection timed out"_s << 10060;
+        QTest::newRow("the system's limit") << QAbstractSocket::NetworkError << u"Connection timed out"_s << 10060;
+        QTest::newRow("no host") << QAbstractSocket::NetworkError << u"Host unreachable"_s << 10065;
+        QTest::newRow("no network") << QAbstractSocket::NetworkError << u"Network unreachable"_s << 10051;
+        QTest::newRow("no address") << QAbstractSocket::NetworkError << u"The address is not available"_s << 10049;
+        QTest::newRow("other network error") << QAbstractSocket::NetworkError << u"Unable to write"_s << 10051;
+        QTest::newRow("no permission") << QAbstractSocket::SocketAccessError << u"Permission denied"_s << 10013;
+        QTest::newRow("no resources") << QAbstractSocket::SocketResourceError << u"Out of resources"_s << 10055;
+        QTest::newRow("unknown") << QAbstractSocket::UnknownSocketError << QString() << 10053;
+    }
+
+    void errorsOfTheToolkitAreThoseOfTheSystem()
+    {
+        QFETCH(QAbstractSocket::SocketError, error);
+        QFETCH(QString, text);
+        QFETCH(int, number);
+        QCOMPARE(winSockError(error, text).number, number);
+    }
+
+    void numbersOfTheSystemStay()
+    {
+        for (const int number : {10051, 10052, 10053, 10054, 10055, 10060, 10065})
+            QCOMPARE(winSockError(number).number, number);
+        QCOMPARE(winSockError(10057).number, 10053); // none that ends a connection
     }
 
     void unusableHostsAndPortsAreErrors_data()

@@ -1,0 +1,63 @@
+#include "platform/winsock_errors.h"
+
+#include <algorithm>
+#include <array>
+
+#include <QCoreApplication>
+
+namespace quarrynet {
+
+namespace {
+
+constexpr WinSockError kNoAccess = {10013, "Permission to use the network was denied"};
+constexpr WinSockError kNoAddress = {10049, "The remote address is not valid"};
+constexpr WinSockError kNoNetwork = {10051, "The network cannot be reached from this host at this time"};
+constexpr WinSockError kNetworkReset = {10052, "The connection has timed out when SO_KEEPALIVE is set"};
+constexpr WinSockError kNoBuffers = {10055, "No buffer space is available"};
+constexpr WinSockError kTimedOut = {10060, "The attempt to connect timed out"};
+constexpr WinSockError kRefused = {10061, "Connection is forcefully rejected"};
+constexpr WinSockError kNoHost = {10065, "The host cannot be reached from this host at this time"};
+
+} // namespace
+
+WinSockError winSockError(QAbstractSocket::SocketError error, const QString& description)
+{
+    // Windows itself gives up connecting after 21 seconds, before the toolkit's own limit.
+    const auto says = [&](const char* text) {
+        return description == QCoreApplication::translate("QNativeSocketEngine", text);
+    };
+    switch (error) {
+    case QAbstractSocket::ConnectionRefusedError:
+        return kRefused;
+    case QAbstractSocket::HostNotFoundError:
+        return kHostNotFound;
+    case QAbstractSocket::RemoteHostClosedError:
+        return kReset;
+    case QAbstractSocket::SocketTimeoutError:
+        return kTimedOut;
+    case QAbstractSocket::NetworkError:
+        if (says("Connection timed out") || says("Network operation timed out"))
+            return kTimedOut;
+        if (says("Host unreachable"))
+            return kNoHost;
+        if (says("The address is not available"))
+            return kNoAddress;
+        return kNoNetwork;
+    case QAbstractSocket::SocketResourceError:
+        return kNoBuffers;
+    case QAbstractSocket::SocketAccessError:
+        return kNoAccess;
+    default:
+        return kAborted;
+    }
+}
+
+WinSockError winSockError(int number)
+{
+    constexpr std::array kErrors = {kNoNetwork, kNetworkReset, kAborted, kReset, kNoBuffers, kTimedOut, kNoHost};
+    const auto* found =
+        std::find_if(kErrors.begin(), kErrors.end(), [number](const WinSockError& error) { return error.number == number; });
+    return found == kErrors.end() ? kAborted : *found;
+}
+
+} // namespace quarrynet

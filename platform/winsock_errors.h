@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QAbstractSocket>
+#include <QString>
+
+namespace quarrynet {
+
+/// An error number of WinSock, which users can look up, with an English description.
+struct WinSockError
+{
+    int number;
+    const char* description;
+};
+
+inline constexpr WinSockError kNoSuchPort = {10049, "The remote address is not valid: a port is a number from 1 to 65535"};
+inline constexpr WinSockError kAborted = {10053, "Connection is aborted due to timeout or other failure"};
+inline constexpr WinSockError kReset = {10054, "The connection is reset by remote side"};
+inline constexpr WinSockError kHostNotFound = {11001, "Host not found"};
+
+/// Returns the error that the toolkit reports as `error` with the text `description`, untranslated or in the program's
+/// language. The text matters, because the toolkit gives a connection that timed out, a host and a network that cannot
+/// be reached the same number.
+WinSockError winSockError(QAbstractSocket::SocketError error, const QString& description);
+
+/// Returns the error with this number of WinSock; kAborted if it is none that ends a connection.
+WinSockError winSockError(int number);
+
+} // namespace quarrynet
