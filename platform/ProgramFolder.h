@@ -7,13 +7,16 @@ namespace quarrynet {
 /// The folder of the settings file and the local pages.
 struct ProgramFolder
 {
-    QString path;
+    QString path; // with the system's separators
     bool writable;
 };
 
-/// Returns the executable's folder if the user may write there (a portable copy, a build tree), otherwise the user's
-/// data folder, which is created if it is missing. If neither is writable, returns the data folder's path with
-/// `writable` false. Needs the application object.
+/// Returns `beside`, the executable's folder, if the user may write there (a portable copy, a build tree), otherwise
+/// `data`, the user's data folder, which is created if it is missing. If neither is writable, returns the data folder's
+/// path with `writable` false.
+ProgramFolder chooseProgramFolder(const QString& beside, const QString& data);
+
+/// Does this for the running program. Needs the application object.
 ProgramFolder findProgramFolder();
 
 } // namespace quarrynet
