@@ -12,9 +12,9 @@
 #include "live/Gatherer.h"
 #include "searches/WebService.h"
 
-/// Measures a web search over an instance on the loopback that answers at once with ten rows a page: its first page from
-/// kept results, and fresh, compared with fetching the same three answers and nothing else. The targets are 2 ms for the
-/// first, and 10 ms more than the counterpart for the second.
+/// Measures a web search over an instance on the loopback that answers at once with ten rows a page: its first page
+/// from kept results, and fresh, compared with fetching the same three answers and nothing else. The targets are 2 ms
+/// for the first, and 10 ms more than the counterpart for the second.
 
 using namespace quarrynet;
 using namespace quarrynet::services;

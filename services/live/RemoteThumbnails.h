@@ -39,8 +39,8 @@ public:
         : pool_(pool), thumbnailer_(thumbnailer), limits_(limits), cache_(limits.cacheBytes)
     {}
 
-    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels: of the picture's own thumbnail if it has one that can
-    /// be shown, otherwise of the picture. Returns nothing when neither can be fetched and decoded in time, or this
+    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels: of the picture's own thumbnail if it has one that
+    /// can be shown, otherwise of the picture. Returns nothing when neither can be fetched and decoded in time, or this
     /// thread's task (CurrentTask) is abandoned. Thumbnails, and pictures that are none, are kept.
     std::optional<std::string> get(const RemotePicture& picture);
 

@@ -71,8 +71,8 @@ void askNext(const std::shared_ptr<Round>& round)
     // Instances that admit only browsers and well-behaved programs look for text/html and a language.
     order.accept = "application/json, text/html;q=0.5";
     order.language = round->query.language == "all" ? "*" : round->query.language;
-    round->fetches.start(std::move(order), [round, &instance](Fetched fetched) {
-        Expected<SearxPage, SourceFault> page = searxPage(instance, std::move(fetched), round->query.category);
+    round->fetches.start(std::move(order), [round, &instance](const Fetched& fetched) {
+        Expected<SearxPage, SourceFault> page = searxPage(instance, fetched, round->query.category);
         if (page) {
             round->table.answered(instance);
             round->done(std::move(page));
@@ -132,7 +132,7 @@ std::string searxAddress(const std::string& instance, const SearxQuery& query)
     return address + "&format=json";
 }
 
-Expected<SearxPage, SourceFault> searxPage(const std::string& instance, Fetched fetched, SearxCategory category)
+Expected<SearxPage, SourceFault> searxPage(const std::string& instance, const Fetched& fetched, SearxCategory category)
 {
     if (fetched.fault != Fetched::Fault::None)
         return faultOf(instance, fetched);

@@ -68,7 +68,7 @@ struct SearxQuery
 std::string searxAddress(const std::string& instance, const SearxQuery& query);
 
 /// Returns the page in an answer of `instance`, or why there is none.
-Expected<SearxPage, SourceFault> searxPage(const std::string& instance, Fetched fetched, SearxCategory category);
+Expected<SearxPage, SourceFault> searxPage(const std::string& instance, const Fetched& fetched, SearxCategory category);
 
 /// Asks the instances in turn, until one answers or `end` comes. Fetches::run() calls `done` with the page, or with the
 /// fault of the instance asked last. An instance that must rest is not asked.

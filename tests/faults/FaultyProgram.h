@@ -51,6 +51,7 @@ public:
 
     std::string errors() const { return program_.errors(); }
     std::string readLine() const { return program_.readLine(); }
+    std::string readAll() const { return program_.readAll(); }
 
 private:
     static const std::string& withoutOld(const std::string& mark)

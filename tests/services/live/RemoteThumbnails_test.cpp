@@ -213,9 +213,9 @@ TEST_F(RemoteThumbnailsTest, PrivateAddressesAreReachedOnlyIfAllowed)
     FetchPool publicOnly({}, Reach::PublicOnly);
     RemoteThumbnails thumbnails(publicOnly, thumbnailer_, limits_);
     const std::string port = server.address("").substr(std::string("http://127.0.0.1").size());
-    for (const std::string& host : {std::string("127.0.0.1"), std::string("localhost"), std::string("0x7f.1"),
-                                    std::string("2130706433"), std::string("0"), std::string("[::1]"),
-                                    std::string("[::ffff:127.0.0.1]"), std::string("[::ffff:7f00:1]")})
+    for (const std::string& host :
+         {std::string("127.0.0.1"), std::string("localhost"), std::string("0x7f.1"), std::string("2130706433"),
+          std::string("0"), std::string("[::1]"), std::string("[::ffff:127.0.0.1]"), std::string("[::ffff:7f00:1]")})
         EXPECT_FALSE(thumbnails.get({"http://" + host + port + "/picture", ""})) << host;
     EXPECT_THAT(server.asked(), IsEmpty());
     EXPECT_TRUE(get(server.address("/picture")));
