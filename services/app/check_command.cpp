@@ -79,7 +79,7 @@ void checkService(const std::string& name, const ServiceSettings& settings, Sear
                                  return;
                              }
                              const std::string title = faultTitle(page.error());
-                             row.result = title.substr(std::min(title.size(), instance.size() + 1));
+                             row.result = title.substr(title.find(": ") + 2);
                              row.advice = faultAdvice(page.error());
                          });
             fetches.run();
@@ -146,7 +146,7 @@ int runCheck(const Options& options)
             continue;
         failed = true;
         const std::string place = row.line > 0 ? config->path + ":" + std::to_string(row.line) + ": " : "";
-        std::printf("\n%s%s search: %s %s\n  %s\n", place.c_str(), row.service.c_str(), row.source.c_str(),
+        std::printf("\n%s%s search: %s: %s\n  %s\n", place.c_str(), row.service.c_str(), row.source.c_str(),
                     row.result.c_str(), row.advice.c_str());
     }
     return failed ? 1 : 0;

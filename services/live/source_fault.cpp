@@ -19,43 +19,43 @@ struct FaultTexts
 {
     Kind kind;
     std::string_view page;   ///< name of the help page
-    std::string_view says;   ///< follows the source's name
+    std::string_view says;   ///< follows the source's name and a colon
     std::string_view advice; ///< what to do
 };
 
 constexpr std::array kTexts{
-    FaultTexts{Kind::NoJson, "source-no-json", "refused the search: JSON is not enabled there (403)",
+    FaultTexts{Kind::NoJson, "source-no-json", "JSON is not enabled (403)",
                "SearXNG answers programs only if its owner has enabled JSON. If the instance is yours, add json to "
                "the list search.formats in its settings.yml and restart it. Otherwise choose another instance in "
                "services.toml."},
-    FaultTexts{Kind::RateLimit, "source-rate-limit", "received too many searches and asks to wait",
+    FaultTexts{Kind::RateLimit, "source-rate-limit", "too many searches",
                "The instance limits how often it answers. It is not asked again before the wait is over. Add further "
                "instances in services.toml, or run one of your own."},
-    FaultTexts{Kind::TimeOut, "source-timeout", "did not answer in time",
+    FaultTexts{Kind::TimeOut, "source-timeout", "no answer in time",
                "Search again in a moment. If the source is always slow, raise wait-seconds in services.toml, or "
                "choose another instance."},
-    FaultTexts{Kind::Tls, "source-tls", "cannot be trusted: its certificate or TLS is faulty",
+    FaultTexts{Kind::Tls, "source-tls", "faulty certificate or TLS",
                "Nothing was sent to it. Check the address in services.toml and this machine's date. If the instance "
                "is yours and has a certificate of your own authority, name its file as ca-file in services.toml."},
-    FaultTexts{Kind::NotFound, "source-not-found", "was not found: no such host name",
+    FaultTexts{Kind::NotFound, "source-not-found", "no such host",
                "Check the address in services.toml, and whether this machine is connected to the internet."},
-    FaultTexts{Kind::NoConnection, "source-no-connection", "accepts no connection",
+    FaultTexts{Kind::NoConnection, "source-no-connection", "no connection",
                "Check the address and the port in services.toml, whether the instance is running, and whether this "
                "machine is connected."},
-    FaultTexts{Kind::Nonsense, "source-nonsense", "gave an answer that is none to a search",
+    FaultTexts{Kind::Nonsense, "source-nonsense", "no answer to a search",
                "Check that the address in services.toml is that of a SearXNG or searx instance."},
-    FaultTexts{Kind::Moved, "source-moved", "has moved to another address",
+    FaultTexts{Kind::Moved, "source-moved", "moved to another address",
                "What you type is not sent on to addresses that you did not name. If you trust the new one, write it "
                "into services.toml."},
-    FaultTexts{Kind::Loop, "source-loop", "is this program itself",
+    FaultTexts{Kind::Loop, "source-loop", "this is quarrynet-services itself",
                "Name the address of a SearXNG or searx instance in services.toml, not one of quarrynet-services."},
-    FaultTexts{Kind::Status, "source-status", "answered with an error",
+    FaultTexts{Kind::Status, "source-status", "error",
                "The instance has a fault of its own. Search again later, or choose another instance in "
                "services.toml."},
-    FaultTexts{Kind::Engines, "source-engines", "found nothing, because its own engines did not answer",
+    FaultTexts{Kind::Engines, "source-engines", "its engines did not answer",
                "The instance asks engines in turn, and these refused or were too slow. Search again later, or choose "
                "another instance in services.toml."},
-    FaultTexts{Kind::Index, "source-index", "The index cannot answer",
+    FaultTexts{Kind::Index, "source-index", "cannot answer",
                "Run \"quarrynet-services index\" to make the index anew."},
 };
 
@@ -87,14 +87,23 @@ std::string parameter(std::string_view query, std::string_view name)
     return {};
 }
 
+/// Returns the name of the fault's source as the beginning of a narrow column shows it: without the scheme.
+std::string shownName(const SourceFault& fault)
+{
+    if (fault.source.empty())
+        return fault.kind == Kind::Index ? "The index" : "The source";
+    const std::size_t scheme = fault.source.find("://");
+    return fault.source.substr(scheme == std::string::npos ? 0 : scheme + 3);
+}
+
 } // namespace
 
 std::string faultTitle(const SourceFault& fault)
 {
-    std::string title = fault.source;
-    title.append(title.empty() ? "" : " ").append(textsOf(fault.kind).says);
+    std::string title = shownName(fault);
+    title.append(": ").append(textsOf(fault.kind).says);
     if (fault.kind == Kind::RateLimit)
-        title.append("; it is asked again in ").append(seconds(fault.retry));
+        title.append("; asked again in ").append(seconds(fault.retry));
     if (!fault.detail.empty())
         title.append(": ").append(clipUtf8(collapseBlanks(toUtf8(fault.detail)), kMaxDetail));
     return title;
@@ -128,9 +137,8 @@ HttpResponse helpPage(const HttpRequest& request)
     page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\"><title>A source did not answer</title>\n"
            "<style>body { font-family: sans-serif; margin: 2em; max-width: 40em }</style></head>\n<body>\n"
            "<h1>A source did not answer</h1>\n<p>";
-    const std::string subject = fault.source.empty() && fault.kind != Kind::Index ? "The source" : fault.source;
-    page += escapeText(subject);
-    page.append(subject.empty() ? "" : " ").append(escapeText(texts->says));
+    page.append(escapeText(fault.source.empty() ? shownName(fault) : fault.source)).append(": ");
+    page.append(escapeText(texts->says));
     if (!fault.detail.empty())
         page.append(": ").append(escapeText(fault.detail));
     page.append(".</p>\n<h2>What to do</h2>\n<p>").append(escapeText(texts->advice)).append("</p>\n");

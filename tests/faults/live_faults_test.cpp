@@ -4,8 +4,8 @@
 #include "tests/services/support/live_support.h"
 #include "tests/services/support/service_support.h"
 
-/// Each call that `check` makes to read its configuration and to ask an instance fails once, in the real program. Then it
-/// says that the instance answers, or why not.
+/// Each call that `check` makes to read its configuration and to ask an instance fails once, in the real program. Then
+/// it says that the instance answers, or why not.
 
 using namespace quarrynet;
 using namespace quarrynet::services;
@@ -17,8 +17,8 @@ class LiveFaults : public testing::Test
 protected:
     void SetUp() override
     {
-        config_ = folder_.write("services.toml", "[web]\nsources = [\"" + server_.site() + "\"]\n[image]\nsources = [\"" +
-                                                     server_.site() + "\"]\n");
+        config_ = folder_.write("services.toml", "[web]\nsources = [\"" + server_.site() +
+                                                     "\"]\n[image]\nsources = [\"" + server_.site() + "\"]\n");
         FaultyProgram plain(check(), folder_.path(), 0, 0);
         ASSERT_EQ(plain.wait(), 0) << plain.errors();
     }

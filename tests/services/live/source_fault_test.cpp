@@ -41,7 +41,7 @@ TEST(SourceFaultTest, RateLimitSaysWhenTheSourceIsAskedAgain)
     const auto title = [](int seconds) {
         return faultTitle({Kind::RateLimit, "https://s.example", "", std::chrono::seconds(seconds)});
     };
-    EXPECT_EQ(title(1), "https://s.example received too many searches and asks to wait; it is asked again in 1 second");
+    EXPECT_EQ(title(1), "s.example: too many searches; asked again in 1 second");
     EXPECT_THAT(title(119), HasSubstr("in 119 seconds"));
     EXPECT_THAT(title(121), HasSubstr("in 3 minutes"));
 }
