@@ -9,7 +9,9 @@
 #include <QtTest>
 
 #include "dialogs/frmAbout.h"
+#include "platform/Shell.h"
 #include "platform/text_border.h"
+#include "start_record.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -65,6 +67,8 @@ private slots:
 #ifdef Q_OS_WIN
     void systemsOwnValuesAreReadAsWritten_data();
     void systemsOwnValuesAreReadAsWritten();
+    void programOfTheSystemsRegistryIsStarted_data();
+    void programOfTheSystemsRegistryIsStarted();
 #endif
     void programThatDoesNotStartIsUnavailable();
     void otherTypeStartsNothingFromTheFirstKey();
@@ -243,6 +247,46 @@ void AboutTest::systemsOwnValuesAreReadAsWritten()
     QVERIFY(value.empty());
 }
 
+void AboutTest::programOfTheSystemsRegistryIsStarted_data()
+{
+    QTest::addColumn<bool>("firstKey");
+    QTest::newRow("first key") << true;
+    QTest::newRow("second key") << false;
+}
+
+void AboutTest::programOfTheSystemsRegistryIsStarted()
+{
+    QFETCH(bool, firstKey);
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(u"with blanks"_s));
+    const QString tools = QDir::toNativeSeparators(folder.filePath(u"with blanks"_s));
+    const QString program = tools + u"\\MSINFO32.EXE"_s;
+    QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), program));
+
+    const std::string key = firstKey ? kInfoKey : kFolderKey;
+    const std::string name = firstKey ? "PATH" : "MSINFO";
+    const std::unique_ptr<Registry> registry = quarrynet::systemRegistry();
+    if (registry->query(Registry::kLocalMachine, kInfoKey, "PATH") ||
+        registry->query(Registry::kLocalMachine, kFolderKey, "MSINFO"))
+        QSKIP("This system has a program of its own");
+    const std::string value = quarrynet::toBytes(firstKey ? program : tools);
+    if (::RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name.c_str(), REG_SZ, value.c_str(),
+                          static_cast<DWORD>(value.size() + 1)) != ERROR_SUCCESS)
+        QSKIP("Only an administrator can write this key");
+    const auto removing = qScopeGuard([&] { ::RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), name.c_str()); });
+
+    start_record::recordNextStarts(folder.filePath(u"record"_s));
+    const auto noMore = qScopeGuard([] { qunsetenv(start_record::kVariable); });
+    frmAbout about(*registry, quarrynet::startProgram);
+    about.show();
+    QTest::mouseClick(about.findChild<QPushButton*>(u"cmdSysInfo"_s), Qt::LeftButton);
+    const auto record = [&folder] {
+        QFile file(folder.filePath(u"record"_s));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QTRY_COMPARE(record(), QByteArray("0\n"));
+}
+
 #endif
 
 void AboutTest::programThatDoesNotStartIsUnavailable()
@@ -288,5 +332,13 @@ void AboutTest::numberIsReadByteByByte()
     QCOMPARE(text, std::string("21")); // 0x015: one zero byte is cut off and the other gives one digit
 }
 
-QTEST_MAIN(AboutTest)
+int main(int argc, char** argv)
+{
+    if (start_record::recordStart(argc, argv))
+        return 0;
+    QApplication application(argc, argv);
+    AboutTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "about_test.moc"

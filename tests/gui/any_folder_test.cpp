@@ -111,7 +111,10 @@ private slots:
     }
 #endif
 
-    void programStartsThere_data() { addFolders(); }
+    void programStartsThere_data()
+    {
+        addFolders();
+    }
 
     void programStartsThere()
     {
@@ -133,8 +136,7 @@ private slots:
         });
         QTRY_COMPARE_WITH_TIMEOUT(contentOf(QDir(folder).filePath(u"blank.htm"_s)),
                                   QByteArray::fromStdString(blankPage()), 30'000);
-        QCOMPARE(QDir(folder).entryList(QDir::Files, QDir::Name),
-                 (QStringList{u"blank.htm"_s, u"blank.html"_s, name}));
+        QCOMPARE(QDir(folder).entryList(QDir::Files, QDir::Name), (QStringList{u"blank.htm"_s, u"blank.html"_s, name}));
     }
 
     void folderThatCannotBeWrittenIsReplaced()
@@ -167,6 +169,28 @@ private slots:
     }
 
 #ifdef Q_OS_WIN
+    void lockedSettingsAreNoSettings()
+    {
+        keepsItsFiles(temporary_->path());
+        const QString file = QDir::toNativeSeparators(temporary_->filePath(u"Quarrynet.ini"_s));
+        HANDLE other = ::CreateFileW(reinterpret_cast<const wchar_t*>(file.utf16()), GENERIC_READ, 0, nullptr,
+                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        QVERIFY(other != INVALID_HANDLE_VALUE);
+        {
+            NoShell shell;
+            Main window({{"127.0.0.1", "127.0.0.1", "127.0.0.1", "127.0.0.1", 80},
+                         shell,
+                         toPathBytes(QDir::toNativeSeparators(temporary_->path())),
+                         "",
+                         "",
+                         ""});
+            QVERIFY(window.load());
+            QVERIFY(window.isDirect());
+        }
+        ::CloseHandle(other);
+        keepsItsFiles(temporary_->path()); // nothing was lost
+    }
+
     void folderMarkedAsReadOnlyIsWritten()
     {
         // The mark does not forbid anything: Windows marks folders with an appearance of their own like this.

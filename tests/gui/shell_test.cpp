@@ -10,6 +10,7 @@
 
 #include "platform/Shell.h"
 #include "platform/text_border.h"
+#include "start_record.h"
 
 using namespace Qt::Literals::StringLiterals;
 using quarrynet::DesktopShell;
@@ -17,21 +18,6 @@ using quarrynet::toBytes;
 using quarrynet::toPathBytes;
 
 namespace {
-
-constexpr const char* kRecord = "QUARRYNET_TEST_RECORD"; // names the file for the arguments of a started program
-
-/// Appends this program's arguments to a file, as the opener that a test has started.
-int record(const QString& fileName)
-{
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
-        return 1;
-    QByteArray line = QByteArray::number(arguments.size());
-    for (const QString& argument : arguments)
-        line += '|' + argument.toUtf8();
-    return file.write(line + '\n') == line.size() + 1 ? 0 : 1;
-}
 
 #ifdef Q_OS_WIN
 
@@ -124,7 +110,7 @@ void ShellTest::initTestCase()
     // Elsewhere the person's own choice of a browser, which no program may change, comes before the registry's.
     if (!isWine())
         QSKIP("This system would open a real browser");
-    qputenv(kRecord, folder_.filePath(u"arguments"_s).toUtf8());
+    start_record::recordNextStarts(folder_.filePath(u"arguments"_s));
     associations_.emplace();
 #else
     QFile opener(folder_.filePath(u"xdg-open"_s));
@@ -296,9 +282,9 @@ void ShellTest::missingProgramIsReported()
 
 int main(int argc, char** argv)
 {
+    if (start_record::recordStart(argc, argv))
+        return 0;
     const QCoreApplication application(argc, argv);
-    if (qEnvironmentVariableIsSet(kRecord))
-        return record(qEnvironmentVariable(kRecord));
     ShellTest test;
     return QTest::qExec(&test, argc, argv);
 }
