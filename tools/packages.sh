@@ -1,7 +1,7 @@
 # Sourced by other scripts. install_missing installs those of the named Debian packages that are missing, if any.
 
 build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libqt6svg6
-    qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libcap2-bin libcap-dev
+    qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libyaml-dev libcap2-bin libcap-dev
     libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev
     fonts-dejavu-core fonts-liberation"
 run_packages="ca-certificates xdg-utils xvfb xauth"

@@ -25,6 +25,7 @@ int runIndex(const Options& options)
         return 0;
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
     sources.contentsFiles = options.contentsFiles;
+    sources.catalogFiles = options.catalogFiles;
     sources.force = options.force;
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
@@ -37,8 +38,9 @@ int runIndex(const Options& options)
             folders.push_back(manual);
     };
     addUsual(sources.folders, {"/usr/share/doc", "/usr/local/share/doc"});
-    addUsual(sources.pictureFolders, {"/usr/share/icons", "/usr/share/pixmaps", "/usr/share/backgrounds",
-                                      "/usr/share/images", "/usr/share/doc"});
+    addUsual(sources.pictureFolders,
+             {"/usr/share/icons", "/usr/share/pixmaps", "/usr/share/backgrounds", "/usr/share/images", "/usr/share/doc",
+              "/var/lib/swcatalog/icons", "/var/lib/app-info/icons"});
     if (!kHasImageSearch)
         sources.pictureFolders.clear();
 
@@ -50,10 +52,11 @@ int runIndex(const Options& options)
         return complain(counts.error());
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::fprintf(stderr,
-                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads), %zu documents, %zu "
+                 "quarrynet-services: indexed %zu packages (%zu home pages, %zu downloads, %zu of them described by "
+                 "software catalogs), %zu documents, %zu "
                  "pictures and %zu files in packages in %.1f seconds\n",
-                 counts->packages, counts->homePages, counts->programs, counts->documents, counts->pictures,
-                 counts->listedFiles, seconds);
+                 counts->packages, counts->homePages, counts->programs, counts->catalogued, counts->documents,
+                 counts->pictures, counts->listedFiles, seconds);
     if (counts->leftOut.count > 0)
         std::fprintf(stderr, "quarrynet-services: %zu items were left out, such as %s\n", counts->leftOut.count,
                      counts->leftOut.first.c_str());

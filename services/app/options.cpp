@@ -71,6 +71,8 @@ void addIndex(CLI::App& app, Options& options)
              "a file of package stanzas instead of the machine's package lists; may be repeated");
     addText(*index, "--mirror", options.mirror, "ADDRESS", "the address of the mirror that has these packages")
         ->check(checkMirror, "");
+    addTexts(*index, "--catalog", options.catalogFiles, "FILE",
+             "a software catalog of these packages instead of the machine's catalogs; may be repeated");
     addTexts(*index, "--contents", options.contentsFiles, "FILE",
              "a contents list of these packages instead of the machine's contents lists; may be repeated");
     addTexts(*index, "--folder", options.folders, "FOLDER",

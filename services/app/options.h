@@ -31,6 +31,7 @@ struct Options
     std::vector<std::string> packageFiles;
     std::string mirror;
     std::vector<std::string> contentsFiles;
+    std::vector<std::string> catalogFiles;
     std::vector<std::string> folders;        ///< empty: the default folders
     std::vector<std::string> pictureFolders; ///< empty: the default folders
 

@@ -178,9 +178,9 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
         "INSERT INTO web_page_text(rowid, title, description) VALUES (?1, ?2, ?3)",
         "INSERT OR IGNORE INTO page_name(name, page) VALUES (?1, ?2)",
         "INSERT INTO mirror(base) VALUES (?1)",
-        "INSERT INTO program(id, name, description, system, size, licence, mirror, file) "
-        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)",
-        "INSERT INTO program_text(rowid, name, description) VALUES (?1, ?2, ?3)",
+        "INSERT INTO program(id, name, description, system, size, licence, mirror, file, title, alias, words) "
+        "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)",
+        "INSERT INTO program_text(rowid, name, title, description, words) VALUES (?1, ?2, ?3, ?4, ?5)",
         "INSERT INTO file_site(base, crawled) VALUES (?1, ?2)",
         "INSERT INTO file_folder(site, path) VALUES (?1, ?2)",
         "INSERT INTO file_entry(id, folder, name, size, directory) VALUES (?1, ?2, ?3, ?4, ?5)",
@@ -316,11 +316,14 @@ Outcome<std::int64_t> IndexWriter::addMirror(std::string_view base)
 Outcome<Done> IndexWriter::addProgram(std::int64_t number, const Program& program)
 {
     const std::string_view name = clipUtf8(program.name, kMaxIndexedName);
+    const std::string_view title = clipUtf8(program.title, kMaxIndexedName);
     const std::string_view description = clipUtf8(program.description, kMaxIndexedName);
+    const std::string_view words = clipUtf8(program.words, kMaxIndexedName);
     Outcome<Done> result =
         parts_->insert(Parts::ProgramRow, number, name, description, clipUtf8(program.system, kMaxIndexedName),
-                       program.size, clipUtf8(program.license, kMaxIndexedName), program.mirror, program.file);
-    return result ? parts_->insert(Parts::ProgramTextRow, number, name, description) : result;
+                       program.size, clipUtf8(program.license, kMaxIndexedName), program.mirror, program.file, title,
+                       clipUtf8(program.alias, kMaxIndexedName), words);
+    return result ? parts_->insert(Parts::ProgramTextRow, number, name, title, description, words) : result;
 }
 
 Outcome<std::int64_t> IndexWriter::addFileSite(std::string_view base, std::int64_t crawled)

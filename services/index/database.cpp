@@ -32,10 +32,12 @@ CREATE TABLE page_name(name TEXT NOT NULL COLLATE NOCASE, page INTEGER NOT NULL,
 
 CREATE TABLE mirror(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE);
 CREATE TABLE program(id INTEGER PRIMARY KEY, name TEXT NOT NULL COLLATE NOCASE, description TEXT NOT NULL, system TEXT NOT NULL,
-    size INTEGER NOT NULL, licence TEXT NOT NULL, mirror INTEGER NOT NULL, file TEXT NOT NULL);
+    size INTEGER NOT NULL, licence TEXT NOT NULL, mirror INTEGER NOT NULL, file TEXT NOT NULL, title TEXT NOT NULL,
+    alias TEXT NOT NULL COLLATE NOCASE, words TEXT NOT NULL);
 CREATE INDEX program_file ON program(file);
 CREATE INDEX program_name ON program(name);
-CREATE VIRTUAL TABLE program_text USING fts5(name, description, content='program', content_rowid='id',
+CREATE INDEX program_alias ON program(alias);
+CREATE VIRTUAL TABLE program_text USING fts5(name, title, description, words, content='program', content_rowid='id',
     tokenize='porter unicode61 remove_diacritics 2');
 
 CREATE TABLE file_site(id INTEGER PRIMARY KEY, base TEXT NOT NULL UNIQUE, crawled INTEGER NOT NULL);

@@ -20,7 +20,7 @@ namespace quarrynet::services {
 std::string indexPath(const std::string& dataFolder);
 
 /// Incremented whenever the tables change; an index with another layout must be rebuilt.
-inline constexpr int kIndexLayout = 7;
+inline constexpr int kIndexLayout = 8;
 
 /// Files from package lists are numbered from here on, those of crawled sites below it: a user who crawled a server
 /// expects its files before other matches.

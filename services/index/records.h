@@ -10,13 +10,16 @@ namespace quarrynet::services {
 /// A program that the download search offers. Texts are UTF-8 without control characters.
 struct Program
 {
-    std::string name;
+    std::string name; ///< the package's
     std::string description;
     std::string system; ///< operating system and architecture
     std::int64_t size = 0;
     std::string license;
     std::int64_t mirror = 0; ///< number of the mirror that has the file
     std::string file;        ///< path below the mirror's base, not escaped
+    std::string title = {};  ///< the name as people know it; may be empty
+    std::string alias = {};  ///< the title as it is typed: in lower case, with "-" for blanks
+    std::string words = {};  ///< further words to find it by
 };
 
 /// A file or directory that the file search finds.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "ground/ascii.h"
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
@@ -54,6 +55,14 @@ std::string_view placeOf(std::string_view address)
 {
     const std::size_t scheme = address.find("://");
     return scheme == std::string_view::npos ? address : address.substr(scheme + 2);
+}
+
+/// Returns the name as people know it, with the package's, by which several packages of a program differ.
+std::string shownName(std::string_view package, std::string_view title)
+{
+    if (title.empty() || equalsIgnoringCase(package, title))
+        return std::string(title.empty() ? package : title);
+    return std::string(title).append(" (").append(package).append(")");
 }
 
 void appendRow(std::string& page, const ProgramHit& hit)
@@ -157,24 +166,29 @@ Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int6
     // rest by rank: a word in the name counts for more than one in the description. Within both kinds companions come
     // last. The id breaks ties, so that pages neither repeat nor lose results.
     static constexpr WordTable kTable = {
-        "name",
+        "{name title}",
         "SELECT count(*) FROM program_text WHERE program_text MATCH ?1",
-        "WITH begun AS MATERIALIZED (SELECT id, name = ?4 AS whole FROM program WHERE name >= ?4 AND name < ?5), "
+        "WITH begun AS MATERIALIZED (SELECT id, name = ?4 OR alias = ?4 AS whole FROM program "
+        "WHERE (name >= ?4 AND name < ?5) OR (alias >= ?4 AND alias < ?5)), "
         "found AS (SELECT rowid AS id, rank AS score FROM program_text "
-        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 1.0)'), "
+        "WHERE program_text MATCH ?1 AND rank MATCH 'bm25(5.0, 5.0, 1.0, 1.0)'), "
         "shown AS MATERIALIZED (SELECT found.id AS id, coalesce(whole, 0) AS whole, begun.id AS begun, "
         "found.id >= ?6 AS companion, score FROM found LEFT JOIN begun ON begun.id = found.id "
         "ORDER BY coalesce(whole, 0) DESC, begun.id IS NULL, begun.id, found.id >= ?6, score, found.id LIMIT ?2 OFFSET "
         "?3) "
         "SELECT program.name, program.description, program.system, program.size, program.licence, mirror.base, "
-        "program.file FROM shown JOIN program ON program.id = shown.id JOIN mirror ON mirror.id = program.mirror "
+        "program.file, program.title FROM shown JOIN program ON program.id = shown.id JOIN mirror ON mirror.id = "
+        "program.mirror "
         "ORDER BY whole DESC, begun IS NULL, begun, companion, score, shown.id",
         kPageSize,
     };
     return findPage<ProgramHit>(index_, kTable, typed, start, [&](const Statement& row) {
-        return ProgramHit{std::string(row.text(0)), std::string(row.text(1)),
-                          std::string(row.text(2)), row.number(3),
-                          std::string(row.text(4)), std::string(row.text(5)) + encodePath(row.text(6))};
+        return ProgramHit{shownName(row.text(0), row.text(7)),
+                          std::string(row.text(1)),
+                          std::string(row.text(2)),
+                          row.number(3),
+                          std::string(row.text(4)),
+                          std::string(row.text(5)) + encodePath(row.text(6))};
     });
 }
 

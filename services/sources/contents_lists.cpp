@@ -1,23 +1,14 @@
 #include "sources/contents_lists.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 
 #include "ground/ChildProcess.h"
 #include "ground/ascii.h"
+#include "sources/downloaded_file.h"
 
 namespace quarrynet::services {
 
 namespace {
-
-constexpr std::array<std::string_view, 7> kCompressed{".lz4", ".gz", ".xz", ".zst", ".bz2", ".lzma", ".zstd"};
-
-bool isCompressed(const std::string& path)
-{
-    return std::any_of(kCompressed.begin(), kCompressed.end(),
-                       [&path](std::string_view suffix) { return endsWithIgnoringCase(path, suffix); });
-}
 
 bool isBlank(char c)
 {
@@ -114,24 +105,10 @@ std::vector<Repository> installedContents()
 Outcome<std::size_t> readContentsList(const std::string& path, const ContentsReader::Take& take)
 {
     ContentsReader reader(take);
-    if (isCompressed(path)) {
-        const Outcome<Done> read = readProgramOutput(
-            {"/usr/lib/apt/apt-helper", "cat-file", path}, [&reader](std::string_view piece) { reader.feed(piece); },
-            kMaxContentsBytes);
-        if (!read)
-            return Failure{"cannot read " + path + ": " + read.error().message};
-    } else {
-        std::ifstream file(path, std::ios::binary);
-        if (!file)
-            return Failure{"cannot read " + path};
-        std::vector<char> buffer(256 * 1024);
-        for (std::uint64_t bytes = 0; file && bytes < kMaxContentsBytes; bytes += buffer.size()) {
-            file.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-            reader.feed(std::string_view(buffer.data(), static_cast<std::size_t>(file.gcount())));
-        }
-        if (file.bad())
-            return Failure{"cannot read " + path};
-    }
+    const Outcome<Done> read =
+        readDownloadedFile(path, kMaxContentsBytes, [&reader](std::string_view piece) { reader.feed(piece); });
+    if (!read)
+        return read.error();
     reader.finish();
     return reader.skipped();
 }

@@ -20,6 +20,7 @@
 #include "sources/package_lists.h"
 #include "sources/picture_folders.h"
 #include "sources/program_texts.h"
+#include "sources/software_catalog.h"
 #include "text/html_document.h"
 #include "text/markup.h"
 
@@ -69,6 +70,8 @@ public:
         : writer_(writer), progress_(progress)
     {}
 
+    /// Reads a software catalog of the packages of the mirror `base`. Call before addPackage().
+    void addCatalog(const std::string& list, const std::string& base);
     /// `base` is the address of the mirror that has the package, or empty when it is unknown.
     void addPackage(const Package& package, const std::string& base);
     /// Writes the records collected from the packages.
@@ -95,6 +98,7 @@ private:
 
     IndexWriter& writer_;
     std::map<std::string, std::int64_t, std::less<>> mirrors_;
+    SoftwareCatalog catalog_;
     HomePages homePages_;
     Programs programs_;
     PoolFiles poolFiles_;
@@ -105,6 +109,18 @@ private:
     IndexCounts counts_;
     std::optional<Failure> fault_;
 };
+
+void Run::addCatalog(const std::string& list, const std::string& base)
+{
+    const Outcome<std::size_t> skipped = readCatalog(list, [&](const CatalogEntry& entry) {
+        if (!catalog_.add(base, entry))
+            counts_.leftOut.add(clipUtf8(entry.name, 100), "the software catalogs have too many entries");
+    });
+    if (!skipped)
+        progress_(skipped.error().message);
+    else if (*skipped > 0)
+        progress_(withSeparators(static_cast<std::int64_t>(*skipped)) + " documents of " + list + " were skipped");
+}
 
 void Run::addPackage(const Package& package, const std::string& base)
 {
@@ -136,9 +152,22 @@ void Run::addProgram(const Package& package, const std::string& base)
         }
         mirror = mirrors_.emplace(base, *number).first;
     }
-    programs_.add({package.name, package.summary, systemOf(package.architecture), package.size,
-                   licenseOf(package.section), mirror->second, package.file},
-                  package.source);
+    CataloguedProgram known = catalog_.find(base, package.name);
+    Program program{
+        package.name,   package.summary, systemOf(package.architecture), package.size, licenseOf(package.section),
+        mirror->second, package.file};
+    if (!known.words.empty())
+        ++counts_.catalogued;
+    if (!known.license.empty())
+        program.license = std::move(known.license);
+    program.alias = typedForm(known.title);
+    program.title = std::move(known.title);
+    program.words = std::move(known.words);
+    if (!known.summary.empty()) {
+        program.words += " " + package.summary;
+        program.description = std::move(known.summary);
+    }
+    programs_.add(std::move(program), package.source);
 }
 
 void Run::writePackages()
@@ -313,6 +342,14 @@ Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSource
     if (!writer)
         return writer.error();
     Run run(*writer, progress);
+    if (sources.packageFiles.empty() && sources.catalogFiles.empty()) {
+        for (const Repository& repository : installedCatalogs()) {
+            for (const std::string& list : repository.lists)
+                run.addCatalog(list, repository.base);
+        }
+    }
+    for (const std::string& list : sources.catalogFiles)
+        run.addCatalog(list, sources.mirror);
     if (sources.packageFiles.empty()) {
         progress("reading the package lists");
         const Mirrors mirrors;

@@ -26,6 +26,9 @@ struct IndexSources
     /// Contents lists of that mirror's packages, plain or compressed. If there are neither these nor `packageFiles`,
     /// the machine's own contents lists are used.
     std::vector<std::string> contentsFiles = {};
+    /// Software catalogs of that mirror's packages, plain or compressed. If there are neither these nor `packageFiles`,
+    /// the machine's own catalogs are used.
+    std::vector<std::string> catalogFiles = {};
     /// Replaces the index in use even if the new one has much less.
     bool force = false;
 };
@@ -35,6 +38,7 @@ struct IndexCounts
     std::size_t packages = 0;
     std::size_t homePages = 0;
     std::size_t programs = 0;
+    std::size_t catalogued = 0; ///< programs that a software catalog describes
     std::size_t documents = 0;
     std::size_t pictures = 0;
     std::size_t listedFiles = 0; ///< files in packages

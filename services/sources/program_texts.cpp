@@ -30,8 +30,8 @@ std::string licenseOf(std::string_view section)
     if (area == "non-free" || area == "non-free-firmware" || area == "restricted" || area == "multiverse")
         return "Non-free";
     if (area == "contrib")
-        return "Free, needs non-free";
-    return "Free";
+        return "Unknown, needs non-free";
+    return "Unknown";
 }
 
 } // namespace quarrynet::services

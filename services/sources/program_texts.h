@@ -9,7 +9,8 @@ namespace quarrynet::services {
 /// system", "hurd-i386" gives "Hurd (i386)".
 std::string systemOf(std::string_view architecture);
 
-/// Returns the license class for a package's area in the archive. `section` is like "games" or "non-free/games".
+/// Returns the license of a package for which no catalog states one, as far as its area in the archive shows it; nobody
+/// promises that other areas have free software only. `section` is like "games" or "non-free/games".
 std::string licenseOf(std::string_view section);
 
 } // namespace quarrynet::services

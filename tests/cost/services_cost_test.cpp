@@ -22,6 +22,7 @@
 #include "searches/WebService.h"
 #include "searches/search_page.h"
 #include "sources/package_lists.h"
+#include "sources/software_catalog.h"
 #include "tests/cost/step_counter.h"
 #include "text/html_document.h"
 #include "text/markup.h"
@@ -76,6 +77,29 @@ TEST(ServicesCost, HtmlPages)
         const auto read = [bound](const std::string& page) { readHtml(page, bound); };
         for (const std::string head : {"", "<script>", "<!--", "<title>", "<style>", "<a b=\"", "<body>", "<textarea>"})
             expectProportionalPatterns("HTML, " + head, patterns, read, kShort, head);
+    }
+}
+
+TEST(ServicesCost, SoftwareCatalogs)
+{
+    const std::vector<std::string> patterns = {"---\n",  "---\nPackage: a\nName:\n  C: b\n",
+                                               "a: b\n", "- a\n",
+                                               "[",      "{",
+                                               "- ",     "? ",
+                                               "&a ",    "*a\n",
+                                               "x",      "\n",
+                                               "'",      "[[]],",
+                                               "\xff",   kNul};
+    for (const std::size_t piece : {1U, 4096U}) {
+        const auto read = [piece](const std::string& text) {
+            CatalogReader reader([](const CatalogEntry&) {});
+            for (std::size_t at = 0; at < text.size(); at += piece)
+                reader.feed(std::string_view(text).substr(at, piece));
+            reader.finish();
+        };
+        const std::string what = "catalogs in pieces of " + std::to_string(piece);
+        for (const std::string head : {"", "---\nPackage: a\nX: [", "---\nPackage: a\nKeywords:\n  C:\n"})
+            expectProportionalPatterns(what, patterns, read, kShort, head);
     }
 }
 

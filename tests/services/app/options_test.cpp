@@ -58,11 +58,13 @@ TEST(ParseOptions, HelpNamesTheCommandsAndTheirOptions)
     EXPECT_EQ(serve.find("--mirror"), std::string::npos);
 }
 
-TEST(ParseOptions, ContentsListsMayBeRepeated)
+TEST(ParseOptions, ContentsListsAndCatalogsMayBeRepeated)
 {
     EXPECT_EQ(parseOptions({"index", "--contents", "a", "--contents=b"})->contentsFiles,
               (std::vector<std::string>{"a", "b"}));
     EXPECT_TRUE(parseOptions({"index"})->contentsFiles.empty());
+    EXPECT_EQ(parseOptions({"index", "--catalog", "a", "--catalog=b"})->catalogFiles,
+              (std::vector<std::string>{"a", "b"}));
 }
 
 TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)

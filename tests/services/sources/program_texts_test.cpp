@@ -15,9 +15,9 @@ TEST(SystemOf, NamesKernelAndProcessor)
 
 TEST(LicenseOf, GoesByTheArea)
 {
-    EXPECT_EQ(licenseOf("games"), "Free");
-    EXPECT_EQ(licenseOf(""), "Free");
-    EXPECT_EQ(licenseOf("contrib/games"), "Free, needs non-free");
+    EXPECT_EQ(licenseOf("games"), "Unknown");
+    EXPECT_EQ(licenseOf(""), "Unknown");
+    EXPECT_EQ(licenseOf("contrib/games"), "Unknown, needs non-free");
     EXPECT_EQ(licenseOf("non-free/games"), "Non-free");
     EXPECT_EQ(licenseOf("non-free-firmware/kernel"), "Non-free");
 }
