@@ -166,11 +166,13 @@ private slots:
         std::string wrapped;
         for (int i = 0; i < 4000; ++i)
             wrapped += "word\r\n";
-        list.setRows({{wrapped + "\xE2\x80\xA8"}, {"\xE2\x80\xAE"}});
+        const QString override(QChar(0x202E));
+        const bool known = override.toLocal8Bit() != "?"; // no code page of Windows but UTF-8 has such characters
+        list.setRows({{wrapped + "\x7F"}, {override.toLocal8Bit().toStdString()}});
         QCOMPARE(list.sizeHintForRow(0), height);
         QVERIFY(list.model()->index(0, 0).data().toString().startsWith(u"word  word  word"_s));
-        QCOMPARE(list.model()->index(1, 0).data().toString(), u"\uFFFD"_s);
-        QCOMPARE(list.rows()[1].front(), std::string("\xE2\x80\xAE"));
+        QCOMPARE(list.model()->index(1, 0).data().toString(), known ? u"\uFFFD"_s : u"?"_s);
+        QCOMPARE(list.rows()[1].front(), override.toLocal8Bit().toStdString());
     }
 
     void listColumnsKeepTheirShare()

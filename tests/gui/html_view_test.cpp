@@ -392,7 +392,7 @@ void HtmlViewTest::bytesOfAnyKindAreShown()
         open({{address, {}}});
         return captions();
     };
-    QCOMPARE(caption("caf\xC3\xA9"), u"http://caf\u00e9"_s);
+    QCOMPARE(caption(u"café"_s.toLocal8Bit().toStdString()), u"http://caf\u00e9"_s);
     QVERIFY(caption("caf\xE9 \x80\xFF").startsWith(u"http://caf\u00e9"_s));
     QVERIFY(caption(std::string("a\0b", 3)).endsWith(u"b"_s));
 }

@@ -123,9 +123,8 @@ private slots:
         QTest::newRow("two slashes") << "127.0.0.1//a" << QByteArray("GET //a HTTP/1.1");
         QTest::newRow("query") << "http://127.0.0.1/a?b=/c#d" << QByteArray("GET /a?b=/c#d HTTP/1.1");
         QTest::newRow("blanks in the path") << "127.0.0.1/a  b " << QByteArray("GET /a  b  HTTP/1.1");
-        QTest::newRow("letters beyond ASCII") << QString::fromUtf8("127.0.0.1/Füße")
-                                              << QByteArray("GET /F\xC3\xBC\xC3\x9F"
-                                                            "e HTTP/1.1");
+        QTest::newRow("letters beyond ASCII")
+            << u"127.0.0.1/Füße"_s << "GET /" + u"Füße"_s.toLocal8Bit() + " HTTP/1.1";
         QTest::newRow("line end behind, as copied") << "http://127.0.0.1/a.html\r\n"
                                                     << QByteArray("GET /a.html HTTP/1.1");
         QTest::newRow("line ends inside") << "127.0.0.1/a\r\nX-Other:\n\n1" << QByteArray("GET /a X-Other: 1 HTTP/1.1");
@@ -225,10 +224,12 @@ private slots:
             {u"apple|Found"_s, u"apple|Found"_s, u"pie|Not Found"_s, u"pie|Not Found"_s});
         row("any: blanks alone", "x", u"  "_s, Any, {u"|Found"_s, u"|Found"_s, u"|Found"_s});
         row("any: blanks around", "apple", u" apple "_s, Any, {u"|Found"_s, u"apple|Found"_s, u"|Found"_s});
-        row("any: letters beyond ASCII", QByteArray("\xC3\x84RGER \xCE\xA9MEGA \xD0\x96UK"),
-            QString::fromUtf8("ärger ωmega жuk ö"), Any,
-            {QString::fromUtf8("ärger|Found"), QString::fromUtf8("ωmega|Found"), QString::fromUtf8("жuk|Found"),
-             QString::fromUtf8("ö|Not Found")});
+        row("any: letters beyond ASCII", u"ÄRGER"_s.toLocal8Bit(), u"ärger ö"_s, Any,
+            {u"ärger|Found"_s, u"ö|Not Found"_s});
+        if (u"Ж"_s.toLocal8Bit() != "?") { // not in every code page of Windows
+            row("any: Greek and Cyrillic letters", u"ΩMEGA ЖUK"_s.toLocal8Bit(), u"ωmega жuk"_s, Any,
+                {u"ωmega|Found"_s, u"жuk|Found"_s});
+        }
         row("any: page in Latin-1", QByteArray("\xC4RGER"), QString::fromUtf8("ärger"), Any,
             {QString::fromUtf8("ärger|Found")});
         row("any: keyword in capitals is listed in small letters", "apple", QString::fromUtf8("APPLE ÄPFEL"), Any,
@@ -257,8 +258,8 @@ private slots:
         row("exact: across tags", "green <b>ap</b>ple", u"green apple"_s, Exact, {u"green apple|Found"_s});
         row("exact: doubled", "apple apple", u"apple apple"_s, Exact, {u"apple apple|Found"_s});
         row("exact: blanks alone", "x", u"  "_s, Exact, {u"  |Found"_s});
-        row("exact: letters beyond ASCII", QByteArray("\xC3\x84RGER NR. 1"), QString::fromUtf8("Ärger nr."), Exact,
-            {QString::fromUtf8("Ärger nr.|Found")});
+        row("exact: letters beyond ASCII", u"ÄRGER NR. 1"_s.toLocal8Bit(), u"Ärger nr."_s, Exact,
+            {u"Ärger nr.|Found"_s});
     }
 
     void matchModes()

