@@ -229,7 +229,7 @@ private:
     }
 
     const std::vector<std::string>& items(const char* list) { return window_->control<HiddenListBox>(list)->items(); }
-    QString file(const char* name) { return QDir(window_->folder()).filePath(QLatin1String(name)); }
+    QString file(const char* name) { return window_->folder() + QDir::separator() + QLatin1String(name); }
     QString shownPage() { return window_->control<HtmlView>("IMGViewer")->url().fileName(); }
     QPushButton* button() { return window_->control<QPushButton>("Command3"); }
     QSlider* slider() { return window_->control<QSlider>("Slider2"); }

@@ -337,7 +337,7 @@ private slots:
         QVERIFY(!window.load());
         QCOMPARE(window.boxes.boxes().size(), 1);
         QVERIFY(window.boxes.texts()[0].startsWith(u"Run-time error '75':\n\nPath/File access error"_s));
-        QVERIFY(window.boxes.texts()[0].contains(window.folder() + u"/blank.htm"_s));
+        QVERIFY(window.boxes.texts()[0].contains(window.folder() + QDir::separator() + u"blank.htm"_s));
     }
 
     void aFolderPathThatEndsInASeparatorGetsNoSecond()

@@ -68,8 +68,8 @@ private slots:
 
     void everyByteIsShownByOneCharacterAtMost()
     {
-        for (int byte = 0; byte < 256; ++byte) {
-            const char bytes = static_cast<char>(byte);
+        for (int value = 0; value < 256; ++value) {
+            const char bytes = static_cast<char>(value);
             QCOMPARE(toText(std::string_view(&bytes, 1)).size(), 1);
         }
     }
@@ -168,11 +168,11 @@ private slots:
     {
         if (codePageIs(65001))
             QSKIP("In UTF-8, most bytes are no text");
-        for (int byte = 0; byte < 256; ++byte) {
-            const std::string bytes(1, static_cast<char>(byte));
+        for (int value = 0; value < 256; ++value) {
+            const std::string bytes(1, static_cast<char>(value));
             const QString text = toText(bytes);
             const std::string back = toBytes(text);
-            QVERIFY2(back == bytes || text == QLatin1String(bytes.data(), 1), qPrintable(QString::number(byte, 16)));
+            QVERIFY2(back == bytes || text == QLatin1String(bytes.data(), 1), qPrintable(QString::number(value, 16)));
         }
     }
 

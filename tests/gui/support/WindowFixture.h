@@ -40,8 +40,9 @@ public:
     bool load();
 
     quarrynet::Main& main() { return *main_; }
-    QString folder() const { return folder_.path(); }
-    QString settingsFile() const { return folder_.filePath(QLatin1String("Quarrynet.ini")); }
+    /// As the program has its folder: with the system's separators.
+    QString folder() const { return QDir::toNativeSeparators(folder_.path()); }
+    QString settingsFile() const { return folder() + QDir::separator() + QLatin1String("Quarrynet.ini"); }
     /// Activates the window; without a window manager nothing else does after a box has closed.
     void activate();
     void writeSettings(const QByteArray& text);
