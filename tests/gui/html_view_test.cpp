@@ -150,7 +150,8 @@ void HtmlViewTest::missingPluginIsNoMatterToTalkAbout()
 
 void HtmlViewTest::brokenPluginIsNamedInTheView()
 {
-    for (const char* name : {"libquarrynet_webengine.so", "quarrynet_webengine.dll", "libquarrynet_webengine.dylib"})
+    for (const char* name : {"libquarrynet_webengine.so", "quarrynet_webengine.dll", "libquarrynet_webengine.dll",
+                             "libquarrynet_webengine.dylib"})
         write(QString::fromLatin1(name), "no library");
     view_->setEngineFolders({folder_->path()});
     open({{"host/x.jpg", {}}});

@@ -123,8 +123,7 @@ private slots:
         QTest::newRow("two slashes") << "127.0.0.1//a" << QByteArray("GET //a HTTP/1.1");
         QTest::newRow("query") << "http://127.0.0.1/a?b=/c#d" << QByteArray("GET /a?b=/c#d HTTP/1.1");
         QTest::newRow("blanks in the path") << "127.0.0.1/a  b " << QByteArray("GET /a  b  HTTP/1.1");
-        QTest::newRow("letters beyond ASCII")
-            << u"127.0.0.1/Füße"_s << "GET /" + u"Füße"_s.toLocal8Bit() + " HTTP/1.1";
+        QTest::newRow("letters beyond ASCII") << u"127.0.0.1/Füße"_s << "GET /" + u"Füße"_s.toLocal8Bit() + " HTTP/1.1";
         QTest::newRow("line end behind, as copied") << "http://127.0.0.1/a.html\r\n"
                                                     << QByteArray("GET /a.html HTTP/1.1");
         QTest::newRow("line ends inside") << "127.0.0.1/a\r\nX-Other:\n\n1" << QByteArray("GET /a X-Other: 1 HTTP/1.1");
