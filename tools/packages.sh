@@ -5,7 +5,8 @@ build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webeng
     libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev
     fonts-dejavu-core fonts-liberation"
 run_packages="ca-certificates xdg-utils xvfb xauth"
-test_packages="libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib vsftpd searx"
+test_packages="libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib python3-openssl
+    vsftpd nginx-light searx"
 bench_packages="libbenchmark-dev curl w3m"
 
 as_root() {

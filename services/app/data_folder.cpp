@@ -20,8 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::array<std::string_view, 4> kOwnFiles{"index.sqlite", "index.sqlite.new", "index.sqlite-journal",
-                                                    "index.lock"};
+constexpr std::array<std::string_view, 6> kOwnFiles{"index.sqlite", "index.sqlite.new", "index.sqlite-journal",
+                                                    "index.lock",   kCrawlRecords,      kCrawlLock};
 
 /// Opens `path` without following a link at its end. Returns an empty descriptor on failure.
 Descriptor openItself(const fs::path& path)

@@ -7,6 +7,10 @@
 
 namespace quarrynet::services {
 
+/// Files in the data folder: the records of the crawls of the plan, and what one process at a time locks to use them.
+inline constexpr const char* kCrawlRecords = "crawls.tsv";
+inline constexpr const char* kCrawlLock = "crawls.lock";
+
 /// The index holds private texts, so files made in the data folder, and older files there, are accessible to its user
 /// only; so is the folder itself unless it contains other things.
 ///

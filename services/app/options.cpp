@@ -86,15 +86,20 @@ void addCrawl(CLI::App& app, Options& options)
 {
     constexpr int kMost = 999'999'999;
     CLI::App* crawl = app.add_subcommand(
-        "crawl", "List an FTP server and add its files to the index, or replace those of an earlier crawl");
-    crawl->add_option("ADDRESS", options.crawlAddress, "the directory to begin with")
-        ->required()
-        ->type_name("ftp://HOST[:PORT][/PATH]");
+        "crawl", "List a server's files and add them to the index, or replace those of an earlier crawl");
+    crawl->add_option("ADDRESS", options.crawlAddress, "the directory to begin with; ftp, ftps, http or https")
+        ->type_name("SCHEME://HOST[:PORT][/PATH]");
+    crawl->add_flag("--due", options.crawlDue, "crawl the servers in the configuration file that are due");
     addNumber(*crawl, "--depth", options.crawlDepth, 1, kMost, "maximum depth below the first directory");
     addNumber(*crawl, "--entries", options.crawlEntries, 1, kMost, "maximum number of names");
     addNumber(*crawl, "--minutes", options.crawlMinutes, 1, kMost, "maximum duration in minutes");
     addNumber(*crawl, "--rate", options.crawlRate, 1, kMost, "maximum directories per second");
-    crawl->final_callback([&options] { options.command = Options::Command::Crawl; });
+    addConfig(*crawl, options);
+    crawl->final_callback([&options] {
+        if (options.crawlAddress.empty() != options.crawlDue)
+            throw CLI::ValidationError("crawl", "takes either an ADDRESS or --due");
+        options.command = Options::Command::Crawl;
+    });
 }
 
 void addServe(CLI::App& app, Options& options)

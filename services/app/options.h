@@ -37,6 +37,7 @@ struct Options
 
     // crawl
     std::string crawlAddress;
+    bool crawlDue = false; ///< crawls the servers of the configuration that are due, and not `crawlAddress`
     std::uint32_t crawlDepth = 32;
     std::uint32_t crawlEntries = 1'000'000;
     std::uint32_t crawlMinutes = 60;

@@ -139,6 +139,44 @@ void readService(TomlTable& file, std::string_view name, FaultList& faults, Serv
     table.finish();
 }
 
+void readCrawls(TomlTable& top, FaultList& faults, std::vector<CrawlSetting>& crawls)
+{
+    constexpr std::int64_t kMostHours = std::int64_t{24} * 365;
+    constexpr std::int64_t kMost = 999'999'999;
+    for (const toml::table* entry : top.tables("crawl")) {
+        TomlTable table(*entry, "[[crawl]]", faults);
+        CrawlSetting setting;
+        const std::optional<std::string> text = table.text("address");
+        if (const std::optional<std::int64_t> hours = table.number("interval-hours", 1, kMostHours))
+            setting.interval = std::chrono::hours(*hours);
+        for (const auto& [key, number] : {std::pair("depth", &setting.depth), std::pair("entries", &setting.entries),
+                                          std::pair("minutes", &setting.minutes), std::pair("rate", &setting.rate)}) {
+            if (const std::optional<std::int64_t> value = table.number(key, 1, kMost))
+                *number = static_cast<std::uint32_t>(*value);
+        }
+        table.finish();
+        if (entry->get("address") == nullptr)
+            table.complain(*entry, R"([[crawl]] requires an "address")");
+        if (!text)
+            continue;
+        const Outcome<CrawlAddress> address = readCrawlAddress(*text);
+        if (!address) {
+            table.complain(*entry->get("address"), "this cannot be crawled: " + address.error().message);
+            continue;
+        }
+        setting.address = *address;
+        const bool isKnown = std::any_of(crawls.begin(), crawls.end(), [&address](const CrawlSetting& known) {
+            return crawlBase(known.address) == crawlBase(*address);
+        });
+        if (isKnown)
+            table.complain(*entry->get("address"), "this address is crawled twice");
+        else if (crawls.size() == kMostCrawls)
+            table.complain(*entry, "more than " + std::to_string(kMostCrawls) + " servers to crawl");
+        else
+            crawls.push_back(std::move(setting));
+    }
+}
+
 /// Returns the path of the file, or an empty text when there is neither a configuration folder nor a home.
 std::string usualFile()
 {
@@ -195,6 +233,7 @@ Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const
     readService(top, "web", faults, file.web);
     readService(top, "image", faults, file.image, &file.privatePictures);
     // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
+    readCrawls(top, faults, file.crawls);
     if (const std::optional<bool> log = top.flag("log-queries"))
         file.logQueries = *log;
     if (std::optional<std::string> certificates = top.text("ca-file"))

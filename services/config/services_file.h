@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "config/crawl_address.h"
 #include "ground/Expected.h"
 #include "ground/Outcome.h"
 
@@ -50,6 +51,19 @@ struct ServiceSettings
     bool asksOthers() const;
 };
 
+inline constexpr std::size_t kMostCrawls = 64;
+
+/// A server that "crawl --due" lists: a table [[crawl]].
+struct CrawlSetting
+{
+    CrawlAddress address;
+    std::chrono::hours interval{168};
+    std::uint32_t depth = 32; ///< this and the following as the options of "crawl"
+    std::uint32_t entries = 1'000'000;
+    std::uint32_t minutes = 60;
+    std::uint32_t rate = 10;
+};
+
 /// The content of the file. A further table is one more member here, and one more entry in readServicesFile().
 struct ServicesFile
 {
@@ -59,7 +73,8 @@ struct ServicesFile
     bool privatePictures = false;
     bool logQueries = false; ///< write what people type to the error output
     std::string path;        ///< as in messages; empty without a file
-    std::string caFile;      ///< certificates (PEM) to trust besides the system's; may be empty
+    std::vector<CrawlSetting> crawls;
+    std::string caFile; ///< certificates (PEM) to trust besides the system's; may be empty
 };
 
 /// Lines "FILE:LINE: message" for a person to read; never empty.

@@ -62,7 +62,8 @@ Asked readQuery(std::string_view query)
 
 bool isAddress(std::string_view typed)
 {
-    return typed.substr(0, 6) == "ftp://" || typed.substr(0, 7) == "http://" || typed.substr(0, 8) == "https://";
+    return typed.substr(0, 6) == "ftp://" || typed.substr(0, 7) == "ftps://" || typed.substr(0, 7) == "http://" ||
+           typed.substr(0, 8) == "https://";
 }
 
 /// Appends `pattern` to `values` and returns the SQL condition that compares a name with it.

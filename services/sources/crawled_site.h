@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "ftp/crawl.h"
+#include "crawl/crawl.h"
 #include "ground/Outcome.h"
 
 namespace quarrynet::services {

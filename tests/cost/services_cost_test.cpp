@@ -9,8 +9,11 @@
 
 #include <gtest/gtest.h>
 
-#include "ftp/crawl.h"
-#include "ftp/listing.h"
+#include "crawl/crawl.h"
+#include "crawl/ftp_listing.h"
+#include "crawl/http_listing.h"
+#include "crawl/plan.h"
+#include "crawl/robots.h"
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
 #include "http/message.h"
@@ -167,36 +170,78 @@ TEST(ServicesCost, DirectoryListings)
     });
 }
 
+TEST(ServicesCost, DirectoryPages)
+{
+    constexpr std::string_view kAddress = "http://h.example/pub/";
+    expectProportionalPatterns(
+        "directory page",
+        {"<a href=x>x</a> 02-Jan-2026 03:04 5\n", "<tr><td><a href=y>y</a></td><td>5</td></tr>", "<a href=", "<a>",
+         "text ", "<td>", "</a>", kNul, "\xff", "03:04 ", "<h1>"},
+        [](const std::string& text) { readHttpListing("<title>Index of /</title>" + text, kAddress); });
+    expectProportionalPatterns("link", {"x", "/", "./", "%2F", "%61", "//", "?", "#", ":", " ", "\xff"},
+                               [](const std::string& text) { nameOfLink(text, kAddress); });
+    expectProportional("page of different names", [](std::size_t length) {
+        std::string text = "<title>Index of /</title>";
+        for (std::size_t i = 0; text.size() < length; ++i)
+            text.append("<a href=").append(std::to_string(i)).append(">x</a> 02-Jan-2026 03:04 5\n");
+        return stepsOf([&] { readHttpListing(text, kAddress); });
+    });
+}
+
+TEST(ServicesCost, Robots)
+{
+    expectProportionalPatterns("robots.txt",
+                               {"User-agent: *\nDisallow: /x\n", "Disallow: /x*y$\n", "User-agent: *\n", "#", ":", "\n",
+                                "x", "*", " ", kNul, "\xff"},
+                               [](const std::string& text) {
+                                   const RobotsRules rules("User-agent: *\n" + text, "product");
+                                   rules.allows("/x/y/z");
+                               });
+    for (const std::string pattern : {"x", "x/", "xy", "%2f"}) {
+        expectProportionalText(
+            "path of " + pattern, [&](std::size_t length) { return "/" + filled(pattern, length); },
+            [](const std::string& path) {
+                RobotsRules("User-agent: *\nDisallow: *xx*x*x*xz*y$\nDisallow: /*%2F*$\n", "product").allows(path);
+            });
+    }
+}
+
+TEST(ServicesCost, CrawlRecords)
+{
+    expectProportionalPatterns("records", {"ftp://h/\t1\t1\t1\n", "\t", "\n", "x", "9", kNul},
+                               [](const std::string& text) { readCrawlRecords(text); });
+}
+
 TEST(ServicesCost, Crawls)
 {
-    using Kind = FtpEntry::Kind;
+    using Kind = ListedEntry::Kind;
     const auto entryOf = [](const std::string& what, std::size_t i) {
         const std::string name = std::to_string(i);
         if (what == "files")
-            return FtpEntry{name, Kind::File, 1};
+            return ListedEntry{name, Kind::File, 1};
         if (what == "one file")
-            return FtpEntry{"name", Kind::File, 1};
+            return ListedEntry{"name", Kind::File, 1};
         if (what == "links to the next")
-            return FtpEntry{name, Kind::Link, std::nullopt, {}, std::to_string(i + 1)};
+            return ListedEntry{name, Kind::Link, std::nullopt, {}, std::to_string(i + 1)};
         if (what == "links to one")
-            return FtpEntry{name, Kind::Link, std::nullopt, {}, "../0"};
+            return ListedEntry{name, Kind::Link, std::nullopt, {}, "../0"};
         if (what == "known directories")
-            return FtpEntry{name, Kind::Directory, std::nullopt, "same"};
-        return FtpEntry{name, Kind::Directory, std::nullopt, name};
+            return ListedEntry{name, Kind::Directory, std::nullopt, "same"};
+        return ListedEntry{name, Kind::Directory, std::nullopt, name};
     };
     for (const std::string what :
          {"files", "one file", "links to the next", "links to one", "known directories", "directories"}) {
         expectProportional(
             "crawl of " + what,
             [&](std::size_t count) {
-                FtpDirectory first;
+                ListedDirectory first;
                 for (std::size_t i = 0; i < count; ++i)
                     first.entries.push_back(entryOf(what, i));
                 CrawlTools tools;
-                tools.list = [&first](std::string_view path) -> Outcome<FtpDirectory> {
+                tools.list = [&first](std::string_view path) -> Outcome<ListedDirectory> {
                     if (path.empty())
                         return first;
-                    FtpDirectory other;
+                    ListedDirectory other;
                     other.entries.push_back({"file"});
                     return other;
                 };

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "ftp/listing.h"
+#include "crawl/ftp_listing.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;
@@ -8,11 +8,11 @@ using namespace quarrynet::services;
 
 namespace {
 
-void checkEntries(const std::vector<FtpEntry>& entries, std::string_view listing)
+void checkEntries(const std::vector<ListedEntry>& entries, std::string_view listing)
 {
     const auto lines = static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n')) + 1;
     fuzz::check(entries.size() <= lines, "a line has at most one entry");
-    for (const FtpEntry& entry : entries) {
+    for (const ListedEntry& entry : entries) {
         fuzz::check(!entry.name.empty() && entry.name.size() <= kMaxListedName, "the length of a name is in range");
         fuzz::check(entry.name != "." && entry.name != "..", "a name does not lead upward");
         for (const char c : entry.name)

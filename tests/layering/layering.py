@@ -32,15 +32,15 @@ TREE = {
     "services/http": "libraries/ground services/text",
     "services/index": "libraries/ground services/text",
     "services/config": "libraries/ground",
-    "services/ftp": "libraries/ground services/text",
+    "services/crawl": "libraries/ground services/config services/live services/text",
     "services/thumbnails": "libraries/ground",
     "services/sources":
-        "libraries/ground services/ftp services/index services/text services/thumbnails",
+        "libraries/ground services/crawl services/index services/text services/thumbnails",
     "services/live": "libraries/ground services/config services/http services/text services/thumbnails",
     "services/searches":
         "libraries/ground services/http services/index services/live services/text services/thumbnails",
     "services/app":
-        "libraries/ground services/config services/ftp services/http services/index services/live services/searches services/sources services/text "
+        "libraries/ground services/config services/crawl services/http services/index services/live services/searches services/sources services/text "
         "services/thumbnails",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)

@@ -67,6 +67,14 @@ TEST(ParseOptions, ContentsListsAndCatalogsMayBeRepeated)
               (std::vector<std::string>{"a", "b"}));
 }
 
+TEST(ParseOptions, CrawlTakesAnAddressOrThePlan)
+{
+    EXPECT_FALSE(parseOptions({"crawl"}));
+    EXPECT_FALSE(parseOptions({"crawl", "--due", "ftp://h/"}));
+    EXPECT_TRUE(parseOptions({"crawl", "--due", "--config", "c"})->crawlDue);
+    EXPECT_EQ(parseOptions({"crawl", "https://h/"})->crawlAddress, "https://h/");
+}
+
 TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)
 {
     EXPECT_EQ(parseOptions({"serve", "--port", "010"})->port, 10);

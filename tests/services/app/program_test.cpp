@@ -1,9 +1,16 @@
+#include <atomic>
 #include <csignal>
+#include <ctime>
 #include <fcntl.h>
+#include <fstream>
+#include <iterator>
 #include <optional>
+#include <sys/file.h>
 
 #include <gtest/gtest.h>
 
+#include "crawl/plan.h"
+#include "ground/Descriptor.h"
 #include "ground/decimal.h"
 #include "http/message.h"
 #include "tests/services/support/ftp_support.h"
@@ -285,7 +292,73 @@ TEST_F(Program, CrawlSaysWhyItCannot)
     Running broken = start({"crawl", "--data", data(), server.site()});
     EXPECT_EQ(broken.wait(), 1);
     EXPECT_NE(broken.errors().find(server.site()), std::string::npos) << broken.errors();
-    EXPECT_EQ(start({"crawl", "--data", data(), "http://h/"}).wait(), 1);
+    EXPECT_EQ(start({"crawl", "--data", data(), "gopher://h/"}).wait(), 1);
+    EXPECT_EQ(start({"crawl", "--data", data(), "--due", server.site()}).wait(), 2);
+    Running unplanned = start({"crawl", "--data", data(), "--due"});
+    EXPECT_EQ(unplanned.wait(), 1);
+    EXPECT_NE(unplanned.errors().find("[[crawl]]"), std::string::npos) << unplanned.errors();
+}
+
+TEST_F(Program, CrawlsThePlanAndAFailureDelaysNoOther)
+{
+    index();
+    std::atomic<bool> answers = false;
+    const TestServer broken([&answers](int socket) {
+        if (answers)
+            MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+                return MadeUpFtp::Reply{226, "type=file;size=5; late apple.zip\r\n"};
+            });
+    });
+    std::atomic<int> sessions = 0;
+    const TestServer good([&sessions](int socket) {
+        ++sessions;
+        MadeUpFtp::serve(socket, [](const std::string&, const std::string&) {
+            return MadeUpFtp::Reply{226, "type=file;size=5; planned apple.zip\r\n"};
+        });
+    });
+    const std::string config =
+        folder_.write("services.toml", "[[crawl]]\naddress = \"" + broken.site() + "/pub\"\n[[crawl]]\naddress = \"" +
+                                           good.site() + "\"\ninterval-hours = 24\nrate = 1000\n");
+    const std::vector<std::string> crawl{"crawl", "--data", data(), "--due", "--config", config};
+    Running first = start(crawl);
+    EXPECT_EQ(first.wait(), 1);
+    EXPECT_NE(first.errors().find(broken.site() + "/pub/ was not crawled"), std::string::npos) << first.errors();
+    EXPECT_NE(first.errors().find("1 servers were crawled, 1 failed"), std::string::npos) << first.errors();
+    EXPECT_EQ(sessions, 1);
+    // Neither is due now.
+    Running second = start(crawl);
+    EXPECT_EQ(second.wait(), 0) << second.errors();
+    EXPECT_NE(second.errors().find("2 were not due"), std::string::npos) << second.errors();
+    EXPECT_EQ(sessions, 1);
+    // An hour ago the first one failed, which it may try again now; the other one waits a day.
+    const std::string hourAgo = std::to_string(std::time(nullptr) - 3600);
+    folder_.write("data/crawls.tsv", broken.site() + "/pub/\t" + hourAgo + "\t0\t1\n" + good.site() + "/\t" + hourAgo +
+                                         "\t" + hourAgo + "\t0\nftp://removed.example/\t1\t1\t0\n");
+    answers = true;
+    Running third = start(crawl);
+    EXPECT_EQ(third.wait(), 0) << third.errors();
+    EXPECT_EQ(sessions, 1);
+    std::ifstream file(data() + "/crawls.tsv");
+    const std::vector<CrawlRecord> records = readCrawlRecords(std::string(std::istreambuf_iterator<char>(file), {}));
+    ASSERT_EQ(records.size(), 2U) << "servers that are no longer in the plan are forgotten";
+    EXPECT_EQ(records[0].failures, 0U);
+    EXPECT_EQ(records[0].succeeded, records[0].tried);
+    Running running = serve();
+    const std::string page = ask("127.80.0.4", portOf(running.readLine(), "file"), "/cgi-bin/s?t=f&q=apple");
+    EXPECT_NE(page.find("planned%20apple.zip"), std::string::npos);
+    EXPECT_NE(page.find("late%20apple.zip"), std::string::npos);
+}
+
+TEST_F(Program, OnlyOneProcessCrawlsThePlan)
+{
+    index();
+    const std::string config = folder_.write("services.toml", "[[crawl]]\naddress = \"ftp://127.0.0.1:1/\"\n");
+    const Descriptor lock(::open((data() + "/crawls.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(lock.number(), LOCK_EX), 0);
+    Running crawl = start({"crawl", "--data", data(), "--due", "--config", config});
+    EXPECT_EQ(crawl.wait(), 0);
+    EXPECT_NE(crawl.errors().find("another quarrynet-services"), std::string::npos) << crawl.errors();
+    EXPECT_FALSE(std::filesystem::exists(data() + "/crawls.tsv"));
 }
 
 // Once it waited two minutes for a lock that could not be taken.

@@ -162,6 +162,49 @@ TEST(ServicesFile, SourcesThatAreNoneAreNamedWithTheirLines)
     EXPECT_EQ(faultsOf(std::string("[web]\nsources = [\"https://").append(2'000, 'a').append("\"]")).size(), 1U);
 }
 
+TEST(ServicesFile, ServersToCrawlAreRead)
+{
+    const auto file = readServicesFile("[[crawl]]\naddress = \"https://h/pub\"\n[[crawl]]\naddress = \"ftps://h\"\n"
+                                       "interval-hours = 1\ndepth = 2\nentries = 3\nminutes = 4\nrate = 5\n",
+                                       "s.toml");
+    ASSERT_TRUE(file);
+    ASSERT_EQ(file->crawls.size(), 2U);
+    EXPECT_EQ(crawlBase(file->crawls[0].address), "https://h/pub/");
+    EXPECT_EQ(file->crawls[0].interval, std::chrono::hours(168));
+    EXPECT_EQ(file->crawls[0].entries, 1'000'000U);
+    EXPECT_EQ(file->crawls[1].address.scheme, CrawlAddress::Scheme::Ftps);
+    EXPECT_EQ(file->crawls[1].interval, std::chrono::hours(1));
+    EXPECT_EQ(file->crawls[1].depth, 2U);
+    EXPECT_EQ(file->crawls[1].entries, 3U);
+    EXPECT_EQ(file->crawls[1].minutes, 4U);
+    EXPECT_EQ(file->crawls[1].rate, 5U);
+}
+
+TEST(ServicesFile, WrongServersToCrawlAreNamedWithTheirLine)
+{
+    for (const auto& [text, line] : std::vector<std::pair<std::string, std::string>>{
+             {"[[crawl]]\n", "s.toml:1: "},
+             {"[[crawl]]\naddress = 5\n", "s.toml:2: "},
+             {"[[crawl]]\naddress = \"gopher://h/\"\n", "s.toml:2: "},
+             {"[[crawl]]\naddress = \"ftp://u:secret@h/\"\n", "s.toml:2: "},
+             {"[[crawl]]\naddress = \"ftp://h/\"\ninterval-hours = 0\n", "s.toml:3: "},
+             {"[[crawl]]\naddress = \"ftp://h/\"\nrate = \"5\"\n", "s.toml:3: "},
+             {"[[crawl]]\naddress = \"ftp://h/\"\nuser = \"u\"\n", "s.toml:3: "},
+             {"[[crawl]]\naddress = \"ftp://h/a\"\n[[crawl]]\naddress = \"ftp://h/a/\"\n", "s.toml:4: "},
+             {"crawl = \"ftp://h/\"\n", "s.toml:1: "},
+             {"[crawl]\naddress = \"ftp://h/\"\n", "s.toml:1: "}}) {
+        const FileFaults faults = faultsOf(text);
+        ASSERT_EQ(faults.size(), 1U) << text;
+        EXPECT_EQ(faults[0].substr(0, line.size()), line) << faults[0];
+        EXPECT_EQ(faults[0].find("secret"), std::string::npos);
+    }
+    std::string many;
+    for (std::size_t i = 0; i < kMostCrawls; ++i)
+        many += "[[crawl]]\naddress = \"ftp://h" + std::to_string(i) + "/\"\n";
+    EXPECT_TRUE(faultsOf(many).empty());
+    EXPECT_EQ(faultsOf(many + "[[crawl]]\naddress = \"ftp://h/\"\n").size(), 1U);
+}
+
 TEST(ServicesFile, TextThatIsNoTomlIsNamedWithItsLine)
 {
     EXPECT_THAT(faultsOf("[web]\nsources = [\n"), ElementsAre(StartsWith("s.toml:")));

@@ -1,4 +1,4 @@
-#include "ftp/listing.h"
+#include "crawl/ftp_listing.h"
 
 #include <algorithm>
 #include <array>
@@ -11,16 +11,10 @@ namespace quarrynet::services {
 
 namespace {
 
-bool canBeName(std::string_view name)
+std::vector<ListedEntry> readLines(std::string_view listing,
+                                   const std::function<std::optional<ListedEntry>(std::string_view)>& readLine)
 {
-    return !name.empty() && name.size() <= kMaxListedName && name != "." && name != ".." &&
-           std::none_of(name.begin(), name.end(), [](char c) { return c == '/' || isAsciiControl(c); });
-}
-
-std::vector<FtpEntry> readLines(std::string_view listing,
-                                const std::function<std::optional<FtpEntry>(std::string_view)>& readLine)
-{
-    std::vector<FtpEntry> entries;
+    std::vector<ListedEntry> entries;
     while (!listing.empty() && entries.size() <= kMaxListedEntries) {
         const std::size_t end = std::min(listing.find('\n'), listing.size());
         std::string_view line = listing.substr(0, end);
@@ -29,15 +23,15 @@ std::vector<FtpEntry> readLines(std::string_view listing,
             line.remove_suffix(1);
         if (line.size() > kMaxListingLine)
             continue;
-        std::optional<FtpEntry> entry = readLine(line);
-        if (entry && canBeName(entry->name))
+        std::optional<ListedEntry> entry = readLine(line);
+        if (entry && canBeListedName(entry->name))
             entries.push_back(std::move(*entry));
     }
     return entries;
 }
 
 /// Parses one fact "name=value" of an MLSD line. Returns false when the line is not about an entry of the directory.
-bool takeFact(FtpEntry& entry, std::string_view fact)
+bool takeFact(ListedEntry& entry, std::string_view fact)
 {
     const std::size_t equals = std::min(fact.find('='), fact.size());
     const std::string_view name = fact.substr(0, equals);
@@ -47,9 +41,9 @@ bool takeFact(FtpEntry& entry, std::string_view fact)
             return false;
         constexpr std::string_view kLink = "OS.unix=s"; // "slink:target" or "symlink"
         if (equalsIgnoringCase(value, "dir")) {
-            entry.kind = FtpEntry::Kind::Directory;
+            entry.kind = ListedEntry::Kind::Directory;
         } else if (startsWithIgnoringCase(value, kLink)) {
-            entry.kind = FtpEntry::Kind::Link;
+            entry.kind = ListedEntry::Kind::Link;
             entry.target = std::string(value.substr(std::min(value.find(':'), value.size() - 1) + 1));
         }
     } else if (equalsIgnoringCase(name, "size")) {
@@ -60,13 +54,13 @@ bool takeFact(FtpEntry& entry, std::string_view fact)
     return true;
 }
 
-std::optional<FtpEntry> readMlsdLine(std::string_view line)
+std::optional<ListedEntry> readMlsdLine(std::string_view line)
 {
     // The facts end at the first blank; everything after it is the name, including blanks.
     const std::size_t blank = line.find(' ');
     if (blank == std::string_view::npos)
         return std::nullopt;
-    FtpEntry entry;
+    ListedEntry entry;
     entry.name = std::string(line.substr(blank + 1));
     std::string_view facts = line.substr(0, blank);
     while (!facts.empty()) {
@@ -75,7 +69,7 @@ std::optional<FtpEntry> readMlsdLine(std::string_view line)
             return std::nullopt;
         facts.remove_prefix(std::min(end + 1, facts.size()));
     }
-    if (entry.kind != FtpEntry::Kind::File)
+    if (entry.kind != ListedEntry::Kind::File)
         entry.size.reset();
     return entry;
 }
@@ -106,15 +100,15 @@ bool isTimeOrYear(std::string_view word)
 
 /// Parses "drwxr-xr-x 2 owner group 4096 Jan 31 12:00 name". The number of words before the size differs between
 /// servers, so this looks for the date.
-std::optional<FtpEntry> readUnixLine(std::string_view line)
+std::optional<ListedEntry> readUnixLine(std::string_view line)
 {
-    FtpEntry entry;
+    ListedEntry entry;
     switch (line.empty() ? ' ' : line.front()) {
     case 'd':
-        entry.kind = FtpEntry::Kind::Directory;
+        entry.kind = ListedEntry::Kind::Directory;
         break;
     case 'l':
-        entry.kind = FtpEntry::Kind::Link;
+        entry.kind = ListedEntry::Kind::Link;
         break;
     case '-':
         break;
@@ -135,9 +129,9 @@ std::optional<FtpEntry> readUnixLine(std::string_view line)
         if (!day || *day < 1 || *day > 31 || !isTimeOrYear(takeWord(date)) || date.size() < 2)
             continue;
         date.remove_prefix(1); // further blanks are part of the name
-        if (entry.kind == FtpEntry::Kind::File)
+        if (entry.kind == ListedEntry::Kind::File)
             entry.size = size;
-        if (entry.kind == FtpEntry::Kind::Link) {
+        if (entry.kind == ListedEntry::Kind::Link) {
             const std::size_t arrow = std::min(date.find(" -> "), date.size());
             entry.target = std::string(date.substr(std::min(arrow + 4, date.size())));
             date = date.substr(0, arrow);
@@ -149,7 +143,7 @@ std::optional<FtpEntry> readUnixLine(std::string_view line)
 }
 
 /// Parses "01-31-20  12:00PM       <DIR>          name".
-std::optional<FtpEntry> readWindowsLine(std::string_view line)
+std::optional<ListedEntry> readWindowsLine(std::string_view line)
 {
     std::string_view rest = line;
     takeWord(rest);
@@ -157,9 +151,9 @@ std::optional<FtpEntry> readWindowsLine(std::string_view line)
     const std::string_view size = takeWord(rest);
     if (time.find(':') == std::string_view::npos || rest.size() < 2)
         return std::nullopt;
-    FtpEntry entry;
+    ListedEntry entry;
     if (size == "<DIR>") {
-        entry.kind = FtpEntry::Kind::Directory;
+        entry.kind = ListedEntry::Kind::Directory;
         rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     } else {
         entry.size = wholeNumberAs<std::int64_t>(size);
@@ -173,12 +167,12 @@ std::optional<FtpEntry> readWindowsLine(std::string_view line)
 
 } // namespace
 
-std::vector<FtpEntry> readMlsd(std::string_view listing)
+std::vector<ListedEntry> readMlsd(std::string_view listing)
 {
     return readLines(listing, readMlsdLine);
 }
 
-std::vector<FtpEntry> readList(std::string_view listing)
+std::vector<ListedEntry> readList(std::string_view listing)
 {
     return readLines(listing, [](std::string_view line) {
         return !line.empty() && isAsciiDigit(line.front()) ? readWindowsLine(line) : readUnixLine(line);

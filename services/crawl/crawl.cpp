@@ -1,4 +1,4 @@
-#include "ftp/crawl.h"
+#include "crawl/crawl.h"
 
 #include <algorithm>
 #include <deque>
@@ -92,8 +92,8 @@ public:
 
 private:
     void keepRate();
-    void take(const Pending& place, const FtpDirectory& directory);
-    void takeEntry(const Pending& place, std::size_t folder, const FtpEntry& entry,
+    void take(const Pending& place, const ListedDirectory& directory);
+    void takeEntry(const Pending& place, std::size_t folder, const ListedEntry& entry,
                    const std::shared_ptr<const Ancestor>& self);
     void resolveLinks();
 
@@ -129,13 +129,14 @@ Outcome<Crawl> Crawler::run()
             break;
         }
         const Pending& place = pending_.front();
-        const Outcome<FtpDirectory> directory = tools_.list(place.path);
+        const Outcome<ListedDirectory> directory = tools_.list(place.path);
         failures = directory ? 0 : failures + 1;
         const bool isFirst = listed++ == 0;
         if (!directory && (isFirst || failures == kMaxFailures))
             return directory.error();
         if (isFirst && directory->refused)
-            return Failure{"the server refuses to list this directory"};
+            return Failure{"the server refuses to list this directory" +
+                           (directory->reason.empty() ? "" : ": " + directory->reason)};
         if (!directory || directory->refused)
             ++crawl_.refused;
         else
@@ -148,7 +149,7 @@ Outcome<Crawl> Crawler::run()
     return std::move(crawl_);
 }
 
-void Crawler::take(const Pending& place, const FtpDirectory& directory)
+void Crawler::take(const Pending& place, const ListedDirectory& directory)
 {
     const std::size_t hash = std::hash<std::string>()(directory.listing);
     if (!directory.listing.empty() && repeatsOneAbove(place.above, directory.listing.size(), hash))
@@ -156,7 +157,7 @@ void Crawler::take(const Pending& place, const FtpDirectory& directory)
     const auto self = std::make_shared<const Ancestor>(Ancestor{directory.listing.size(), hash, place.above});
     crawl_.folders.push_back(place.path.substr(start_.size()));
     std::set<std::string_view> names;
-    for (const FtpEntry& entry : directory.entries) {
+    for (const ListedEntry& entry : directory.entries) {
         if (crawl_.files.size() >= limits_.entries) {
             crawl_.cut = "the maximum number of names was reached";
             return;
@@ -170,13 +171,13 @@ void Crawler::take(const Pending& place, const FtpDirectory& directory)
     }
 }
 
-void Crawler::takeEntry(const Pending& place, std::size_t folder, const FtpEntry& entry,
+void Crawler::takeEntry(const Pending& place, std::size_t folder, const ListedEntry& entry,
                         const std::shared_ptr<const Ancestor>& self)
 {
-    const bool isDirectory = entry.kind == FtpEntry::Kind::Directory;
+    const bool isDirectory = entry.kind == ListedEntry::Kind::Directory;
     crawl_.files.push_back({folder, entry.name, entry.size, isDirectory});
     bytes_ += entry.name.size() + kNodeBytes;
-    if (entry.kind == FtpEntry::Kind::Link) {
+    if (entry.kind == ListedEntry::Kind::Link) {
         links_.push_back({crawl_.files.size() - 1, entry.target});
         bytes_ += entry.target.size() + kNodeBytes;
     }

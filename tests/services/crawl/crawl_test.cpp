@@ -5,11 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include "ftp/crawl.h"
+#include "crawl/FtpClient.h"
+#include "crawl/crawl.h"
+#include "crawl/ftp_listing.h"
 #include "ground/ChildProcess.h"
-#include "ground/Descriptor.h"
 #include "searches/FileService.h"
 #include "sources/indexing.h"
+#include "tests/services/support/MlsdServer.h"
 #include "tests/services/support/ftp_support.h"
 #include "tests/services/support/service_support.h"
 
@@ -24,7 +26,7 @@ using Clock = std::chrono::steady_clock;
 class TestClock
 {
 public:
-    CrawlTools tools(std::function<Outcome<FtpDirectory>(std::string_view)> list)
+    CrawlTools tools(std::function<Outcome<ListedDirectory>(std::string_view)> list)
     {
         return {std::move(list), [this] { return now_; }, [this](Clock::duration time) { now_ += time; },
                 [](const std::string&) {}};
@@ -46,14 +48,14 @@ std::set<std::string> pathsOf(const Crawl& crawl)
     return paths;
 }
 
-FtpDirectory mlsd(const std::string& listing)
+ListedDirectory mlsd(const std::string& listing)
 {
-    return {false, listing, readMlsd(listing)};
+    return {false, listing, readMlsd(listing), {}};
 }
 
 Outcome<Crawl> crawlSite(const std::string& site, const std::string& path = "", const CrawlLimits& limits = {})
 {
-    FtpClient client(site);
+    FtpClient client(*readCrawlAddress(site));
     TestClock clock;
     return crawl(path, limits, clock.tools([&client](std::string_view place) { return client.list(place); }));
 }
@@ -81,57 +83,7 @@ const std::set<std::string> kPlanted{"empty/",
                                      "pub/sub/up/",
                                      "pub/with blank + #1 %41.zip"};
 
-/// Returns the Python interpreter of Debian's packages, or nothing if it cannot run the server.
-class MlsdServer
-{
-public:
-    explicit MlsdServer(const std::string& root)
-    {
-        std::optional<Pipe> input = makePipe();
-        std::optional<Pipe> output = makePipe();
-        const Descriptor nothing(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-        if (!input || !output || !nothing)
-            return;
-        Outcome<ChildProcess> process = ChildProcess::start(
-            {"/usr/bin/python3", QUARRYNET_FTP_MLSD_SERVER, root},
-            {.input = input->readEnd.number(), .output = output->writeEnd.number(), .errors = nothing.number()});
-        if (!process)
-            return;
-        process_.emplace(std::move(*process));
-        input_ = std::move(input->writeEnd);
-        output->writeEnd.close();
-        char c = 0;
-        while (::read(output->readEnd.number(), &c, 1) == 1 && c != '\n')
-            port_.push_back(c);
-    }
-
-    bool running() const { return !port_.empty(); }
-    std::string site() const { return "ftp://127.0.0.1:" + port_; }
-
-private:
-    std::optional<ChildProcess> process_;
-    Descriptor input_; ///< the server ends with it
-    std::string port_;
-};
-
 } // namespace
-
-TEST(FtpAddress, IsTakenApart)
-{
-    for (const auto& [text, site, path] :
-         std::vector<std::tuple<std::string, std::string, std::string>>{{"ftp://h", "ftp://h", ""},
-                                                                        {"ftp://h/", "ftp://h", ""},
-                                                                        {"ftp://h:2121/a%20b", "ftp://h:2121", "a b/"},
-                                                                        {"ftp://h//a/b//", "ftp://h", "a/b/"}}) {
-        const Outcome<FtpAddress> address = readFtpAddress(text);
-        ASSERT_TRUE(address) << text;
-        EXPECT_EQ(address->site, site);
-        EXPECT_EQ(address->path, path);
-    }
-    for (const char* text : {"", "h", "http://h/", "ftp://", "ftp:///a", "ftp://u:p@h/", "ftp://h:x/", "ftp://h:/",
-                             "ftp://h h/", "ftp://h/a%0D%0ADELE", "ftp://-\"/", "ftp://h%00/"})
-        EXPECT_FALSE(readFtpAddress(text)) << text;
-}
 
 TEST(Crawl, ARealServerWithMlsdIsListedWhole)
 {
@@ -196,7 +148,7 @@ TEST(Crawl, LoopsWithoutUniqueFactsEnd)
 TEST(Crawl, EndlessDirectoriesEndAtTheLimits)
 {
     int number = 0;
-    const auto endless = [&number](std::string_view) -> Outcome<FtpDirectory> {
+    const auto endless = [&number](std::string_view) -> Outcome<ListedDirectory> {
         return mlsd("type=dir; d" + std::to_string(++number) + "\ntype=file; f\n");
     };
     TestClock clock;
@@ -232,7 +184,7 @@ TEST(Crawl, ListingsTogetherAreBoundedInMemory)
           "type=OS.unix=slink:" + std::string(4000, 't') + "; NUMBER", "type=dir; NUMBER" + longName,
           std::string("type=file; NUMBER")}) {
         int number = 0;
-        const auto hostile = [&](std::string_view) -> Outcome<FtpDirectory> {
+        const auto hostile = [&](std::string_view) -> Outcome<ListedDirectory> {
             std::string listing;
             for (int i = 0; i < 1000; ++i) {
                 std::string entry = line;
@@ -282,7 +234,7 @@ TEST(Crawl, TheRateIsKept)
     CrawlLimits limits;
     limits.depth = 1000;
     limits.rate = 5;
-    ASSERT_TRUE(crawl("", limits, clock.tools([&left](std::string_view) -> Outcome<FtpDirectory> {
+    ASSERT_TRUE(crawl("", limits, clock.tools([&left](std::string_view) -> Outcome<ListedDirectory> {
         return mlsd(--left > 0 ? "type=dir; d" + std::to_string(left) + "\n" : "");
     })));
     EXPECT_EQ(clock.passed(), std::chrono::seconds(19));
@@ -320,7 +272,7 @@ TEST(Crawl, ServersThatBreakOffOrTalkNonsenseFail)
     }
     int calls = 0;
     TestClock clock;
-    EXPECT_FALSE(crawl("", {}, clock.tools([&calls](std::string_view) -> Outcome<FtpDirectory> {
+    EXPECT_FALSE(crawl("", {}, clock.tools([&calls](std::string_view) -> Outcome<ListedDirectory> {
         if (++calls > 1)
             return Failure{"gone"};
         return mlsd("type=dir; a\ntype=dir; b\ntype=dir; c\ntype=dir; d\n");

@@ -1,21 +1,19 @@
-#include "ftp/FtpClient.h"
+#include "crawl/FtpClient.h"
 
-#include <algorithm>
+#include <array>
 #include <mutex>
 #include <new>
 #include <utility>
 
 #include <curl/curl.h>
 
-#include "ground/ascii.h"
-#include "ground/decimal.h"
+#include "crawl/ftp_listing.h"
 #include "ground/percent_coding.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-constexpr std::size_t kMaxListing = 16 * 1024 * 1024;
 constexpr long kConnectSeconds = 15;
 constexpr long kStallSeconds = 20;
 constexpr long kListingSeconds = 300;
@@ -53,7 +51,10 @@ struct FtpClient::Handle
     CURL* curl;
 };
 
-FtpClient::FtpClient(std::string site) : site_(std::move(site))
+FtpClient::FtpClient(const CrawlAddress& address, std::string certificates)
+    : site_("ftp" + address.site.substr(address.site.find("://")))
+    , encrypted_(address.scheme == CrawlAddress::Scheme::Ftps)
+    , certificates_(std::move(certificates))
 {
     static std::once_flag once;
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
@@ -62,12 +63,12 @@ FtpClient::FtpClient(std::string site) : site_(std::move(site))
 
 FtpClient::~FtpClient() = default;
 
-Outcome<FtpDirectory> FtpClient::list(std::string_view path)
+Outcome<ListedDirectory> FtpClient::list(std::string_view path)
 {
     CURL* const curl = handle_->curl;
     if (curl == nullptr)
         return Failure{"out of memory"};
-    FtpDirectory directory;
+    ListedDirectory directory;
     Listing listing;
     const std::string address = site_ + "/" + encodePath(path);
     CURLcode result = CURLE_OK;
@@ -88,17 +89,33 @@ Outcome<FtpDirectory> FtpClient::list(std::string_view path)
     set(CURLOPT_WRITEFUNCTION, appendListing);
     set(CURLOPT_WRITEDATA, &listing);
     set(CURLOPT_CUSTOMREQUEST, hasMlsd_ ? "MLSD" : "LIST");
+    std::array<char, CURL_ERROR_SIZE> fault{};
+    set(CURLOPT_ERRORBUFFER, fault.data());
+    if (encrypted_) {
+        set(CURLOPT_USE_SSL, static_cast<long>(CURLUSESSL_ALL));
+        set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+        set(CURLOPT_SSL_VERIFYPEER, 1L);
+        set(CURLOPT_SSL_VERIFYHOST, 2L);
+        if (!certificates_.empty()) {
+            // The blob replaces the system's bundle, whose certificates the system's folder holds as well.
+            curl_blob blob{};
+            blob.data = certificates_.data();
+            blob.len = certificates_.size();
+            blob.flags = CURL_BLOB_COPY;
+            set(CURLOPT_CAINFO_BLOB, &blob);
+        }
+    }
     if (result == CURLE_OK)
         result = curl_easy_perform(curl);
+    // The handle outlives the buffer.
+    curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, nullptr);
     directory.listing = std::move(listing.text);
     if (listing.outOfMemory)
         result = CURLE_OUT_OF_MEMORY;
     if (result == CURLE_OK) {
         directory.entries = hasMlsd_ ? readMlsd(directory.listing) : readList(directory.listing);
-        if (directory.entries.size() > kMaxListedEntries) {
-            directory = FtpDirectory();
-            directory.refused = true;
-        }
+        if (directory.entries.size() > kMaxListedEntries)
+            return refusedDirectory("it is too large");
         return directory;
     }
     long code = 0;
@@ -110,37 +127,9 @@ Outcome<FtpDirectory> FtpClient::list(std::string_view path)
     }
     if (result == CURLE_WRITE_ERROR || result == CURLE_REMOTE_ACCESS_DENIED || result == CURLE_REMOTE_FILE_NOT_FOUND ||
         (result == CURLE_FTP_COULDNT_RETR_FILE && code >= 400)) {
-        directory.refused = true;
-        directory.listing.clear();
-        return directory;
+        return refusedDirectory(result == CURLE_WRITE_ERROR ? "it is too large" : "");
     }
-    return Failure{address + ": " + curl_easy_strerror(result)};
-}
-
-Outcome<FtpAddress> readFtpAddress(std::string_view address)
-{
-    constexpr std::string_view kScheme = "ftp://";
-    if (address.substr(0, kScheme.size()) != kScheme)
-        return Failure{std::string(address) + " does not begin with ftp://"};
-    const std::string_view rest = address.substr(kScheme.size());
-    const std::string_view authority = rest.substr(0, rest.find('/'));
-    if (authority.find('@') != std::string_view::npos)
-        return Failure{"an address with a user name cannot be crawled, because everybody can use the file search"};
-    const std::string_view host = authority.substr(0, authority.rfind(':'));
-    const bool hostFits = !host.empty() && std::all_of(host.begin(), host.end(), [](char c) {
-        return isAsciiAlphanumeric(c) || c == '-' || c == '.';
-    });
-    if (!hostFits || (host.size() < authority.size() && !wholeNumber(authority.substr(host.size() + 1))))
-        return Failure{std::string(authority) + " is not a valid HOST or HOST:PORT"};
-    std::string path = decodePercent(rest.substr(std::min(authority.size() + 1, rest.size())));
-    path.erase(0, std::min(path.find_first_not_of('/'), path.size()));
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    if (!path.empty())
-        path.push_back('/');
-    if (std::any_of(path.begin(), path.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }))
-        return Failure{"the path contains control characters"};
-    return FtpAddress{std::string(kScheme) + std::string(authority), path};
+    return Failure{address + ": " + (fault.front() != '\0' ? fault.data() : curl_easy_strerror(result))};
 }
 
 } // namespace quarrynet::services

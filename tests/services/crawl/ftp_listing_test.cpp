@@ -2,19 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "ftp/listing.h"
+#include "crawl/ftp_listing.h"
 #include "tests/services/support/service_support.h"
 
 using namespace quarrynet::services;
 
 namespace {
 
-using Kind = FtpEntry::Kind;
+using Kind = ListedEntry::Kind;
 
-std::vector<std::string> namesOf(const std::vector<FtpEntry>& entries)
+std::vector<std::string> namesOf(const std::vector<ListedEntry>& entries)
 {
     std::vector<std::string> names;
-    for (const FtpEntry& entry : entries)
+    for (const ListedEntry& entry : entries)
         names.push_back(entry.name);
     return names;
 }
@@ -42,7 +42,7 @@ TEST(ReadMlsd, NamesWithoutFactsAndSizesOutOfRangeStayReadable)
 {
     const auto entries = readMlsd(" bare\ntype=file;size=99999999999999999999; huge\nsize=-1; minus\nsize=; none\n");
     ASSERT_EQ(namesOf(entries), (std::vector<std::string>{"bare", "huge", "minus", "none"}));
-    for (const FtpEntry& entry : entries)
+    for (const ListedEntry& entry : entries)
         EXPECT_FALSE(entry.size) << entry.name;
 }
 
@@ -98,7 +98,7 @@ TEST(FtpListing, AnythingIsReadToItsEnd)
         for (std::size_t length = random() % 24; length > 0; --length)
             text += parts[random() % parts.size()];
         for (const auto& entries : {readMlsd(ExactCopy(text).view()), readList(ExactCopy(text).view())}) {
-            for (const FtpEntry& entry : entries)
+            for (const ListedEntry& entry : entries)
                 EXPECT_EQ(entry.name.find_first_of("/\r\n"), std::string::npos);
         }
     }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "ftp/FtpClient.h"
+#include "crawl/listed_directory.h"
 #include "ground/Outcome.h"
 
 namespace quarrynet::services {
@@ -26,7 +26,7 @@ struct CrawlLimits
 /// The interface of a crawl to its environment.
 struct CrawlTools
 {
-    std::function<Outcome<FtpDirectory>(std::string_view path)> list; ///< as FtpClient::list()
+    DirectoryLister list;
     std::function<std::chrono::steady_clock::time_point()> now;
     std::function<void(std::chrono::steady_clock::duration)> wait;
     std::function<void(const std::string&)> progress; ///< plain text lines without a line end
@@ -48,7 +48,7 @@ struct Crawl
     std::string cut;                  ///< the limit that stopped the crawl; empty if it is complete
 };
 
-/// Lists the directory `start` (see FtpClient::list()) and those below it, breadth first. A directory is entered once,
+/// Lists the directory `start` (see CrawlAddress::path) and those below it, breadth first. A directory is entered once,
 /// whatever links lead to it, as far as the server allows to detect that: by the "unique" facts of MLSD, and by a
 /// listing equal to that of a directory above. Links in LIST output are not followed; they get the type of their target
 /// if the crawl saw it. Fails when the first directory, or several in succession, cannot be listed.

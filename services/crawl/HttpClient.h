@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "config/crawl_address.h"
+#include "crawl/listed_directory.h"
+#include "crawl/robots.h"
+#include "ground/Outcome.h"
+#include "live/fetch.h"
+
+namespace quarrynet::services {
+
+/// Lists directories of an HTTP or HTTPS server by the pages that it makes for them (see readHttpListing()). Obeys the
+/// server's robots.txt, and follows redirects within the site only.
+class HttpClient
+{
+public:
+    /// `address` is one of http or https, of which only the site counts. `pool` must outlive this object.
+    HttpClient(const CrawlAddress& address, FetchPool& pool) : site_(address.site), pool_(pool) {}
+
+    /// Lists the directory `path` (see CrawlAddress::path). A page that is no listing, or that robots.txt does not
+    /// allow, counts as refused. Fails when the server or its robots.txt cannot be read, and when the server asks for
+    /// fewer requests.
+    Outcome<ListedDirectory> list(std::string_view path);
+
+private:
+    struct Page
+    {
+        Fetched fetched;
+        std::string address; ///< after redirects
+    };
+    Page fetch(const std::string& address, std::size_t most);
+    Outcome<Done> readRobots();
+    bool mayFetch(std::string_view address) const;
+
+    std::string site_;
+    FetchPool& pool_;
+    std::optional<RobotsRules> robots_; ///< read before the first directory
+};
+
+} // namespace quarrynet::services
