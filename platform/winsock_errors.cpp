@@ -55,8 +55,8 @@ WinSockError winSockError(QAbstractSocket::SocketError error, const QString& des
 WinSockError winSockError(int number)
 {
     constexpr std::array kErrors = {kNoNetwork, kNetworkReset, kAborted, kReset, kNoBuffers, kTimedOut, kNoHost};
-    const auto* found =
-        std::find_if(kErrors.begin(), kErrors.end(), [number](const WinSockError& error) { return error.number == number; });
+    const auto* found = std::find_if(kErrors.begin(), kErrors.end(),
+                                     [number](const WinSockError& error) { return error.number == number; });
     return found == kErrors.end() ? kAborted : *found;
 }
 

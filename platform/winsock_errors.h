@@ -12,7 +12,8 @@ struct WinSockError
     const char* description;
 };
 
-inline constexpr WinSockError kNoSuchPort = {10049, "The remote address is not valid: a port is a number from 1 to 65535"};
+inline constexpr WinSockError kNoSuchPort = {10049,
+                                             "The remote address is not valid: a port is a number from 1 to 65535"};
 inline constexpr WinSockError kAborted = {10053, "Connection is aborted due to timeout or other failure"};
 inline constexpr WinSockError kReset = {10054, "The connection is reset by remote side"};
 inline constexpr WinSockError kHostNotFound = {11001, "Host not found"};

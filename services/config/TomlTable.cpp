@@ -54,7 +54,11 @@ void FaultList::add(std::size_t line, const std::string& message)
     std::string place = file_;
     if (line > 0)
         place.append(":").append(std::to_string(line));
-    faults_.push_back(place + ": " + message);
+    place.append(": ");
+    // The parser quotes what it did not expect.
+    for (const char c : message)
+        place.push_back(isAsciiControl(c) ? ' ' : c);
+    faults_.push_back(std::move(place));
 }
 
 const toml::node* TomlTable::find(std::string_view key)

@@ -212,6 +212,10 @@ TEST(ServicesFile, TextThatIsNoTomlIsNamedWithItsLine)
     EXPECT_THAT(faultsOf("a = 1\na = 2\n"), ElementsAre(StartsWith("s.toml:2: ")));
     EXPECT_EQ(faultsOf(std::string("a = \"\0\"", 7)).size(), 1U);
     EXPECT_EQ(faultsOf("a = \"\xFF\"").size(), 1U);
+    for (const char* header : {"[=]", "[\n]", "[[,]]", "[ \xC3\xA4 ]", "[.a]", "[a.]", "[a.=]", "[", "[[", "[a", "[a]]",
+                               "[]", "[#]", "[\"\"\"a\"\"\"]", "[\x01]"})
+        EXPECT_EQ(faultsOf(header).size(), 1U) << header;
+    EXPECT_EQ(faultsOf(std::string("[\0web]", 6)).size(), 1U);
     EXPECT_EQ(faultsOf(std::string("a = ").append(100'000, '[')).size(), 1U);
     EXPECT_EQ(faultsOf(std::string(50'000, 'a') + " = " + std::string(50'000, '{')).size(), 1U);
     EXPECT_THAT(faultsOf(std::string(kMaxServicesFile + 1, '\n')), ElementsAre(HasSubstr("larger than 256 KB")));
