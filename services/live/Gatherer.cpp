@@ -18,8 +18,8 @@ using Clock = std::chrono::steady_clock;
 /// Longer words are cut: no instance accepts them.
 constexpr std::size_t kMaxWords = 1024;
 
-/// How often a thread that waits for another's round asks whether it is still wanted.
-constexpr std::chrono::milliseconds kLockPause{50};
+/// How often a thread that waits for another asks whether it is still wanted.
+constexpr std::chrono::milliseconds kReservePause{50};
 
 /// The index is asked for at most this many pages for one response.
 constexpr int kIndexPagesPerAnswer = 100;
@@ -49,7 +49,7 @@ struct Gatherer::Stream
 
 struct Gatherer::Search
 {
-    std::timed_mutex mutex; ///< guards what follows, except `begun` and `counted`
+    // Used by one search at a time, the one that has set `busy`.
     std::vector<Stream> streams;
     std::size_t turn = 0; ///< the stream whose row comes next
     std::vector<GatheredRow> merged;
@@ -57,6 +57,7 @@ struct Gatherer::Search
     std::size_t mergedBytes = 0;
     std::int64_t announced = 0; ///< largest total so far
 
+    bool busy = false;       ///< guarded by the Gatherer's mutex
     Clock::time_point begun; ///< guarded by the Gatherer's mutex
     std::size_t counted = 0; ///< likewise: bytes of this search in Gatherer::bytes_
 
@@ -70,6 +71,20 @@ struct Gatherer::Search
         }
         return sum;
     }
+};
+
+/// Frees a reserved search at its end.
+class Gatherer::Reservation
+{
+public:
+    Reservation(Gatherer& gatherer, Search& search) : gatherer_(gatherer), search_(search) {}
+    ~Reservation() { gatherer_.free(search_); }
+    Reservation(const Reservation&) = delete;
+    Reservation& operator=(const Reservation&) = delete;
+
+private:
+    Gatherer& gatherer_;
+    Search& search_;
 };
 
 /// The questions that one response asks.
@@ -337,7 +352,30 @@ std::shared_ptr<Gatherer::Search> Gatherer::searchFor(const std::string& words)
     return search;
 }
 
-/// Counts the bytes of a search that is still kept. Call it with the search's mutex held.
+/// Waits until no other thread uses the search, and reserves it. Returns false when that takes longer than the usual
+/// patience, or the task of this thread is abandoned.
+bool Gatherer::reserve(Search& search)
+{
+    const auto end = Clock::now() + limits_.patience;
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (!freed_.wait_for(lock, kReservePause, [&search] { return !search.busy; })) {
+        if (CurrentTask::abandoned() || Clock::now() > end)
+            return false;
+    }
+    search.busy = true;
+    return true;
+}
+
+void Gatherer::free(Search& search)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        search.busy = false;
+    }
+    freed_.notify_all();
+}
+
+/// Counts the bytes of a search that is still kept. The search must be reserved.
 void Gatherer::account(const std::string& words, const std::shared_ptr<Search>& search)
 {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -357,17 +395,14 @@ Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64
     if (words.empty())
         return gathered;
     const std::shared_ptr<Search> search = searchFor(words);
-    std::unique_lock<std::timed_mutex> lock(search->mutex, std::defer_lock);
-    while (!lock.try_lock_for(kLockPause)) {
-        if (CurrentTask::abandoned())
-            return gathered;
-        if (Clock::now() - begin > limits_.patience) {
-            const auto slow = std::find_if(settings_.sources.begin(), settings_.sources.end(),
-                                           [](const SourceSetting& source) { return !source.isIndex(); });
+    if (!reserve(*search)) {
+        const auto slow = std::find_if(settings_.sources.begin(), settings_.sources.end(),
+                                       [](const SourceSetting& source) { return !source.isIndex(); });
+        if (!CurrentTask::abandoned() && slow != settings_.sources.end())
             gathered.faults.push_back({SourceFault::Kind::TimeOut, slow->instances.front(), ""});
-            return gathered;
-        }
+        return gathered;
     }
+    const Reservation reservation(*this, *search);
     constexpr std::int64_t kFar = 1'000'000;
     const auto first = static_cast<std::size_t>(std::clamp<std::int64_t>(start, 0, kFar));
     const std::size_t last = first + static_cast<std::size_t>(count);

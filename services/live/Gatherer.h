@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -84,9 +85,12 @@ public:
 private:
     struct Stream;
     struct Search;
+    class Reservation;
     class Round;
 
     std::shared_ptr<Search> searchFor(const std::string& words);
+    bool reserve(Search& search);
+    void free(Search& search);
     void account(const std::string& words, const std::shared_ptr<Search>& search);
 
     FetchPool& pool_;
@@ -95,8 +99,9 @@ private:
     SearxCategory category_;
     Limits limits_;
     Now now_;
-    std::atomic<int> patient_ = 0; ///< searches that wait for longer than the usual patience
-    std::mutex mutex_;             ///< guards what follows
+    std::atomic<int> patient_ = 0;  ///< searches that wait for longer than the usual patience
+    std::condition_variable freed_; ///< a search is no longer reserved
+    std::mutex mutex_;              ///< guards what follows
     std::map<std::string, std::shared_ptr<Search>> searches_;
     std::list<std::string> order_; ///< keys of searches_, oldest first
     std::size_t bytes_ = 0;
