@@ -9,8 +9,9 @@
 #include <QDir>
 #include <QProcess>
 
-/// Measures the time from the start of a program until its window shows. The program and a bare window with a tab bar
-/// run in turn, so that other load on the machine affects both. The program should take at most 1.5 times as long.
+/// Measures the time from the start of a program until its window shows, and its peak memory until then. The program
+/// and a bare window with a tab bar run in turn, so that other load on the machine affects both. The program should
+/// take at most 1.5 times as long. bench/windows.sh runs this under Wine.
 ///
 ///     startup_bench [RUNS]
 
@@ -18,7 +19,13 @@ namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-std::optional<double> startOnce(const QString& program)
+struct Start
+{
+    double milliseconds;
+    double megabytes;
+};
+
+std::optional<Start> startOnce(const QString& program)
 {
     const auto begin = std::chrono::steady_clock::now();
     QProcess process;
@@ -26,7 +33,12 @@ std::optional<double> startOnce(const QString& program)
     process.start(program, {});
     if (!process.waitForFinished(30'000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
         return std::nullopt;
-    return Milliseconds(std::chrono::steady_clock::now() - begin).count();
+    const double time = Milliseconds(std::chrono::steady_clock::now() - begin).count();
+    bool isNumber = false;
+    const double memory = process.readAllStandardOutput().trimmed().toDouble(&isNumber);
+    if (!isNumber)
+        return std::nullopt;
+    return Start{time, memory / (1024 * 1024)};
 }
 
 double median(std::vector<double> values)
@@ -36,6 +48,29 @@ double median(std::vector<double> values)
     return *middle;
 }
 
+/// The measurements of one quantity.
+class Figures
+{
+public:
+    void add(double bare, double program)
+    {
+        bare_.push_back(bare);
+        program_.push_back(program);
+        ratios_.push_back(program / bare);
+    }
+
+    void print(const char* what, const char* unit) const
+    {
+        std::printf("%s: bare window %.1f %s, quarrynet %.1f %s, ratio %.2f (medians of %zu runs)\n", what,
+                    median(bare_), unit, median(program_), unit, median(ratios_), ratios_.size());
+    }
+
+private:
+    std::vector<double> bare_;
+    std::vector<double> program_;
+    std::vector<double> ratios_;
+};
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -44,29 +79,29 @@ int main(int argc, char** argv)
     const QDir here(QCoreApplication::applicationDirPath());
     qputenv("QT_PLUGIN_PATH", here.filePath(QStringLiteral("startup_plugins")).toLocal8Bit());
     qputenv("QT_QPA_GENERIC_PLUGINS", "shown_probe");
+#ifndef Q_OS_WIN // where Qt's own choice is the only one that a program is packed with
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
 
     const int runs = argc > 1 ? std::atoi(argv[1]) : 41;
-    std::vector<double> bare;
-    std::vector<double> program;
-    std::vector<double> ratios;
+    Figures time;
+    Figures memory;
     for (int i = 0; i <= runs; ++i) {
-        const std::optional<double> first = startOnce(here.filePath(QStringLiteral("bare_window")));
-        const std::optional<double> second = startOnce(here.filePath(QStringLiteral("quarrynet")));
-        if (!first || !second) {
+        const std::optional<Start> bare = startOnce(here.filePath(QStringLiteral("bare_window")));
+        const std::optional<Start> program = startOnce(here.filePath(QStringLiteral("quarrynet")));
+        if (!bare || !program) {
             std::fputs("a program showed no window, or did not end after showing it\n", stderr);
             return EXIT_FAILURE;
         }
         if (i == 0)
             continue; // the first run fills the system's caches
-        bare.push_back(*first);
-        program.push_back(*second);
-        ratios.push_back(*second / *first);
+        time.add(bare->milliseconds, program->milliseconds);
+        memory.add(bare->megabytes, program->megabytes);
     }
-    if (ratios.empty())
+    if (runs < 1)
         return EXIT_FAILURE;
-    std::printf("bare window %.1f ms, quarrynet %.1f ms, ratio %.2f (medians of %zu runs)\n", median(bare),
-                median(program), median(ratios), ratios.size());
+    time.print("start", "ms");
+    memory.print("memory", "MB");
     return EXIT_SUCCESS;
 }
