@@ -12,10 +12,7 @@ install_missing $windows_packages
 get_windows_qt
 get_windows_gtest
 
-QUARRYNET_WINDOWS_QT="$windows_qt" QUARRYNET_WINDOWS_GTEST="$windows_gtest" \
-    QUARRYNET_HOST_QT="$(qt_host_cmake)" cmake --preset windows >build-windows.log 2>&1 ||
-    { cat build-windows.log; rm -f build-windows.log; exit 1; }
-rm -f build-windows.log
+configure_for_windows build/windows
 cmake --build --preset windows
 
 folder=$(mktemp -d)

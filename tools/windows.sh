@@ -81,6 +81,13 @@ build_windows_qt() {
     rm -rf "$sources"
 }
 
+# Configures the build folder $1 for Windows, with the options that follow.
+configure_for_windows() {
+    mkdir -p "$1"
+    QUARRYNET_WINDOWS_QT="$windows_qt" QUARRYNET_WINDOWS_GTEST="$windows_gtest" QUARRYNET_HOST_QT="$(qt_host_cmake)" \
+        cmake --preset windows -B "$@" >"$1/configure.log" 2>&1 || { cat "$1/configure.log"; return 1; }
+}
+
 # Prints the folder of the CMake packages of this machine's Qt, whose tools a build for Windows uses.
 qt_host_cmake() { echo "/usr/lib/$(gcc -print-multiarch)/cmake"; }
 
@@ -101,6 +108,7 @@ get_windows_gtest() {
 # user's own Wine settings is used or changed.
 make_wine_folder() {
     export WINEPREFIX="$1" WINEDEBUG="${WINEDEBUG:--all}"
+    export WINEDLLOVERRIDES=winemenubuilder.exe=d # puts what is installed into the user's own menus
     unset DISPLAY
     "$wine_folder/wine64" wineboot -i >/dev/null 2>&1
     "$wine_folder/wine64" winecfg -v win10 >/dev/null 2>&1
@@ -126,3 +134,20 @@ end_wine() {
     "$wine_folder/wineserver64" -k 2>/dev/null || true
     "$wine_folder/wineserver64" -w 2>/dev/null || true
 }
+
+# Starts an X server of its own and exports DISPLAY, so that no window appears on the user's display.
+start_display() {
+    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$WINEPREFIX/display" >/dev/null 2>&1 &
+    display_server=$!
+    until [ -s "$WINEPREFIX/display" ]; do
+        kill -0 "$display_server" || return 1
+        sleep 0.05
+    done
+    DISPLAY=:$(cat "$WINEPREFIX/display")
+    export DISPLAY
+}
+
+end_display() { [ -z "${display_server:-}" ] || kill "$display_server" 2>/dev/null || true; }
+
+# Prints the path $1 of this system as Windows programs under Wine know it.
+windows_path() { echo "Z:$1" | tr / '\\'; }
