@@ -127,6 +127,9 @@ make_wine_folder() {
     } >"$WINEPREFIX/settings.reg"
     "$wine_folder/wine64" reg import "$WINEPREFIX/settings.reg" >/dev/null 2>&1
     end_wine
+    # The drive's share, which Windows itself has, for the tests of network paths.
+    mkdir -p "$WINEPREFIX/dosdevices/unc/localhost"
+    ln -sfn ../../../drive_c "$WINEPREFIX/dosdevices/unc/localhost/c\$"
 }
 
 # Ends the programs of WINEPREFIX. A program with a display needs a new server.

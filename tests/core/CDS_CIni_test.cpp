@@ -433,7 +433,7 @@ TEST_F(Ini, FileThatAnotherProgramLocksIsAFailureThatLosesNothing)
 
 TEST_F(Ini, FileOnANetworkShareIsReadAndWritten)
 {
-    // The system's own share of the drive; tests/windows.sh sets one up under Wine.
+    // The system's own share of the drive; tools/windows.sh sets one up under Wine.
     const std::wstring drive = folder_.native().substr(0, 1);
     const fs::path share = L"\\\\localhost\\" + drive + L"$" + folder_.native().substr(2);
     if (!fs::is_directory(share))

@@ -36,7 +36,7 @@ public:
 QString onNetworkShare([[maybe_unused]] const QString& folder)
 {
 #ifdef Q_OS_WIN
-    // The system's own share of the drive; tests/windows.sh sets one up under Wine.
+    // The system's own share of the drive; tools/windows.sh sets one up under Wine.
     const QString share = u"//localhost/%1$%2"_s.arg(folder.left(1), folder.mid(2));
     if (QDir(share).exists())
         return share;
