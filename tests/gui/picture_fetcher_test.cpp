@@ -160,7 +160,12 @@ void PictureFetcherTest::packedPictureIsNotUnpacked()
 
 void PictureFetcherTest::headWithoutAnEndIsGivenUp()
 {
-    server_->answer("/a", "HTTP/1.1 200 OK\r\nX: " + QByteArray(PictureFetcher::kMaxBytes, 'x'));
+#ifdef Q_OS_WIN
+    constexpr int kLength = 10'000; // the toolkit reads a head byte by byte, which takes Wine 80 us each
+#else
+    constexpr int kLength = PictureFetcher::kMaxBytes;
+#endif
+    server_->answer("/a", "HTTP/1.1 200 OK\r\nX: " + QByteArray(kLength, 'x'));
     QCOMPARE(fetch(server_->address(u"/a"_s)).bytes, QByteArray());
 }
 

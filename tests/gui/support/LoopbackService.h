@@ -57,7 +57,7 @@ public:
     QList<QByteArray> requestLines() const;
     /// Returns whether the system has taken everything that was sent.
     bool isSent() const;
-    int openConnections() const { return static_cast<int>(open_.size()); }
+    int openConnections() const;
 
 signals:
     void requested();
