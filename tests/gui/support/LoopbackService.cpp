@@ -138,9 +138,9 @@ int LoopbackService::openConnections() const
 #ifdef Q_OS_WIN
     // Under Wine, a socket that has sent something does not learn of a reset before it is used again.
     return static_cast<int>(std::ranges::count_if(open_.keys(), [](const QTcpSocket* connection) {
-        char first = 0;
+        const char nothing = 0;
         const auto socket = static_cast<SOCKET>(connection->socketDescriptor());
-        return ::recv(socket, &first, 1, MSG_PEEK) != SOCKET_ERROR || ::WSAGetLastError() == WSAEWOULDBLOCK;
+        return ::send(socket, &nothing, 0, 0) != SOCKET_ERROR || ::WSAGetLastError() == WSAEWOULDBLOCK;
     }));
 #else
     return static_cast<int>(open_.size());
