@@ -12,6 +12,7 @@
 #include <QMainWindow>
 #include <QScreen>
 
+#include "platform/ListView.h"
 #include "platform/scaling_bars.h"
 
 namespace quarrynet {
@@ -62,6 +63,8 @@ bool isEverShown(const QWidget& control)
 // Returns whether the control's text fits. A field may have any width, because typed text scrolls in it.
 bool hasRoom(const QWidget& control)
 {
+    if (const auto* list = qobject_cast<const ListView*>(&control))
+        return list->captionsFit();
     const QSize needed = control.sizeHint();
     if (needed.height() > control.height())
         return false;
@@ -214,7 +217,8 @@ void fitFont(QMainWindow& form, const std::vector<QWidget*>& controls)
     std::copy_if(controls.begin(), controls.end(), std::back_inserter(written), [](const QWidget* control) {
         return isEverShown(*control) &&
                (qobject_cast<const QLabel*>(control) || qobject_cast<const QAbstractButton*>(control) ||
-                qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control));
+                qobject_cast<const QLineEdit*>(control) || qobject_cast<const QComboBox*>(control) ||
+                qobject_cast<const ListView*>(control));
     });
     const double wanted = pointSize(form);
     int size = shownSize(wanted);

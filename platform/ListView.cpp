@@ -97,6 +97,16 @@ void ListView::setColumnWidths(const std::vector<int>& widths)
     shareWidth();
 }
 
+bool ListView::captionsFit() const
+{
+    for (std::size_t i = 0; i < shares_.size(); ++i) {
+        const QString caption = model_->headerData(static_cast<int>(i), Qt::Horizontal, Qt::DisplayRole).toString();
+        if (header()->fontMetrics().horizontalAdvance(caption) >= shares_[i] * width())
+            return false;
+    }
+    return true;
+}
+
 void ListView::halveColumns()
 {
     constexpr int kMargin = 3; // 50 twips in whole pixels

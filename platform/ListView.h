@@ -51,6 +51,9 @@ public:
     /// Sets each column's width in pixels, for the list's current width.
     void setColumnWidths(const std::vector<int>& widths);
 
+    /// Returns whether the captions fit in columns of the widths that were set. A list without widths has room.
+    bool captionsFit() const;
+
     /// Gives each of two columns half the list's width minus 50 twips for the frame.
     void halveColumns();
 

@@ -28,7 +28,7 @@ public:
     {
         QStyleOptionMenuItem entry;
         entry.initFrom(&bar);
-        return sizeFromContents(CT_MenuBarItem, &entry, QSize(0, bar.fontMetrics().height()), &bar).height();
+        return sizeFromContents(CT_MenuBarItem, &entry, QSize(1, bar.fontMetrics().height()), &bar).height();
     }
 };
 

@@ -104,12 +104,12 @@ private slots:
         // The font is no smaller than necessary: the layout uses even sizes, and the design has room for twelve points,
         // or for ten where widths are rounded up to whole pixels.
 #ifdef Q_OS_WIN
-        const int room = QGuiApplication::platformName() == u"offscreen"_s ? 10 : 12;
+        constexpr int kRoom = 10;
 #else
-        const int room = 12;
+        constexpr int kRoom = 12;
 #endif
         const int whole = qRound(QFontInfo(QApplication::font()).pointSizeF());
-        QCOMPARE(window.control<QLabel>("Label1")->font().pointSize(), std::min(whole + whole % 2, room));
+        QCOMPARE(window.control<QLabel>("Label1")->font().pointSize(), std::min(whole + whole % 2, kRoom));
         for (const QSize size : {QSize(608, 434), QSize(1216, 868)}) {
             window.main().resize(size);
             window.control<QLabel>("ConnectionPanel")->setText(u"Connection pending"_s);
@@ -131,7 +131,10 @@ private slots:
         }
     }
 
-    void everyMenuIsWhole_data() { addFonts(); }
+    void everyMenuIsWhole_data()
+    {
+        addFonts();
+    }
 
     void everyMenuIsWhole()
     {
@@ -159,7 +162,10 @@ private slots:
         }
     }
 
-    void everyDialogIsWhole_data() { addFonts(); }
+    void everyDialogIsWhole_data()
+    {
+        addFonts();
+    }
 
     void everyDialogIsWhole()
     {
