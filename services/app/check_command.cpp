@@ -11,7 +11,7 @@
 #include "config/services_file.h"
 #include "ground/utf8.h"
 #include "index/database.h"
-#include "live/SearxSource.h"
+#include "live/searx_instances.h"
 #include "searches/ImageService.h"
 #include "searches/WebService.h"
 

@@ -181,7 +181,7 @@ void readCrawls(TomlTable& top, FaultList& faults, std::vector<CrawlSetting>& cr
 std::string usualFile()
 {
     const char* folder = std::getenv("XDG_CONFIG_HOME");
-    // The specification tells to ignore paths that are not absolute.
+    // A path that is not absolute is ignored, as the XDG base directories ask for.
     if (folder != nullptr && folder[0] == '/')
         return std::string(folder) + "/quarrynet/services.toml";
     const char* home = std::getenv("HOME");

@@ -16,8 +16,8 @@
 
 #include "config/services_file.h"
 #include "ground/Outcome.h"
-#include "live/SearxSource.h"
 #include "live/fetch.h"
+#include "live/searx_instances.h"
 
 namespace quarrynet::services {
 

@@ -15,12 +15,12 @@
 #include "sources/ListedFiles.h"
 #include "sources/PoolFiles.h"
 #include "sources/Programs.h"
+#include "sources/SoftwareCatalog.h"
 #include "sources/contents_lists.h"
 #include "sources/document_folders.h"
 #include "sources/package_lists.h"
 #include "sources/picture_folders.h"
 #include "sources/program_texts.h"
-#include "sources/software_catalog.h"
 #include "text/html_document.h"
 #include "text/markup.h"
 

@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "sources/software_catalog.h"
+#include "sources/SoftwareCatalog.h"
 #include "tests/fuzz/fuzz_input.h"
 
 using namespace quarrynet;

@@ -2,8 +2,8 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include "TlsServer.h"
 #include "WindowFixture.h"
+#include "tls_server.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;

@@ -11,10 +11,10 @@
 #include <QTimer>
 
 #include "LoopbackService.h"
-#include "TlsServer.h"
 #include "platform/TcpClientSocket.h"
 #include "platform/TlsSocket.h"
 #include "platform/tls_faults.h"
+#include "tls_server.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;

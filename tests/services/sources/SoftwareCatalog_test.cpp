@@ -5,8 +5,8 @@
 
 #include "search/download/results.h"
 #include "searches/DownloadService.h"
+#include "sources/SoftwareCatalog.h"
 #include "sources/indexing.h"
-#include "sources/software_catalog.h"
 #include "tests/services/support/service_support.h"
 
 using namespace quarrynet;

@@ -1,4 +1,4 @@
-#include "sources/software_catalog.h"
+#include "sources/SoftwareCatalog.h"
 
 #include <algorithm>
 #include <memory>

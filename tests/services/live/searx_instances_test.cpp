@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "http/Router.h"
-#include "live/SearxSource.h"
+#include "live/searx_instances.h"
 #include "tests/services/support/live_support.h"
 
 using namespace quarrynet;
@@ -46,7 +46,7 @@ SourceFault faultOfStatus(int status, std::vector<std::pair<std::string, std::st
 
 } // namespace
 
-TEST(SearxSource, AsksAsTheConfigurationSays)
+TEST(SearxInstances, AsksAsTheConfigurationSays)
 {
     LoopbackServer server([](const HttpRequest&) { return jsonResponse(searxJson("https://a.example/", 1, 3)); });
     InstanceTable table;
@@ -61,7 +61,7 @@ TEST(SearxSource, AsksAsTheConfigurationSays)
                              "safesearch=2&format=json");
 }
 
-TEST(SearxSource, EachRefusalHasItsReason)
+TEST(SearxInstances, EachRefusalHasItsReason)
 {
     EXPECT_EQ(faultOfStatus(403).kind, Kind::NoJson);
     EXPECT_EQ(faultOfStatus(500).kind, Kind::Status);
@@ -84,14 +84,14 @@ TEST(SearxSource, EachRefusalHasItsReason)
     EXPECT_EQ(engines.detail, "one (timeout), two (denied)");
 }
 
-TEST(SearxSource, NoResultsAreNoFault)
+TEST(SearxInstances, NoResultsAreNoFault)
 {
     const LoopbackServer server([](const HttpRequest&) { return jsonResponse(R"({"results": []})"); });
     InstanceTable table;
     EXPECT_TRUE(ask(table, {server.site()}));
 }
 
-TEST(SearxSource, TheProgramItselfIsNoSource)
+TEST(SearxInstances, TheProgramItselfIsNoSource)
 {
     Router router;
     bool searched = false;
@@ -103,7 +103,7 @@ TEST(SearxSource, TheProgramItselfIsNoSource)
     EXPECT_FALSE(searched);
 }
 
-TEST(SearxSource, InstancesAreTriedInTurnTheLastThatAnsweredFirst)
+TEST(SearxInstances, InstancesAreTriedInTurnTheLastThatAnsweredFirst)
 {
     bool firstAnswers = false;
     LoopbackServer first([&firstAnswers](const HttpRequest&) {
@@ -119,7 +119,7 @@ TEST(SearxSource, InstancesAreTriedInTurnTheLastThatAnsweredFirst)
     EXPECT_THAT(table.order({"a", "b", second.site(), "c"}), ElementsAre(second.site(), "a", "b", "c"));
 }
 
-TEST(SearxSource, ARateLimitIsKeptUntilItsEnd)
+TEST(SearxInstances, ARateLimitIsKeptUntilItsEnd)
 {
     LoopbackServer server([](const HttpRequest&) { return statusResponse(429, {{"Retry-After", "30"}}); });
     LoopbackServer other([](const HttpRequest&) { return jsonResponse(searxJson("https://other.example/", 1, 1)); });

@@ -1,4 +1,4 @@
-#include "live/SearxSource.h"
+#include "live/searx_instances.h"
 
 #include <algorithm>
 #include <memory>
