@@ -25,6 +25,9 @@ get_windows_qt() {
     touch "$windows_qt/complete"
 }
 
+# Tells whether Qt for Windows is there already, or can be unpacked.
+has_windows_qt() { [ -f "$windows_qt/complete" ] || [ -n "$(find_windows_qt_archive)" ]; }
+
 # Prints the path of the archive with Qt for Windows, or nothing.
 find_windows_qt_archive() {
     for archive in "${QUARRYNET_QT_FOR_WINDOWS:-}" ../shared/qt6-mingw.txz; do
