@@ -139,6 +139,22 @@ void readService(TomlTable& file, std::string_view name, FaultList& faults, Serv
     table.finish();
 }
 
+/// Reads the table of a service that has no other source than the index.
+void readIndexedService(TomlTable& file, std::string_view name, FaultList& faults)
+{
+    const toml::table* found = file.table(name);
+    if (found == nullptr)
+        return;
+    TomlTable table(*found, std::string("[").append(name).append("]"), faults);
+    if (const toml::array* list = table.array("sources")) {
+        const bool isIndexAlone =
+            list->size() == 1 && list->get(0)->value_exact<std::string>() == std::optional<std::string>(kIndex);
+        if (!isIndexAlone)
+            table.complain(*list, R"("sources" takes ["index"] here; only [web] and [image] have other sources)");
+    }
+    table.finish();
+}
+
 void readCrawls(TomlTable& top, FaultList& faults, std::vector<CrawlSetting>& crawls)
 {
     constexpr std::int64_t kMostHours = std::int64_t{24} * 365;
@@ -232,6 +248,8 @@ Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const
     TomlTable top(parsed.table(), "", faults);
     readService(top, "web", faults, file.web);
     readService(top, "image", faults, file.image, &file.privatePictures);
+    readIndexedService(top, "download", faults);
+    readIndexedService(top, "file", faults);
     // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
     readCrawls(top, faults, file.crawls);
     if (const std::optional<bool> log = top.flag("log-queries"))

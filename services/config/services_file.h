@@ -83,8 +83,8 @@ using FileFaults = std::vector<std::string>;
 /// Parses the content of the file; `name` is its name in messages.
 Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const std::string& name);
 
-/// Reads the file `chosen`, or if that is empty, "quarrynet/services.toml" in $XDG_CONFIG_HOME or ~/.config (XDG Base
-/// Directory Specification). Returns the defaults when nothing was chosen and there is no file.
+/// Reads the file `chosen`, or if that is empty, "quarrynet/services.toml" in $XDG_CONFIG_HOME or ~/.config (the XDG
+/// base directories). Returns the defaults when nothing was chosen and there is no file.
 Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen);
 
 /// Returns the content of `caFile`, or an empty text if that is empty.

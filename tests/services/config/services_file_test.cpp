@@ -162,6 +162,17 @@ TEST(ServicesFile, SourcesThatAreNoneAreNamedWithTheirLines)
     EXPECT_EQ(faultsOf(std::string("[web]\nsources = [\"https://").append(2'000, 'a').append("\"]")).size(), 1U);
 }
 
+TEST(ServicesFile, DownloadsAndFilesComeFromTheIndexOnly)
+{
+    EXPECT_TRUE(readServicesFile("[download]\nsources = [\"index\"]\n[file]\n", "s.toml"));
+    for (const char* sources : {"[]", "[\"https://searx.example\"]", "[\"index\", \"index\"]", "[1]", "[[]]"}) {
+        EXPECT_THAT(faultsOf(std::string("[file]\nsources = ") + sources),
+                    ElementsAre(AllOf(StartsWith("s.toml:2: "), HasSubstr("[\"index\"]"))))
+            << sources;
+    }
+    EXPECT_THAT(faultsOf("[download]\nlanguage = \"de\""), ElementsAre(StartsWith("s.toml:2: ")));
+}
+
 TEST(ServicesFile, ServersToCrawlAreRead)
 {
     const auto file = readServicesFile("[[crawl]]\naddress = \"https://h/pub\"\n[[crawl]]\naddress = \"ftps://h\"\n"
