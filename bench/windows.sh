@@ -15,16 +15,7 @@ build=$PWD/build/windows-bench
 configure_for_windows "$build" -DQUARRYNET_BUILD_TESTS=OFF -DQUARRYNET_BUILD_BENCH=ON
 cmake --build "$build" --target startup_bench
 
-work=$(mktemp -d)
-export WINEPREFIX="$work/wine" # before anything could end the Wine programs of another one
-finish() {
-    end_wine
-    end_display
-    rm -rf "$work"
-}
-trap finish EXIT
-trap 'exit 1' INT TERM
-make_wine_folder "$work/wine"
+make_temporary_wine_folder
 start_display
 
 # Installed, the program has its libraries beside it as users have them; the other programs share these.

@@ -15,14 +15,7 @@ get_windows_gtest
 configure_for_windows build/windows
 cmake --build --preset windows
 
-folder=$(mktemp -d)
-finish() {
-    end_wine
-    rm -rf "$folder"
-}
-trap finish EXIT
-trap 'exit 1' INT TERM
-make_wine_folder "$folder/wine"
+make_temporary_wine_folder
 export WINEPATH="Z:${windows_qt//\//\\}\\bin"
 
 chosen=${1:-.}

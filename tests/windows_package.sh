@@ -51,16 +51,7 @@ echo old >"$older/styles/gone.txt"
 # ---- the files ----
 
 export LC_ALL=C.UTF-8 # Wine reads the names of files by it
-work=$(mktemp -d)
-export WINEPREFIX="$work/wine" # before anything could end the Wine programs of another one
-finish() {
-    end_wine
-    end_display
-    rm -rf "$work"
-}
-trap finish EXIT
-trap 'exit 1' INT TERM
-make_wine_folder "$work/wine"
+make_temporary_wine_folder
 start_display
 
 unzip -q "$build/$name.zip" -d "$work/unpacked"

@@ -135,6 +135,16 @@ make_wine_folder() {
     ln -sfn ../../../drive_c "$WINEPREFIX/dosdevices/unc/localhost/c\$"
 }
 
+# Makes the temporary folder $work with a Wine folder in it. The end of the script ends Wine and the display, and removes
+# the folder.
+make_temporary_wine_folder() {
+    work=$(mktemp -d)
+    export WINEPREFIX="$work/wine" # before anything could end the Wine programs of another one
+    trap 'end_wine; end_display; rm -rf "$work"' EXIT
+    trap 'exit 1' INT TERM
+    make_wine_folder "$work/wine"
+}
+
 # Ends the programs of WINEPREFIX. A program with a display needs a new server.
 end_wine() {
     "$wine_folder/wineserver64" -k 2>/dev/null || true
