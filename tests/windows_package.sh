@@ -240,7 +240,9 @@ settings=$(cat "$standard/Quarrynet.ini")
 with_settings=$(printf '%s\n' "$installed_files" Quarrynet.ini | LC_ALL=C sort)
 
 # A folder that cannot be written: the older copy stays.
+root_before=$(ls -A /) # the drive Z of Wine
 expect 2 "installation into a folder that cannot be written" install_in 'Q:\Quarrynet'
+same "the files in the root of the drive" "$root_before" "$(ls -A /)"
 [ -e "$standard/styles/gone.txt" ] && [ -e "$standard/quarrynet.exe" ] || fail "a failed upgrade removed the older copy"
 
 expect 0 "upgrade" run "$installer" /S
