@@ -1,6 +1,7 @@
 #include "crawl/robots.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "ground/ascii.h"
@@ -19,11 +20,33 @@ std::string_view trimmed(std::string_view text)
     return text;
 }
 
-/// Returns `path` with each octet in one form, so that escaped and plain ones compare equal. Keeps what means something
-/// else when escaped: "%2F" is no folder, and a pattern's "*" no plain one.
-std::string normalized(std::string_view path)
+enum class Text : std::uint8_t
 {
-    return encodePercentOnce(path, "-._~!$&'()*+,;=:@/?");
+    Path,
+    Pattern, ///< in which a plain "*", and a plain "$" at the end, mean something else than their escapes
+};
+
+/// Returns `text` with each octet in one form (RFC 9309, section 2.2.2), so that escaped and plain ones compare equal.
+/// Only "/" and "?" stay as they are, because their escapes separate nothing.
+std::string normalized(std::string_view text, Text kind)
+{
+    std::string out;
+    for (; !text.empty(); text.remove_prefix(1)) {
+        char c = text.front();
+        const bool isEscape = beginsPercentEscape(text);
+        if (isEscape) {
+            c = static_cast<char>(hexDigitValue(text[1]) * 16 + hexDigitValue(text[2]));
+            text.remove_prefix(2);
+        }
+        const bool hasMeaning =
+            c == '/' || c == '?' || (kind == Text::Pattern && (c == '*' || (c == '$' && text.size() == 1)));
+        const bool isPlain = isAsciiAlphanumeric(c) || std::string_view("-._~!&'()+,;=:@").find(c) != std::string::npos;
+        if (isPlain || (hasMeaning && !isEscape))
+            out.push_back(c);
+        else
+            appendPercentEscape(out, c);
+    }
+    return out;
 }
 
 /// Returns whether `pattern` matches the beginning of `path`. Each part between stars is looked for once, from left to
@@ -54,7 +77,8 @@ bool matches(std::string_view pattern, std::string_view path)
 
 RobotsRules::RobotsRules(std::string_view text, std::string_view product)
 {
-    text = text.substr(0, kMaxRobots);
+    if (text.size() > kMaxRobots)
+        text = text.substr(0, text.find_last_of("\r\n", kMaxRobots) + 1);
     if (text.starts_with("\xEF\xBB\xBF"))
         text.remove_prefix(3);
     std::vector<Rule> general;
@@ -89,7 +113,7 @@ RobotsRules::RobotsRules(std::string_view text, std::string_view product)
             continue;
         for (const auto& [isOf, rules] : {std::pair(ofProduct, &rules_), std::pair(ofAll, &general)}) {
             if (isOf && rules->size() < kMaxRobotsRules)
-                rules->push_back({normalized(value), allow});
+                rules->push_back({normalized(value, Text::Pattern), allow});
         }
     }
     if (!named)
@@ -98,7 +122,7 @@ RobotsRules::RobotsRules(std::string_view text, std::string_view product)
 
 bool RobotsRules::allows(std::string_view path) const
 {
-    const std::string wanted = normalized(path);
+    const std::string wanted = normalized(path, Text::Path);
     const Rule* decides = nullptr;
     for (const Rule& rule : rules_) {
         const bool stronger = decides == nullptr || rule.pattern.size() > decides->pattern.size() ||

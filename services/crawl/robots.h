@@ -7,7 +7,8 @@
 
 namespace quarrynet::services {
 
-/// The rest of a longer file is ignored (RFC 9309, section 2.5).
+/// The rest of a longer file is ignored (RFC 9309, section 2.5), and so is the line that this bound cuts: less of an
+/// "Allow: /open/" would allow more.
 inline constexpr std::size_t kMaxRobots = 512 * 1024;
 /// Longer rules are ignored, and so are further ones.
 inline constexpr std::size_t kMaxRobotsRule = 1024;
@@ -26,7 +27,7 @@ public:
     RobotsRules() = default;
 
     /// Returns whether a path may be fetched, which is escaped and begins with "/": the longest rule that matches it
-    /// decides, and of equally long ones the one that allows.
+    /// decides, and of equally long ones the one that allows. Characters match their escapes, except "/" and "?".
     bool allows(std::string_view path) const;
 
 private:

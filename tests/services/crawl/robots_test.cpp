@@ -1,4 +1,6 @@
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -72,6 +74,48 @@ TEST(Robots, EscapesCompareWithPlainText)
 {
     EXPECT_FALSE(allows("User-agent: *\nDisallow: /a b\xC3\xA9/", "/a%20b%C3%A9/"));
     EXPECT_FALSE(allows("User-agent: *\nDisallow: /a%20b/", "/a%20b/"));
+    for (const auto& [rule, path] :
+         std::initializer_list<std::pair<std::string, std::string>>{{"/%7Ejoe/", "/~joe/"},
+                                                                    {"/~joe/", "/%7ejoe/"},
+                                                                    {"/caf%c3%a9/", "/caf%C3%A9/"},
+                                                                    {"/%70rivate/", "/private/"},
+                                                                    {"/a(b)/", "/a%28b%29/"},
+                                                                    {"/it's!&;/", "/it%27s%21%26%3b/"},
+                                                                    {"/a%2fb", "/a%2Fb"},
+                                                                    {"/a%", "/a%25"},
+                                                                    {"/a%zz", "/a%25zz"},
+                                                                    {"/a%2Ab", "/a*b"},
+                                                                    {"/a%2ab$", "/a%2Ab"},
+                                                                    {"/a%24", "/a$b"},
+                                                                    {"/a$b", "/a%24b"},
+                                                                    {"/a$$", "/a%24"}})
+        EXPECT_FALSE(allows("User-agent: *\nDisallow: " + rule + "\n", path)) << rule;
+}
+
+TEST(Robots, EscapesThatMeanSomethingElseAreKept)
+{
+    for (const auto& [rule, path] :
+         std::initializer_list<std::pair<std::string, std::string>>{{"/a%2Ab", "/axb"},
+                                                                    {"/a%24", "/a"},
+                                                                    {"/a%2Fb", "/a/b"},
+                                                                    {"/a/b", "/a%2Fb"},
+                                                                    {"/a?b", "/a%3Fb"},
+                                                                    {"/%2570rivate/", "/private/"},
+                                                                    {"/a$", "/a%24"},
+                                                                    {"/a%00", "/a"}})
+        EXPECT_TRUE(allows("User-agent: *\nDisallow: " + rule + "\n", path)) << rule;
+}
+
+TEST(Robots, LineThatTheBoundCutsIsIgnored)
+{
+    const std::string head = "User-agent: *\nDisallow: /\n#";
+    const auto cutAfter = [&head](std::string_view rule, std::string_view rest) {
+        return std::string(head).append(kMaxRobots - head.size() - rule.size(), 'x').append(rule).append(rest);
+    };
+    EXPECT_FALSE(allows(cutAfter("\nAllow: /", "open/\n"), "/a"));
+    EXPECT_TRUE(allows(cutAfter("\nAllow: /a", "\n"), "/a")) << "a whole line";
+    EXPECT_TRUE(allows(cutAfter("\nAllow: /a", ""), "/a")) << "a whole file";
+    EXPECT_TRUE(allows("User-agent: *" + std::string(kMaxRobots, ' ') + "\nDisallow: /\n", "/a"));
 }
 
 TEST(Robots, HostileFileIsBounded)
