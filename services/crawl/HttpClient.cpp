@@ -13,7 +13,10 @@ namespace quarrynet::services {
 namespace {
 
 constexpr std::chrono::seconds kMaxTime{120};
+constexpr int kMostRobotsRedirects = 5;
 constexpr int kOk = 200;
+constexpr int kRedirects = 300;    ///< and above
+constexpr int kClientErrors = 400; ///< and above
 constexpr int kTooManyRequests = 429;
 constexpr int kBroken = 500; ///< and above
 constexpr int kUnavailable = 503;
@@ -21,6 +24,11 @@ constexpr int kUnavailable = 503;
 bool isPage(std::string_view type)
 {
     return startsWithIgnoringCase(type, "text/html") || startsWithIgnoringCase(type, "application/xhtml+xml");
+}
+
+bool isWebAddress(std::string_view address)
+{
+    return startsWithIgnoringCase(address, "http://") || startsWithIgnoringCase(address, "https://");
 }
 
 } // namespace
@@ -32,40 +40,59 @@ bool HttpClient::mayFetch(std::string_view address) const
            (!robots_ || robots_->allows(address.substr(site_.size())));
 }
 
-HttpClient::Page HttpClient::fetch(const std::string& address, std::size_t most)
+Fetched HttpClient::fetch(FetchOrder order)
+{
+    order.end = std::chrono::steady_clock::now() + kMaxTime;
+    Fetched result;
+    result.fault = Fetched::Fault::Broken;
+    Fetches fetches(pool_);
+    fetches.start(std::move(order), [&result](Fetched fetched) { result = std::move(fetched); });
+    fetches.run();
+    return result;
+}
+
+HttpClient::Page HttpClient::fetchPage(const std::string& address)
 {
     Page page;
     page.address = address;
     FetchOrder order;
     order.address = address;
-    order.maxBytes = most;
-    order.end = std::chrono::steady_clock::now() + kMaxTime;
+    order.maxBytes = kMaxListing;
     order.mayRedirect = [this, &page](std::string_view, std::string_view to) {
         if (!mayFetch(to))
             return false;
         page.address = std::string(to);
         return true;
     };
-    Fetches fetches(pool_);
-    page.fetched.fault = Fetched::Fault::Broken;
-    fetches.start(std::move(order), [&page](Fetched fetched) { page.fetched = std::move(fetched); });
-    fetches.run();
+    page.fetched = fetch(std::move(order));
     return page;
 }
 
+/// As RFC 9309, section 2.3.1, says: a site without the file allows everything, and one that fails to send it nothing.
 Outcome<Done> HttpClient::readRobots()
 {
-    const Page page = fetch(site_ + "/robots.txt", kMaxRobots);
-    const Fetched& fetched = page.fetched;
-    const bool isElsewhere = fetched.fault == Fetched::Fault::Redirect || fetched.fault == Fetched::Fault::TooLarge;
-    // A server that fails to send the file allows nothing, one without it everything (RFC 9309, section 2.3.1). A file
-    // elsewhere or of excessive length is taken as none.
-    if (fetched.fault != Fetched::Fault::None && !isElsewhere)
-        return Failure{site_ + "/robots.txt: " + fetched.detail};
-    if (fetched.status == kTooManyRequests || fetched.status >= kBroken)
-        return Failure{site_ + "/robots.txt: the server answers " + std::to_string(fetched.status)};
+    FetchOrder order;
+    order.address = site_ + "/robots.txt";
+    order.maxBytes = kMaxRobots + 1; // one more tells RobotsRules that the file goes on
+    order.cut = true;
+    order.mostRedirects = kMostRobotsRedirects;
+    order.mayRedirect = [](std::string_view, std::string_view to) { return isWebAddress(to); };
+    const std::string name = order.address;
+    const Fetched fetched = fetch(std::move(order));
+    const bool isRedirect = fetched.fault == Fetched::Fault::Redirect;
+    const bool hasTooManyRedirects = isRedirect && isWebAddress(fetched.detail);
+    if (isRedirect && !hasTooManyRedirects)
+        return Failure{name + ": it leads to " + tidyAddress(fetched.detail)};
+    if (!isRedirect && fetched.fault != Fetched::Fault::None)
+        return Failure{name + ": " +
+                       (fetched.fault == Fetched::Fault::TooLarge ? "its answer is too large" : fetched.detail)};
+    const bool isSuccess = fetched.status >= kOk && fetched.status < kRedirects;
+    const bool isUnavailable = hasTooManyRedirects || (fetched.status >= kClientErrors && fetched.status < kBroken &&
+                                                       fetched.status != kTooManyRequests);
+    if (!isSuccess && !isUnavailable)
+        return Failure{name + ": the server answers " + std::to_string(fetched.status)};
     robots_.emplace();
-    if (!isElsewhere && fetched.status == kOk) {
+    if (isSuccess) {
         const std::string agent = userAgent();
         robots_.emplace(fetched.body, std::string_view(agent).substr(0, agent.find('/')));
     }
@@ -82,7 +109,7 @@ Outcome<ListedDirectory> HttpClient::list(std::string_view path)
     const std::string address = site_ + "/" + encodePath(path);
     if (!mayFetch(address))
         return refusedDirectory("the server's robots.txt does not allow it");
-    const Page page = fetch(address, kMaxListing);
+    const Page page = fetchPage(address);
     const Fetched& fetched = page.fetched;
     if (fetched.fault == Fetched::Fault::TooLarge)
         return refusedDirectory("it is too large");

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,7 +13,7 @@
 namespace quarrynet::services {
 
 /// Lists directories of an HTTP or HTTPS server by the pages that it makes for them (see readHttpListing()). Obeys the
-/// server's robots.txt, and follows redirects within the site only.
+/// server's robots.txt, which may be redirected to any server; all other redirects are followed within the site only.
 class HttpClient
 {
 public:
@@ -32,7 +31,8 @@ private:
         Fetched fetched;
         std::string address; ///< after redirects
     };
-    Page fetch(const std::string& address, std::size_t most);
+    Fetched fetch(FetchOrder order);
+    Page fetchPage(const std::string& address);
     Outcome<Done> readRobots();
     bool mayFetch(std::string_view address) const;
 

@@ -91,6 +91,7 @@ struct Fetches::Transfer
     std::size_t head = 0;
     int redirects = 0;
     bool tooLarge = false;
+    bool isCut = false;
     Clock::time_point began = Clock::now();
     std::array<char, CURL_ERROR_SIZE> message{};
 
@@ -107,8 +108,17 @@ struct Fetches::Transfer
     {
         auto& transfer = *static_cast<Transfer*>(to);
         try {
-            if (size * count > transfer.order.maxBytes - transfer.fetched.body.size()) {
-                transfer.tooLarge = true;
+            const std::size_t left = transfer.order.maxBytes - transfer.fetched.body.size();
+            if (size * count > left) {
+                // libcurl says where a redirect leads only after its whole body.
+                long status = 0;
+                curl_easy_getinfo(transfer.curl, CURLINFO_RESPONSE_CODE, &status);
+                if (transfer.order.cut && (status < 300 || status >= 400)) {
+                    transfer.fetched.body.append(bytes, left);
+                    transfer.isCut = true;
+                } else {
+                    transfer.tooLarge = true;
+                }
                 return 0;
             }
             transfer.fetched.body.append(bytes, size * count);
@@ -172,7 +182,8 @@ CURLcode Fetches::Transfer::setUp(const std::string& certificates, const Reach& 
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_CONNECTTIMEOUT_MS, kConnectMilliseconds);
     set(CURLOPT_TIMEOUT_MS, std::max<long>(1, static_cast<long>(left)));
-    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(order.maxBytes));
+    if (!order.cut)
+        set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(order.maxBytes));
     set(CURLOPT_WRITEFUNCTION, takeBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     set(CURLOPT_HEADERFUNCTION, takeHead);
@@ -244,6 +255,7 @@ void Fetches::begin(Transfer& transfer)
 {
     transfer.fetched = Fetched();
     transfer.head = 0;
+    transfer.isCut = false;
     if (multi_ == nullptr || transfer.setUp(pool_.certificates_, pool_.reach_) != CURLE_OK ||
         curl_multi_add_handle(multi_, transfer.curl) != CURLM_OK)
         transfer.fetched.fault = Fetched::Fault::Broken;
@@ -255,7 +267,7 @@ void Fetches::end(Transfers::iterator place, int result)
     curl_multi_remove_handle(multi_, transfer.curl);
     Fetched& fetched = transfer.fetched;
     fetched.time = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - transfer.began);
-    fetched.fault = faultOf(static_cast<CURLcode>(result));
+    fetched.fault = transfer.isCut ? Fetched::Fault::None : faultOf(static_cast<CURLcode>(result));
     if (transfer.tooLarge)
         fetched.fault = Fetched::Fault::TooLarge;
     if (fetched.fault != Fetched::Fault::None) {
@@ -279,7 +291,7 @@ void Fetches::end(Transfers::iterator place, int result)
             const std::string target = next;
             const bool follows = transfer.order.mayRedirect ? transfer.order.mayRedirect(transfer.order.address, target)
                                                             : followsOnSite(transfer.order.address, target);
-            if (follows && transfer.redirects < kMostRedirects) {
+            if (follows && transfer.redirects < transfer.order.mostRedirects) {
                 ++transfer.redirects;
                 transfer.order.address = target;
                 begin(transfer);

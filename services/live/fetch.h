@@ -31,6 +31,8 @@ struct FetchOrder
     std::string language = "*";
     /// Decides whether a redirect is followed; null stands for followsOnSite().
     std::function<bool(std::string_view from, std::string_view to)> mayRedirect = nullptr;
+    int mostRedirects = kMostRedirects;
+    bool cut = false; ///< keeps the first maxBytes of a longer body, unless it is a redirect's
 };
 
 struct Fetched

@@ -166,6 +166,71 @@ TEST(HttpClient, ServerThatFailsToSendTheRobotsFileIsNotCrawled)
     }
 }
 
+TEST(HttpClient, RulesOfALongRobotsFileAreObeyedUpToItsBound)
+{
+    // The bound cuts the rule "Allow: /private/open/" after its first slash.
+    std::string text = "User-agent: *\nDisallow: /\nAllow: /public/\n#";
+    const std::string last = "\nAllow: /private/open/\nAllow: /late/\n";
+    text.append(kMaxRobots - text.size() - std::string_view("\nAllow: /").size(), 'x').append(last);
+    const std::string withoutLength = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n";
+    for (const std::string& answer : {MadeUpHttp::response(text), withoutLength + text,
+                                      MadeUpHttp::response(text + std::string(20'000'000, '\n'))}) {
+        Site site({{"/robots.txt", answer}});
+        for (const std::string path : {"private/", "private/open/", "late/"}) {
+            const Outcome<ListedDirectory> directory = site.list(path);
+            ASSERT_TRUE(directory) << directory.error().message;
+            EXPECT_NE(directory->reason.find("robots.txt"), std::string::npos) << path << directory->reason;
+        }
+        EXPECT_NE(site.list("public/")->reason.find("404"), std::string::npos);
+        EXPECT_EQ(site.asked(), (std::vector<std::string>{"/robots.txt", "/public/"}));
+    }
+}
+
+TEST(HttpClient, RobotsFileMayBeOnAnyServerFiveRedirectsAway)
+{
+    Site other({{"/4", redirect("5")}, {"/5", MadeUpHttp::response("User-agent: *\nDisallow: /private/\n")}});
+    Pages pages{{"/", MadeUpHttp::listing("/", {"a"})},
+                {"/robots.txt", redirect("/1")},
+                {"/1", redirect("/2")},
+                {"/2", redirect("/3")},
+                {"/3", redirect(other.site() + "/4")}};
+    Site site(pages);
+    EXPECT_FALSE(site.list("")->refused);
+    EXPECT_NE(site.list("private/")->reason.find("robots.txt"), std::string::npos);
+    EXPECT_EQ(other.asked(), (std::vector<std::string>{"/4", "/5"}));
+
+    other.set("/5", redirect("/6"));
+    Site further(pages);
+    EXPECT_EQ(further.list("private/")->reason.find("robots.txt"), std::string::npos) << "counts as a missing file";
+    EXPECT_EQ(other.asked(), (std::vector<std::string>{"/4", "/5", "/4", "/5"}));
+    other.set("/5", MadeUpHttp::response("", "404 None"));
+    EXPECT_TRUE(Site(pages).list(""));
+    other.set("/5", MadeUpHttp::response("", "503 Busy"));
+    EXPECT_FALSE(Site(pages).list("")) << "a server that fails to send it";
+}
+
+TEST(HttpClient, RobotsFileThatCannotBeReadAllowsNothing)
+{
+    const std::string manyFields = std::string("HTTP/1.1 200 OK\r\nX: ").append(kMaxAnswerHead, 'x');
+    std::string gone;
+    {
+        const Site closed({});
+        gone = closed.site();
+    }
+    for (const std::string& answer :
+         {redirect(gone + "/robots.txt"), redirect("file:///etc/passwd"), redirect("ftp://127.0.0.1/robots.txt"),
+          MadeUpHttp::response("", "302 Found"),
+          MadeUpHttp::response(std::string(kMaxRobots + 2, 'x'), "302 Found", "Location: /\r\n"),
+          manyFields + "\r\n\r\n", manyFields,
+          std::string("HTTP/1.1 200 OK\r\nContent-Length: 600000\r\n\r\nUser-agent: *\n")}) {
+        Site site({{"/robots.txt", answer}, {"/", MadeUpHttp::listing("/", {"a"})}});
+        const Outcome<ListedDirectory> directory = site.list("");
+        ASSERT_FALSE(directory) << answer.substr(0, 100);
+        EXPECT_NE(directory.error().message.find("/robots.txt: "), std::string::npos);
+        EXPECT_EQ(site.asked(), (std::vector<std::string>{"/robots.txt"}));
+    }
+}
+
 TEST(HttpClient, RedirectsAreFollowedWithinTheSiteOnly)
 {
     Site site({{"/a/", redirect("/b/")},

@@ -173,6 +173,41 @@ TEST(Fetch, BodiesAreBoundedWithAndWithoutALength)
     EXPECT_LT(sent, 100'000'000U) << "the connection is closed at the bound";
 }
 
+TEST(Fetch, BeginningOfALongBodyIsKeptIfOrdered)
+{
+    const std::string body = std::string(999, 'x') + "123";
+    LoopbackServer server([&body](const HttpRequest& request) {
+        if (request.path == "/")
+            return jsonResponse(body);
+        HttpResponse response = statusResponse(302, {{"Location", "/"}});
+        response.body = std::string(request.path == "/short" ? 1'000 : 5'000, 'y');
+        return response;
+    });
+    const RawServer withoutLength([&body](int socket) { sendAll(socket, "HTTP/1.1 200 OK\r\n\r\n" + body); });
+    FetchPool pool;
+    for (const std::string& address :
+         {server.site() + "/", server.site() + "/short", server.site() + "/long", withoutLength.site() + "/"}) {
+        for (const std::size_t most : {1'000U, 1'001U, 1'002U, 1'003U}) {
+            Fetched fetched;
+            Fetches fetches(pool);
+            FetchOrder order;
+            order.address = address;
+            order.maxBytes = most;
+            order.end = std::chrono::steady_clock::now() + kLong;
+            order.cut = true;
+            fetches.start(std::move(order), [&fetched](Fetched result) { fetched = std::move(result); });
+            fetches.run();
+            if (address.ends_with("/long")) {
+                EXPECT_EQ(fetched.fault, Fault::TooLarge);
+                continue;
+            }
+            EXPECT_EQ(fetched.fault, Fault::None) << address << fetched.detail;
+            EXPECT_EQ(fetched.status, 200);
+            EXPECT_EQ(fetched.body, body.substr(0, most)) << address;
+        }
+    }
+}
+
 TEST(Fetch, HeadsAreBounded)
 {
     const RawServer server([](int socket) {
