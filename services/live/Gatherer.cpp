@@ -227,15 +227,15 @@ void Gatherer::Round::take(std::size_t i, int page, Expected<SearxPage, SourceFa
     Stream& stream = search_.streams[i];
     State& state = states_[i];
     --state.pending;
-    if (!result) {
-        // After the last page, engines have nothing left to answer.
-        if (result.error().kind == SourceFault::Kind::Engines && page > 1)
-            stream.ended = true;
-        else if (!state.fault)
+    // After the last page, engines have nothing left to answer. Such a page counts as an empty one, so that it ends the
+    // stream only after the pages before it, which may arrive later.
+    const bool past = !result && result.error().kind == SourceFault::Kind::Engines && page > 1;
+    if (!result && !past) {
+        if (!state.fault)
             state.fault = result.error();
         return;
     }
-    state.pages.emplace(page, std::move(result->answer));
+    state.pages.emplace(page, past ? SearxAnswer{} : std::move(result->answer));
     for (auto next = state.pages.find(stream.nextPage); next != state.pages.end() && !stream.ended;
          next = state.pages.find(stream.nextPage)) {
         append(stream, next->first, std::move(next->second));

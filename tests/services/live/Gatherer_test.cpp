@@ -229,6 +229,29 @@ TEST_F(GathererTest, WordsWithoutCharactersAskNobody)
     EXPECT_EQ(parameterOf(server.requests().at(0), "q").substr(0, 30), "%C3%BF%22%27%3C%3E%26xxxxxxxxx");
 }
 
+TEST_F(GathererTest, AnEndThatArrivesEarlyLosesNoEarlierPage)
+{
+    std::atomic<bool> ended = false;
+    LoopbackServer server([&ended](const HttpRequest& request) {
+        const int page = std::stoi(parameterOf(request, "pageno"));
+        if (page == 3) {
+            ended = true;
+            return jsonResponse(R"({"results": [], "unresponsive_engines": [["a", "timeout"]]})");
+        }
+        while (page == 2 && !ended)
+            std::this_thread::yield();
+        // The blanks delay the second page further.
+        return jsonResponse(searxJson("https://a.example/", page * 10 - 9, page * 10) +
+                            std::string(page == 2 ? 3'000'000 : 0, ' '));
+    });
+    Gatherer gatherer = make({{server.site()}});
+    const Gathered gathered = gatherer.gather("words", 0, 30, noIndex);
+    EXPECT_EQ(addressesOf(gathered), numbered("https://a.example/", 1, 20));
+    EXPECT_TRUE(gathered.faults.empty());
+    EXPECT_EQ(gathered.total, 20);
+    EXPECT_EQ(server.count(), 3U);
+}
+
 TEST_F(GathererTest, ASilentSourceHasNoMoreThanItsTime)
 {
     const Listener silent;
