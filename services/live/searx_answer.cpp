@@ -59,6 +59,37 @@ std::string repaired(std::string_view json)
     return out;
 }
 
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// Shortens the numbers of `json` to values that every parser accepts. Nobody reads them, and one that exceeds the
+/// range of double must not lose the rows.
+void shortenNumbers(std::string& json)
+{
+    constexpr std::size_t kMostDigits = 15;
+    bool inString = false;
+    bool inExponent = false;
+    std::size_t digits = 0;
+    std::size_t kept = 0;
+    for (std::size_t at = 0; at < json.size(); ++at) {
+        const char c = json[at];
+        const bool digit = !inString && isDigit(c);
+        digits = digit ? digits + 1 : 0;
+        if (!digit)
+            inExponent = !inString && (c == 'e' || c == 'E' || (inExponent && (c == '+' || c == '-')));
+        if (digits > kMostDigits || (inExponent && digits > 1))
+            continue;
+        if (c == '"')
+            inString = !inString;
+        json[kept++] = digit && inExponent ? '0' : c;
+        if (inString && c == '\\' && at + 1 < json.size())
+            json[kept++] = json[++at];
+    }
+    json.resize(kept);
+}
+
 std::string oneLine(std::string_view text, std::size_t most)
 {
     return std::string(clipUtf8(collapseBlanks(clipUtf8(text, 4 * most)), most));
@@ -231,7 +262,8 @@ Outcome<SearxAnswer> readSearxAnswer(std::string_view json, SearxCategory catego
     if (json.size() > kMaxSearxAnswer)
         return Failure{"the answer is larger than " + std::to_string(kMaxSearxAnswer / 1024 / 1024) + " MB"};
     AnswerReader reader(category);
-    const std::string text = repaired(json);
+    std::string text = repaired(json);
+    shortenNumbers(text);
     const bool read = nlohmann::json::sax_parse(text, &reader);
     if (reader.tooDeep())
         return Failure{"the answer is nested deeper than " + std::to_string(kMaxSearxDepth) + " levels"};

@@ -141,10 +141,27 @@ TEST(SearxAnswer, WhatIsNoAnswerFails)
     for (const char* text :
          {"", " ", "null", "[]", "1", "\"results\"", "{}", R"({"results": {}})", R"({"results": 1})",
           "<!DOCTYPE html><html></html>", "{\"results\": []", "{\"results\": [}", "{\"results\": []} x",
-          R"([{"results": []}])", R"({"results": [1e999999]})", "{\"results\": [\"\\x\"]}", "{\"results\": [\"\\"})
+          R"([{"results": []}])", R"({"results": [1e]})", R"({"results": [01]})", R"({"results": [1e9.9]})",
+          "{\"results\": [\"\\x\"]}", "{\"results\": [\"\\"})
         EXPECT_FALSE(read(text)) << text;
     EXPECT_FALSE(read(std::string("{\"results\": [], \"a\": \"\0\"}", 25)));
     EXPECT_TRUE(read("\xEF\xBB\xBF{\"results\": []}"));
+}
+
+TEST(SearxAnswer, NumbersOutOfRangeLoseNoRow)
+{
+    for (const std::string& number :
+         {std::string("1e999"), std::string("-1E+99999"), std::string("1.5e-999999999999"), std::string(1000, '1'),
+          std::string(400, '9').append(".5"), std::string("0.").append(5000, '7').append("e400")}) {
+        std::string json = R"({"number_of_results": )";
+        json.append(number).append(R"(, "results": [{"url": "http://a.example/1e999", "score": )").append(number);
+        json.append(R"(, "title": "\\\"1e999 12345678901234567890"}]})");
+        const Outcome<SearxAnswer> answer = read(json);
+        ASSERT_TRUE(answer) << number << answer.error().message;
+        ASSERT_EQ(answer->rows.size(), 1U) << number;
+        EXPECT_EQ(answer->rows[0].address, "http://a.example/1e999");
+        EXPECT_EQ(answer->rows[0].title, "\\\"1e999 12345678901234567890");
+    }
 }
 
 TEST(SearxAnswer, AnAnswerCutAnywhereFails)
