@@ -37,16 +37,19 @@ bool mayRedirectPicture(std::string_view from, std::string_view to)
 
 std::optional<std::string> RemoteThumbnails::get(const RemotePicture& picture)
 {
+    // The time includes the wait for another thread that fetches the same picture.
+    const Clock::time_point end = Clock::now() + limits_.time;
     try {
-        return cache_.get(picture.thumbnail + "\n" + picture.address, [&] { return make(picture); });
+        return cache_.get(picture.thumbnail + "\n" + picture.address, [&] { return make(picture, end); });
     } catch (const NotNow&) {
         return std::nullopt;
     }
 }
 
-std::optional<std::string> RemoteThumbnails::make(const RemotePicture& picture)
+std::optional<std::string> RemoteThumbnails::make(const RemotePicture& picture, Clock::time_point end)
 {
-    const auto end = std::chrono::steady_clock::now() + limits_.time;
+    if (Clock::now() >= end)
+        throw NotNow();
     bool later = false;
     for (const std::string* address : {&picture.thumbnail, &picture.address}) {
         if (address->empty())
@@ -61,7 +64,7 @@ std::optional<std::string> RemoteThumbnails::make(const RemotePicture& picture)
         order.accept = "image/webp, image/png, image/jpeg, image/gif";
         order.mayRedirect = mayRedirectPicture;
         fetches.start(std::move(order), [&fetched](Fetched result) { fetched = std::move(result); });
-        if (!fetches.run([end] { return std::chrono::steady_clock::now() < end; }))
+        if (!fetches.run([end] { return Clock::now() < end; }))
             throw NotNow();
         later = later || mayComeLater(fetched);
         if (fetched.fault != Fetched::Fault::None || fetched.status != 200)
@@ -71,8 +74,10 @@ std::optional<std::string> RemoteThumbnails::make(const RemotePicture& picture)
         // A drawing is a program of sorts, and only those of this machine are worth its cost.
         if (!format || *format == PictureFormat::Svg)
             continue;
-        if (std::optional<std::string> made = thumbnailer_.make(*format, std::string_view(fetched.body)))
+        std::optional<std::string> made = thumbnailer_.ask(*format, std::string_view(fetched.body));
+        if (made && !made->empty())
             return made;
+        later = later || !made;
     }
     if (later)
         throw NotNow();

@@ -23,7 +23,7 @@ class RemoteThumbnails
 public:
     struct Limits
     {
-        /// For one picture, from its request to its last byte. With kDecodingTime, three seconds.
+        /// For one picture, from its request to its last byte, including the wait for a thread that fetches the same.
         std::chrono::milliseconds time = std::chrono::milliseconds(2500);
         std::size_t bytes = 8 * 1024 * 1024; ///< of one picture
         std::size_t cacheBytes = 32 * 1024 * 1024;
@@ -31,7 +31,10 @@ public:
 
     /// The limits for a Thumbnailer of remote pictures. It is not the one of local pictures, which hostile ones could
     /// delay.
-    static Thumbnailer::Limits thumbnailerLimits() { return {std::chrono::milliseconds(500), 4}; }
+    static Thumbnailer::Limits thumbnailerLimits()
+    {
+        return {std::chrono::milliseconds(500), 4, std::chrono::milliseconds(500)};
+    }
 
     /// `pool` decides which hosts are reached.
     RemoteThumbnails(FetchPool& pool, Thumbnailer& thumbnailer) : RemoteThumbnails(pool, thumbnailer, Limits{}) {}
@@ -45,7 +48,8 @@ public:
     std::optional<std::string> get(const RemotePicture& picture);
 
 private:
-    std::optional<std::string> make(const RemotePicture& picture);
+    using Clock = std::chrono::steady_clock;
+    std::optional<std::string> make(const RemotePicture& picture, Clock::time_point end);
 
     FetchPool& pool_;
     Thumbnailer& thumbnailer_;

@@ -27,6 +27,12 @@ constexpr std::size_t kPiece = 64 * 1024;
 /// Interval at which a waiting thread checks whether its task is abandoned.
 constexpr std::chrono::milliseconds kAskInterval(50);
 
+/// Returns nothing for an empty thumbnail.
+std::optional<std::string> shown(std::optional<std::string> thumbnail)
+{
+    return thumbnail && thumbnail->empty() ? std::nullopt : std::move(thumbnail);
+}
+
 } // namespace
 
 /// One process, and the socket for its input and output. A request is the format (1 byte), the length (4 bytes, big
@@ -127,10 +133,11 @@ Thumbnailer::~Thumbnailer() = default;
 
 std::unique_ptr<Thumbnailer::Process> Thumbnailer::borrow()
 {
+    const Clock::time_point end = Clock::now() + limits_.wait;
     {
         std::unique_lock lock(mutex_);
         while (!returned_.wait_for(lock, kAskInterval, [this] { return lent_ < limits_.processes; })) {
-            if (CurrentTask::abandoned())
+            if (CurrentTask::abandoned() || Clock::now() >= end)
                 return nullptr;
         }
         ++lent_;
@@ -143,26 +150,31 @@ std::unique_ptr<Thumbnailer::Process> Thumbnailer::borrow()
     return std::make_unique<Process>(program_);
 }
 
+std::optional<std::string> Thumbnailer::ask(PictureFormat format, std::string_view content)
+{
+    return ask(format, content.size(), [content](std::size_t offset) { return content.substr(offset); });
+}
+
 std::optional<std::string> Thumbnailer::make(PictureFormat format, std::string_view content)
 {
-    return make(format, content.size(), [content](std::size_t offset) { return content.substr(offset); });
+    return shown(ask(format, content));
 }
 
 std::optional<std::string> Thumbnailer::make(PictureFormat format, const OpenFile& file)
 {
     const auto size = static_cast<std::size_t>(file.size());
     std::string piece;
-    return make(format, size, [&](std::size_t offset) {
+    return shown(ask(format, size, [&](std::size_t offset) {
         piece.resize(std::min(kPiece, size - offset));
         piece.resize(file.read(offset, piece.data(), piece.size()));
         return std::string_view(piece);
-    });
+    }));
 }
 
-std::optional<std::string> Thumbnailer::make(PictureFormat format, std::size_t size, const Source& source)
+std::optional<std::string> Thumbnailer::ask(PictureFormat format, std::size_t size, const Source& source)
 {
     if (size > kMaxPicture)
-        return std::nullopt;
+        return std::string();
     std::unique_ptr<Process> process = borrow();
     if (process == nullptr)
         return std::nullopt;
@@ -177,7 +189,7 @@ std::optional<std::string> Thumbnailer::make(PictureFormat format, std::size_t s
             idle_.push_back(std::move(process));
     }
     returned_.notify_one();
-    if (!answered || thumbnail.empty())
+    if (!answered)
         return std::nullopt;
     return thumbnail;
 }

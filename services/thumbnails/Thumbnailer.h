@@ -27,6 +27,8 @@ public:
         /// For one picture.
         std::chrono::milliseconds time = std::chrono::seconds(4);
         std::size_t processes = 2;
+        /// For a free process. The default exceeds what the pictures of all other threads of a service take.
+        std::chrono::milliseconds wait = std::chrono::seconds(30);
     };
 
     /// `program` is the path of quarrynet-thumbnails.
@@ -35,6 +37,11 @@ public:
     ~Thumbnailer();
     Thumbnailer(const Thumbnailer&) = delete;
     Thumbnailer& operator=(const Thumbnailer&) = delete;
+
+    /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or an empty text when `content` is no picture that
+    /// can be shown. Returns nothing when no process answered in time, or this thread's task (CurrentTask) is
+    /// abandoned: that says nothing about the picture. Thread-safe.
+    std::optional<std::string> ask(PictureFormat format, std::string_view content);
 
     /// Returns a PNG or JPEG picture of at most 120 by 120 pixels, or nothing when that fails or this thread's task
     /// (CurrentTask) is abandoned. Thread-safe.
@@ -47,8 +54,8 @@ private:
     using Source = std::function<std::string_view(std::size_t offset)>;
 
     class Process;
-    std::optional<std::string> make(PictureFormat format, std::size_t size, const Source& source);
-    std::unique_ptr<Process> borrow(); ///< null when the task is abandoned
+    std::optional<std::string> ask(PictureFormat format, std::size_t size, const Source& source);
+    std::unique_ptr<Process> borrow(); ///< null when the task is abandoned, or none is free in time
 
     std::string program_;
     Limits limits_;

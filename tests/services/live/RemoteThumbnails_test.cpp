@@ -1,6 +1,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "ground/CurrentTask.h"
 #include "http/HttpServer.h"
 #include "live/RemoteThumbnails.h"
+#include "tests/services/support/service_support.h"
 #include "tests/support/test_data.h"
 #include "thumbnails/picture_format.h"
 
@@ -205,6 +207,36 @@ TEST_F(RemoteThumbnailsTest, OneThatNeverComesIsGivenUpAndDelaysNoOther)
     limits_.time = std::chrono::milliseconds(1);
     RemoteThumbnails hasty(pool_, thumbnailer_, limits_);
     EXPECT_FALSE(hasty.get({server.address("/silent"), ""}));
+}
+
+TEST_F(RemoteThumbnailsTest, APictureThatNobodyDecodedIsFetchedAgain)
+{
+    PictureServer server({{"/picture", body(png_)}});
+    const TemporaryFolder folder;
+    const std::string silent = folder.write("silent", "#!/bin/sh\nexec cat >/dev/null\n");
+    ::chmod(silent.c_str(), 0755);
+    std::size_t asked = 0;
+    for (const std::string& program : {folder.path() + "/none", std::string("/bin/true"), silent}) {
+        Thumbnailer thumbnailer(program, {std::chrono::milliseconds(50), 1});
+        RemoteThumbnails thumbnails(pool_, thumbnailer, limits_);
+        EXPECT_FALSE(thumbnails.get({server.address("/picture"), ""})) << program;
+        EXPECT_FALSE(thumbnails.get({server.address("/picture"), ""})) << program;
+        EXPECT_EQ(server.asked().size(), asked += 2) << program;
+    }
+}
+
+TEST_F(RemoteThumbnailsTest, ManyWhoWantTheSameShareItsTime)
+{
+    constexpr std::size_t kMany = 10;
+    PictureServer server({{"/silent", silence}});
+    limits_.time = std::chrono::milliseconds(500);
+    RemoteThumbnails thumbnails(pool_, thumbnailer_, limits_);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < kMany; ++i)
+        threads.emplace_back([&] { EXPECT_FALSE(thumbnails.get({server.address("/silent"), ""})); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_LT(server.asked().size(), kMany) << "whoever waited for another has no further time";
 }
 
 TEST_F(RemoteThumbnailsTest, PrivateAddressesAreReachedOnlyIfAllowed)

@@ -276,6 +276,29 @@ TEST(Thumbnailer, AProgramThatNeverAnswersIsReplacedWhenItsTimeIsUp)
     EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, std::string(10'000'000, 'x')));
 }
 
+TEST(Thumbnailer, WhoeverWaitsForAProcessGivesUpWhenItsTimeIsUp)
+{
+    const TemporaryFolder folder;
+    const std::string silent = folder.write("silent", "#!/bin/sh\nexec cat >/dev/null\n");
+    ::chmod(silent.c_str(), 0755);
+    Thumbnailer thumbnailer(silent, {std::chrono::hours(1), 1, std::chrono::milliseconds(50)});
+    std::atomic<bool> abandoned = false;
+    std::atomic<int> ended = 0;
+    std::vector<std::thread> threads;
+    threads.reserve(3);
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&] {
+            const CurrentTask task(abandoned);
+            EXPECT_FALSE(thumbnailer.ask(PictureFormat::Png, sample("png")));
+            ++ended;
+        });
+    while (ended < 2)
+        std::this_thread::yield();
+    abandoned = true; // the one that has the process
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
 TEST(Thumbnailer, WhoeverWaitsGivesUpWhenTheTaskIsAbandoned)
 {
     const TemporaryFolder folder;
@@ -304,6 +327,6 @@ TEST(Thumbnailer, AProgramThatIsMissingOrEndsOrSaysTooMuchGivesNone)
     for (const std::string& program : {folder.path() + "/none", std::string("/bin/true"), noisy}) {
         Thumbnailer thumbnailer(program, {std::chrono::seconds(60), 1});
         EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, sample("png"))) << program;
-        EXPECT_FALSE(thumbnailer.make(PictureFormat::Png, sample("png"))) << program;
+        EXPECT_FALSE(thumbnailer.ask(PictureFormat::Png, sample("png"))) << program;
     }
 }
