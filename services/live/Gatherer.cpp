@@ -32,7 +32,20 @@ std::size_t sizeOf(const GatheredRow& row)
     return sizeof(GatheredRow) + row.address.size() * 2 + row.title.size() + row.text.size() + row.thumbnail.size();
 }
 
+void keepFirst(std::vector<SourceFault>& faults, std::size_t most)
+{
+    if (faults.size() > most)
+        faults.erase(faults.begin() + static_cast<std::ptrdiff_t>(most), faults.end());
+}
+
 } // namespace
+
+std::int64_t totalOf(const Gathered& gathered, std::int64_t start)
+{
+    if (!gathered.rows.empty())
+        return gathered.total;
+    return std::max(gathered.total, start + static_cast<std::int64_t>(gathered.faults.size()));
+}
 
 /// What one source has given for a search so far.
 struct Gatherer::Stream
@@ -56,6 +69,8 @@ struct Gatherer::Search
     std::set<std::string> addresses;
     std::size_t mergedBytes = 0;
     std::int64_t announced = 0; ///< largest total so far
+    /// The faults that have places on the first page; nothing before that page is full.
+    std::optional<std::vector<SourceFault>> leading;
 
     bool busy = false;       ///< guarded by the Gatherer's mutex
     Clock::time_point begun; ///< guarded by the Gatherer's mutex
@@ -387,7 +402,26 @@ void Gatherer::account(const std::string& words, const std::shared_ptr<Search>& 
     search->counted = bytes;
 }
 
-Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index)
+/// Returns how many results are known. Rows that wait may be doubles; they are compared once there are no `more`.
+std::int64_t Gatherer::countKnown(const Search& search, bool more)
+{
+    auto known = static_cast<std::int64_t>(search.merged.size());
+    std::set<std::string_view> waiting;
+    for (const Stream& stream : search.streams) {
+        if (stream.setting->isIndex())
+            known += std::max<std::int64_t>(0, stream.indexTotal - stream.indexTaken);
+        if (more) {
+            known += static_cast<std::int64_t>(stream.waiting.size());
+            continue;
+        }
+        for (const GatheredRow& row : stream.waiting)
+            known += search.addresses.count(row.address) == 0 && waiting.insert(row.address).second ? 1 : 0;
+    }
+    return known;
+}
+
+Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index,
+                          FaultRows faultRows)
 {
     const auto begin = Clock::now();
     const std::string words(clipUtf8(collapseBlanks(toUtf8(typed)), kMaxWords));
@@ -416,23 +450,33 @@ Gathered Gatherer::gather(std::string_view typed, std::int64_t start, std::int64
     }
     account(words, search);
 
-    for (std::size_t i = first; i < std::min(last, search->merged.size()); ++i)
-        gathered.rows.push_back(search->merged[i]);
-    auto known = static_cast<std::int64_t>(search->merged.size());
-    bool more = false;
-    for (const Stream& stream : search->streams) {
-        known += static_cast<std::int64_t>(stream.waiting.size());
-        if (stream.setting->isIndex())
-            known += std::max<std::int64_t>(0, stream.indexTotal - stream.indexTaken);
-        else
-            more = more || !stream.ended;
+    const auto page = static_cast<std::size_t>(count);
+    const std::size_t merged = search->merged.size();
+    const bool full = merged >= page || merged + gathered.faults.size() > page;
+    if (faultRows == FaultRows::TakePlaces && full && !search->leading && !CurrentTask::abandoned()) {
+        search->leading = gathered.faults;
+        keepFirst(*search->leading, page - 1);
     }
+    const std::size_t lead = search->leading ? search->leading->size() : 0;
+    for (std::size_t i = first - std::min(first, lead); i < std::min(last - lead, merged); ++i)
+        gathered.rows.push_back(search->merged[i]);
+    if (lead > 0 && first == 0)
+        gathered.faults = *search->leading;
+    else if (faultRows == FaultRows::TakePlaces)
+        keepFirst(gathered.faults, page - gathered.rows.size());
+
+    const bool more = std::any_of(search->streams.begin(), search->streams.end(),
+                                  [](const Stream& stream) { return !stream.setting->isIndex() && !stream.ended; });
+    std::int64_t known = countKnown(*search, more);
     // While there is more, one further page is announced by its first result, so that the program's slider can go on.
     // The program takes a total that is a multiple of its page for a number of pages, but never one that exceeds a
     // multiple by 1.
     const bool reached = search->merged.size() >= last;
     if (more && reached)
         known = known > start + count ? (known - 1) / count * count + 1 : start + count + 1;
+    const auto shifted = known + static_cast<std::int64_t>(lead);
+    if ((shifted - 1) / count > (known - 1) / count)
+        known = (shifted - 1) / count * count + 1; // the faults move the last results to a further page
     search->announced = more ? std::max(search->announced, known) : known;
     gathered.total = search->announced;
     return gathered;

@@ -36,7 +36,18 @@ struct Gathered
 {
     std::int64_t total = 0; ///< at least so many results are there
     std::vector<GatheredRow> rows;
-    std::vector<SourceFault> faults; ///< why sources contributed nothing now
+    std::vector<SourceFault> faults; ///< why sources contributed nothing now; to be shown before the rows
+};
+
+/// Returns the total to announce for a page after the first `start` results. Faults count only on a page without
+/// results, which would otherwise be none.
+std::int64_t totalOf(const Gathered& gathered, std::int64_t start);
+
+/// How the faults of sources are shown: besides the rows of a page, or in their places.
+enum class FaultRows
+{
+    Besides,
+    TakePlaces
 };
 
 /// Searches the sources of one service: gathers their pages ahead as far as needed, merges their rows in turn, in the
@@ -79,8 +90,12 @@ public:
     Gatherer& operator=(const Gatherer&) = delete;
 
     /// Returns `count` results after the first `start`, fewer when there are no more. `typed` may be any bytes; without
-    /// a character other than blanks nobody is asked.
-    Gathered gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index);
+    /// a character other than blanks nobody is asked. With FaultRows::TakePlaces, `start` is a multiple of `count`, and
+    /// a page has at most `count` results and faults: a first page without room for both keeps its faults for as long
+    /// as its results, and every further page begins so many results earlier. Those pages have faults only if there is
+    /// room.
+    Gathered gather(std::string_view typed, std::int64_t start, std::int64_t count, const AskIndex& index,
+                    FaultRows faultRows = FaultRows::Besides);
 
 private:
     struct Stream;
@@ -91,6 +106,7 @@ private:
     std::shared_ptr<Search> searchFor(const std::string& words);
     bool reserve(Search& search);
     void free(Search& search);
+    static std::int64_t countKnown(const Search& search, bool more);
     void account(const std::string& words, const std::shared_ptr<Search>& search);
 
     FetchPool& pool_;

@@ -108,7 +108,8 @@ std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
         page += "<div>No picture was found for these words.</div>\n</body></html>\n";
         return page;
     }
-    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    // Rows for sources that did not answer are not counted in the total.
+    const auto last = std::min(answer.start + static_cast<std::int64_t>(answer.hits.size()), answer.total);
     page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
     for (const ImageHit& hit : answer.hits) {
         // The program expects the address without quotes, followed by a blank.
@@ -188,8 +189,9 @@ Outcome<ImageAnswer> ImageService::searchSources(std::string_view typed, std::in
     if (live_ == nullptr)
         return search(typed, start);
     const auto begin = std::chrono::steady_clock::now();
-    const Gathered gathered =
-        live_->gather(typed, start, kPageSize, [&](std::int64_t from) -> Outcome<Gatherer::IndexPage> {
+    const Gathered gathered = live_->gather(
+        typed, start, kPageSize,
+        [&](std::int64_t from) -> Outcome<Gatherer::IndexPage> {
             Outcome<ImageAnswer> page = search(typed, from);
             if (!page)
                 return page.error();
@@ -198,7 +200,8 @@ Outcome<ImageAnswer> ImageService::searchSources(std::string_view typed, std::in
                 rows.rows.push_back(
                     {std::move(hit.address), std::move(hit.caption), "", std::move(hit.thumbnail), true});
             return rows;
-        });
+        },
+        FaultRows::TakePlaces);
     ImageAnswer answer;
     answer.start = start;
     for (const SourceFault& fault : gathered.faults) {
@@ -213,9 +216,7 @@ Outcome<ImageAnswer> ImageService::searchSources(std::string_view typed, std::in
         else
             answer.hits.push_back(hitOf({row.address, row.thumbnail}, row.title));
     }
-    if (answer.hits.size() > kPageSize)
-        answer.hits.resize(kPageSize);
-    answer.total = std::max(gathered.total, start + static_cast<std::int64_t>(answer.hits.size()));
+    answer.total = totalOf(gathered, start);
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
 }
@@ -230,8 +231,22 @@ ImageHit ImageService::hitOf(const RemotePicture& picture, std::string_view capt
     std::string_view shown = std::string_view(picture.address);
     shown.remove_prefix(std::min(shown.find("://") + 3, shown.size()));
     shown = shown.substr(0, std::min(shown.find_first_of("?#"), kMostShown));
-    for (const char c : shown)
-        address.append(c == ':' ? "%3A" : std::string(1, c));
+    // Slashes are escaped too: otherwise browsers would remove dot segments, and the token with them.
+    for (const char c : shown) {
+        switch (c) {
+        case ':':
+            address += "%3A";
+            break;
+        case '/':
+            address += "%2F";
+            break;
+        case '\\':
+            address += "%5C";
+            break;
+        default:
+            address.push_back(c);
+        }
+    }
     std::string thumbnail = "/images?" + std::string(kThumbnailMark) + "0:" + address;
     return {std::move(address), std::move(thumbnail), std::string(caption)};
 }

@@ -53,7 +53,8 @@ std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
         page += "<div>No page was found for these words.</div>\n</body></html>\n";
         return page;
     }
-    const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
+    // Rows for sources that did not answer are not counted in the total.
+    const auto last = std::min(answer.start + static_cast<std::int64_t>(answer.hits.size()), answer.total);
     page += resultsHeading(answer.start + 1, last, answer.total, answer.seconds);
     for (const WebHit& hit : answer.hits) {
         page += "<p><a href=" + hit.address + ">" + escapeMatches(hit.title) + "</a><br>\n";
@@ -149,7 +150,7 @@ Outcome<WebAnswer> WebService::searchSources(std::string_view typed, std::int64_
         if (hit.title.empty())
             hit.title = hit.address;
     }
-    answer.total = std::max(gathered.total, start + static_cast<std::int64_t>(answer.hits.size()));
+    answer.total = totalOf(gathered, start);
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return answer;
 }

@@ -138,6 +138,14 @@ TEST_F(GathererTest, TheIndexCountsWithAllItsRows)
     EXPECT_EQ(gatherer.gather("words", 510, 30, indexOf(500)).rows.size(), 0U);
 }
 
+TEST_F(GathererTest, DoublesThatWaitAreCountedOnce)
+{
+    Gatherer gatherer = make({{}, {}});
+    const Gathered gathered = gatherer.gather("words", 0, 30, indexOf(40, 40));
+    EXPECT_THAT(gathered.rows, SizeIs(30));
+    EXPECT_EQ(gathered.total, 40);
+}
+
 TEST_F(GathererTest, AFaultOfOneSourceLeavesTheOthersRows)
 {
     LoopbackServer broken([](const HttpRequest&) { return statusResponse(403); });

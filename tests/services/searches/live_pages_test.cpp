@@ -1,3 +1,6 @@
+#include <atomic>
+#include <set>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -209,7 +212,7 @@ TEST_F(LivePages, PicturesLeadToTheirRealAddresses)
     const ImageResults pictures = image("words");
     ASSERT_EQ(pictures.lists.addresses.size(), 1U);
     const std::string address = pictures.lists.addresses[0];
-    EXPECT_THAT(address, HasSubstr("/i.example%3A8443/a%3Ab%20c.jpg"));
+    EXPECT_THAT(address, HasSubstr("/i.example%3A8443%2Fa%3Ab%20c.jpg"));
     const HttpResponse response = get(address);
     EXPECT_EQ(response.status, 302);
     ASSERT_FALSE(response.fields.empty());
@@ -219,6 +222,73 @@ TEST_F(LivePages, PicturesLeadToTheirRealAddresses)
         EXPECT_EQ(get(std::string("http://127.80.0.2") + place).status, 404) << place;
     EXPECT_EQ(get("http://127.80.0.2/images?q=tbn:0:127.80.0.2/go/0/x").status, 404);
     EXPECT_EQ(get("http://127.80.0.2/images?q=tbn:0:127.80.0.2").status, 404);
+}
+
+TEST_F(LivePages, BrowsersCannotShortenTheAddressOfAPicture)
+{
+    LoopbackServer server([](const HttpRequest&) {
+        return jsonResponse(R"({"results": [{"url": "https://p.example/", "title": "1",
+            "img_src": "https://i.example/a/../../../..\\..\\x.png"}]})");
+    });
+    ask({{server.site()}});
+    const ImageResults pictures = image("words");
+    ASSERT_EQ(pictures.lists.addresses.size(), 1U);
+    const std::string& address = pictures.lists.addresses[0];
+    const std::size_t token = address.find("/go/") + 4;
+    const std::string shown = address.substr(address.find('/', token) + 1);
+    EXPECT_THAT(shown, StartsWith("i.example%2Fa%2F..%2F..%2F..%2F..%5C..%5Cx.png"));
+    EXPECT_EQ(get(address).status, 302);
+    EXPECT_EQ(get(pictures.lists.thumbnails[0]).status, 200);
+}
+
+TEST_F(LivePages, FaultRowsAreNotCounted)
+{
+    LoopbackServer refuses([](const HttpRequest&) { return statusResponse(403); });
+    LoopbackServer nine([](const HttpRequest& request) {
+        const int most = parameterOf(request, "categories") == "images" ? 9 : 29;
+        return jsonResponse(searxJson("https://a.example/", 1, parameterOf(request, "pageno") == "1" ? most : 0));
+    });
+    ask({{refuses.site()}, {nine.site()}});
+    const WebResults found = web("words");
+    EXPECT_EQ(found.rows, 30U);
+    EXPECT_EQ(found.countCaption, "29");
+    EXPECT_EQ(found.paging.pageTotal, "1");
+    const ImageResults pictures = image("words");
+    EXPECT_EQ(pictures.lists.addresses.size(), 10U);
+    EXPECT_EQ(pictures.countCaption, "9");
+    EXPECT_EQ(pictures.paging.pageTotal, "1");
+}
+
+TEST_F(LivePages, FaultRowsHideNoPicture)
+{
+    std::atomic<int> most = 9;
+    LoopbackServer refuses([](const HttpRequest&) { return statusResponse(403); });
+    LoopbackServer answers([&most](const HttpRequest& request) {
+        const bool first = parameterOf(request, "pageno") == "1";
+        return jsonResponse(searxJson("https://a.example/", 1, first ? most.load() : 0));
+    });
+    for (; most <= 31; ++most) {
+        ask({{refuses.site()}, {answers.site()}});
+        std::set<std::string> captions;
+        std::size_t rows = 0;
+        int pages = 1;
+        for (int page = 1; page <= pages; ++page) {
+            const ImageResults pictures = image("words", page);
+            EXPECT_LE(pictures.lists.addresses.size(), 10U);
+            for (const std::string& address : pictures.lists.addresses) {
+                if (address.find("/go/") == std::string::npos)
+                    continue;
+                captions.insert(address.substr(address.rfind("%2F")));
+                ++rows;
+            }
+            // The program itself takes a total of 25 for two pages.
+            pages = std::stoi(pictures.countCaption.value_or("0")) / 10 + 1;
+        }
+        EXPECT_EQ(rows, static_cast<std::size_t>(most)) << most;
+        EXPECT_EQ(captions.size(), static_cast<std::size_t>(most)) << most;
+        EXPECT_THAT(image("words", 1).lists.addresses[0], StartsWith("127.80.0.2/help/source-no-json?"))
+            << "it has the fault whether further pages were asked for or not";
+    }
 }
 
 TEST_F(LivePages, ARealInstanceIsSearched)
@@ -238,7 +308,7 @@ TEST_F(LivePages, ARealInstanceIsSearched)
     EXPECT_TRUE(web("nothing of that kind").nothingFound);
     const ImageResults pictures = image("picture", 3);
     EXPECT_EQ(pictures.lists.addresses.size(), 5U);
-    EXPECT_THAT(pictures.lists.addresses[0], HasSubstr("/pictures.example/21.jpg"));
+    EXPECT_THAT(pictures.lists.addresses[0], HasSubstr("/pictures.example%2F21.jpg"));
 }
 
 TEST_F(LivePages, ARealInstanceWithoutJsonIsNamed)
