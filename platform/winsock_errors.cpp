@@ -1,6 +1,5 @@
 #include "platform/winsock_errors.h"
 
-#include <algorithm>
 #include <array>
 
 #include <QCoreApplication>
@@ -55,9 +54,11 @@ WinSockError winSockError(QAbstractSocket::SocketError error, const QString& des
 WinSockError winSockError(int number)
 {
     constexpr std::array kErrors = {kNoNetwork, kNetworkReset, kAborted, kReset, kNoBuffers, kTimedOut, kNoHost};
-    const auto* found = std::find_if(kErrors.begin(), kErrors.end(),
-                                     [number](const WinSockError& error) { return error.number == number; });
-    return found == kErrors.end() ? kAborted : *found;
+    for (const WinSockError& error : kErrors) {
+        if (error.number == number)
+            return error;
+    }
+    return kAborted;
 }
 
 } // namespace quarrynet

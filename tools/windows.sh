@@ -92,7 +92,7 @@ configure_for_windows() {
 }
 
 # Prints the folder of the CMake packages of this machine's Qt, whose tools a build for Windows uses.
-qt_host_cmake() { echo "/usr/lib/$(gcc -print-multiarch)/cmake"; }
+qt_host_cmake() { dpkg -L qt6-base-dev | sed -n 's|/Qt6/Qt6Config\.cmake$||p'; }
 
 # Makes $windows_gtest: GoogleTest for MinGW, from Debian's source.
 get_windows_gtest() {
@@ -111,6 +111,7 @@ get_windows_gtest() {
 # user's own Wine settings is used or changed.
 make_wine_folder() {
     export WINEPREFIX="$1" WINEDEBUG="${WINEDEBUG:--all}"
+    export LC_ALL=C.UTF-8 # Wine reads the names of files by it
     export WINEDLLOVERRIDES=winemenubuilder.exe=d # puts what is installed into the user's own menus
     unset DISPLAY
     "$wine_folder/wine64" wineboot -i >/dev/null 2>&1
@@ -139,6 +140,9 @@ make_wine_folder() {
 # the folder.
 make_temporary_wine_folder() {
     work=$(mktemp -d)
+    case "$PWD$work" in
+    *' '*) echo "The paths of the project and of temporary files must not contain blanks." >&2; return 1 ;;
+    esac
     export WINEPREFIX="$work/wine" # before anything could end the Wine programs of another one
     trap 'end_wine; end_display; rm -rf "$work"' EXIT
     trap 'exit 1' INT TERM

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "search/page/reduction/wide_product.h"
+
 namespace quarrynet {
 
 namespace {
@@ -12,9 +14,8 @@ constexpr std::uint64_t kWordSalt = 0xD6E8FEB86659FD93;
 
 std::uint64_t fold(std::uint64_t a, std::uint64_t b)
 {
-    __extension__ using Product = unsigned __int128;
-    const Product product = static_cast<Product>(a) * b;
-    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+    const WideProduct product = multiplyWide(a, b);
+    return product.low ^ product.high;
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+#include "search/page/reduction/wide_product.h"
+
 namespace quarrynet {
 
 namespace {
@@ -17,9 +19,8 @@ constexpr std::size_t kBytesPerTag = 48;
 
 std::uint64_t multiply(std::uint64_t a, std::uint64_t b)
 {
-    __extension__ using Product = unsigned __int128;
-    const Product product = static_cast<Product>(a) * b;
-    const std::uint64_t sum = static_cast<std::uint64_t>(product & kPrime) + static_cast<std::uint64_t>(product >> 61);
+    const WideProduct product = multiplyWide(a, b);
+    const std::uint64_t sum = (product.low & kPrime) + (product.high << 3 | product.low >> 61);
     return sum >= kPrime ? sum - kPrime : sum;
 }
 
