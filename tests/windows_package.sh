@@ -50,7 +50,6 @@ echo old >"$older/styles/gone.txt"
 
 # ---- the files ----
 
-export LC_ALL=C.UTF-8 # Wine reads the names of files by it
 make_temporary_wine_folder
 start_display
 
@@ -243,6 +242,13 @@ with_settings=$(printf '%s\n' "$installed_files" Quarrynet.ini | LC_ALL=C sort)
 root_before=$(ls -A /) # the drive Z of Wine
 expect 2 "installation into a folder that cannot be written" install_in 'Q:\Quarrynet'
 same "the files in the root of the drive" "$root_before" "$(ls -A /)"
+
+# A folder where something is in the way of a file: the older copy stays, and no new file comes.
+mkdir -p "$c/in the way/Qt6Gui.dll"
+expect 2 "installation where a folder is in the way" install_in 'C:\in the way'
+[ -e "$standard/styles/gone.txt" ] && [ -e "$standard/quarrynet.exe" ] || fail "a failed upgrade removed the older copy"
+same "what is in that folder" Qt6Gui.dll "$(ls "$c/in the way")"
+rm -r "$c/in the way"
 [ -e "$standard/styles/gone.txt" ] && [ -e "$standard/quarrynet.exe" ] || fail "a failed upgrade removed the older copy"
 
 expect 0 "upgrade" run "$installer" /S
