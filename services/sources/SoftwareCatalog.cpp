@@ -243,16 +243,16 @@ CataloguedProgram SoftwareCatalog::find(const std::string& base, const std::stri
 {
     CataloguedProgram program;
     const auto found = entries_.find(base + " " + package);
-    if (found == entries_.end())
+    if (found == entries_.end() || found->second.empty())
         return program;
     const std::vector<CatalogEntry>& entries = found->second;
-    const CatalogEntry* best = nullptr;
+    const CatalogEntry* best = &entries.front();
     bool several = false; // entries as good as the best
     bool sameLicense = true;
     for (const CatalogEntry& entry : entries) {
         const auto rank = [](const CatalogEntry& one) { return std::make_pair(!hasPackagesName(one), distance(one)); };
         sameLicense = sameLicense && entry.license == entries[0].license;
-        if (best == nullptr || rank(entry) < rank(*best)) {
+        if (rank(entry) < rank(*best)) {
             best = &entry;
             several = false;
         } else if (rank(entry) == rank(*best) && entry.name != best->name) {
