@@ -1,6 +1,7 @@
 #include "crawl/HttpClient.h"
 
 #include <chrono>
+#include <functional>
 #include <utility>
 
 #include "crawl/http_listing.h"
@@ -40,12 +41,12 @@ bool HttpClient::mayFetch(std::string_view address) const
            (!robots_ || robots_->allows(address.substr(site_.size())));
 }
 
-Fetched HttpClient::fetch(FetchOrder order)
+Fetched HttpClient::fetch(FetchOrder order, FetchPool& pool)
 {
     order.end = std::chrono::steady_clock::now() + kMaxTime;
     Fetched result;
     result.fault = Fetched::Fault::Broken;
-    Fetches fetches(pool_);
+    Fetches fetches(pool);
     fetches.start(std::move(order), [&result](Fetched fetched) { result = std::move(fetched); });
     fetches.run();
     return result;
@@ -64,21 +65,43 @@ HttpClient::Page HttpClient::fetchPage(const std::string& address)
         page.address = std::string(to);
         return true;
     };
-    page.fetched = fetch(std::move(order));
+    page.fetched = fetch(std::move(order), pool_);
     return page;
+}
+
+/// Fetches robots.txt over up to kMostRobotsRedirects redirects. The first that leaves the site ends the use of the
+/// site's own connections, which may reach private hosts.
+Fetched HttpClient::fetchRobots() const
+{
+    std::string address = site_ + "/robots.txt";
+    int redirects = 0;
+    const auto order = [&address, &redirects](std::function<bool(std::string_view, std::string_view)> mayRedirect) {
+        FetchOrder made;
+        made.address = address;
+        made.maxBytes = kMaxRobots + 1; // one more tells RobotsRules that the file goes on
+        made.cut = true;
+        made.mostRedirects = kMostRobotsRedirects - redirects;
+        made.mayRedirect = std::move(mayRedirect);
+        return made;
+    };
+    FetchOrder onSite = order([&redirects](std::string_view from, std::string_view to) {
+        const bool follows = followsOnSite(from, to);
+        redirects += follows ? 1 : 0;
+        return follows;
+    });
+    Fetched fetched = fetch(std::move(onSite), pool_);
+    if (fetched.fault != Fetched::Fault::Redirect || !isWebAddress(fetched.detail) || redirects >= kMostRobotsRedirects)
+        return fetched;
+    address = fetched.detail;
+    ++redirects;
+    return fetch(order([](std::string_view, std::string_view to) { return isWebAddress(to); }), otherSites_);
 }
 
 /// As RFC 9309, section 2.3.1, says: a site without the file allows everything, and one that fails to send it nothing.
 Outcome<Done> HttpClient::readRobots()
 {
-    FetchOrder order;
-    order.address = site_ + "/robots.txt";
-    order.maxBytes = kMaxRobots + 1; // one more tells RobotsRules that the file goes on
-    order.cut = true;
-    order.mostRedirects = kMostRobotsRedirects;
-    order.mayRedirect = [](std::string_view, std::string_view to) { return isWebAddress(to); };
-    const std::string name = order.address;
-    const Fetched fetched = fetch(std::move(order));
+    const std::string name = site_ + "/robots.txt";
+    const Fetched fetched = fetchRobots();
     const bool isRedirect = fetched.fault == Fetched::Fault::Redirect;
     const bool hasTooManyRedirects = isRedirect && isWebAddress(fetched.detail);
     if (isRedirect && !hasTooManyRedirects)

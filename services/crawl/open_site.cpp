@@ -13,9 +13,11 @@ DirectoryLister openSite(const CrawlAddress& address, const std::string& certifi
         const auto client = std::make_shared<FtpClient>(address, certificates);
         return [client](std::string_view path) { return client->list(path); };
     }
+    // A person names the site, which may be private, but where its robots.txt leads is the site's choice.
     const auto pool = std::make_shared<FetchPool>(certificates);
-    const auto client = std::make_shared<HttpClient>(address, *pool);
-    return [pool, client](std::string_view path) { return client->list(path); };
+    const auto otherSites = std::make_shared<FetchPool>(certificates, Reach::PublicOnly);
+    const auto client = std::make_shared<HttpClient>(address, *pool, *otherSites);
+    return [pool, otherSites, client](std::string_view path) { return client->list(path); };
 }
 
 } // namespace quarrynet::services

@@ -60,7 +60,7 @@ private:
     std::string head_;
     MadeUpHttp server_;
     FetchPool pool_;
-    HttpClient client_{*readCrawlAddress(server_.site()), pool_};
+    HttpClient client_{*readCrawlAddress(server_.site()), pool_, pool_};
 };
 
 std::string redirect(const std::string& to)
@@ -207,6 +207,20 @@ TEST(HttpClient, RobotsFileMayBeOnAnyServerFiveRedirectsAway)
     EXPECT_TRUE(Site(pages).list(""));
     other.set("/5", MadeUpHttp::response("", "503 Busy"));
     EXPECT_FALSE(Site(pages).list("")) << "a server that fails to send it";
+}
+
+TEST(HttpClient, RobotsFileLeadsToNoPrivateAddress)
+{
+    const Site other({{"/robots.txt", MadeUpHttp::response("User-agent: *\nDisallow:\n")}});
+    const MadeUpHttp site([&other](const std::string& path, const std::string&) {
+        return path == "/robots.txt" ? redirect("/1")
+               : path == "/1"        ? redirect(other.site() + "/robots.txt")
+                                     : MadeUpHttp::listing("/", {"a"});
+    });
+    const Outcome<ListedDirectory> directory = openSite(*readCrawlAddress(site.site()))("");
+    ASSERT_FALSE(directory);
+    EXPECT_NE(directory.error().message.find("/robots.txt: "), std::string::npos) << directory.error().message;
+    EXPECT_TRUE(other.asked().empty());
 }
 
 TEST(HttpClient, RobotsFileThatCannotBeReadAllowsNothing)
