@@ -13,7 +13,8 @@
 namespace quarrynet::services {
 
 /// Lists directories of an HTTP or HTTPS server by the pages that it makes for them (see readHttpListing()). Obeys the
-/// server's robots.txt, which may be redirected to other servers; all other redirects are followed within the site only.
+/// server's robots.txt, which may be redirected to other servers; all other redirects are followed within the site
+/// only.
 class HttpClient
 {
 public:
