@@ -59,6 +59,7 @@ Main::Main(const Surroundings& surroundings)
     makeControls();
     makeMenus();
     makeToolbar();
+    makeShortcuts();
     joinTabs();
 }
 

@@ -98,6 +98,7 @@ private:
     void makeControls();
     void makeMenus();
     void makeToolbar();
+    void makeShortcuts();
     void joinTabs();
 
     std::string settingsPath() const;
@@ -118,6 +119,12 @@ private:
     void webpage_Click();
     void aboutmnu_Click();
     void stopmnu_Click();
+
+    /// Gives the focus to the front tab's first field, with its text selected.
+    void goToField();
+
+    /// Presses the front tab's start button, if it is enabled.
+    void repeatSearch();
 
     void showOwnAbout() { showAbout(this); }
     void showAbout(QWidget* owner);

@@ -5,10 +5,12 @@
 
 #include <QAction>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 
 #include "app/Main.h"
+#include "app/Shortcuts.h"
 #include "dialogs/Proxy.h"
 #include "dialogs/frmAbout.h"
 #include "icons/icons.h"
@@ -83,6 +85,33 @@ void Main::makeToolbar()
         action->setToolTip(tr(button.toolTip));
         connect(action, &QAction::triggered, this, button.command);
     }
+}
+
+void Main::makeShortcuts()
+{
+    const auto step = [this](int by) {
+        const int count = TabStrip1->count();
+        TabStrip1->setCurrentIndex((TabStrip1->currentIndex() + by + count) % count);
+    };
+    new Shortcuts(*this, {[this](int tab) { TabStrip1->setCurrentIndex(tab); }, step, [this] { goToField(); },
+                          [this] { repeatSearch(); }, [this] { contentmnu_Click(); }, [this] { exitmnu_Click(); }});
+}
+
+void Main::goToField()
+{
+    SearchTab* front = frontTab();
+    if (!front)
+        return;
+    QWidget& field = front->firstField();
+    field.setFocus(Qt::ShortcutFocusReason);
+    if (auto* text = qobject_cast<QLineEdit*>(&field))
+        text->selectAll();
+}
+
+void Main::repeatSearch()
+{
+    if (SearchTab* front = frontTab())
+        front->startButton().click(); // does nothing while the button is disabled
 }
 
 void Main::TabStrip1_Click()

@@ -222,6 +222,16 @@ bool HtmlView::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
+bool HtmlView::event(QEvent* event)
+{
+    // The view behind this widget may not have started yet. Keys that leave a page are no shortcuts here.
+    if (event->type() == QEvent::ShortcutOverride && leadsAway(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void HtmlView::keyPressEvent(QKeyEvent* event)
 {
     // Keys that the view did not use, such as Escape, go on to the window.

@@ -31,6 +31,7 @@ private slots:
     void keysThatLeadAwayAreSwallowed();
     void tabKeyGoesThroughTheView();
     void escapeStopsTheSearchOnce();
+    void shortcutsWorkExceptThoseOfThePage();
 };
 
 static bool engineIsLoaded()
@@ -256,6 +257,45 @@ void HtmlEngineTest::escapeStopsTheSearchOnce()
     QTest::keyClick(keys, Qt::Key_Escape); // there is nothing left to stop
     QCoreApplication::processEvents();
     QTRY_COMPARE(window.boxes.texts(), QStringList{u"User cancel the operation"_s});
+    view_ = nullptr;
+}
+
+void HtmlEngineTest::shortcutsWorkExceptThoseOfThePage()
+{
+    WindowFixture window;
+    window.engineFolders = {QCoreApplication::applicationDirPath()};
+    window.start();
+    window.type("Text7", u"apple"_s);
+    const auto* strip = window.control<QTabBar>("TabStrip1");
+    const auto pressInGallery = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        window.chooseTab(3);
+        view_ = window.control<HtmlView>("IMGViewer");
+        QTRY_VERIFY_WITH_TIMEOUT(view_->hasBrowser(), 30000);
+        QTRY_VERIFY_WITH_TIMEOUT(engine() && engine()->focusProxy(), 30000);
+        engine()->focusProxy()->setFocus();
+        QVERIFY(view_->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(window.main().windowHandle(), key, modifiers);
+    };
+    for (const auto& [key, modifiers] : {std::pair<Qt::Key, Qt::KeyboardModifiers>(Qt::Key_1, Qt::AltModifier),
+                                         {Qt::Key_F5, Qt::NoModifier},
+                                         {Qt::Key_N, Qt::ControlModifier},
+                                         {Qt::Key_R, Qt::ControlModifier}}) {
+        pressInGallery(key, modifiers);
+        QCOMPARE(strip->currentIndex(), 2);
+    }
+    QVERIFY(window.service.requests().isEmpty());
+    QVERIFY(window.boxes.boxes().isEmpty());
+    pressInGallery(Qt::Key_1, Qt::ControlModifier);
+    QCOMPARE(strip->currentIndex(), 0);
+    pressInGallery(Qt::Key_Tab, Qt::ControlModifier);
+    QCOMPARE(strip->currentIndex(), 3);
+    pressInGallery(Qt::Key_F1, Qt::NoModifier);
+    QCOMPARE(window.shell.opened, std::vector<std::string>{"http://help.example/"});
+    pressInGallery(Qt::Key_L, Qt::ControlModifier);
+    QVERIFY(window.control<QLineEdit>("Text7")->hasFocus());
+    QCOMPARE(window.control<QLineEdit>("Text7")->selectedText(), u"apple"_s);
+    pressInGallery(Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(!window.main().isVisible());
     view_ = nullptr;
 }
 
