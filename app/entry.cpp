@@ -28,7 +28,7 @@ namespace {
 std::string manualPage()
 {
     const QDir here(QCoreApplication::applicationDirPath());
-    for (const char* place : {"manual/index.html", "../share/quarrynet/manual/index.html"}) {
+    for (const char* place : {"manual/index.html", QUARRYNET_INSTALLED_MANUAL "/index.html"}) {
         const QString page = QDir::cleanPath(here.filePath(QLatin1String(place)));
         if (QFile::exists(page))
             return toPathBytes(page);

@@ -19,11 +19,26 @@ bool canWrite(const QString& folder)
     return probe.open();
 }
 
+// The build sets QUARRYNET_INSTALLED_MANUAL: the installed manual's folder relative to the program's. A portable copy
+// has the manual beside it.
+bool isInstalled(const QDir& folder)
+{
+    return folder.exists(QStringLiteral(QUARRYNET_INSTALLED_MANUAL)) && !folder.exists(QStringLiteral("manual"));
+}
+
+// Root can write into every program's folder, but an installed program's belongs to the package manager. An older copy
+// that was installed into a writable folder has its settings there and keeps them.
+bool isForFiles(const QString& beside)
+{
+    const QDir folder(beside);
+    return (!isInstalled(folder) || folder.exists(QStringLiteral("Quarrynet.ini"))) && canWrite(beside);
+}
+
 } // namespace
 
 ProgramFolder chooseProgramFolder(const QString& beside, const QString& data)
 {
-    if (canWrite(beside))
+    if (isForFiles(beside))
         return {QDir::toNativeSeparators(beside), true};
     if (QDir::isAbsolutePath(data))
         QDir().mkpath(data);

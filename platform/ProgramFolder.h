@@ -11,9 +11,10 @@ struct ProgramFolder
     bool writable;
 };
 
-/// Returns `beside`, the executable's folder, if the user may write there (a portable copy, a build tree), otherwise
-/// `data`, the user's data folder, which is created if it is missing. If neither is writable, returns the data folder's
-/// path with `writable` false.
+/// Returns `beside`, the executable's folder, if the program is a portable copy (or in a build tree) and the user may
+/// write there, otherwise `data`, the user's data folder, which is created if it is missing. A program whose manual is
+/// in an installation's folder of shared files is not portable, unless its settings file is beside it. If neither
+/// folder is writable, returns the data folder's path with `writable` false.
 ProgramFolder chooseProgramFolder(const QString& beside, const QString& data);
 
 /// Does this for the running program. Needs the application object.

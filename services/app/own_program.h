@@ -12,4 +12,8 @@ std::filesystem::path ownProgram();
 /// installation. Returns an empty text if it is in neither place.
 std::string manualFolder(const std::filesystem::path& program);
 
+/// Returns the path of the program that makes thumbnails: next to `program`, or among the helper programs of an
+/// installation. Returns the first place if it is in neither.
+std::filesystem::path thumbnailProgram(const std::filesystem::path& program);
+
 } // namespace quarrynet::services

@@ -44,12 +44,6 @@ void explainPermission(std::uint16_t port)
                  static_cast<unsigned>(port));
 }
 
-/// Returns the path of the program that makes thumbnails, which is in the folder of this one.
-std::string thumbnailProgram()
-{
-    return (ownProgram().parent_path() / "quarrynet-thumbnails").string();
-}
-
 /// Gives up root's rights and capabilities. Fails if the index cannot be read without them.
 Outcome<Done> dropRights(const std::string& dataFolder, const User& user, IndexPool& index)
 {
@@ -126,8 +120,9 @@ int runServe(const Options& options)
     // The addresses in their pages are known only once they listen.
     std::optional<WebService> web;
     std::optional<ImageService> images;
-    Thumbnailer thumbnailer(thumbnailProgram());
-    Thumbnailer remoteThumbnailer(thumbnailProgram(), RemoteThumbnails::thumbnailerLimits());
+    const std::string pictureProgram = thumbnailProgram(ownProgram()).string();
+    Thumbnailer thumbnailer(pictureProgram);
+    Thumbnailer remoteThumbnailer(pictureProgram, RemoteThumbnails::thumbnailerLimits());
     FetchPool picturePool(*certificates, config->privatePictures ? Reach::Everywhere : Reach::PublicOnly);
     RemoteThumbnails remoteThumbnails(picturePool, remoteThumbnailer);
     DownloadService downloads(index);
@@ -176,9 +171,9 @@ int runServe(const Options& options)
         return 1;
     }
     // Checks as the user that this process has become.
-    if (kHasImageSearch && ::access(thumbnailProgram().c_str(), X_OK) != 0)
+    if (kHasImageSearch && ::access(pictureProgram.c_str(), X_OK) != 0)
         std::fprintf(stderr, "quarrynet-services: thumbnails require %s, which cannot be executed\n",
-                     thumbnailProgram().c_str());
+                     pictureProgram.c_str());
     server.stopOnSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::printf("quarrynet-services: ready");

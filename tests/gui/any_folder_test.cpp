@@ -157,6 +157,27 @@ private slots:
         QVERIFY(chooseProgramFolder(data, beside).path == QDir::toNativeSeparators(data));
     }
 
+    // Root, who may write everywhere, used to get the files of an installed program in /usr/bin.
+    void installedProgramHasItsFilesInTheDataFolder()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("On Windows the manual is beside every program.");
+#endif
+        const QDir place(temporary_->path());
+        QVERIFY(place.mkpath(u"bin"_s));
+        QVERIFY(place.mkpath(u"share/quarrynet/manual"_s));
+        const QString beside = place.filePath(u"bin"_s);
+        const QString data = place.filePath(u"data"_s);
+        QCOMPARE(chooseProgramFolder(beside, data).path, data);
+        // An older copy kept its settings beside itself.
+        QFile settings(place.filePath(u"bin/Quarrynet.ini"_s));
+        QVERIFY(settings.open(QIODevice::WriteOnly));
+        QCOMPARE(chooseProgramFolder(beside, data).path, beside);
+        QVERIFY(settings.remove());
+        QVERIFY(place.mkpath(u"bin/manual"_s));
+        QCOMPARE(chooseProgramFolder(beside, data).path, beside);
+    }
+
     // An unknown folder used to be the working directory, and files went to the root of its drive.
     void unknownFolderIsNoFolder()
     {

@@ -21,3 +21,15 @@ TEST(ManualFolder, LiesBesideTheProgramOrWhereAnInstallationPutsIt)
     EXPECT_EQ(manualFolder(program), folder.path() + "/bin/manual");
     EXPECT_EQ(manualFolder({}), "");
 }
+
+TEST(ThumbnailProgram, LiesBesideTheProgramOrWhereAnInstallationPutsIt)
+{
+    const TemporaryFolder folder;
+    const std::string program = folder.write("bin/quarrynet-services", "");
+    EXPECT_EQ(thumbnailProgram(program), folder.path() + "/bin/quarrynet-thumbnails");
+    folder.write("libexec/quarrynet/quarrynet-thumbnails", "");
+    EXPECT_EQ(thumbnailProgram(program), folder.path() + "/libexec/quarrynet/quarrynet-thumbnails");
+    folder.write("bin/quarrynet-thumbnails", "");
+    EXPECT_EQ(thumbnailProgram(program), folder.path() + "/bin/quarrynet-thumbnails");
+    EXPECT_EQ(thumbnailProgram({}), "quarrynet-thumbnails");
+}
