@@ -40,17 +40,17 @@ void Main::makeMenus()
         connect(action, &QAction::triggered, this, command);
         place->addAction(action);
     };
-    QMenu* file = addMenu("filmnu", tr("&File"));
-    add(file, "exitmnu", tr("E&xit"), &Main::exitmnu_Click);
-    QMenu* view = addMenu("viewmnu", tr("&View"));
-    add(view, "proxymnu", tr("&Proxy"), &Main::proxymnu_Click);
-    QMenu* help = addMenu("helpmnu", tr("&Help"));
-    add(help, "contentmnu", tr("&Contents"), &Main::contentmnu_Click);
-    add(help, "emailauth", tr("&Email Author"), &Main::emailauth_Click);
-    add(help, "webpage", tr("&Webpage"), &Main::webpage_Click);
+    QMenu* file = addMenu("filmnu", QStringLiteral("&File"));
+    add(file, "exitmnu", QStringLiteral("E&xit"), &Main::exitmnu_Click);
+    QMenu* view = addMenu("viewmnu", QStringLiteral("&View"));
+    add(view, "proxymnu", QStringLiteral("&Proxy"), &Main::proxymnu_Click);
+    QMenu* help = addMenu("helpmnu", QStringLiteral("&Help"));
+    add(help, "contentmnu", QStringLiteral("&Contents"), &Main::contentmnu_Click);
+    add(help, "emailauth", QStringLiteral("&Email Author"), &Main::emailauth_Click);
+    add(help, "webpage", QStringLiteral("&Webpage"), &Main::webpage_Click);
     help->addSeparator();
-    add(help, "aboutmnu", tr("&About"), &Main::aboutmnu_Click);
-    add(menuBar(), "stopmnu", tr("Stop"), &Main::stopmnu_Click);
+    add(help, "aboutmnu", QStringLiteral("&About"), &Main::aboutmnu_Click);
+    add(menuBar(), "stopmnu", QStringLiteral("Stop"), &Main::stopmnu_Click);
 }
 
 void Main::makeToolbar()
@@ -64,14 +64,14 @@ void Main::makeToolbar()
     };
     static constexpr std::array<Button, 9> kButtons = {{
         {},
-        {QT_TR_NOOP("Configure Proxy"), "proxy", &Main::proxymnu_Click},
+        {"Configure Proxy", "proxy", &Main::proxymnu_Click},
         {},
-        {QT_TR_NOOP("Stop Current Search"), "stop", &Main::stopmnu_Click},
+        {"Stop Current Search", "stop", &Main::stopmnu_Click},
         {},
-        {QT_TR_NOOP("Help"), "help", &Main::helpmnu_Click}, // does nothing; only Help > Contents opens the manual
-        {QT_TR_NOOP("E-mail Author"), "mail", &Main::emailauth_Click},
-        {QT_TR_NOOP("Webpage"), "webpage", &Main::webpage_Click},
-        {QT_TR_NOOP("About Quarrynet"), "about", &Main::showOwnAbout},
+        {"Help", "help", &Main::helpmnu_Click}, // does nothing; only Help > Contents opens the manual
+        {"E-mail Author", "mail", &Main::emailauth_Click},
+        {"Webpage", "webpage", &Main::webpage_Click},
+        {"About Quarrynet", "about", &Main::showOwnAbout},
     }};
     ImageList1 = new ImageList(this);
     ImageList1->setObjectName(QStringLiteral("ImageList1"));
@@ -81,8 +81,8 @@ void Main::makeToolbar()
             continue;
         }
         ImageList1->add(icon(QLatin1String(button.picture)));
-        QAction* action = Toolbar1->addAction(ImageList1->image(ImageList1->count()), tr(button.toolTip));
-        action->setToolTip(tr(button.toolTip));
+        QAction* action = Toolbar1->addAction(ImageList1->image(ImageList1->count()), QLatin1String(button.toolTip));
+        action->setToolTip(QLatin1String(button.toolTip));
         connect(action, &QAction::triggered, this, button.command);
     }
 }
@@ -198,7 +198,7 @@ void Main::stopmnu_Click()
                                         [front](const StopRow& row) { return row.front == front; });
     bringToRest(exception != stopExceptions_.end() ? *exception : StopRow{front, front, front});
     giveMemoryBack();
-    showCritical(this, tr("User cancel the operation"));
+    showCritical(this, QStringLiteral("User cancel the operation"));
 }
 
 void Main::bringToRest(const StopRow& row)

@@ -10,8 +10,10 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QLocale>
 
 #include "app/Application.h"
+#include "app/Language.h"
 #include "app/Main.h"
 #include "app/Tour.h"
 #include "platform/ProgramFolder.h"
@@ -24,14 +26,18 @@ using namespace quarrynet;
 
 namespace {
 
-// Returns the manual's path: beside the program, or where an installation keeps shared files. Empty if neither has it.
-std::string manualPage()
+// Returns the path of the manual in `language`, or in English if it has no other: beside the program, or where an
+// installation keeps shared files. Empty if neither place has it.
+std::string manualPage(const QString& language)
 {
     const QDir here(QCoreApplication::applicationDirPath());
-    for (const char* place : {"manual/index.html", QUARRYNET_INSTALLED_MANUAL "/index.html"}) {
-        const QString page = QDir::cleanPath(here.filePath(QLatin1String(place)));
-        if (QFile::exists(page))
-            return toPathBytes(page);
+    for (const char* place : {"manual/", QUARRYNET_INSTALLED_MANUAL "/"}) {
+        for (const QString& folder : {language + QLatin1Char('/'), QString()}) {
+            const QString page =
+                QDir::cleanPath(here.filePath(QLatin1String(place) + folder + QLatin1String("index.html")));
+            if (QFile::exists(page))
+                return toPathBytes(page);
+        }
     }
     return {};
 }
@@ -74,15 +80,19 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(QUARRYNET_VERSION));
 
     QCommandLineParser options;
-    options.setApplicationDescription(
-        QCoreApplication::translate("main", "Searches web pages, images, programs and files."));
+    // What the command line says is in English, as that of quarrynet-services.
+    options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
     options.addHelpOption();
     const QCommandLineOption versionOption = options.addVersionOption();
-    const QCommandLineOption tourOption(
-        QStringLiteral("tour"),
-        QCoreApplication::translate("main", "Takes screenshots of a tour through the tabs, then exits."),
-        QCoreApplication::translate("main", "folder"));
+    const QCommandLineOption tourOption(QStringLiteral("tour"),
+                                        QStringLiteral("Takes screenshots of a tour through the tabs, then exits."),
+                                        QStringLiteral("folder"));
     options.addOption(tourOption);
+    const QCommandLineOption languageOption(
+        QStringLiteral("language"),
+        QStringLiteral("Language of texts and manual: en or de. The default is the desktop's language."),
+        QStringLiteral("code"));
+    options.addOption(languageOption);
     if (argc > 0 && asksForText(argc, argv)) {
         const QCoreApplication withoutDisplay(argc, argv);
         if (printForCaller(options, versionOption))
@@ -94,12 +104,15 @@ int main(int argc, char** argv)
     QApplication::setStyle(new ProgramStyle);
     options.process(application);
 
+    const Language language(options.isSet(languageOption) ? QStringList(options.value(languageOption))
+                                                          : QLocale::system().uiLanguages());
+
     const ProgramFolder folder = findProgramFolder();
     if (!folder.writable) {
         showFileError(nullptr, folder.path, QCoreApplication::translate("main", "The folder cannot be written."));
         return 1;
     }
-    const std::string manual = manualPage();
+    const std::string manual = manualPage(language.code());
     const std::string help = QUARRYNET_HELP_PAGE_URL;
     DesktopShell shell(manual);
     const ServiceHosts hosts = {QUARRYNET_WEB_SEARCH_HOST, QUARRYNET_IMAGE_SEARCH_HOST, QUARRYNET_DOWNLOAD_SITE_HOST,

@@ -77,7 +77,7 @@ void Proxy::Command1_Click()
     if (settings_.on) {
         for (QLineEdit* field : {ui_->Text1, ui_->Text2}) {
             if (typedText(*field).empty()) {
-                showInformation(this, tr("All fields are mandatory"));
+                showInformation(this, QStringLiteral("All fields are mandatory"));
                 field->setFocus();
                 return;
             }

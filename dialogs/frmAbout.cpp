@@ -65,7 +65,7 @@ void frmAbout::StartSysInfo()
     }
     if (!started) {
         QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Quarrynet"),
-                        tr("System Information Is Unavailable At This Time"), QMessageBox::Ok, this);
+                        QStringLiteral("System Information Is Unavailable At This Time"), QMessageBox::Ok, this);
         box.exec();
     }
 }

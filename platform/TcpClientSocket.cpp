@@ -164,7 +164,7 @@ SocketState TcpClientSocket::State() const
 
 void TcpClientSocket::fail(const WinSockError& error)
 {
-    fail(error.number, QString::fromLatin1(error.description));
+    fail(error.number, error.shownDescription());
 }
 
 void TcpClientSocket::fail(int number, const QString& description)

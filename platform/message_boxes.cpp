@@ -30,10 +30,8 @@ void showCritical(QWidget* owner, const QString& text)
 
 void showSocketError(QWidget* owner, int number, std::string_view description)
 {
-    const QString text = QCoreApplication::translate("message_boxes", "Error occurred.\r\nError #: %1\r\n%2")
-                             .arg(number)
-                             .arg(toLine(description));
-    show(owner, QMessageBox::Warning, QCoreApplication::translate("message_boxes", "Error"), text);
+    const QString text = QStringLiteral("Error occurred.\r\nError #: %1\r\n%2").arg(number).arg(toLine(description));
+    show(owner, QMessageBox::Warning, QStringLiteral("Error"), text);
 }
 
 void showRuntimeError(QWidget* owner, RuntimeError error)

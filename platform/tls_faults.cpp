@@ -27,10 +27,10 @@ enum FaultNumber
     RevokedCertificate = 12170,
 };
 
-QString tr(const char* text)
+struct Texts
 {
-    return QCoreApplication::translate("tls_faults", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(TlsFaults)
+};
 
 QString day(const QDateTime& time)
 {
@@ -41,23 +41,23 @@ TlsFault faultOf(const QSslError& error, const QString& name)
 {
     switch (error.error()) {
     case QSslError::CertificateExpired:
-        return {CertificateDate, tr("the certificate expired on %1").arg(day(error.certificate().expiryDate()))};
+        return {CertificateDate, Texts::tr("the certificate expired on %1").arg(day(error.certificate().expiryDate()))};
     case QSslError::CertificateNotYetValid:
         return {CertificateDate,
-                tr("the certificate is not valid before %1").arg(day(error.certificate().effectiveDate()))};
+                Texts::tr("the certificate is not valid before %1").arg(day(error.certificate().effectiveDate()))};
     case QSslError::HostNameMismatch:
         return wrongNameFault(name);
     case QSslError::SelfSignedCertificate:
-        return {UnknownIssuer, tr("the certificate is self-signed")};
+        return {UnknownIssuer, Texts::tr("the certificate is self-signed")};
     case QSslError::SelfSignedCertificateInChain:
     case QSslError::UnableToGetIssuerCertificate:
     case QSslError::UnableToGetLocalIssuerCertificate:
     case QSslError::UnableToVerifyFirstCertificate:
     case QSslError::CertificateUntrusted:
-        return {UnknownIssuer, tr("the certificate's issuer is unknown to this system")};
+        return {UnknownIssuer, Texts::tr("the certificate's issuer is unknown to this system")};
     case QSslError::CertificateRevoked:
     case QSslError::CertificateBlacklisted:
-        return {RevokedCertificate, tr("the certificate is revoked")};
+        return {RevokedCertificate, Texts::tr("the certificate is revoked")};
     default:
         return {InvalidCertificate, error.errorString()};
     }
@@ -108,7 +108,7 @@ bool certificateNames(const QSslCertificate& certificate, const QString& name)
 
 TlsFault wrongNameFault(const QString& name)
 {
-    return {CertificateName, tr("the certificate is not for %1").arg(name)};
+    return {CertificateName, Texts::tr("the certificate is not for %1").arg(name)};
 }
 
 TlsFault certificateFault(const QList<QSslError>& errors, const QString& name)
@@ -120,47 +120,48 @@ TlsFault certificateFault(const QList<QSslError>& errors, const QString& name)
             descriptions.append(description);
     }
     return {faultOf(errors.first(), name).number,
-            tr("The server cannot be trusted: %1").arg(descriptions.join(QLatin1String("; ")))};
+            Texts::tr("The server cannot be trusted: %1").arg(descriptions.join(QLatin1String("; ")))};
 }
 
 TlsFault alertFault(QSsl::AlertType alert)
 {
     switch (alert) {
     case QSsl::AlertType::CertificateRequired:
-        return {ClientCertificateNeeded, tr("The server demands a certificate of its clients")};
+        return {ClientCertificateNeeded, Texts::tr("The server demands a certificate of its clients")};
     case QSsl::AlertType::ProtocolVersion:
-        return {SecureChannel, tr("The server does not support TLS 1.2 or later")};
+        return {SecureChannel, Texts::tr("The server does not support TLS 1.2 or later")};
     case QSsl::AlertType::UnrecognizedName:
-        return {CertificateName, tr("The server does not know the host name")};
+        return {CertificateName, Texts::tr("The server does not know the host name")};
     default:
         return {SecureChannel,
-                tr("The server refused the secure connection (TLS alert %1)").arg(static_cast<int>(alert))};
+                Texts::tr("The server refused the secure connection (TLS alert %1)").arg(static_cast<int>(alert))};
     }
 }
 
 TlsFault handshakeFault(const QString& reason)
 {
-    return {SecureChannel, tr("The server does not speak TLS as it should: %1").arg(withoutCodes(reason))};
+    return {SecureChannel, Texts::tr("The server does not speak TLS as it should: %1").arg(withoutCodes(reason))};
 }
 
 TlsFault closedHandshakeFault()
 {
-    return {SecureChannel, tr("The server closed the connection during the TLS handshake")};
+    return {SecureChannel, Texts::tr("The server closed the connection during the TLS handshake")};
 }
 
 TlsFault handshakeTimeoutFault()
 {
-    return {TimedOut, tr("The attempt to connect timed out: the server does not answer over TLS")};
+    return {TimedOut, Texts::tr("The attempt to connect timed out: the server does not answer over TLS")};
 }
 
 TlsFault connectionFault(const QString& reason)
 {
-    return {SecureChannel, tr("The secure connection failed: %1").arg(withoutCodes(reason))};
+    return {SecureChannel, Texts::tr("The secure connection failed: %1").arg(withoutCodes(reason))};
 }
 
 TlsFault noTlsFault()
 {
-    return {ProtocolNotSupported, tr("No TLS library is installed, so addresses with https:// cannot be fetched")};
+    return {ProtocolNotSupported,
+            Texts::tr("No TLS library is installed, so addresses with https:// cannot be fetched")};
 }
 
 } // namespace quarrynet

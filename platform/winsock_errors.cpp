@@ -2,20 +2,22 @@
 
 #include <array>
 
-#include <QCoreApplication>
-
 namespace quarrynet {
 
 namespace {
 
-constexpr WinSockError kNoAccess = {10013, "Permission to use the network was denied"};
-constexpr WinSockError kNoAddress = {10049, "The remote address is not valid"};
-constexpr WinSockError kNoNetwork = {10051, "The network cannot be reached from this host at this time"};
-constexpr WinSockError kNetworkReset = {10052, "The connection has timed out when SO_KEEPALIVE is set"};
-constexpr WinSockError kNoBuffers = {10055, "No buffer space is available"};
-constexpr WinSockError kTimedOut = {10060, "The attempt to connect timed out"};
-constexpr WinSockError kRefused = {10061, "Connection is forcefully rejected"};
-constexpr WinSockError kNoHost = {10065, "The host cannot be reached from this host at this time"};
+constexpr WinSockError kNoAccess = {10013,
+                                    QT_TRANSLATE_NOOP("winsock_errors", "Permission to use the network was denied")};
+constexpr WinSockError kNoAddress = {10049, QT_TRANSLATE_NOOP("winsock_errors", "The remote address is not valid")};
+constexpr WinSockError kNoNetwork = {
+    10051, QT_TRANSLATE_NOOP("winsock_errors", "The network cannot be reached from this host at this time")};
+constexpr WinSockError kNetworkReset = {
+    10052, QT_TRANSLATE_NOOP("winsock_errors", "The connection has timed out when SO_KEEPALIVE is set")};
+constexpr WinSockError kNoBuffers = {10055, QT_TRANSLATE_NOOP("winsock_errors", "No buffer space is available")};
+constexpr WinSockError kTimedOut = {10060, QT_TRANSLATE_NOOP("winsock_errors", "The attempt to connect timed out")};
+constexpr WinSockError kRefused = {10061, QT_TRANSLATE_NOOP("winsock_errors", "Connection is forcefully rejected")};
+constexpr WinSockError kNoHost = {
+    10065, QT_TRANSLATE_NOOP("winsock_errors", "The host cannot be reached from this host at this time")};
 
 } // namespace
 

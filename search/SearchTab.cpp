@@ -149,7 +149,7 @@ void PagedSearch::apply(const PagingOffer& offer, HiddenText& pageTotal)
 void PagedSearch::search()
 {
     if (keywords_->text().isEmpty()) {
-        showInformation(window(), tr("Please enter keyword/s to search!!!"));
+        showInformation(window(), QStringLiteral("Please enter keyword/s to search!!!"));
         return;
     }
     setTimerEnabled(true);

@@ -1,10 +1,10 @@
 # Sourced by other scripts. install_missing installs those of the named Debian packages that are missing, if any.
 
-build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libqt6svg6
+build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webengine-dev qt6-l10n-tools libqt6svg6
     qt6-image-formats-plugins libgl1-mesa-dev libsqlite3-dev libboost-dev libcurl4-openssl-dev libgumbo-dev libyaml-dev libcap2-bin libcap-dev
-    libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev
+    libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev python3
     fonts-dejavu-core fonts-liberation"
-run_packages="ca-certificates xdg-utils xvfb xauth"
+run_packages="ca-certificates xdg-utils xvfb xauth qt6-translations-l10n"
 test_packages="libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib python3-openssl
     vsftpd nginx-light searx"
 bench_packages="libbenchmark-dev curl w3m"

@@ -1,7 +1,7 @@
 # Sourced by the scripts that build for Windows and run the result under Wine, on Debian 12. Downloads and their
 # results are kept in $windows_cache, which may be deleted at any time.
 
-windows_packages="g++-mingw-w64-x86-64-posix wine64 cmake ninja-build googletest qt6-base-dev qt6-base-dev-tools
+windows_packages="g++-mingw-w64-x86-64-posix wine64 cmake ninja-build googletest qt6-base-dev qt6-base-dev-tools qt6-l10n-tools
     python3 xz-utils xvfb xauth fonts-dejavu-core"
 windows_cache="${XDG_CACHE_HOME:-$HOME/.cache}/quarrynet"
 windows_qt="$windows_cache/qt6-mingw"

@@ -27,7 +27,8 @@ DownloadSearch::DownloadSearch(SearchWindow& window, QWidget* parent)
 {
     ui_->setupUi(this);
     setControls(*ui_->Command4, *ui_->Text10, *ui_->Slider3);
-    ui_->ListView3->setColumns({tr("Program Name"), tr("Description"), tr("OS"), tr("File Size"), tr("License")});
+    ui_->ListView3->setColumns({QStringLiteral("Program Name"), QStringLiteral("Description"), QStringLiteral("OS"),
+                                QStringLiteral("File Size"), QStringLiteral("License")});
     ui_->ListView3->setColumnWidths({118, 170, 120, 72, 90});
     connect(&buffer(), &HiddenText::changed, this, &DownloadSearch::Text12_Change);
     connect(ui_->ListView3, &ListView::doubleClicked, this, &DownloadSearch::ListView3_DblClick);
@@ -78,7 +79,7 @@ void DownloadSearch::Text12_Change()
                         std::move(row.license)});
     ui_->ListView3->setRows(std::move(rows));
     if (results.nothingFound) {
-        showInformation(window(), tr("No Software Found"));
+        showInformation(window(), QStringLiteral("No Software Found"));
         return;
     }
     if (results.countCaption)
@@ -99,7 +100,7 @@ void DownloadSearch::ListView3_DblClick()
 void DownloadSearch::ListView3_MouseMove()
 {
     if (!ui_->ListView3->rows().empty())
-        ui_->ListView3->setToolTip(tr("Double click Program Name to download the file"));
+        ui_->ListView3->setToolTip(QStringLiteral("Double click Program Name to download the file"));
 }
 
 } // namespace quarrynet

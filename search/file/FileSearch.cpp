@@ -35,7 +35,7 @@ FileSearch::FileSearch(SearchWindow& window, QWidget* parent)
 {
     ui_->setupUi(this);
     setControls(*ui_->Command5, *ui_->Text11, *ui_->Slider4);
-    ui_->ListView4->setColumns({tr("FileName"), tr("FilePath"), tr("FileSize")});
+    ui_->ListView4->setColumns({QStringLiteral("FileName"), QStringLiteral("FilePath"), QStringLiteral("FileSize")});
     ui_->ListView4->setColumnWidths({170, 310, 90});
     ui_->ListView4->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(&buffer(), &HiddenText::changed, this, &FileSearch::Text16_Change);
@@ -107,7 +107,7 @@ void FileSearch::ListView4_DblClick()
 void FileSearch::ListView4_MouseMove()
 {
     if (!ui_->ListView4->rows().empty())
-        ui_->ListView4->setToolTip(tr("Double Click FileName to download"));
+        ui_->ListView4->setToolTip(QStringLiteral("Double Click FileName to download"));
 }
 
 } // namespace quarrynet

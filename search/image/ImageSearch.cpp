@@ -117,7 +117,7 @@ void ImageSearch::Text9_Change()
     ImageResults results =
         parseImageResults(buffer().text(), directHost(), {List6.positions(), List7.items(), List8.items()});
     if (results.nothingFound) {
-        showInformation(window(), tr("No Images Found"));
+        showInformation(window(), QStringLiteral("No Images Found"));
         return;
     }
     List6.setPositions(results.lists.positions);

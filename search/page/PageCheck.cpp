@@ -37,7 +37,7 @@ PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
     caption->setBuddy(ui_->Combo1);
     caption->setGeometry({}); // takes no room in the layout
     caption->hide();
-    ui_->ListView2->setColumns({tr("Keyword"), tr("Found/Not Found")});
+    ui_->ListView2->setColumns({QStringLiteral("Keyword"), QStringLiteral("Found/Not Found")});
     socket().setTrustedCertificates(window.trustedCertificates());
     connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
     connect(ui_->Text4, &QLineEdit::returnPressed, this, [this] { ui_->Text5->setFocus(); });
@@ -48,7 +48,8 @@ PageCheck::~PageCheck() = default;
 
 void PageCheck::fillMatchModes()
 {
-    ui_->Combo1->addItems({tr("Any Keyword"), tr("All Keyword/s"), tr("Exact Search")});
+    ui_->Combo1->addItems(
+        {QStringLiteral("Any Keyword"), QStringLiteral("All Keyword/s"), QStringLiteral("Exact Search")});
     ui_->Combo1->setCurrentIndex(0);
 }
 
@@ -70,7 +71,7 @@ QWidget& PageCheck::firstField()
 void PageCheck::search()
 {
     if (ui_->Text4->text().isEmpty() || ui_->Text5->text().isEmpty()) {
-        showInformation(window(), tr("Both Fields Are Mandatory!!!"));
+        showInformation(window(), QStringLiteral("Both Fields Are Mandatory!!!"));
         return;
     }
     setTimerEnabled(true);

@@ -30,7 +30,7 @@ WebSearch::WebSearch(SearchWindow& window, QWidget* parent)
 {
     ui_->setupUi(this);
     setControls(*ui_->Command1, *ui_->Text1, *ui_->Slider1);
-    ui_->ListView1->setColumns({tr("Website Address"), tr("Short Description")});
+    ui_->ListView1->setColumns({QStringLiteral("Website Address"), QStringLiteral("Short Description")});
     connect(&buffer(), &HiddenText::changed, this, &WebSearch::Text2_Change);
     connect(ui_->ListView1, &ListView::doubleClicked, this, &WebSearch::ListView1_DblClick);
 }
@@ -99,7 +99,7 @@ void WebSearch::Text2_Change()
     apply(results.paging, Text3);
 
     if (results.nothingFound)
-        showInformation(window(), tr("No site found for that keyword/s"));
+        showInformation(window(), QStringLiteral("No site found for that keyword/s"));
     report(results.fault);
 }
 
