@@ -231,42 +231,71 @@ bool ServiceSettings::asksOthers() const
     return std::any_of(sources.begin(), sources.end(), [](const SourceSetting& source) { return !source.isIndex(); });
 }
 
-Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const std::string& name)
+namespace {
+
+/// Appends `added` to `faults`, up to the number that one list has.
+void append(FileFaults& faults, const FaultList& added)
 {
-    FaultList faults(name);
-    if (text.size() > kMaxServicesFile) {
-        faults.add(0, "the file is larger than " + std::to_string(kMaxServicesFile / 1024) + " KB");
-        return faults.faults();
+    for (const std::string& fault : added.faults()) {
+        if (faults.size() < FaultList::kMostFaults)
+            faults.push_back(fault);
     }
-    const toml::parse_result parsed = toml::parse(text);
-    if (!parsed) {
-        faults.add(parsed.error().source().begin.line, std::string(parsed.error().description()));
-        return faults.faults();
-    }
-    ServicesFile file;
-    file.path = name;
-    TomlTable top(parsed.table(), "", faults);
-    readService(top, "web", faults, file.web);
-    readService(top, "image", faults, file.image, &file.privatePictures);
-    readIndexedService(top, "download", faults);
-    readIndexedService(top, "file", faults);
-    // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
-    readCrawls(top, faults, file.crawls);
-    if (const std::optional<bool> log = top.flag("log-queries"))
-        file.logQueries = *log;
-    if (std::optional<std::string> certificates = top.text("ca-file"))
-        file.caFile = std::move(*certificates);
-    top.finish();
-    if (!faults.faults().empty())
-        return faults.faults();
-    return file;
 }
 
-Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen)
+UsableServices usableParts(std::string_view text, const std::string& name)
+{
+    UsableServices result;
+    ServicesFile& file = result.file;
+    FaultList web(name);
+    FaultList image(name);
+    FaultList others(name);
+    FaultList whole(name);
+    const toml::parse_result parsed = text.size() > kMaxServicesFile ? toml::parse("") : toml::parse(text);
+    if (text.size() > kMaxServicesFile) {
+        whole.add(0, "the file is larger than " + std::to_string(kMaxServicesFile / 1024) + " KB");
+    } else if (!parsed) {
+        whole.add(parsed.error().source().begin.line, std::string(parsed.error().description()));
+    } else {
+        file.path = name;
+        TomlTable top(parsed.table(), "", whole);
+        readService(top, "web", web, file.web);
+        readService(top, "image", image, file.image, &file.privatePictures);
+        readIndexedService(top, "download", others);
+        readIndexedService(top, "file", others);
+        // Further tables are read here, with a TomlTable of their own; "[[NAME]]" by top.tables("NAME").
+        readCrawls(top, others, file.crawls);
+        if (const std::optional<bool> log = top.flag("log-queries"))
+            file.logQueries = *log;
+        if (std::optional<std::string> certificates = top.text("ca-file"))
+            file.caFile = std::move(*certificates);
+        top.finish();
+    }
+    for (const FaultList* list : {&web, &image, &others, &whole})
+        append(result.faults, *list);
+    const auto first = [&whole](const FaultList& own) {
+        const FileFaults& faults = own.faults().empty() ? whole.faults() : own.faults();
+        return faults.empty() ? std::string() : faults.front();
+    };
+    result.webFault = first(web);
+    result.imageFault = first(image);
+    return result;
+}
+
+} // namespace
+
+Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const std::string& name)
+{
+    UsableServices read = usableParts(text, name);
+    if (!read.faults.empty())
+        return read.faults;
+    return std::move(read.file);
+}
+
+UsableServices loadUsableServices(const std::string& chosen)
 {
     const std::string path = chosen.empty() ? usualFile() : chosen;
     if (path.empty())
-        return ServicesFile{};
+        return {};
     FaultList faults(path);
     Outcome<std::optional<std::string>> content = contentOf(path, kMaxServicesFile);
     if (!content)
@@ -274,10 +303,18 @@ Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen)
     else if (!*content && !chosen.empty())
         faults.add(0, "there is no such file");
     if (!faults.faults().empty())
-        return faults.faults();
+        return {{}, faults.faults(), faults.faults().front(), faults.faults().front()};
     if (!*content)
-        return ServicesFile{};
-    return readServicesFile(**content, path);
+        return {};
+    return usableParts(**content, path);
+}
+
+Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen)
+{
+    UsableServices loaded = loadUsableServices(chosen);
+    if (!loaded.faults.empty())
+        return loaded.faults;
+    return std::move(loaded.file);
 }
 
 Outcome<std::string> readCertificates(const std::string& caFile)

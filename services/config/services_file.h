@@ -80,12 +80,26 @@ struct ServicesFile
 /// Lines "FILE:LINE: message" for a person to read; never empty.
 using FileFaults = std::vector<std::string>;
 
+/// A file as far as it can be used.
+struct UsableServices
+{
+    ServicesFile file;
+    FileFaults faults; ///< of the whole file; empty if nothing is wrong
+    /// The first fault that leaves unknown which sources the web or the image search should ask; empty if there is
+    /// none. A fault in one service's table concerns that service, and one outside of all tables both.
+    std::string webFault;
+    std::string imageFault;
+};
+
 /// Parses the content of the file; `name` is its name in messages.
 Expected<ServicesFile, FileFaults> readServicesFile(std::string_view text, const std::string& name);
 
 /// Reads the file `chosen`, or if that is empty, "quarrynet/services.toml" in $XDG_CONFIG_HOME or ~/.config (the XDG
 /// base directories). Returns the defaults when nothing was chosen and there is no file.
 Expected<ServicesFile, FileFaults> loadServicesFile(const std::string& chosen);
+
+/// Does the same, but returns what a faulty file still says.
+UsableServices loadUsableServices(const std::string& chosen);
 
 /// Returns the content of `caFile`, or an empty text if that is empty.
 Outcome<std::string> readCertificates(const std::string& caFile);
