@@ -25,7 +25,11 @@ Failure describe(const char* what)
 bool dropCapabilities()
 {
     const cap_t none = cap_init();
-    const bool dropped = none != nullptr && cap_set_proc(none) == 0;
+    const cap_t held = cap_get_proc();
+    // A service manager that starts this program without capabilities may forbid the call that changes them.
+    const bool holdsNone = none != nullptr && held != nullptr && cap_compare(none, held) == 0;
+    const bool dropped = holdsNone || (none != nullptr && cap_set_proc(none) == 0);
+    cap_free(held);
     cap_free(none);
     return dropped;
 }

@@ -7,6 +7,7 @@
 
 #include "app/commands.h"
 #include "app/data_folder.h"
+#include "app/handed_sockets.h"
 #include "app/own_program.h"
 #include "app/privileges.h"
 #include "app/service_table.h"
@@ -32,6 +33,11 @@ namespace {
 /// windows, or one and its searches, must not wait for each other.
 constexpr unsigned kWorkersWithRemotePictures = 14;
 
+void say(const std::string& message)
+{
+    std::fprintf(stderr, "quarrynet-services: %s\n", message.c_str());
+}
+
 /// Explains how to permit this program to listen below port 1024.
 void explainPermission(std::uint16_t port)
 {
@@ -42,6 +48,46 @@ void explainPermission(std::uint16_t port)
                  "  sudo sysctl net.ipv4.ip_unprivileged_port_start=%u\n",
                  static_cast<unsigned>(port), program.empty() ? "quarrynet-services" : program.c_str(),
                  static_cast<unsigned>(port));
+}
+
+/// Says why a service has no address of its own, and what to do.
+class RefusalReport
+{
+public:
+    /// `hasManager`: the service manager has handed over sockets, so it should have handed over all.
+    RefusalReport(std::uint16_t port, bool hasManager) : port_(port), hasManager_(hasManager) {}
+
+    void add(const Service& service, const HttpServer::Refusal& refusal)
+    {
+        const std::string answers = "the " + service.name + " search answers through the proxy only: ";
+        const bool notPermitted = refusal.fault == HttpServer::ListenFault::NotPermitted;
+        if (notPermitted && hasManager_) {
+            say(answers + "the service manager has opened no socket for " + service.host +
+                "; \"systemctl status quarrynet-services-" + service.name + ".socket\" says why");
+            return;
+        }
+        say(answers + refusal.message);
+        if (refusal.fault == HttpServer::ListenFault::InUse)
+            say("another program listens there; " + remedyForPortInUse(port_));
+        if (notPermitted && !explained_) {
+            explainPermission(port_);
+            explained_ = true;
+        }
+    }
+
+private:
+    std::uint16_t port_;
+    bool hasManager_;
+    bool explained_ = false;
+};
+
+/// Returns a handler for a service whose sources are unknown. Others than those that a person chose must not be asked.
+Router::Handler misconfigured(const std::string& fault)
+{
+    return [fault](const HttpRequest&) {
+        return errorResponse(503, "The search cannot answer, because its configuration is wrong: " + fault +
+                                      ". Correct the file and restart the services.");
+    };
 }
 
 /// Gives up root's rights and capabilities. Fails if the index cannot be read without them.
@@ -76,34 +122,40 @@ Router::Handler logged(const std::string& name, Router::Handler handler)
 
 int runServe(const Options& options)
 {
-    const Expected<ServicesFile, FileFaults> config = loadServicesFile(options.configFile);
-    if (!config) {
-        for (const std::string& fault : config.error())
-            std::fprintf(stderr, "quarrynet-services: %s\n", fault.c_str());
-        return 1;
-    }
+    HandedSockets handed = takeHandedSockets(); // before anything opens a descriptor
+    for (const std::string& fault : handed.faults)
+        say(fault);
+    UsableServices usable = loadUsableServices(options.configFile);
+    for (const std::string& fault : usable.faults)
+        say(fault);
+    const ServicesFile* config = &usable.file;
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
+        say(data.error().message);
         return 1;
     }
     const Outcome<std::string> certificates = readCertificates(config->caFile);
     if (!certificates) {
-        std::fprintf(stderr, "quarrynet-services: ca-file: %s\n", certificates.error().message.c_str());
-        return 1;
+        const std::string fault = config->path + ": ca-file: " + certificates.error().message;
+        say(fault);
+        if (config->web.asksOthers() && usable.webFault.empty())
+            usable.webFault = fault;
+        if (config->image.asksOthers() && usable.imageFault.empty())
+            usable.imageFault = fault;
     }
     Outcome<User> user = ::geteuid() == 0 ? findUser(options.user) : User();
     if (!user) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", user.error().message.c_str());
+        say(user.error().message);
         return 1;
     }
     IndexPool index(*data);
     if (::geteuid() == 0)
         index.keepFolder();
     if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
-        std::fprintf(stderr, "quarrynet-services: %s\n", ready.error().message.c_str());
+        say(ready.error().message);
 
-    FetchPool pool(*certificates);
+    const std::string trusted = certificates ? *certificates : std::string();
+    FetchPool pool(trusted);
     InstanceTable instances;
     std::optional<Gatherer> liveWeb;
     std::optional<Gatherer> liveImages;
@@ -123,7 +175,7 @@ int runServe(const Options& options)
     const std::string pictureProgram = thumbnailProgram(ownProgram()).string();
     Thumbnailer thumbnailer(pictureProgram);
     Thumbnailer remoteThumbnailer(pictureProgram, RemoteThumbnails::thumbnailerLimits());
-    FetchPool picturePool(*certificates, config->privatePictures ? Reach::Everywhere : Reach::PublicOnly);
+    FetchPool picturePool(trusted, config->privatePictures ? Reach::Everywhere : Reach::PublicOnly);
     RemoteThumbnails remoteThumbnails(picturePool, remoteThumbnailer);
     DownloadService downloads(index);
     FileService files(index);
@@ -150,24 +202,32 @@ int runServe(const Options& options)
         for (Service& service : services)
             service.handler = logged(service.name, std::move(service.handler));
     }
-    bool explained = false;
-    startServices(server, router, options.port, services,
-                  [&](const Service& service, const HttpServer::Refusal& refusal) {
-                      std::fprintf(stderr, "quarrynet-services: the %s search answers through the proxy only: %s\n",
-                                   service.name.c_str(), refusal.message.c_str());
-                      if (refusal.fault == HttpServer::ListenFault::NotPermitted && !explained) {
-                          explainPermission(options.port);
-                          explained = true;
-                      }
-                  });
-    const auto proxy = server.listen(options.proxyAddress, options.proxyPort,
-                                     [&router](const HttpRequest& request) { return router.answerAsProxy(request); });
+    for (Service& service : services) {
+        const std::string& fault = service.name == "web" ? usable.webFault : usable.imageFault;
+        if (fault.empty() || (service.name != "web" && service.name != "image"))
+            continue;
+        say("the " + service.name + " search does not answer until this is corrected: " + fault);
+        service.handler = misconfigured(fault);
+    }
+    RefusalReport refusals(options.port, !handed.sockets.empty());
+    startServices(server, router, options.port, services, handed.sockets,
+                  [&](const Service& service, const HttpServer::Refusal& refusal) { refusals.add(service, refusal); });
+    std::string proxyAddress = options.proxyAddress;
+    const auto proxy = startProxy(server, router, proxyAddress, options.proxyPort, handed.sockets);
     if (const auto* refusal = std::get_if<HttpServer::Refusal>(&proxy)) {
-        std::fprintf(stderr, "quarrynet-services: the proxy cannot listen: %s\n", refusal->message.c_str());
+        say("the proxy cannot listen: " + refusal->message);
+        if (refusal->fault == HttpServer::ListenFault::InUse)
+            say("the services of the system or of another person may be running; choose another port with "
+                "--proxy-port, or " +
+                remedyForPortInUse(options.proxyPort));
         return 1;
     }
+    for (const HandedSocket& unused : handed.sockets)
+        say("the handed socket " + unused.address + ":" + std::to_string(unused.port) +
+            " is for no service and is closed; its name or its address says which one it is for");
+    handed.sockets.clear();
     if (const Outcome<Done> dropped = dropRights(*data, *user, index); !dropped) {
-        std::fprintf(stderr, "quarrynet-services: %s\n", dropped.error().message.c_str());
+        say(dropped.error().message);
         return 1;
     }
     // Checks as the user that this process has become.
@@ -179,13 +239,15 @@ int runServe(const Options& options)
     std::printf("quarrynet-services: ready");
     for (const Service& service : services)
         std::printf(" %s=%s", service.name.c_str(), service.address.empty() ? "-" : service.address.c_str());
-    std::printf(" proxy=http://%s:%u/\n", options.proxyAddress.c_str(),
-                static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
+    std::printf(" proxy=http://%s:%u/\n", proxyAddress.c_str(), static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
     std::fflush(stdout);
-    if (server.run())
-        return 0;
-    std::fprintf(stderr, "quarrynet-services: the system refuses the threads that serve needs\n");
-    return 1;
+    if (!tellManager("READY=1\nSTATUS=Answering searches"))
+        say("the service manager cannot be reached through NOTIFY_SOCKET");
+    const bool served = server.run();
+    tellManager("STOPPING=1");
+    if (!served)
+        say("the system refuses the threads that serve needs");
+    return served ? 0 : 1;
 }
 
 } // namespace quarrynet::services

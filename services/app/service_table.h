@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "app/handed_sockets.h"
 #include "http/HttpServer.h"
 #include "http/Router.h"
 
@@ -23,10 +25,24 @@ struct Service
     std::string address = {}; ///< set by startServices(): the address it listens at; empty if it does not
 };
 
-/// Adds the services to `router`, and starts listening for each at its own address and `port` (0 picks free ones).
-/// Reports a service whose address cannot be bound to `refused`; the router still reaches it. The services must not
-/// move until `server` ends.
+/// Returns what the machine's owner can do when another program listens at a service's port: a clause without a full
+/// stop.
+std::string remedyForPortInUse(std::uint16_t port);
+
+/// The name of the proxy's socket; no service has it.
+inline constexpr const char* kProxyName = "proxy";
+
+/// Adds the services to `router`, and starts listening for each: at the socket in `handed` that is for it, which is
+/// removed from there, or at its own address and `port` (0 picks free ones). A service's address becomes that of its
+/// socket. Reports a service whose address cannot be bound to `refused`; the router still reaches it. The services must
+/// not move until `server` ends.
 void startServices(HttpServer& server, Router& router, std::uint16_t port, std::vector<Service>& services,
+                   std::vector<HandedSocket>& handed,
                    const std::function<void(const Service&, const HttpServer::Refusal&)>& refused);
+
+/// Does the same for the proxy: listens at the socket in `handed` that is for it, or at `address` and `port`.
+std::variant<std::uint16_t, HttpServer::Refusal> startProxy(HttpServer& server, const Router& router,
+                                                            std::string& address, std::uint16_t port,
+                                                            std::vector<HandedSocket>& handed);
 
 } // namespace quarrynet::services

@@ -48,6 +48,7 @@ public:
     Loop& operator=(const Loop&) = delete;
 
     std::variant<std::uint16_t, Refusal> listen(const std::string& address, std::uint16_t port, Handler handler);
+    std::variant<std::uint16_t, Refusal> adopt(Descriptor socket, Handler handler);
     void stopOnSignals();
     bool run();
     void stop() { io_.stop(); }
@@ -71,6 +72,7 @@ private:
         Queue ended;                               ///< clients that closed their sending side; served after all others
     };
 
+    tcp::endpoint addListener(tcp::acceptor& acceptor, Handler handler, error_code& error);
     void accept(Listener& listener);
     void acceptAll();
     void dispatch(Listener& listener);

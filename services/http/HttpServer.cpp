@@ -133,15 +133,11 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
         keepFromChildren(acceptor.native_handle());
         acceptor.set_option(tcp::acceptor::reuse_address(true), error);
     }
-    if (!error) {
-        // Accepted connections inherit this.
-        acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
-    }
     if (!error)
         acceptor.bind({ip, port}, error);
     if (!error)
         acceptor.listen(tcp::acceptor::max_listen_connections, error);
-    const tcp::endpoint name = error ? tcp::endpoint() : acceptor.local_endpoint(error);
+    const tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
     if (error) {
         ListenFault fault = ListenFault::Other;
         if (error == asio::error::access_denied || error == asio::error::no_permission)
@@ -150,10 +146,35 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
             fault = ListenFault::InUse;
         return Refusal{fault, address + ":" + std::to_string(port) + ": " + error.message()};
     }
+    return name.port();
+}
+
+std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::adopt(Descriptor socket, Handler handler)
+{
+    keepFromChildren(socket.number());
+    tcp::acceptor acceptor(io_);
+    error_code error;
+    acceptor.assign(tcp::v4(), socket.number(), error);
+    if (!error)
+        socket.release(); // the acceptor's now
+    const tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
+    if (error)
+        return Refusal{ListenFault::Other, "the handed socket: " + error.message()};
+    return name.port();
+}
+
+/// Adds a listener for a socket that listens. Returns its address; takes nothing when `error` is set.
+tcp::endpoint HttpServer::Loop::addListener(tcp::acceptor& acceptor, Handler handler, error_code& error)
+{
+    // Accepted connections inherit this.
+    acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
+    const tcp::endpoint name = error ? tcp::endpoint() : acceptor.local_endpoint(error);
+    if (error)
+        return name;
     listeners_.push_back(std::make_unique<Listener>());
     listeners_.back()->acceptor.emplace(std::move(acceptor));
     listeners_.back()->handler = std::move(handler);
-    return name.port();
+    return name;
 }
 
 void HttpServer::Loop::stopOnSignals()
@@ -242,6 +263,11 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::listen(const std::s
                                                                     Handler handler)
 {
     return loop_->listen(address, port, std::move(handler));
+}
+
+std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::adopt(Descriptor socket, Handler handler)
+{
+    return loop_->adopt(std::move(socket), std::move(handler));
 }
 
 void HttpServer::stopOnSignals()

@@ -5,7 +5,9 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <variant>
 
+#include "ground/Descriptor.h"
 #include "ground/Outcome.h"
 #include "http/message.h"
 
@@ -63,6 +65,9 @@ public:
     /// Listens at the numeric IPv4 `address`; port 0 picks a free one. Returns the port, or the reason for the failure.
     /// Call before run() only.
     std::variant<std::uint16_t, Refusal> listen(const std::string& address, std::uint16_t port, Handler handler);
+
+    /// Serves at a listening TCP socket that another process has opened. Otherwise like listen().
+    std::variant<std::uint16_t, Refusal> adopt(Descriptor socket, Handler handler);
 
     /// From now on SIGINT and SIGTERM call stop() instead of ending the program.
     void stopOnSignals();

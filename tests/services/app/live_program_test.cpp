@@ -173,16 +173,52 @@ TEST_F(LiveProgram, CheckSaysWhatAnswersAndWhatToDo)
 TEST_F(LiveProgram, FaultsOfTheFileAreNamedByLine)
 {
     configure("[web]\nsource = []\n");
-    for (const char* command : {"check", "serve"}) {
-        RunningProgram run = start({command});
-        EXPECT_EQ(run.wait(), 1);
-        EXPECT_THAT(run.errors(), HasSubstr("/quarrynet/services.toml:2: unknown key \"source\" in [web]"));
-    }
+    RunningProgram run = start({"check"});
+    EXPECT_EQ(run.wait(), 1);
+    EXPECT_THAT(run.errors(), HasSubstr("/quarrynet/services.toml:2: unknown key \"source\" in [web]"));
     const std::string file = folder_.write("other.toml", "ca-file = \"/nonexistent/ca.pem\"\n");
-    for (const char* command : {"check", "serve"}) {
-        RunningProgram run = start({command, "--config", file});
-        EXPECT_EQ(run.wait(), 1);
-        EXPECT_THAT(run.errors(), HasSubstr("/nonexistent/ca.pem"));
-    }
+    RunningProgram other = start({"check", "--config", file});
+    EXPECT_EQ(other.wait(), 1);
+    EXPECT_THAT(other.errors(), HasSubstr("/nonexistent/ca.pem"));
     EXPECT_EQ(start({"check", "--config", folder_.path() + "/none.toml"}).wait(), 1);
+}
+
+// Once a fault in one service's table stopped all services.
+TEST_F(LiveProgram, AFaultOfTheFileStopsOnlyWhatItConcerns)
+{
+    struct Case
+    {
+        const char* text;
+        const char* fault;
+        bool web;
+        bool image;
+    };
+    const std::vector<Case> cases{
+        {"[web]\nsource = []\n", ":2: unknown key \"source\"", false, true},
+        {"[image]\n\nwait-seconds = 99\n", ":3: ", true, false},
+        {"[[crawl]]\naddress = \"gopher://h/\"\n", ":2: this cannot be crawled", true, true},
+        {"[wbe]\nsources = [\"index\"]\n", ":1: ", false, false},
+        {"ca-file = \"/nonexistent/ca.pem\"\n[web]\nsources = [\"https://a.example\"]\n", "/nonexistent/ca.pem", false,
+         true},
+        {"[web\n", ":1: ", false, false},
+        {"\0", ":1: ", false, false},
+    };
+    index();
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.text);
+        configure(one.text[0] == '\0' ? std::string(100, '\0') : one.text);
+        RunningProgram server = serve();
+        const std::string ready = server.readLine();
+        const std::string fault = folder_.path() + "/quarrynet/services.toml";
+        EXPECT_THAT(server.errors(), HasSubstr(fault));
+        EXPECT_THAT(server.errors(), HasSubstr(one.fault));
+        const std::string web = ask(siteOf(ready, "web"), "/search?q=apple");
+        EXPECT_THAT(web, one.web ? HasSubstr("http://apple.example/") : HasSubstr(fault));
+        EXPECT_EQ(web.substr(9, 3), one.web ? "200" : "503");
+#ifdef QUARRYNET_WITH_IMAGES
+        EXPECT_EQ(ask(siteOf(ready, "image"), "/images?q=apple").substr(9, 3), one.image ? "200" : "503");
+#endif
+        EXPECT_EQ(ask(siteOf(ready, "download"), "/3120-20-0-1-5.html?qt=apple&ca=20").substr(9, 3), "200");
+        EXPECT_EQ(ask(siteOf(ready, "file"), "/cgi-bin/s?t=f&q=apple").substr(9, 3), "200");
+    }
 }

@@ -32,9 +32,10 @@ TEST(StartServices, EachGetsItsOwnAddressInWhateverOrder)
         Router router;
         std::map<std::string, std::string> bases;
         std::vector<Service> services;
+        std::vector<HandedSocket> none;
         for (const std::string& name : order)
             services.push_back(named(name, "127.80.1." + std::to_string(name[0] - 'a' + 1), bases));
-        startServices(server, router, 0, services,
+        startServices(server, router, 0, services, none,
                       [](const Service& service, const HttpServer::Refusal&) { FAIL() << service.name; });
         ASSERT_EQ(bases.size(), 3U);
         for (const Service& service : services) {
@@ -57,7 +58,8 @@ TEST(StartServices, OneThatCannotListenBeginsAllTheSame)
     services.push_back(named("plain", "127.80.1.4", bases));
     services[2].begin = nullptr;
     std::vector<std::string> refused;
-    startServices(server, router, 0, services,
+    std::vector<HandedSocket> none;
+    startServices(server, router, 0, services, none,
                   [&refused](const Service& service, const HttpServer::Refusal&) { refused.push_back(service.name); });
     EXPECT_EQ(refused, (std::vector<std::string>{"far"}));
     EXPECT_EQ(services[0].address, "");
