@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QResizeEvent>
 
+#include "app/BusySign.h"
 #include "common/local_pages.h"
 #include "common/request_text.h"
 #include "icons/icons.h"
@@ -60,6 +61,7 @@ Main::Main(const Surroundings& surroundings)
     makeMenus();
     makeToolbar();
     makeShortcuts();
+    makeBusySign();
     joinTabs();
 }
 
@@ -127,6 +129,21 @@ void Main::joinTabs()
     // search's slider shows.
     IMG->setNeighbours([this] { SPS->clearView(); }, [this] { return STI->page(); });
     connect(IMG, &ImageSearch::unwritable, this, &Main::cannotGoOn);
+}
+
+void Main::makeBusySign()
+{
+    busySign_ = new BusySign(*this, *TabStrip1, [this]() -> const TcpClientSocket* {
+        SearchTab* front = frontTab();
+        return front ? &front->socket() : nullptr;
+    });
+    for (SearchTab* tab : tabs_)
+        busySign_->watch(tab->socket());
+    connect(busySign_, &BusySign::searchEnded, this, [this] {
+        // A dialog of the program that is active is enough: the user is there.
+        if (!QApplication::activeWindow())
+            QApplication::alert(this);
+    });
 }
 
 bool Main::load()

@@ -17,6 +17,7 @@ class QLabel;
 
 namespace quarrynet {
 
+class BusySign;
 class DownloadSearch;
 class FileSearch;
 class HiddenText;
@@ -99,6 +100,7 @@ private:
     void makeMenus();
     void makeToolbar();
     void makeShortcuts();
+    void makeBusySign();
     void joinTabs();
 
     std::string settingsPath() const;
@@ -157,6 +159,7 @@ private:
     DownloadSearch* SFD = nullptr;
     FileSearch* SFS = nullptr;
     std::array<SearchTab*, 5> tabs_{};
+    BusySign* busySign_ = nullptr;
     std::vector<StopRow> stopExceptions_; // with any other tab in front, Stop resets all of that tab
 
     ChangeSize changeSize_;

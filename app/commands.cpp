@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 
+#include "app/BusySign.h"
 #include "app/Main.h"
 #include "app/Shortcuts.h"
 #include "dialogs/Proxy.h"
@@ -128,6 +129,7 @@ void Main::TabStrip1_Click()
     }
     if (typing)
         chosen->firstField().setFocus();
+    busySign_->refresh();
 }
 
 SearchTab* Main::frontTab() const

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include <QSlider>
 
 #include "common/paging_window.h"
@@ -10,6 +13,9 @@ namespace quarrynet {
 ///
 /// A change by the user emits `paged` once, on release; setWindow and reset emit nothing. While the thumb is dragged,
 /// its page number is shown beside it.
+///
+/// While it is enabled, it shows the numbers of the pages below its tick marks and its position, such as "page 12 of
+/// 130", at its end, and has the position as its accessible description. A text for which there is no room is left out.
 class PagingSlider final : public QSlider
 {
     Q_OBJECT
@@ -22,18 +28,47 @@ public:
     /// Shows `window`, corrected by windowEndingAt() if its maximum is not greater than its minimum.
     void setWindow(const PagingWindow& window);
 
-    /// Resets the slider to pages 1 to 10, at page 1, disabled.
+    /// Sets the number of pages that there are, or nothing if it is not known. It only tells the position.
+    void setTotal(std::optional<std::int32_t> total);
+
+    /// Returns the position: the page that is chosen, or the one under the thumb while it is dragged.
+    QString position() const;
+
+    /// Resets the slider to pages 1 to 10, at page 1, disabled, without a total.
     void reset();
 
 signals:
     void paged();
 
 protected:
-    // Keeps slider and tick marks together in the middle of a control of any height.
+    // Keeps slider and tick marks together in a control of any height, beside the texts.
     void initStyleOption(QStyleOptionSlider* option) const override;
+    void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    // Only the place from left to right matters, so a press on a text acts as one beside the thumb does.
+    void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    // The places of slider and texts.
+    struct Texts
+    {
+        QRect slider; // with its tick marks
+        QRect caption;
+        QFont captionFont;
+        int numbersTop = 0;
+        QFont numberFont;
+        bool hasCaption = false;
+        bool hasNumbers = false;
+    };
+
+    Texts texts() const;
+    QString positionAt(int page) const;
+    int thumbCentre(const QStyleOptionSlider& option, int page) const;
+    void drawNumbers(QPainter& painter, const Texts& texts);
+    void tellPosition();
     void showPage(int page);
+
+    std::optional<std::int32_t> total_;
 };
 
 } // namespace quarrynet

@@ -1,6 +1,7 @@
 #include "platform/TcpClientSocket.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QHostAddress>
 #include <QNetworkProxy>
@@ -46,13 +47,20 @@ TcpClientSocket::TcpClientSocket(const QString& name, QObject* parent) : QObject
 
 TcpClientSocket::~TcpClientSocket()
 {
-    Close();
+    leave();
 }
 
 void TcpClientSocket::Close()
 {
     ended_ = SocketState::Closed;
     leave();
+    announce();
+}
+
+void TcpClientSocket::announce()
+{
+    if (std::exchange(announcedOpen_, isOpen()) != isOpen())
+        emit openChanged(isOpen());
 }
 
 void TcpClientSocket::leave()
@@ -118,6 +126,7 @@ void TcpClientSocket::open(std::string_view host, int port, bool tls)
                 socket->connectToHost(name, static_cast<quint16>(port));
         },
         Qt::QueuedConnection);
+    announce();
 }
 
 void TcpClientSocket::SendData(std::string_view bytes)
@@ -173,6 +182,7 @@ void TcpClientSocket::fail(int number, const QString& description)
     // While the box about the first error is open, a timed-out connection would also report its end, as if the server
     // had sent everything.
     leave();
+    announce();
     emit failed(number, description);
 }
 
@@ -194,6 +204,7 @@ void TcpClientSocket::socketFailed(QAbstractSocket::SocketError error)
     if (error == QAbstractSocket::RemoteHostClosedError && broken == 0) {
         const bool wasCutOff = tls_ && !closedInOrder;
         ended_ = SocketState::Closing;
+        announce();
         // The remaining received data is announced before the end.
         if (socket_->bytesAvailable() > 0)
             emit dataArrival();

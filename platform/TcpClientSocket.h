@@ -36,10 +36,15 @@ public:
     void GetData(std::string& text) override;
     SocketState State() const override;
 
+    /// Returns true from Connect until the connection fails or either side closes it.
+    bool isOpen() const { return socket_ && ended_ == SocketState::Closed; }
+
     /// Sets certificates to trust besides the system's, in PEM format. Further connections use them.
     void setTrustedCertificates(const std::string& pem) { trustedCertificates_ = pem; }
 
 signals:
+    /// isOpen() has changed.
+    void openChanged(bool open);
     void connected();
     void dataArrival();
     void sendProgress();
@@ -55,6 +60,7 @@ private:
     int stateNumber() const { return static_cast<int>(State()); }
     /// Ends the connection, if there is one. It emits no further signals.
     void leave();
+    void announce();
     /// Closes the current socket and starts connecting a new one.
     void open(std::string_view host, int port, bool tls);
     void fail(const WinSockError& error);
@@ -68,6 +74,7 @@ private:
     std::string trustedCertificates_;
     ResetWitness witness_;
     SocketState ended_ = SocketState::Closed; // the state while there is no socket
+    bool announcedOpen_ = false;
 };
 
 } // namespace quarrynet

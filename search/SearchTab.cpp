@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 #include <QValidator>
 
+#include "common/numbers.h"
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
 
@@ -144,6 +145,8 @@ void PagedSearch::apply(const PagingOffer& offer, HiddenText& pageTotal)
         slider_->setEnabled(true);
     if (offer.sliderMaximum)
         slider_->setWindow(windowEndingAt(slider_->window(), *offer.sliderMaximum));
+    const Result<std::int32_t> total = roundToInt32(leadingNumber(pageTotal.text()));
+    slider_->setTotal(total && *total > 0 ? std::optional(*total) : std::nullopt);
 }
 
 void PagedSearch::search()

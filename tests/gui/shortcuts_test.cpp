@@ -37,8 +37,7 @@ private slots:
         for (const TabControls& tab : kTabs) {
             QTest::addRow("Ctrl+%d", tab.tag) << tab.tag << int(Qt::ControlModifier);
             QTest::addRow("Alt+%d", tab.tag) << tab.tag << int(Qt::AltModifier);
-            QTest::addRow("Ctrl+%d of the keypad", tab.tag)
-                << tab.tag << int(Qt::ControlModifier | Qt::KeypadModifier);
+            QTest::addRow("Ctrl+%d of the keypad", tab.tag) << tab.tag << int(Qt::ControlModifier | Qt::KeypadModifier);
         }
     }
 
@@ -205,9 +204,9 @@ private slots:
         QTest::addColumn<int>("tag");
         QTest::addColumn<QString>("text");
         for (const TabControls& tab : kTabs)
-            QTest::addRow("%s", tab.frame) << tab.tag
-                                           << (tab.tag == 2 ? u"Both Fields Are Mandatory!!!"_s
-                                                            : u"Please enter keyword/s to search!!!"_s);
+            QTest::addRow("%s", tab.frame)
+                << tab.tag
+                << (tab.tag == 2 ? u"Both Fields Are Mandatory!!!"_s : u"Please enter keyword/s to search!!!"_s);
     }
 
     void f5ChecksTheFieldsAsTheButtonDoes()
@@ -258,7 +257,8 @@ private slots:
 
     void menusKeepTheirCaptionsAndLetters()
     {
-        for (const auto& [name, caption] : {std::pair("exitmnu", u"E&xit"_s), std::pair("contentmnu", u"&Contents"_s)}) {
+        for (const auto& [name, caption] :
+             {std::pair("exitmnu", u"E&xit"_s), std::pair("contentmnu", u"&Contents"_s)}) {
             QCOMPARE(window_->control<QAction>(name)->text(), caption);
             QVERIFY(window_->control<QAction>(name)->shortcut().isEmpty());
         }
