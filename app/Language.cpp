@@ -43,7 +43,8 @@ bool Language::load(const QString& code, const QString& folder)
     if (!own->load(QStringLiteral("quarrynet_") + code, folder, QString()))
         return false;
     auto toolkit = std::make_unique<QTranslator>();
-    if (toolkit->load(QStringLiteral("qtbase_") + code, QLibraryInfo::path(QLibraryInfo::TranslationsPath), QString())) {
+    if (toolkit->load(QStringLiteral("qtbase_") + code, QLibraryInfo::path(QLibraryInfo::TranslationsPath),
+                      QString())) {
         toolkit_ = std::move(toolkit);
         QCoreApplication::installTranslator(toolkit_.get());
     }

@@ -26,6 +26,7 @@ class ImageSearch;
 class PageCheck;
 class Registry;
 class SearchTab;
+struct StartRequest;
 class StatusBar;
 class TabStrip;
 class ToolBar;
@@ -62,6 +63,10 @@ public:
     /// Reads the settings, records the layout, writes and shows the empty gallery page, sizes the window and its
     /// columns. Returns false, after an error box, when the program cannot continue.
     bool load();
+
+    /// Shows the requested tab and types the requested texts. Presses the start button if all fields of the tab are
+    /// filled then; otherwise the first empty one gets the focus.
+    void begin(const StartRequest& request);
 
     /// Stops all searches, empties the front tab's view, and reports that memory ran out. Handles
     /// Application::outOfMemory.

@@ -10,6 +10,7 @@
 #include <QPushButton>
 
 #include "app/BusySign.h"
+#include "app/CommandLine.h"
 #include "app/Main.h"
 #include "app/Shortcuts.h"
 #include "dialogs/Proxy.h"
@@ -96,6 +97,24 @@ void Main::makeShortcuts()
     };
     new Shortcuts(*this, {[this](int tab) { TabStrip1->setCurrentIndex(tab); }, step, [this] { goToField(); },
                           [this] { repeatSearch(); }, [this] { contentmnu_Click(); }, [this] { exitmnu_Click(); }});
+}
+
+void Main::begin(const StartRequest& request)
+{
+    if (request.tab >= 1 && request.tab <= TabStrip1->count())
+        TabStrip1->setCurrentIndex(request.tab - 1);
+    SearchTab* front = frontTab();
+    if (!front || request.fields.isEmpty())
+        return;
+    const std::vector<QLineEdit*>& inputs = front->inputs();
+    for (std::size_t i = 0; i < inputs.size() && i < static_cast<std::size_t>(request.fields.size()); ++i)
+        inputs[i]->setText(request.fields[static_cast<qsizetype>(i)]);
+    const auto empty =
+        std::find_if(inputs.begin(), inputs.end(), [](const QLineEdit* input) { return input->text().isEmpty(); });
+    if (empty != inputs.end())
+        (*empty)->setFocus();
+    else
+        front->startButton().click();
 }
 
 void Main::goToField()

@@ -1,18 +1,17 @@
-#include <algorithm>
 #include <cstdio>
 #include <optional>
-#include <string_view>
+#include <vector>
 
 #ifdef _WIN32
+#include <shellapi.h>
 #include <windows.h>
 #endif
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QDir>
-#include <QLocale>
 
 #include "app/Application.h"
+#include "app/CommandLine.h"
 #include "app/Language.h"
 #include "app/Main.h"
 #include "app/Tour.h"
@@ -42,34 +41,89 @@ std::string manualPage(const QString& language)
     return {};
 }
 
-// Returns whether the options only ask for a text, which needs no display.
-bool asksForText(int argc, char** argv)
+// Returns the arguments behind the program's name. No application exists yet that could list them.
+QStringList decoded(int argc, [[maybe_unused]] char** argv)
 {
-    return std::any_of(argv + 1, argv + argc, [](std::string_view argument) {
-        return argument == "-h" || argument == "--help" || argument == "--help-all" || argument == "-v" ||
-               argument == "--version";
-    });
+    QStringList arguments;
+#ifdef _WIN32
+    // argv lacks the characters that are not in the code page.
+    int count = 0;
+    if (wchar_t** texts = CommandLineToArgvW(GetCommandLineW(), &count)) {
+        for (int i = 1; i < count; ++i)
+            arguments.append(QString::fromWCharArray(texts[i]));
+        LocalFree(texts);
+        return arguments;
+    }
+#endif
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
 }
 
-// Prints the text that the options ask for, where the caller can read it. Returns false if there is no such place.
-bool printForCaller([[maybe_unused]] QCommandLineParser& options, [[maybe_unused]] const QCommandLineOption& version)
+// Returns `arguments` without the toolkit's options.
+QStringList withoutToolkitOptions(QStringList arguments)
+{
+    const std::vector<qsizetype> positions = toolkitOptions(arguments);
+    for (auto position = positions.rbegin(); position != positions.rend(); ++position)
+        arguments.removeAt(*position);
+    return arguments;
+}
+
+// Returns argv with the program's name and the toolkit's options only. The toolkit would find its options among the
+// words to search for, too.
+std::vector<char*> withToolkitOptionsOnly(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    std::vector<char*> kept;
+    if (argc > 0)
+        kept.push_back(argv[0]);
+    for (const qsizetype position : toolkitOptions(arguments))
+        kept.push_back(argv[position + 1]);
+    kept.push_back(nullptr);
+    return kept;
+}
+
+// Prints `text` where the caller can read it.
+void print(const QString& text, [[maybe_unused]] FILE* stream)
 {
 #ifdef _WIN32
-    // Windows gives a program with windows no console, and Qt shows its texts in a box then. The caller may have a
-    // console all the same, or have redirected the output.
-    const bool redirected = GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN;
-    if (!redirected && (!AttachConsole(ATTACH_PARENT_PROCESS) || !std::freopen("CONOUT$", "w", stdout)))
-        return false;
-    if (!options.parse(QCoreApplication::arguments()) || options.isSet(QStringLiteral("help-all")))
-        return false; // Qt alone has those texts
-    const QString text = options.isSet(version) ? QCoreApplication::applicationName() + QLatin1Char(' ') +
-                                                      QCoreApplication::applicationVersion() + QLatin1Char('\n')
-                                                : options.helpText();
-    std::fputs(text.toLocal8Bit().constData(), stdout);
-    return true;
-#else
-    return false; // Qt prints it
+    // Windows gives a program with windows no console. The caller may have one all the same, or have redirected the
+    // output; otherwise a box shows the text.
+    const HANDLE handle = GetStdHandle(stream == stdout ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    const bool redirected = GetFileType(handle) != FILE_TYPE_UNKNOWN;
+    if (!redirected && (!AttachConsole(ATTACH_PARENT_PROCESS) || !std::freopen("CONOUT$", "w", stream))) {
+        MessageBoxW(nullptr, reinterpret_cast<const wchar_t*>(text.utf16()), L"Quarrynet",
+                    stream == stdout ? MB_ICONINFORMATION : MB_ICONERROR);
+        return;
+    }
 #endif
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+// Answers options that only ask for a text, and faulty ones; neither needs a display. Returns the exit status, or
+// nothing if the window is asked for.
+std::optional<int> answerWithText(CommandLine& line, const QString& fault, int argc, char** argv)
+{
+    if (!fault.isEmpty()) {
+        print(QCoreApplication::applicationName() + QStringLiteral(": ") + fault +
+                  QStringLiteral("\nTry \"quarrynet --help\".\n"),
+              stderr);
+        return 2;
+    }
+    if (!line.asksForVersion() && !line.asksForHelp() && !line.asksForAllHelp())
+        return std::nullopt;
+    const QCoreApplication withoutDisplay(argc, argv);
+    if (line.asksForVersion()) {
+        print(QCoreApplication::applicationName() + u' ' + QCoreApplication::applicationVersion() + u'\n', stdout);
+        return 0;
+    }
+    if (line.asksForAllHelp())
+        line.parser().process(withoutDisplay); // exits; Qt alone has this text
+    print(line.parser().helpText(), stdout);
+    return 0;
 }
 
 } // namespace
@@ -78,34 +132,18 @@ int main(int argc, char** argv)
 {
     QCoreApplication::setApplicationName(QStringLiteral("quarrynet"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUARRYNET_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.quarrynet.Quarrynet")); // finds icon and name on Wayland
 
-    QCommandLineParser options;
-    // What the command line says is in English, as that of quarrynet-services.
-    options.setApplicationDescription(QStringLiteral("Searches web pages, images, programs and files."));
-    options.addHelpOption();
-    const QCommandLineOption versionOption = options.addVersionOption();
-    const QCommandLineOption tourOption(QStringLiteral("tour"),
-                                        QStringLiteral("Takes screenshots of a tour through the tabs, then exits."),
-                                        QStringLiteral("folder"));
-    options.addOption(tourOption);
-    const QCommandLineOption languageOption(
-        QStringLiteral("language"),
-        QStringLiteral("Language of texts and manual: en or de. The default is the desktop's language."),
-        QStringLiteral("code"));
-    options.addOption(languageOption);
-    if (argc > 0 && asksForText(argc, argv)) {
-        const QCoreApplication withoutDisplay(argc, argv);
-        if (printForCaller(options, versionOption))
-            return 0;
-        options.process(withoutDisplay); // exits
-    }
+    CommandLine line;
+    const QString fault = line.parse(withoutToolkitOptions(decoded(argc, argv)));
+    if (const std::optional<int> status = answerWithText(line, fault, argc, argv))
+        return *status;
 
-    Application application(argc, argv);
+    std::vector<char*> toolkitArguments = withToolkitOptionsOnly(argc, argv);
+    int toolkitCount = static_cast<int>(toolkitArguments.size()) - 1;
+    Application application(toolkitCount, toolkitArguments.data());
     QApplication::setStyle(new ProgramStyle);
-    options.process(application);
-
-    const Language language(options.isSet(languageOption) ? QStringList(options.value(languageOption))
-                                                          : QLocale::system().uiLanguages());
+    const Language language(line.languages());
 
     const ProgramFolder folder = findProgramFolder();
     if (!folder.writable) {
@@ -126,8 +164,12 @@ int main(int argc, char** argv)
     window.show();
 
     std::optional<Tour> tour;
-    if (options.isSet(tourOption)) {
-        tour.emplace(window, options.value(tourOption));
+    if (line.tourFolder().isEmpty()) {
+        // Queued, so that the search starts in a window that can be seen.
+        QMetaObject::invokeMethod(
+            &window, [&] { window.begin(line.request()); }, Qt::QueuedConnection);
+    } else {
+        tour.emplace(window, line.tourFolder());
         QObject::connect(&*tour, &Tour::finished, &application,
                          [](bool complete) { QCoreApplication::exit(complete ? 0 : 1); });
         tour->start();

@@ -13,9 +13,6 @@ namespace quarrynet {
 
 namespace {
 
-// The toolkit's default limit, 32767, would silently truncate a longer pasted text.
-constexpr int kLongestInput = 1 << 20;
-
 /// Removes line ends from text pasted into a field of one line: copied addresses often end in one, and in a request it
 /// would begin another line. A line end between words becomes a blank.
 class OneLine final : public QValidator
@@ -58,9 +55,11 @@ SearchTab::SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent
 void SearchTab::setStartButton(QPushButton& button, std::initializer_list<QLineEdit*> inputs)
 {
     startButton_ = &button;
+    inputs_.assign(inputs);
     button.setAutoDefault(true); // otherwise Enter would not press it outside a dialog
     connect(&button, &QPushButton::clicked, this, [this] { search(); });
     for (QLineEdit* input : inputs) {
+        // The toolkit's default limit, 32767, would silently truncate a longer pasted text.
         input->setMaxLength(kLongestInput);
         input->setValidator(new OneLine(input));
         connect(input, &QLineEdit::textChanged, this, [this] { startButton_->setEnabled(true); });

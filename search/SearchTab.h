@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include <QTimer>
 
@@ -36,10 +37,16 @@ class SearchTab : public CoverableFrame, public FetchTab
     Q_DISABLE_COPY_MOVE(SearchTab)
 
 public:
+    /// Maximum length of a field's text, in UTF-16 units.
+    static constexpr int kLongestInput = 1 << 20;
+
     TcpClientSocket& socket() { return exchange_.socket(); }
     HiddenText& buffer() { return buffer_; }
     QTimer& timer() { return timer_; }
     QPushButton& startButton() { return *startButton_; }
+
+    /// Returns the input fields in their order.
+    const std::vector<QLineEdit*>& inputs() const { return inputs_; }
 
     /// Runs the start button's command.
     virtual void search() = 0;
@@ -88,6 +95,7 @@ private:
     QTimer timer_;
     HiddenText buffer_;
     QPushButton* startButton_ = nullptr;
+    std::vector<QLineEdit*> inputs_;
 };
 
 /// A tab that lists results page by page, with a keyword field and a slider below the results.

@@ -186,8 +186,7 @@ TEST(HandedSockets, NumbersThatCannotBeAreFaults)
     for (const std::string& count :
          {std::string("33"), std::string("2147483647"), std::string("-1"), std::string(), std::string("three"),
           std::string(100'000, '9'), std::string("0x1"), std::string("\xfe\x01")}) {
-        const std::vector<std::string> lines =
-            taken({one.number()}, {{"LISTEN_PID", "SELF"}, {"LISTEN_FDS", count}});
+        const std::vector<std::string> lines = taken({one.number()}, {{"LISTEN_PID", "SELF"}, {"LISTEN_FDS", count}});
         ASSERT_THAT(lines, ElementsAre(HasSubstr("no socket is taken"))) << count.substr(0, 20);
         EXPECT_LT(lines[0].size(), 300U);
     }
@@ -227,8 +226,7 @@ TEST(HandedSockets, NamesThatDoNotFitAreIgnored)
 {
     const Descriptor one = boundSocket("127.80.1.1", true);
     for (const std::string& names : {std::string("a:b"), std::string(":::::"), std::string(50'000, ':')})
-        EXPECT_THAT(taken({one.number()},
-                          {{"LISTEN_PID", "SELF"}, {"LISTEN_FDS", "1"}, {"LISTEN_FDNAMES", names}}),
+        EXPECT_THAT(taken({one.number()}, {{"LISTEN_PID", "SELF"}, {"LISTEN_FDS", "1"}, {"LISTEN_FDNAMES", names}}),
                     ElementsAre(HasSubstr("3  127.80.1.1:"), HasSubstr("LISTEN_FDNAMES")));
     EXPECT_THAT(taken({-1}, {{"LISTEN_PID", "SELF"}, {"LISTEN_FDS", "1"}, {"LISTEN_FDNAMES", "\xff\r\n\x1b[31m"}}),
                 ElementsAre(Not(HasSubstr("\x1b"))));
@@ -253,8 +251,8 @@ TEST(TakeSocketFor, ANameComesBeforeAnAddress)
 TEST(TellManager, HostileAddressesAreRefused)
 {
     for (const std::string& name :
-         {std::string("relative"), std::string("/").append(200, 'x'), std::string("@").append(200, 'x'), std::string("/dev/null"),
-          std::string("/nonexistent/socket"), std::string("vsock:2:1")}) {
+         {std::string("relative"), std::string("/").append(200, 'x'), std::string("@").append(200, 'x'),
+          std::string("/dev/null"), std::string("/nonexistent/socket"), std::string("vsock:2:1")}) {
         ::setenv("NOTIFY_SOCKET", name.c_str(), 1);
         EXPECT_FALSE(tellManager("READY=1")) << name;
     }
@@ -333,12 +331,13 @@ TEST(ServeWithHandedSockets, AnswersThereAndTellsTheManager)
     // A client that came before the services started.
     const RawClient early("127.80.1.1", portOf(web));
     early.send("GET / HTTP/1.1\r\nHost: 127.80.1.1\r\n\r\n");
-    Child child({web.number(), file.number(), proxy.number(), odd.number(), none.number()},
-                {{"LISTEN_PID", "SELF"},
-                 {"LISTEN_FDS", "5"},
-                 {"LISTEN_FDNAMES", "web:services.socket:proxy:services.socket:connection"},
-                 {"NOTIFY_SOCKET", manager.name()}},
-                [&folder] { serve(folder.path() + "/data"); }, errors);
+    Child child(
+        {web.number(), file.number(), proxy.number(), odd.number(), none.number()},
+        {{"LISTEN_PID", "SELF"},
+         {"LISTEN_FDS", "5"},
+         {"LISTEN_FDNAMES", "web:services.socket:proxy:services.socket:connection"},
+         {"NOTIFY_SOCKET", manager.name()}},
+        [&folder] { serve(folder.path() + "/data"); }, errors);
     const std::string ready = child.readLine();
     EXPECT_THAT(ready, HasSubstr(" web=http://127.80.1.1:" + std::to_string(portOf(web)) + "/ "));
     EXPECT_THAT(ready, HasSubstr(" file=http://127.80.0.4:" + std::to_string(portOf(file)) + "/ "));
@@ -364,12 +363,13 @@ TEST(ServeWithHandedSockets, AHostileEnvironmentDoesNotStopIt)
     std::filesystem::permissions(folder.path(), std::filesystem::perms::others_exec,
                                  std::filesystem::perm_options::add);
     const Descriptor web = boundSocket("127.80.1.1", true);
-    Child child({web.number()},
-                {{"LISTEN_PID", "1"},
-                 {"LISTEN_FDS", "999999999"},
-                 {"LISTEN_FDNAMES", std::string(10'000, ':')},
-                 {"NOTIFY_SOCKET", std::string("@").append(5000, 'x')}},
-                [&folder] { serve(folder.path() + "/data"); }, folder.path() + "/errors");
+    Child child(
+        {web.number()},
+        {{"LISTEN_PID", "1"},
+         {"LISTEN_FDS", "999999999"},
+         {"LISTEN_FDNAMES", std::string(10'000, ':')},
+         {"NOTIFY_SOCKET", std::string("@").append(5000, 'x')}},
+        [&folder] { serve(folder.path() + "/data"); }, folder.path() + "/errors");
     EXPECT_THAT(child.readLine(), HasSubstr("quarrynet-services: ready"));
     child.signal(SIGTERM);
     EXPECT_EQ(child.wait(), 0);
