@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QScreen>
+#include <QStyle>
 
 #include "platform/ListView.h"
 #include "platform/scaling_bars.h"
@@ -121,7 +122,8 @@ public:
         }
     }
 
-    void apply()
+    // `centre` holds the frames and bars; it gets the form's width later than they do.
+    void apply(const QWidget* centre, int formWidth)
     {
         // The font comes first: a control's size hints, and so its reaction to a resize, depend on it.
         if (points_ > 0 && points_ != shownPoints_) {
@@ -134,7 +136,10 @@ public:
                 widget_.setFont(font);
             }
         }
-        widget_.setGeometry(place_);
+        // The records are those of the design, which reads from left to right. A frame comes before its controls.
+        const QWidget* parent = widget_.parentWidget();
+        const int room = parent == centre ? formWidth : parent->width();
+        widget_.setGeometry(QStyle::visualRect(widget_.layoutDirection(), QRect(0, 0, room, 0), place_));
     }
 
 private:
@@ -158,7 +163,7 @@ void FormLayout::apply()
     QWidget* centre = form_.centralWidget();
     centre->setUpdatesEnabled(false);
     for (const auto& control : controls_)
-        control->apply();
+        control->apply(centre, form_.width());
     centre->setUpdatesEnabled(true);
 }
 

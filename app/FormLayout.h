@@ -28,7 +28,8 @@ public:
     FormLayout(QMainWindow& form, const std::vector<QWidget*>& controls, std::function<void()> resized);
     ~FormLayout() override;
 
-    /// Moves and resizes each control, in one step, to the place that ChangeSize has written.
+    /// Moves and resizes each control, in one step, to the place that ChangeSize has written; in a language that reads
+    /// from right to left, to the mirror image of that place.
     void apply();
 
     double height() const override;

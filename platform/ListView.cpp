@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 
+#include "platform/CellDelegate.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
@@ -72,6 +73,7 @@ ListView::ListView(QWidget* parent) : QTreeView(parent)
     setEditTriggers(NoEditTriggers);
     setMouseTracking(true);
     setTextElideMode(Qt::ElideRight);
+    setItemDelegate(new CellDelegate(this));
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     header()->setMinimumSectionSize(8);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include <QGuiApplication>
 #include <QIcon>
+#include <QLabel>
 
 namespace quarrynet {
 
@@ -25,6 +27,25 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
         needed.rwidth() += std::max(0, needed.height() * 4 / 5 - kCountedOn);
     }
     return needed;
+}
+
+void ProgramStyle::polish(QWidget* widget)
+{
+    QProxyStyle::polish(widget);
+    auto* label = qobject_cast<QLabel*>(widget);
+    if (!label || !label->isRightToLeft() || (label->alignment() & Qt::AlignHorizontal_Mask) != Qt::AlignLeft)
+        return;
+    label->setAlignment((label->alignment() & Qt::AlignVertical_Mask) | Qt::AlignRight | Qt::AlignAbsolute);
+}
+
+void ProgramStyle::drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
+                                const QString& text, QPalette::ColorRole role) const
+{
+    if (QGuiApplication::isRightToLeft()) {
+        flags &= ~(Qt::TextForceLeftToRight | Qt::TextForceRightToLeft);
+        flags |= text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
+    }
+    QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, text, role);
 }
 
 } // namespace quarrynet

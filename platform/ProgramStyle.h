@@ -4,7 +4,7 @@
 
 namespace quarrynet {
 
-/// The desktop's own style with two corrections.
+/// The desktop's own style with some corrections.
 class ProgramStyle final : public QProxyStyle
 {
 public:
@@ -15,6 +15,17 @@ public:
     // Gives menu entries in large fonts the width that they need.
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override;
+
+    using QProxyStyle::polish;
+
+    // In a window that reads from right to left, labels begin at the right. Qt aligns them by the direction of their
+    // text, and English captions would be at the wrong end of their places.
+    void polish(QWidget* widget) override;
+
+    // In such a window, draws each text in its own direction. English captions would
+    // otherwise have their colons and dots at the wrong end.
+    void drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
+                      const QString& text, QPalette::ColorRole role) const override;
 };
 
 } // namespace quarrynet

@@ -4,6 +4,7 @@
 
 #include <QLayout>
 #include <QProxyStyle>
+#include <QStyle>
 #include <QStyleOptionMenuItem>
 
 namespace quarrynet {
@@ -139,7 +140,7 @@ void StatusBar::resizeEvent(QResizeEvent* event)
         const int left = kGap + (width() - kGap) * before / shares_;
         before += share;
         const int right = (width() - kGap) * before / shares_;
-        panel->setGeometry(left, 0, right - left, height() - 1);
+        panel->setGeometry(QStyle::visualRect(layoutDirection(), rect(), QRect(left, 0, right - left, height() - 1)));
     }
 }
 

@@ -5,456 +5,623 @@
     <name>index.html</name>
     <message>
         <source>Quarrynet - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Quarrynet - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Start</source>
-        <translation type="unfinished"></translation>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
     </message>
     <message>
         <source>The proxy</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Proxy</translation>
     </message>
     <message>
         <source>The local services</source>
-        <translation type="unfinished"></translation>
+        <translation>Die lokalen Dienste</translation>
     </message>
     <message>
         <source>Quarrynet is one window with five search tabs. Type what you are looking for, press Enter, and double-click a result to open it in your desktop's default program.</source>
-        <translation type="unfinished"></translation>
+        <translation>Quarrynet ist ein Fenster mit fünf Registerkarten zum Suchen. Geben Sie ein, was Sie suchen, drücken Sie die Eingabetaste, und öffnen Sie ein Ergebnis durch Doppelklick im Standardprogramm Ihres Desktops. Die Beschriftungen des Fensters sind in jeder Sprache englisch; dieses Handbuch nennt sie so, wie sie dort stehen.</translation>
     </message>
     <message>
         <source>The window as it starts</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Fenster nach dem Start</translation>
     </message>
     <message>
         <source>What all tabs share</source>
-        <translation type="unfinished"></translation>
+        <translation>Was für alle Registerkarten gilt</translation>
     </message>
     <message>
         <source>Enter, or the Search button</source>
-        <translation type="unfinished"></translation>
+        <translation>Eingabetaste oder Schaltfläche Search</translation>
     </message>
     <message>
         <source>starts the search. The button stays grey until the response is complete. If you type something else meanwhile, the button becomes available again, and a new search replaces the old one.</source>
-        <translation type="unfinished"></translation>
+        <translation>startet die Suche. Die Schaltfläche bleibt grau, bis die Antwort vollständig ist. Wenn Sie währenddessen etwas anderes eingeben, wird sie wieder verfügbar, und eine neue Suche ersetzt die alte.</translation>
     </message>
     <message>
         <source>Escape, the Stop menu or the red button</source>
-        <translation type="unfinished"></translation>
+        <translation>Escape, das Menü Stop oder die rote Schaltfläche</translation>
     </message>
     <message>
         <source>cancels the search of the current tab; the other tabs continue theirs. The Specific File Search is the exception: there, Stop empties the list, but the search continues and fills the list when its response arrives. A download search that is still running is cancelled instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>bricht die Suche der aktuellen Registerkarte ab; die anderen Registerkarten setzen ihre fort. Die Ausnahme ist Specific File Search: Dort leert Stop die Liste, die Suche läuft aber weiter und füllt die Liste, wenn ihre Antwort eintrifft. Stattdessen wird eine noch laufende Download-Suche abgebrochen.</translation>
     </message>
     <message>
         <source>The slider below the results</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Schieberegler unter den Ergebnissen</translation>
     </message>
     <message>
         <source>requests another page. It becomes available when there is more than one page, and covers ten pages at a time; at its right end it moves on by nine. Drag it, click beside the thumb, or use the arrow keys. It does not move back to earlier pages by itself: to see the first ones again, repeat the search. The slider starts at page 1 again only if the service reports no page beyond its left end.</source>
-        <translation type="unfinished"></translation>
+        <translation>fordert eine andere Seite an. Er wird verfügbar, wenn es mehr als eine Seite gibt, und umfasst jeweils zehn Seiten; am rechten Ende rückt er um neun weiter. Ziehen Sie ihn, klicken Sie neben den Griff oder benutzen Sie die Pfeiltasten. Zu früheren Seiten kehrt er nicht von selbst zurück: Um die ersten wieder zu sehen, wiederholen Sie die Suche. Nur wenn der Dienst keine Seite jenseits seines linken Endes meldet, beginnt der Schieberegler wieder bei Seite 1.</translation>
     </message>
     <message>
         <source>The status bar</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Statusleiste</translation>
     </message>
     <message>
         <source>shows the connection on the left ("Connecting", "Connected", "Closed") and the step of the search on the right ("Requesting Data", "Downloading Data").</source>
-        <translation type="unfinished"></translation>
+        <translation>zeigt links die Verbindung ("Connecting" beim Aufbau, "Connected", "Closed" am Ende) und rechts den Schritt der Suche ("Requesting Data" beim Anfragen, "Downloading Data" beim Empfangen).</translation>
     </message>
     <message>
         <source>Run one search at a time for a reliable result. All tabs share one receive buffer, so the responses of two simultaneous searches can mix.</source>
-        <translation type="unfinished"></translation>
+        <translation>Führen Sie für verlässliche Ergebnisse immer nur eine Suche aus. Alle Registerkarten teilen sich einen Empfangspuffer, daher können sich die Antworten zweier gleichzeitiger Suchen vermischen.</translation>
     </message>
     <message>
         <source>When nothing answers</source>
-        <translation type="unfinished"></translation>
+        <translation>Wenn nichts antwortet</translation>
     </message>
     <message>
         <source>The searches need services, which are programs of their own. A box with "Error #:" means that none answered:</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Suchen brauchen Dienste, das sind eigene Programme. Eine Meldung mit "Error #:" bedeutet, dass keiner geantwortet hat:</translation>
     </message>
     <message>
         <source>number</source>
-        <translation type="unfinished"></translation>
+        <translation>Nummer</translation>
     </message>
     <message>
         <source>meaning</source>
-        <translation type="unfinished"></translation>
+        <translation>Bedeutung</translation>
     </message>
     <message>
         <source>what to do</source>
-        <translation type="unfinished"></translation>
+        <translation>Abhilfe</translation>
     </message>
     <message>
         <source>no service is running at the address</source>
-        <translation type="unfinished"></translation>
+        <translation>unter der Adresse läuft kein Dienst</translation>
     </message>
     <message>
         <source>on Linux, start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
-        <translation type="unfinished"></translation>
+        <translation>unter Linux &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
     </message>
     <message>
         <source>there is no computer of this name</source>
-        <translation type="unfinished"></translation>
+        <translation>es gibt keinen Rechner mit diesem Namen</translation>
     </message>
     <message>
         <source>correct the name in the file &lt;code&gt;Quarrynet.ini&lt;/code&gt; (&lt;a href="services.html#others"&gt;other services&lt;/a&gt;) or of &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt;</source>
-        <translation type="unfinished"></translation>
+        <translation>den Namen in der Datei &lt;code&gt;Quarrynet.ini&lt;/code&gt; (&lt;a href="services.html#others"&gt;andere Dienste&lt;/a&gt;) oder den Namen &lt;a href="proxy.html"&gt;des Proxys&lt;/a&gt; berichtigen</translation>
     </message>
     <message>
         <source>the computer is out of reach</source>
-        <translation type="unfinished"></translation>
+        <translation>der Rechner ist nicht erreichbar</translation>
     </message>
     <message>
         <source>check the network and the address; where only a proxy leads out, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on</source>
-        <translation type="unfinished"></translation>
+        <translation>Netzwerk und Adresse prüfen; wo nur ein Proxy nach außen führt, &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; einschalten</translation>
     </message>
     <message>
         <source>Words</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchbegriffe</translation>
     </message>
     <message>
         <source>Spaces before and after your words are ignored, and a space between two words is sent as "+". Everything else is sent as typed. Each service decides what the words mean; see &lt;a href="services.html"&gt;the local services&lt;/a&gt; for theirs.</source>
-        <translation type="unfinished"></translation>
+        <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als "+" gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
     </message>
     <message>
         <source>Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe</translation>
     </message>
     <message>
         <source>Everything in the window, text included, grows and shrinks with the window. The smallest size is half the initial size. If your desktop's font is too large for the initial window, the window uses a smaller one.</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles im Fenster, auch der Text, wächst und schrumpft mit dem Fenster. Die kleinste Größe ist die halbe Anfangsgröße. Wenn die Schrift Ihres Desktops für das anfängliche Fenster zu groß ist, benutzt das Fenster eine kleinere.</translation>
     </message>
 </context>
 <context>
     <name>downloads.html</name>
     <message>
         <source>Search For Downloads - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Search For Downloads - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Finds programs for your keywords and shows their name, description, operating system, size and license, 25 per page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet Programme zu Ihren Suchbegriffen und zeigt Name, Beschreibung, Betriebssystem, Größe und Lizenz, 25 pro Seite.</translation>
     </message>
     <message>
         <source>Programs for chess</source>
-        <translation type="unfinished"></translation>
+        <translation>Schachprogramme</translation>
     </message>
     <message>
         <source>Double-click a program to download it. Quarrynet first asks the download site for the real address, which takes a moment; a small box says so and closes by itself. The address then opens in your browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Doppelklicken Sie auf ein Programm, um es herunterzuladen. Quarrynet fragt zuerst die Download-Seite nach der eigentlichen Adresse, was einen Augenblick dauert; ein kleines Fenster weist darauf hin und schließt sich von selbst. Dann öffnet sich die Adresse in Ihrem Browser.</translation>
     </message>
     <message>
         <source>If the site names no address, its front page opens instead.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nennt die Download-Seite keine Adresse, öffnet sich stattdessen ihre Startseite.</translation>
     </message>
 </context>
 <context>
     <name>files.html</name>
     <message>
         <source>Specific File Search - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Specific File Search - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Finds files and directories on servers by their name, or by a part of it, twenty per page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet Dateien und Ordner auf Servern nach ihrem Namen oder einem Teil davon, zwanzig pro Seite.</translation>
     </message>
     <message>
         <source>Files whose names hold the typed text</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien, deren Namen den eingegebenen Text enthalten</translation>
     </message>
     <message>
         <source>Double-click a row to open its address. The address of a mirror usually begins with "http" and opens in your browser; that of a crawled server begins with "ftp". Many browsers no longer support FTP, but file managers and FTP programs do.</source>
-        <translation type="unfinished"></translation>
+        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit "http" und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit "ftp". Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
     </message>
     <message>
         <source>"&amp;lt;Dir&amp;gt;" in the size column marks a directory.</source>
-        <translation type="unfinished"></translation>
+        <translation>"&amp;lt;Dir&amp;gt;" in der Größenspalte kennzeichnet einen Ordner.</translation>
     </message>
     <message>
         <source>"No more site found" means that you are past the last page.</source>
-        <translation type="unfinished"></translation>
+        <translation>"No more site found" bedeutet, dass Sie über die letzte Seite hinaus sind.</translation>
     </message>
 </context>
 <context>
     <name>images.html</name>
     <message>
         <source>Image Search - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Image Search - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Finds pictures for your keywords and shows up to ten thumbnails per page. Click a thumbnail to open the full picture in your browser.</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet Bilder zu Ihren Suchbegriffen und zeigt bis zu zehn Vorschaubilder pro Seite. Klicken Sie auf ein Vorschaubild, um das ganze Bild in Ihrem Browser zu öffnen.</translation>
     </message>
     <message>
         <source>A gallery of pictures</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Galerie von Bildern</translation>
     </message>
     <message>
         <source>The gallery is a page in the program's folder. A browser engine shows it, and starts when you first open this tab. If the engine is missing, cannot start in its sandbox (as for root) or hangs on a page, a plain view shows the same thumbnails and says why.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Galerie ist eine Seite im Ordner des Programms. Eine Browser-Engine zeigt sie an; sie startet, wenn Sie diese Registerkarte zum ersten Mal öffnen. Wenn die Engine fehlt, nicht in ihrer Sandbox starten kann (wie für root) oder an einer Seite hängen bleibt, zeigt eine einfache Ansicht dieselben Vorschaubilder und nennt den Grund.</translation>
     </message>
     <message>
         <source>The view is locked down: it loads nothing but thumbnails (PNG, JPEG, GIF and WebP), runs no scripts, stores nothing, and has no menus.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Ansicht ist abgeschottet: Sie lädt nur Vorschaubilder (PNG, JPEG, GIF und WebP), führt keine Skripte aus, speichert nichts und hat keine Menüs.</translation>
     </message>
     <message>
         <source>Through a proxy, the slider of the first tab chooses the page of results.</source>
-        <translation type="unfinished"></translation>
+        <translation>Über einen Proxy bestimmt der Schieberegler der ersten Registerkarte die Ergebnisseite.</translation>
+    </message>
+</context>
+<context>
+    <name>keys.html</name>
+    <message>
+        <source>Keys - Quarrynet manual</source>
+        <translation>Tasten - Handbuch zu Quarrynet</translation>
+    </message>
+    <message>
+        <source>Everything in the window can be done without a mouse. While a dialog or a box is open, only its own keys work.</source>
+        <translation>Alles im Fenster ist ohne Maus möglich. Solange ein Dialog oder eine Meldung geöffnet ist, wirken nur deren eigene Tasten.</translation>
+    </message>
+    <message>
+        <source>Anywhere in the window</source>
+        <translation>Überall im Fenster</translation>
+    </message>
+    <message>
+        <source>key</source>
+        <translation>Taste</translation>
+    </message>
+    <message>
+        <source>effect</source>
+        <translation>Wirkung</translation>
+    </message>
+    <message>
+        <source>Ctrl+1 to Ctrl+5, or Alt+1 to Alt+5</source>
+        <translation>Strg+1 bis Strg+5 oder Alt+1 bis Alt+5</translation>
+    </message>
+    <message>
+        <source>shows the first to the fifth tab</source>
+        <translation>zeigt die erste bis fünfte Registerkarte</translation>
+    </message>
+    <message>
+        <source>Ctrl+Tab, Ctrl+Shift+Tab</source>
+        <translation>Strg+Tab, Strg+Umschalt+Tab</translation>
+    </message>
+    <message>
+        <source>shows the next or the previous tab; after the last comes the first</source>
+        <translation>zeigt die nächste oder vorige Registerkarte; auf die letzte folgt die erste</translation>
+    </message>
+    <message>
+        <source>Ctrl+L</source>
+        <translation>Strg+L</translation>
+    </message>
+    <message>
+        <source>goes to the first field of the tab and selects its text</source>
+        <translation>führt zum ersten Feld der Registerkarte und wählt dessen Text aus</translation>
+    </message>
+    <message>
+        <source>F5</source>
+        <translation>F5</translation>
+    </message>
+    <message>
+        <source>presses the Search button, which repeats the search; nothing happens while the button is grey</source>
+        <translation>drückt die Schaltfläche Search, was die Suche wiederholt; solange die Schaltfläche grau ist, geschieht nichts</translation>
+    </message>
+    <message>
+        <source>Escape</source>
+        <translation>Escape</translation>
+    </message>
+    <message>
+        <source>stops the search of the tab</source>
+        <translation>bricht die Suche der Registerkarte ab</translation>
+    </message>
+    <message>
+        <source>F1</source>
+        <translation>F1</translation>
+    </message>
+    <message>
+        <source>opens this manual</source>
+        <translation>öffnet dieses Handbuch</translation>
+    </message>
+    <message>
+        <source>Ctrl+Q</source>
+        <translation>Strg+Q</translation>
+    </message>
+    <message>
+        <source>ends the program</source>
+        <translation>beendet das Programm</translation>
+    </message>
+    <message>
+        <source>Tab, Shift+Tab</source>
+        <translation>Tab, Umschalt+Tab</translation>
+    </message>
+    <message>
+        <source>go to the next or the previous control</source>
+        <translation>führen zum nächsten oder vorigen Bedienelement</translation>
+    </message>
+    <message>
+        <source>Alt+F, Alt+V, Alt+H</source>
+        <translation>Alt+F, Alt+V, Alt+H</translation>
+    </message>
+    <message>
+        <source>open the menus</source>
+        <translation>öffnen die Menüs</translation>
+    </message>
+    <message>
+        <source>Alt+S</source>
+        <translation>Alt+S</translation>
+    </message>
+    <message>
+        <source>presses the Search button</source>
+        <translation>drückt die Schaltfläche Search</translation>
+    </message>
+    <message>
+        <source>In a field</source>
+        <translation>In einem Feld</translation>
+    </message>
+    <message>
+        <source>Enter</source>
+        <translation>Eingabetaste</translation>
+    </message>
+    <message>
+        <source>starts the search; in the address of a page, goes to the keywords</source>
+        <translation>startet die Suche; in der Adresse einer Seite führt sie zu den Suchbegriffen</translation>
+    </message>
+    <message>
+        <source>In a list of results</source>
+        <translation>In einer Ergebnisliste</translation>
+    </message>
+    <message>
+        <source>Ctrl+C</source>
+        <translation>Strg+C</translation>
+    </message>
+    <message>
+        <source>copies the selected rows</source>
+        <translation>kopiert die ausgewählten Zeilen</translation>
+    </message>
+    <message>
+        <source>On the slider</source>
+        <translation>Auf dem Schieberegler</translation>
+    </message>
+    <message>
+        <source>Right, Up, Page Up</source>
+        <translation>Rechts, Auf, Bild auf</translation>
+    </message>
+    <message>
+        <source>request the next page</source>
+        <translation>fordern die nächste Seite an</translation>
+    </message>
+    <message>
+        <source>Left, Down, Page Down</source>
+        <translation>Links, Ab, Bild ab</translation>
+    </message>
+    <message>
+        <source>request the previous page</source>
+        <translation>fordern die vorige Seite an</translation>
+    </message>
+    <message>
+        <source>Home, End</source>
+        <translation>Pos1, Ende</translation>
+    </message>
+    <message>
+        <source>request the first or the last page of the slider</source>
+        <translation>fordern die erste oder letzte Seite des Schiebereglers an</translation>
+    </message>
+    <message>
+        <source>In the gallery</source>
+        <translation>In der Galerie</translation>
+    </message>
+    <message>
+        <source>The gallery keeps Alt with any key, F5, Ctrl+N and Ctrl+R for its page, which ignores them. To use one of them, go to another control first, with Tab or Ctrl+L. All other keys of this page work in the gallery, too.</source>
+        <translation>Die Galerie behält Alt mit jeder Taste, F5, Strg+N und Strg+R für ihre Seite, die sie nicht beachtet. Um eine davon zu benutzen, gehen Sie zuerst mit Tab oder Strg+L zu einem anderen Bedienelement. Alle anderen Tasten dieser Seite wirken auch in der Galerie.</translation>
     </message>
 </context>
 <context>
     <name>page.html</name>
     <message>
         <source>Specific Page Search - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Specific Page Search - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Checks whether your keywords occur in the text of a page, given its address. HTML tags and letter case are ignored, and a word is also found inside a longer one: "apple" is in "pineapple".</source>
-        <translation type="unfinished"></translation>
+        <translation>Prüft, ob Ihre Suchbegriffe im Text einer Seite vorkommen, deren Adresse Sie angeben. HTML-Tags und Groß- und Kleinschreibung werden nicht beachtet, und ein Wort wird auch innerhalb eines längeren gefunden: "Apfel" steht in "Apfelbaum".</translation>
     </message>
     <message>
         <source>Three words on one page, one of them missing</source>
-        <translation type="unfinished"></translation>
+        <translation>Drei Wörter auf einer Seite, von denen eines fehlt</translation>
     </message>
     <message>
         <source>shows a row for each word, "Found" or "Not Found".</source>
-        <translation type="unfinished"></translation>
+        <translation>zeigt eine Zeile für jedes Wort, "Found" (gefunden) oder "Not Found" (nicht gefunden).</translation>
     </message>
     <message>
         <source>shows a row for each word if all words occur, otherwise one row that says so.</source>
-        <translation type="unfinished"></translation>
+        <translation>zeigt eine Zeile für jedes Wort, wenn alle Wörter vorkommen, sonst eine einzige Zeile, die darauf hinweist.</translation>
     </message>
     <message>
         <source>looks for the whole text as typed, as one phrase.</source>
-        <translation type="unfinished"></translation>
+        <translation>sucht den ganzen Text so, wie er eingegeben wurde, als eine Wortfolge.</translation>
     </message>
     <message>
         <source>The address may begin with "http://" or not; such a page is fetched from port 80 without encryption. A page whose address begins with "https://" is fetched from port 443 over TLS 1.2 or later. Addresses that name another port cannot be checked, and redirects are not followed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Adresse kann mit "http://" beginnen oder nicht; eine solche Seite wird unverschlüsselt von Port 80 abgerufen. Eine Seite, deren Adresse mit "https://" beginnt, wird über TLS 1.2 oder neuer von Port 443 abgerufen. Adressen, die einen anderen Port nennen, können nicht geprüft werden, und Weiterleitungen wird nicht gefolgt.</translation>
     </message>
     <message>
         <source>The certificate of an https server must be valid, issued for the server's name, and issued by an authority that your system trusts. Otherwise nothing is sent, and the error box says what is wrong:</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Zertifikat eines https-Servers muss gültig und auf den Namen des Servers ausgestellt sein, und zwar von einer Stelle, der Ihr System vertraut. Andernfalls wird nichts gesendet, und die Fehlermeldung nennt den Grund:</translation>
     </message>
     <message>
         <source>Error #</source>
-        <translation type="unfinished"></translation>
+        <translation>Error #</translation>
     </message>
     <message>
         <source>Meaning</source>
-        <translation type="unfinished"></translation>
+        <translation>Bedeutung</translation>
     </message>
     <message>
         <source>the certificate has expired or is not valid yet; check your clock, too</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zertifikat ist abgelaufen oder noch nicht gültig; prüfen Sie auch Ihre Uhr</translation>
     </message>
     <message>
         <source>the certificate is for another name</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zertifikat gilt für einen anderen Namen</translation>
     </message>
     <message>
         <source>the certificate is self-signed, or its issuer is unknown to your system</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zertifikat ist selbst signiert, oder Ihr System kennt seinen Aussteller nicht</translation>
     </message>
     <message>
         <source>the certificate is invalid in another way, or revoked</source>
-        <translation type="unfinished"></translation>
+        <translation>das Zertifikat ist aus einem anderen Grund ungültig oder widerrufen</translation>
     </message>
     <message>
         <source>the server demands a certificate of its clients</source>
-        <translation type="unfinished"></translation>
+        <translation>der Server verlangt ein Zertifikat von seinen Clients</translation>
     </message>
     <message>
         <source>the server does not speak TLS, or only versions before 1.2</source>
-        <translation type="unfinished"></translation>
+        <translation>der Server beherrscht TLS nicht oder nur in Versionen vor 1.2</translation>
     </message>
     <message>
         <source>the connection was cut, so part of the page may be missing</source>
-        <translation type="unfinished"></translation>
+        <translation>die Verbindung wurde unterbrochen, daher kann ein Teil der Seite fehlen</translation>
     </message>
     <message>
         <source>no TLS library is installed</source>
-        <translation type="unfinished"></translation>
+        <translation>es ist keine TLS-Bibliothek installiert</translation>
     </message>
     <message>
         <source>Enter in the address field moves to the keywords; Enter there starts the search.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Eingabetaste im Adressfeld führt zu den Suchbegriffen; dort startet sie die Suche.</translation>
     </message>
     <message>
         <source>While &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; is on, this tab opens no connection, and the Search button stays grey after a click. Stop then does nothing, because there is no connection to close. Switch the proxy off and type something to get the button back.</source>
-        <translation type="unfinished"></translation>
+        <translation>Solange &lt;a href="proxy.html"&gt;der Proxy&lt;/a&gt; eingeschaltet ist, öffnet diese Registerkarte keine Verbindung, und die Schaltfläche Search bleibt nach einem Klick grau. Stop bewirkt dann nichts, weil es keine Verbindung zu schließen gibt. Schalten Sie den Proxy aus und geben Sie etwas ein, um die Schaltfläche wieder benutzen zu können.</translation>
     </message>
 </context>
 <context>
     <name>proxy.html</name>
     <message>
         <source>The proxy - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Proxy - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, or the first button of the toolbar, to send the searches through an HTTP proxy. Tick "Enable Proxy" and enter host and port; both are required. The next search uses them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Mit View &amp;gt; Proxy oder der ersten Schaltfläche der Werkzeugleiste leiten Sie die Suchen über einen HTTP-Proxy. Kreuzen Sie "Enable Proxy" an und geben Sie Rechner und Port ein; beides ist erforderlich. Die nächste Suche benutzt sie.</translation>
     </message>
     <message>
         <source>The settings are in the file &lt;code&gt;Quarrynet.ini&lt;/code&gt;, in the program's folder if you can write there, otherwise in your data folder (on Linux &lt;code&gt;~/.local/share/quarrynet&lt;/code&gt;, on Windows &lt;code&gt;%APPDATA%\quarrynet&lt;/code&gt;):</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Einstellungen stehen in der Datei &lt;code&gt;Quarrynet.ini&lt;/code&gt;, und zwar im Ordner des Programms, wenn Sie dort schreiben dürfen, sonst in Ihrem Datenordner (unter Linux &lt;code&gt;~/.local/share/quarrynet&lt;/code&gt;, unter Windows &lt;code&gt;%APPDATA%\quarrynet&lt;/code&gt;):</translation>
     </message>
     <message>
         <source>This example is the proxy of &lt;a href="services.html"&gt;the local services&lt;/a&gt;. The port must not be greater than 32767. A larger one is saved nevertheless: the program shows the file and the limit, and at its next start it does so again and ends. Correct the number in the file.</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieses Beispiel ist der Proxy &lt;a href="services.html"&gt;der lokalen Dienste&lt;/a&gt;. Der Port darf nicht größer als 32767 sein. Ein größerer wird trotzdem gespeichert: Das Programm nennt dann die Datei und die Grenze, tut das beim nächsten Start noch einmal und beendet sich. Berichtigen Sie die Zahl in der Datei.</translation>
     </message>
     <message>
         <source>The page check does not work through a proxy; the pictures of the gallery do.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Seitenprüfung funktioniert nicht über einen Proxy, die Bilder der Galerie schon.</translation>
     </message>
 </context>
 <context>
     <name>services.html</name>
     <message>
         <source>The local services - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Die lokalen Dienste - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Searches need services. By default these run on your own machine: &lt;code&gt;./run.sh&lt;/code&gt; starts the program &lt;code&gt;quarrynet-services&lt;/code&gt; together with the window. It answers from data on your machine, so everything works without the internet:</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen brauchen Dienste. Normalerweise laufen diese auf Ihrem eigenen Rechner: &lt;code&gt;./run.sh&lt;/code&gt; startet das Programm &lt;code&gt;quarrynet-services&lt;/code&gt; zusammen mit dem Fenster. Es antwortet aus den Daten Ihres Rechners, daher funktioniert alles ohne Internet:</translation>
     </message>
     <message>
         <source>tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Registerkarte</translation>
     </message>
     <message>
         <source>searches</source>
-        <translation type="unfinished"></translation>
+        <translation>durchsucht</translation>
     </message>
     <message>
         <source>address</source>
-        <translation type="unfinished"></translation>
+        <translation>Adresse</translation>
     </message>
     <message>
         <source>the home pages of all packages, and the installed documentation</source>
-        <translation type="unfinished"></translation>
+        <translation>die Webseiten aller Pakete und die installierte Dokumentation</translation>
     </message>
     <message>
         <source>the installed pictures and icons</source>
-        <translation type="unfinished"></translation>
+        <translation>die installierten Bilder und Symbole</translation>
     </message>
     <message>
         <source>the programs in the package lists</source>
-        <translation type="unfinished"></translation>
+        <translation>die Programme in den Paketlisten</translation>
     </message>
     <message>
         <source>the files of the package pool, and FTP servers that were crawled</source>
-        <translation type="unfinished"></translation>
+        <translation>die Dateien des Paketbestands und eingelesene FTP-Server</translation>
     </message>
     <message>
         <source>They all listen on port 80, and together as an HTTP proxy on 127.0.0.1, port 8780.</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle sind auf Port 80 erreichbar und gemeinsam als HTTP-Proxy auf 127.0.0.1, Port 8780.</translation>
     </message>
     <message>
         <source>What they find</source>
-        <translation type="unfinished"></translation>
+        <translation>Was sie finden</translation>
     </message>
     <message>
         <source>The web, image and download searches find entries that contain all your words, and entries whose name or title begins with them. Words in double quotes are a phrase; a word with "-" before it must not occur.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Web-, Bilder- und Download-Suche finden Einträge, die alle Ihre Wörter enthalten, und Einträge, deren Name oder Titel damit beginnt. Wörter in doppelten Anführungszeichen sind eine Wortfolge; ein Wort mit "-" davor darf nicht vorkommen.</translation>
     </message>
     <message>
         <source>The file search finds names that contain every word.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Dateisuche findet Namen, die jedes Wort enthalten.</translation>
     </message>
     <message>
         <source>The exact name comes first, then names that begin with your text, then the rest. In the download search, documentation, data and similar packages follow the programs that they belong to.</source>
-        <translation type="unfinished"></translation>
+        <translation>Zuerst kommt der genaue Name, dann folgen Namen, die mit Ihrem Text beginnen, dann der Rest. In der Download-Suche stehen Pakete mit Dokumentation, Daten und Ähnlichem hinter den Programmen, zu denen sie gehören.</translation>
     </message>
     <message>
         <source>The web search shows each address once, even if several packages have it as their home page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Websuche zeigt jede Adresse nur einmal, auch wenn mehrere Pakete sie als Webseite haben.</translation>
     </message>
     <message>
         <source>Search for the address of a directory in the file search to list its contents.</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen Sie in der Dateisuche nach der Adresse eines Ordners, um seinen Inhalt aufzulisten.</translation>
     </message>
     <message>
         <source>Commands</source>
-        <translation type="unfinished"></translation>
+        <translation>Befehle</translation>
     </message>
     <message>
         <source>indexes the machine again, takes some seconds</source>
-        <translation type="unfinished"></translation>
+        <translation>erfasst den Rechner neu, dauert einige Sekunden</translation>
     </message>
     <message>
         <source>adds a server's files to the file search</source>
-        <translation type="unfinished"></translation>
+        <translation>nimmt die Dateien eines Servers in die Dateisuche auf</translation>
     </message>
     <message>
         <source>answers until it is stopped</source>
-        <translation type="unfinished"></translation>
+        <translation>antwortet, bis es beendet wird</translation>
     </message>
     <message>
         <source>"Error #: 10061" means that no service is listening: start the services. They need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and use port 8780.</source>
-        <translation type="unfinished"></translation>
+        <translation>"Error #: 10061" bedeutet, dass kein Dienst erreichbar ist: Starten Sie die Dienste. Sie brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und benutzen Port 8780.</translation>
     </message>
     <message>
         <source>On Windows</source>
-        <translation type="unfinished"></translation>
+        <translation>Unter Windows</translation>
     </message>
     <message>
         <source>The services run on Linux only. A Windows computer uses those of a Linux machine through their proxy:</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Dienste laufen nur unter Linux. Ein Windows-Rechner benutzt die eines Linux-Rechners über deren Proxy:</translation>
     </message>
     <message>
         <source>Start the services on the Linux machine.</source>
-        <translation type="unfinished"></translation>
+        <translation>Starten Sie die Dienste auf dem Linux-Rechner.</translation>
     </message>
     <message>
         <source>On Windows, open a tunnel to that machine, and keep it open. Nobody else can use it.</source>
-        <translation type="unfinished"></translation>
+        <translation>Öffnen Sie unter Windows einen Tunnel zu diesem Rechner und lassen Sie ihn offen. Niemand sonst kann ihn benutzen.</translation>
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, tick "Enable Proxy", and enter 127.0.0.1 and 8780.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählen Sie View &amp;gt; Proxy, kreuzen Sie "Enable Proxy" an, und geben Sie 127.0.0.1 und 8780 ein.</translation>
     </message>
     <message>
         <source>In a network where everybody may search the Linux machine's index, no tunnel is needed: start the services with &lt;code&gt;quarrynet-services serve --proxy-address ADDRESS&lt;/code&gt;, where ADDRESS is the machine's own in that network, and enter that address and 8780 as the proxy.</source>
-        <translation type="unfinished"></translation>
+        <translation>In einem Netzwerk, in dem alle den Index des Linux-Rechners durchsuchen dürfen, ist kein Tunnel nötig: Starten Sie die Dienste mit &lt;code&gt;quarrynet-services serve --proxy-address ADDRESS&lt;/code&gt;, wobei ADDRESS die Adresse des Rechners in diesem Netzwerk ist, und geben Sie diese Adresse und 8780 als Proxy ein.</translation>
     </message>
     <message>
         <source>Other services</source>
-        <translation type="unfinished"></translation>
+        <translation>Andere Dienste</translation>
     </message>
     <message>
         <source>The settings file &lt;code&gt;Quarrynet.ini&lt;/code&gt; can name the hosts of other services with the same page layouts. It lies beside the program if that folder is writable, otherwise in your data folder. A missing or empty line keeps the default; the program reads the file when it starts. Each host must answer on port 80.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Einstellungsdatei &lt;code&gt;Quarrynet.ini&lt;/code&gt; kann die Rechner anderer Dienste nennen, deren Seiten gleich aufgebaut sind. Sie liegt neben dem Programm, wenn dieser Ordner beschreibbar ist, sonst in Ihrem Datenordner. Fehlt eine Zeile oder ist sie leer, gilt die Voreinstellung; das Programm liest die Datei beim Start. Jeder Rechner muss auf Port 80 antworten.</translation>
     </message>
 </context>
 <context>
     <name>web.html</name>
     <message>
         <source>Search The Internet - Quarrynet manual</source>
-        <translation type="unfinished"></translation>
+        <translation>Search The Internet - Handbuch zu Quarrynet</translation>
     </message>
     <message>
         <source>Finds web addresses for your keywords and shows them with a short description, thirty per page.</source>
-        <translation type="unfinished"></translation>
+        <translation>Findet Webadressen zu Ihren Suchbegriffen und zeigt sie mit einer kurzen Beschreibung, dreißig pro Seite.</translation>
     </message>
     <message>
         <source>A web search for a text editor</source>
-        <translation type="unfinished"></translation>
+        <translation>Eine Websuche nach einem Texteditor</translation>
     </message>
     <message>
         <source>&lt;b&gt;Pages Found&lt;/b&gt; is the number of results that the service reports, &lt;b&gt;Search Speed&lt;/b&gt; the time that it reports.</source>
-        <translation type="unfinished"></translation>
+        <translation>&lt;b&gt;Pages Found&lt;/b&gt; ist die Anzahl der Ergebnisse, die der Dienst meldet, &lt;b&gt;Search Speed&lt;/b&gt; die Dauer, die er meldet.</translation>
     </message>
     <message>
         <source>Double-click a row to open its address in your browser. To open several rows together, select them (Ctrl or Shift and click) and double-click one of them or press Enter; Ctrl+C copies them.</source>
-        <translation type="unfinished"></translation>
+        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse im Browser zu öffnen. Um mehrere Zeilen zusammen zu öffnen, wählen Sie sie aus (Klick mit Strg oder Umschalt) und doppelklicken Sie auf eine davon oder drücken Sie die Eingabetaste; Strg+C kopiert sie.</translation>
     </message>
     <message>
         <source>"No site found for that keyword/s" means that the service has no results, or that it answered in an unknown layout.</source>
-        <translation type="unfinished"></translation>
+        <translation>"No site found for that keyword/s" bedeutet, dass der Dienst keine Ergebnisse hat oder dass seine Antwort einen unbekannten Aufbau hat.</translation>
     </message>
 </context>
 </TS>

@@ -40,7 +40,7 @@ def read(path):
 
 
 def write(path, language, messages):
-    """Writes messages without number forms, one context after the other."""
+    """Writes messages, one context after the other."""
     lines = ['<?xml version="1.0" encoding="utf-8"?>', "<!DOCTYPE TS>",
              f'<TS version="2.1" language="{language}" sourcelanguage="en">']
     for name in dict.fromkeys(message.context for message in messages):
@@ -49,10 +49,12 @@ def write(path, language, messages):
             if message.context != name:
                 continue
             mark = "" if message.finished else ' type="unfinished"'
-            lines += ["    <message>", f"        <source>{escape(message.source)}</source>"]
+            numerus = ' numerus="yes"' if message.forms else ""
+            lines += [f"    <message{numerus}>", f"        <source>{escape(message.source)}</source>"]
             if message.comment:
                 lines.append(f"        <comment>{escape(message.comment)}</comment>")
-            lines += [f"        <translation{mark}>{escape(message.translation)}</translation>", "    </message>"]
+            forms = "".join(f"<numerusform>{escape(form)}</numerusform>" for form in message.forms)
+            lines += [f"        <translation{mark}>{forms or escape(message.translation)}</translation>", "    </message>"]
         lines.append("</context>")
     lines.append("</TS>")
     Path(path).write_text("\n".join(lines) + "\n", encoding="utf-8")
