@@ -7,6 +7,7 @@
 #include <QResizeEvent>
 
 #include "app/BusySign.h"
+#include "app/FieldHistory.h"
 #include "common/local_pages.h"
 #include "common/request_text.h"
 #include "icons/icons.h"
@@ -58,6 +59,7 @@ Main::Main(const Surroundings& surroundings)
     QApplication::setWindowIcon(icon(QStringLiteral("quarrynet")));
     resize(kDesignWidth, kDesignHeight);
     makeControls();
+    makeHistory();
     makeMenus();
     makeToolbar();
     makeShortcuts();
@@ -144,6 +146,16 @@ void Main::makeBusySign()
         if (!QApplication::activeWindow())
             QApplication::alert(this);
     });
+}
+
+void Main::makeHistory()
+{
+    history_ = new FieldHistory(settingsPath(), pathInFolder(programFolder(), "Quarrynet.history"), *this);
+    history_->watch(*STI, {HistoryKind::Keywords});
+    history_->watch(*SPS, {HistoryKind::Addresses, HistoryKind::Keywords});
+    history_->watch(*IMG, {HistoryKind::Keywords});
+    history_->watch(*SFD, {HistoryKind::Keywords});
+    history_->watch(*SFS, {HistoryKind::FileNames});
 }
 
 bool Main::load()

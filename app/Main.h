@@ -19,6 +19,7 @@ namespace quarrynet {
 
 class BusySign;
 class DownloadSearch;
+class FieldHistory;
 class FileSearch;
 class HiddenText;
 class ImageList;
@@ -107,6 +108,7 @@ private:
     void makeShortcuts();
     void makeBusySign();
     void joinTabs();
+    void makeHistory();
 
     std::string settingsPath() const;
 
@@ -156,6 +158,7 @@ private:
     ToolBar* Toolbar1 = nullptr;
     ImageList* ImageList1 = nullptr;
     StatusBar* StatusBar1 = nullptr;
+    FieldHistory* history_ = nullptr;
     QLabel* ConnectionPanel = nullptr;
     QLabel* ActivityPanel = nullptr;
     WebSearch* STI = nullptr;

@@ -11,6 +11,7 @@
 
 #include "app/BusySign.h"
 #include "app/CommandLine.h"
+#include "app/FieldHistory.h"
 #include "app/Main.h"
 #include "app/Shortcuts.h"
 #include "dialogs/Proxy.h"
@@ -46,6 +47,8 @@ void Main::makeMenus()
     add(file, "exitmnu", QStringLiteral("E&xit"), &Main::exitmnu_Click);
     QMenu* view = addMenu("viewmnu", QStringLiteral("&View"));
     add(view, "proxymnu", QStringLiteral("&Proxy"), &Main::proxymnu_Click);
+    view->addSeparator();
+    history_->addTo(*view);
     QMenu* help = addMenu("helpmnu", QStringLiteral("&Help"));
     add(help, "contentmnu", QStringLiteral("&Contents"), &Main::contentmnu_Click);
     add(help, "emailauth", QStringLiteral("&Email Author"), &Main::emailauth_Click);

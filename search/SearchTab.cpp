@@ -158,6 +158,7 @@ void PagedSearch::search()
     slider_->reset();
     startButton().setEnabled(false);
     resetResults(true);
+    emit searchStarted();
     fetch(directHost());
 }
 

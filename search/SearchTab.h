@@ -60,6 +60,10 @@ public:
     /// Sets whether keys reach the tab's controls. Pass false while its frame is visible but covered by another.
     void setReachable(bool reachable);
 
+signals:
+    /// A new search passed its checks and is about to connect. Not emitted for another page of the same search.
+    void searchStarted();
+
 protected:
     SearchTab(const SocketRow& row, SearchWindow& window, QWidget* parent);
 

@@ -41,12 +41,12 @@ bool writeAll(const Descriptor& output, std::string_view text)
 class TemporaryFile
 {
 public:
-    explicit TemporaryFile(const std::string& file)
+    TemporaryFile(const std::string& file, mode_t mode)
     {
         constexpr int kAttempts = 100;
         for (int attempt = 0; attempt < kAttempts && !output_; ++attempt) {
             path_ = file + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
-            output_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666));
+            output_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
             if (!output_ && errno != EEXIST)
                 break;
         }
@@ -97,11 +97,12 @@ std::error_code renameDurably(const std::string& from, const std::string& to)
     return {};
 }
 
-std::error_code replaceFile(const std::string& file, std::string_view content, const std::optional<struct stat>& old)
+std::error_code replaceFile(const std::string& file, std::string_view content, const std::optional<struct stat>& old,
+                            mode_t mode)
 {
     if (old && ::access(file.c_str(), W_OK) != 0)
         return lastError(); // a rename alone would replace a file that is not writable
-    TemporaryFile temporary(file);
+    TemporaryFile temporary(file, mode);
     Descriptor& output = temporary.output();
     if (!output)
         return lastError();

@@ -17,8 +17,10 @@ std::error_code flushFile(const std::string& path);
 std::error_code renameDurably(const std::string& from, const std::string& to);
 
 /// Replaces or creates `file`, which must not be a symbolic link. `old` is the fstat() result of the existing file: the
-/// new one gets its mode, and its owner if this process may set it. Fails if the existing file is not writable. If it
-/// fails, the old file is unchanged and no temporary file is left.
-std::error_code replaceFile(const std::string& file, std::string_view content, const std::optional<struct stat>& old);
+/// new one gets its mode, and its owner if this process may set it. Fails if the existing file is not writable. Without
+/// `old`, the new file gets `mode`, reduced by the process's umask, from its first moment on. If it fails, the old file
+/// is unchanged and no temporary file is left.
+std::error_code replaceFile(const std::string& file, std::string_view content, const std::optional<struct stat>& old,
+                            mode_t mode = 0666);
 
 } // namespace quarrynet

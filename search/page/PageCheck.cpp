@@ -84,6 +84,7 @@ void PageCheck::search()
     if (route() == Route::Proxy)
         return;
     address_ = splitAddress(toBytes(ui_->Text4->text()));
+    emit searchStarted();
     const ServiceHosts& hosts = searchWindow().serviceHosts();
     fetchFrom({address_.PageHost, address_.tls ? hosts.tlsPort : hosts.port, address_.tls});
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "common/FetchSession.h"
+#include "common/SearchHistory.h"
 #include "common/address_check.h"
 #include "common/letter_case.h"
 #include "common/numbers.h"
@@ -254,6 +255,22 @@ TEST(CoreCost, SettingsFiles)
         const std::vector<std::string> items(length / 16, "key=value");
         return stepsOf([&] { packProfileList(items, 2 * length); });
     });
+}
+
+TEST(CoreCost, SearchHistories)
+{
+    Texts files = patterns({"keywords\tapple\n", "keywords\t\n", "\n", "\t\n", "file\t://:\n", "address\thttp://a:@\n",
+                            "keywords\t\xff\n", "keywords\t" + std::string(SearchHistory::kMaxEntryBytes, 'x') + "\n",
+                            "keywords\t" + filled("://:", SearchHistory::kMaxEntryBytes) + "\n"});
+    files.emplace_back("no lines", [](std::size_t length) { return std::string(length, 'x'); });
+    files.emplace_back("different entries", [](std::size_t length) {
+        std::string text;
+        for (int i = 0; text.size() < length; ++i)
+            text += "keywords\tword " + std::to_string(i % 99) + "\n";
+        return text;
+    });
+    expectProportionalTexts("reading a history", files,
+                            [](const std::string& text) { return SearchHistory::fromText(text).text().size(); });
 }
 
 TEST(CoreCost, Addresses)

@@ -59,6 +59,15 @@ TEST(ReplaceFile, KeepsTheModeAndGivesANewFile)
     EXPECT_EQ(countEntries(folder.path()), 1);
 }
 
+TEST(ReplaceFile, MakesAFileThatOnlyItsUserCanRead)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("secret", "old");
+    EXPECT_FALSE(replaceFile(path, "new", std::nullopt, 0600));
+    EXPECT_EQ(stateOf(path)->st_mode & 07777, 0600U);
+    EXPECT_EQ(contentOf(path), "new");
+}
+
 TEST(ReplaceFile, FailureLeavesNothingBehind)
 {
     const TemporaryFolder folder;

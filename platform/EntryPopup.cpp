@@ -1,0 +1,159 @@
+#include "platform/EntryPopup.h"
+
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QStringListModel>
+
+namespace quarrynet {
+
+EntryPopup::EntryPopup(QLineEdit& field, std::function<QStringList()> entries,
+                       std::function<bool(const QString&)> forget)
+    : QObject(&field), field_(field), readEntries_(std::move(entries)), forget_(std::move(forget))
+{
+    field.installEventFilter(this);
+    connect(&field, &QLineEdit::textEdited, this, &EntryPopup::offer);
+}
+
+EntryPopup::~EntryPopup() = default;
+
+void EntryPopup::refresh()
+{
+    areRead_ = false;
+    if (isOpen())
+        completer_->popup()->hide();
+}
+
+const QStringList& EntryPopup::entries()
+{
+    if (!areRead_) {
+        entries_ = readEntries_();
+        areRead_ = true;
+    }
+    return entries_;
+}
+
+bool EntryPopup::isOpen() const
+{
+    return completer_ && completer_->popup()->isVisible();
+}
+
+void EntryPopup::offer()
+{
+    const QString typed = field_.text().trimmed();
+    QStringList fitting;
+    if (!typed.isEmpty()) {
+        fitting = entries().filter(typed, Qt::CaseInsensitive);
+        fitting.removeAll(typed); // taking it would change nothing, and the list would cost an Escape
+    }
+    show(fitting);
+}
+
+bool EntryPopup::openOnDown()
+{
+    offer();
+    if (!isOpen())
+        show(entries());
+    return isOpen();
+}
+
+// Returns whether the list is open.
+bool EntryPopup::show(const QStringList& entries)
+{
+    if (entries.isEmpty()) {
+        if (isOpen())
+            completer_->popup()->hide();
+        return false;
+    }
+    if (!completer_) {
+        constexpr int kRows = 10;
+        shown_ = new QStringListModel(this);
+        // The field does not know its completer: it would show each entry that is passed on the way down the list, and
+        // act on Enter before the entry is taken.
+        completer_ = new QCompleter(shown_, this);
+        completer_->setWidget(&field_);
+        completer_->setMaxVisibleItems(kRows);
+        completer_->popup()->setObjectName(field_.objectName() + QLatin1String("Entries"));
+        completer_->popup()->setAccessibleName(tr("Earlier entries"));
+        completer_->popup()->installEventFilter(this); // called before the completer's own filter
+        connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, &EntryPopup::take);
+    }
+    completer_->popup()->setFont(field_.font());
+    shown_->setStringList(entries);
+    completer_->complete();
+    return isOpen();
+}
+
+bool EntryPopup::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == &field_) {
+        if (event->type() == QEvent::FocusIn && !isOpen())
+            areRead_ = false; // another window may have changed the history
+        if (event->type() == QEvent::KeyPress) {
+            const auto& key = static_cast<const QKeyEvent&>(*event);
+            if (key.key() == Qt::Key_Down && (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && !isOpen())
+                return openOnDown();
+        }
+    } else if (event->type() == QEvent::KeyPress) {
+        return handlePopupKey(static_cast<const QKeyEvent&>(*event));
+    }
+    return false;
+}
+
+// Returns whether the key needs no further handling.
+bool EntryPopup::handlePopupKey(const QKeyEvent& key)
+{
+    switch (key.key()) {
+    case Qt::Key_Escape:
+        completer_->popup()->hide();
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (const QString entry = chosen(); !entry.isEmpty())
+            take(entry);
+        break;
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+        break;
+    case Qt::Key_Delete:
+        if (key.modifiers() & ~Qt::KeypadModifier || chosen().isEmpty())
+            return false;
+        removeChosen();
+        return true;
+    default:
+        return false;
+    }
+    completer_->popup()->hide();
+    QKeyEvent forField(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());
+    QCoreApplication::sendEvent(&field_, &forField);
+    return true;
+}
+
+QString EntryPopup::chosen() const
+{
+    const QAbstractItemView& list = *completer_->popup();
+    return list.selectionModel()->isSelected(list.currentIndex()) ? list.currentIndex().data().toString() : QString();
+}
+
+void EntryPopup::take(const QString& entry)
+{
+    field_.setText(entry);
+}
+
+void EntryPopup::removeChosen()
+{
+    QAbstractItemView& list = *completer_->popup();
+    const int row = list.currentIndex().row();
+    const QString entry = chosen();
+    if (!forget_(entry))
+        return;
+    QStringList left = shown_->stringList();
+    left.removeAt(row);
+    entries_.removeAll(entry);
+    if (show(left))
+        list.setCurrentIndex(completer_->completionModel()->index(qMin(row, static_cast<int>(left.size()) - 1), 0));
+}
+
+} // namespace quarrynet

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+
+#include <QObject>
+#include <QStringList>
+
+class QCompleter;
+class QKeyEvent;
+class QLineEdit;
+class QStringListModel;
+
+namespace quarrynet {
+
+/// Offers earlier entries in a list below a field: those that contain the typed text while the user types, and all of
+/// them when the Down key is pressed in an empty field.
+///
+/// No entry is taken unless the user chooses it. Enter without a chosen entry keeps the typed text; Enter on a chosen
+/// one takes it and then has its effect in the field, once; a click takes an entry without that effect. Escape closes
+/// the list and nothing else; Delete removes the chosen entry from the history; Tab closes the list and goes on.
+class EntryPopup final : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(EntryPopup)
+
+public:
+    /// `entries` returns the earlier entries, newest first; it is called at the first key after the field got the focus
+    /// or after refresh(). `forget` removes one of them from the history, or returns false if that fails. The list
+    /// itself is made when it is first shown.
+    EntryPopup(QLineEdit& field, std::function<QStringList()> entries, std::function<bool(const QString&)> forget);
+    ~EntryPopup() override;
+
+    /// Closes the list and discards the entries, which may have changed.
+    void refresh();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void offer();
+    bool show(const QStringList& entries);
+    bool isOpen() const;
+    bool openOnDown();
+    bool handlePopupKey(const QKeyEvent& key);
+    void take(const QString& entry);
+    void removeChosen();
+    QString chosen() const;
+    const QStringList& entries();
+
+    QLineEdit& field_;
+    std::function<QStringList()> readEntries_;
+    std::function<bool(const QString&)> forget_;
+    QStringList entries_;
+    bool areRead_ = false; // whether entries_ holds what readEntries_ returned
+    QCompleter* completer_ = nullptr;
+    QStringListModel* shown_ = nullptr;
+};
+
+} // namespace quarrynet

@@ -1,0 +1,170 @@
+#include "platform/HistoryFile.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#ifdef Q_OS_WIN
+#include <QLockFile>
+#include <QSaveFile>
+#else
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "ground/Descriptor.h"
+#include "ground/OpenFile.h"
+#include "ground/durable_file.h"
+#endif
+
+#include "platform/text_border.h"
+
+namespace quarrynet {
+
+namespace {
+
+#ifdef Q_OS_WIN
+
+class WriteLock
+{
+public:
+    explicit WriteLock(const std::string& path) : file_(toPathText(path) + QLatin1String(".lock"))
+    {
+        constexpr int kPatience = 50; // milliseconds
+        file_.tryLock(kPatience);
+    }
+    explicit operator bool() const { return file_.isLocked(); }
+
+private:
+    QLockFile file_;
+};
+
+std::optional<std::string> contentOf(const std::string& path)
+{
+    const QFileInfo place(toPathText(path));
+    if (!place.exists() && !place.isSymbolicLink())
+        return std::string();
+    QFile file(place.filePath());
+    if (!place.isFile() || place.isSymbolicLink() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.read(static_cast<qint64>(SearchHistory::kMaxFileBytes) + 1);
+    if (bytes.size() > static_cast<qsizetype>(SearchHistory::kMaxFileBytes))
+        return std::nullopt;
+    return bytes.toStdString();
+}
+
+bool isOfAnotherUser(const std::string&)
+{
+    return false; // a file of another user cannot be deleted
+}
+
+bool replaceContent(const std::string& path, const std::string& text)
+{
+    QSaveFile file(toPathText(path));
+    return file.open(QIODevice::WriteOnly) && file.write(text.data(), static_cast<qint64>(text.size())) >= 0 &&
+           file.commit();
+}
+
+#else
+
+/// Locks the file's folder, which is always there and cannot be exchanged for a pipe. A lock file could be, and would
+/// have to be left behind.
+class WriteLock
+{
+public:
+    explicit WriteLock(const std::string& path)
+        : folder_(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY))
+    {
+        constexpr int kAttempts = 5;
+        constexpr useconds_t kPause = 10'000; // microseconds
+        for (int attempt = 0; folder_ && !locked_ && attempt < kAttempts; ++attempt) {
+            if (attempt > 0)
+                ::usleep(kPause);
+            // Some network file systems cannot lock a folder. There, a change of two windows at the same moment loses
+            // one entry, and the file stays whole.
+            locked_ = ::flock(folder_.number(), LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+        }
+    }
+    explicit operator bool() const { return locked_; }
+
+private:
+    static std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1) + "."; }
+
+    Descriptor folder_;
+    bool locked_ = false;
+};
+
+/// Returns the content, which is empty if there is no file, or nothing if the file cannot be used.
+std::optional<std::string> contentOf(const std::string& path)
+{
+    // Opening a pipe must not block, and opening a terminal must not make it this process's terminal.
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    if (!file)
+        return errno == ENOENT ? std::optional<std::string>(std::in_place) : std::nullopt;
+    struct stat state = {};
+    if (::fstat(file.number(), &state) != 0 || !S_ISREG(state.st_mode) || state.st_uid != ::geteuid())
+        return std::nullopt;
+    return OpenFile(std::move(file), static_cast<std::uint64_t>(state.st_size)).content(SearchHistory::kMaxFileBytes);
+}
+
+bool isOfAnotherUser(const std::string& path)
+{
+    struct stat state = {};
+    return ::lstat(path.c_str(), &state) == 0 && state.st_uid != ::geteuid();
+}
+
+bool replaceContent(const std::string& path, const std::string& text)
+{
+    if (::access(path.c_str(), W_OK) != 0 && errno != ENOENT)
+        return false; // a rename would replace a file that its user has made read-only
+    return !replaceFile(path, text, std::nullopt, S_IRUSR | S_IWUSR);
+}
+
+#endif
+
+} // namespace
+
+std::optional<SearchHistory> HistoryFile::read() const
+{
+    const std::optional<std::string> content = contentOf(path_);
+    if (!content)
+        return std::nullopt;
+    return SearchHistory::fromText(*content);
+}
+
+bool HistoryFile::update(const std::function<void(SearchHistory&)>& change) const
+{
+    const WriteLock lock(path_);
+    if (!lock)
+        return false;
+    std::optional<SearchHistory> history = read();
+    if (!history)
+        return false;
+    const std::string before = history->text();
+    change(*history);
+    const std::string after = history->text();
+    return after == before || replaceContent(path_, after);
+}
+
+QString HistoryFile::clear() const
+{
+    const WriteLock lock(path_); // a window that is just writing would bring the entries back
+    QFile file(toPathText(path_));
+    const QFileInfo place(file.fileName());
+    if (place.exists() || place.isSymbolicLink()) {
+        if (isOfAnotherUser(path_))
+            return QCoreApplication::translate("HistoryFile", "The file belongs to another user.");
+        if (!file.remove())
+            return file.errorString();
+    }
+    QDir folder = place.dir();
+    for (const QString& left : folder.entryList({place.fileName() + QLatin1String(".*")}, QDir::Files | QDir::System))
+        folder.remove(left);
+    return {};
+}
+
+} // namespace quarrynet
