@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Renders icons/pictures/NAME-WIDTH.png and icons/quarrynet.ico from icons/drawings/NAME.svg. Run it after changing a
+# Renders icons/pictures/NAME-WIDTH.png, icons/quarrynet.ico and an icon for panels from icons/drawings/NAME.svg. Run it after changing a
 # drawing. The pictures are in the repository, so that neither the build nor the program needs an SVG renderer.
 set -euo pipefail
 cd "$(dirname "$0")/../icons"
@@ -23,6 +23,11 @@ done
 draw quarrynet 16 24 32 48 64 96 128 256
 draw waiting 64 96 128
 draw terraces 320 480 640
+
+# Some panels of desktops ask for this size, which the program itself never shows.
+panel=../packaging/linux/desktop/quarrynet-22.png
+rsvg-convert --width 22 --height 22 drawings/quarrynet.svg --output "$panel"
+optipng -quiet -o5 -strip all "$panel"
 
 {
     echo '<RCC>'

@@ -6,7 +6,8 @@ build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webeng
     fonts-dejavu-core fonts-liberation"
 run_packages="ca-certificates xdg-utils xvfb xauth qt6-translations-l10n"
 test_packages="libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib python3-openssl
-    vsftpd nginx-light searx"
+    vsftpd nginx-light searx
+    appstream desktop-file-utils fish groff-base mandoc zsh"
 bench_packages="libbenchmark-dev curl w3m"
 
 as_root() {
