@@ -1,6 +1,7 @@
 #include <chrono>
 #include <cstdio>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -11,6 +12,13 @@
 #include "sources/indexing.h"
 
 namespace quarrynet::services {
+
+namespace {
+
+constexpr std::chrono::seconds kLockPause{1};
+constexpr std::chrono::seconds kMostWait = std::chrono::hours(1);
+
+} // namespace
 
 int runIndex(const Options& options)
 {
@@ -27,6 +35,15 @@ int runIndex(const Options& options)
     sources.contentsFiles = options.contentsFiles;
     sources.catalogFiles = options.catalogFiles;
     sources.force = options.force;
+    if (options.wait) {
+        sources.again = [waited = std::chrono::seconds(0)]() mutable {
+            if (waited == std::chrono::seconds(0))
+                std::fputs("quarrynet-services: waiting: another quarrynet-services is writing the index\n", stderr);
+            std::this_thread::sleep_for(kLockPause);
+            waited += kLockPause;
+            return waited <= kMostWait;
+        };
+    }
     if (!sources.mirror.empty() && sources.mirror.back() != '/')
         sources.mirror.push_back('/');
     const std::string manual = manualFolder(ownProgram());

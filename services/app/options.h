@@ -28,6 +28,7 @@ struct Options
     // index
     bool ifNeeded = false;
     bool force = false;
+    bool wait = false; ///< for another process that writes the index
     std::vector<std::string> packageFiles;
     std::string mirror;
     std::vector<std::string> contentsFiles;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <optional>
@@ -209,7 +210,8 @@ int runServe(const Options& options)
         say("the " + service.name + " search does not answer until this is corrected: " + fault);
         service.handler = misconfigured(fault);
     }
-    RefusalReport refusals(options.port, !handed.sockets.empty());
+    const bool hasManager = !handed.sockets.empty();
+    RefusalReport refusals(options.port, hasManager);
     startServices(server, router, options.port, services, handed.sockets,
                   [&](const Service& service, const HttpServer::Refusal& refusal) { refusals.add(service, refusal); });
     std::string proxyAddress = options.proxyAddress;
@@ -220,7 +222,11 @@ int runServe(const Options& options)
             say("the services of the system or of another person may be running; choose another port with "
                 "--proxy-port, or " +
                 remedyForPortInUse(options.proxyPort));
-        return 1;
+        // Without the proxy, services without an address of their own cannot be reached.
+        const bool reached = std::any_of(services.begin(), services.end(),
+                                         [](const Service& service) { return !service.address.empty(); });
+        if (!hasManager || !reached)
+            return 1;
     }
     for (const HandedSocket& unused : handed.sockets)
         say("the handed socket " + unused.address + ":" + std::to_string(unused.port) +
@@ -239,7 +245,10 @@ int runServe(const Options& options)
     std::printf("quarrynet-services: ready");
     for (const Service& service : services)
         std::printf(" %s=%s", service.name.c_str(), service.address.empty() ? "-" : service.address.c_str());
-    std::printf(" proxy=http://%s:%u/\n", proxyAddress.c_str(), static_cast<unsigned>(std::get<std::uint16_t>(proxy)));
+    if (const auto* port = std::get_if<std::uint16_t>(&proxy))
+        std::printf(" proxy=http://%s:%u/\n", proxyAddress.c_str(), static_cast<unsigned>(*port));
+    else
+        std::printf(" proxy=-\n");
     std::fflush(stdout);
     if (!tellManager("READY=1\nSTATUS=Answering searches"))
         say("the service manager cannot be reached through NOTIFY_SOCKET");

@@ -252,9 +252,9 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
     return Done{};
 }
 
-Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder)
+Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder, const std::function<bool()>& again)
 {
-    return start(dataFolder, IndexLock::take(dataFolder), false);
+    return start(dataFolder, IndexLock::take(dataFolder, again), false);
 }
 
 Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder, const std::function<bool()>& again)

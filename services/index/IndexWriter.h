@@ -39,8 +39,9 @@ private:
 class IndexWriter
 {
 public:
-    /// Starts a new, empty index. commit() copies the crawled sites from the old one.
-    static Outcome<IndexWriter> begin(const std::string& dataFolder);
+    /// Starts a new, empty index. commit() copies the crawled sites from the old one. `again` is as for
+    /// IndexLock::take().
+    static Outcome<IndexWriter> begin(const std::string& dataFolder, const std::function<bool()>& again = {});
 
     /// Starts from a copy of the index in use, or a new one when there is none of this layout. `again` is as for
     /// IndexLock::take().

@@ -31,6 +31,8 @@ struct IndexSources
     std::vector<std::string> catalogFiles = {};
     /// Replaces the index in use even if the new one has much less.
     bool force = false;
+    /// As for IndexLock::take().
+    std::function<bool()> again = {};
 };
 
 struct IndexCounts

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <optional>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -169,6 +170,45 @@ TEST_F(Program, IndexIfNeededLeavesAUsableIndexAlone)
     EXPECT_GT(std::filesystem::file_size(data() + "/index.sqlite"), 1000U);
 }
 
+// The unit of the timer and the one that makes the first index may start together.
+TEST_F(Program, IndexWaitsForAnotherOnlyIfAskedTo)
+{
+    index();
+    const Descriptor lock(::open((data() + "/index.lock").c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(::flock(lock.number(), LOCK_EX), 0);
+    const std::vector<std::string> again{"index",    "--data", data(),       "--packages", folder_.path() + "/list",
+                                         "--folder", "/none",  "--pictures", "/none"};
+    Running refused = start(again);
+    EXPECT_EQ(refused.wait(), 1);
+    EXPECT_NE(refused.errors().find("another quarrynet-services is writing the index"), std::string::npos);
+    const std::string pipe = folder_.path() + "/pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const Descriptor errors(::open(pipe.c_str(), O_RDWR | O_CLOEXEC));
+    std::vector<std::string> waiting = again;
+    waiting.emplace_back("--wait");
+    Running patient(waiting, pipe);
+    char first[40] = {};
+    ASSERT_EQ(::read(errors.number(), first, sizeof first - 1), ssize_t{sizeof first - 1});
+    EXPECT_EQ(std::string(first).substr(0, 28), "quarrynet-services: waiting:");
+    ASSERT_EQ(::flock(lock.number(), LOCK_UN), 0);
+    EXPECT_EQ(patient.wait(), 0);
+}
+
+// Once a service whose address was taken by another program was told to get a permission, or nothing.
+TEST_F(Program, AnAddressInUseIsNamedAndTheOthersAnswer)
+{
+    index();
+    const TestServer taken([](int) {});
+    const std::string port = taken.site().substr(taken.site().rfind(':') + 1);
+    Running server =
+        start({"serve", "--data", data(), "--port", port, "--proxy-port", "0", "--download-address", "127.0.0.1"});
+    const std::string ready = server.readLine();
+    EXPECT_NE(ready.find(" download=- "), std::string::npos) << ready;
+    EXPECT_NE(server.errors().find("127.0.0.1:" + port), std::string::npos) << server.errors();
+    EXPECT_NE(server.errors().find("sudo ss -ltnp 'sport = :" + port + "'"), std::string::npos) << server.errors();
+    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "200");
+}
+
 TEST_F(Program, ServiceThatCannotListenAnswersThroughTheProxy)
 {
     index();
@@ -188,6 +228,9 @@ TEST_F(Program, ProxyPortInUseIsAnError)
                    folder_.path() + "/errors2");
     EXPECT_EQ(second.wait(), 1);
     EXPECT_NE(second.errors().find("proxy"), std::string::npos);
+    EXPECT_NE(second.errors().find("choose another port with --proxy-port"), std::string::npos) << second.errors();
+    EXPECT_NE(second.errors().find(std::string(":").append(std::to_string(port))), std::string::npos)
+        << second.errors();
 }
 
 TEST_F(Program, WrongUsageAndUnusableFoldersAreErrors)
