@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Renders icons/pictures/NAME-WIDTH.png, icons/quarrynet.ico and an icon for panels from icons/drawings/NAME.svg. Run it after changing a
-# drawing. The pictures are in the repository, so that neither the build nor the program needs an SVG renderer.
+# Renders icons/pictures/NAME-WIDTH.png, icons/quarrynet.ico and an icon for panels from icons/drawings/NAME.svg. Run it
+# after changing a drawing. The pictures are in the repository, so that neither the build nor the program needs an SVG
+# renderer.
 set -euo pipefail
 cd "$(dirname "$0")/../icons"
 . ../tools/packages.sh
