@@ -56,8 +56,8 @@
         <translation>Der Schieberegler unter den Ergebnissen</translation>
     </message>
     <message>
-        <source>requests another page. It becomes available when there is more than one page, and covers ten pages at a time; at its right end it moves on by nine. Drag it, click beside the thumb, or use the arrow keys. It does not move back to earlier pages by itself: to see the first ones again, repeat the search. The slider starts at page 1 again only if the service reports no page beyond its left end.</source>
-        <translation>fordert eine andere Seite an. Er wird verfügbar, wenn es mehr als eine Seite gibt, und umfasst jeweils zehn Seiten; am rechten Ende rückt er um neun weiter. Ziehen Sie ihn, klicken Sie neben den Griff oder benutzen Sie die Pfeiltasten. Zu früheren Seiten kehrt er nicht von selbst zurück: Um die ersten wieder zu sehen, wiederholen Sie die Suche. Nur wenn der Dienst keine Seite jenseits seines linken Endes meldet, beginnt der Schieberegler wieder bei Seite 1.</translation>
+        <source>requests another page. It becomes available when there is more than one page, and covers ten pages at a time; at its right end it moves on by nine. It says which page you see, such as "page 12 of 130"; a file search does not know how many there are. Drag it, click beside the thumb, or use the arrow keys. It does not move back to earlier pages by itself: to see the first ones again, repeat the search. The slider starts at page 1 again only if the service reports no page beyond its left end.</source>
+        <translation>fordert eine andere Seite an. Er wird verfügbar, wenn es mehr als eine Seite gibt, und umfasst jeweils zehn Seiten; an seinem rechten Ende rückt er um neun weiter. Er sagt, welche Seite Sie sehen, etwa „Seite 12 von 130“; eine Dateisuche weiß nicht, wie viele es gibt. Ziehen Sie ihn, klicken Sie neben den Griff, oder nehmen Sie die Pfeiltasten. Zu früheren Seiten rückt er nicht von selbst zurück: um die ersten wieder zu sehen, wiederholen Sie die Suche. Er beginnt nur dann wieder bei Seite 1, wenn der Dienst keine Seite jenseits seines linken Endes meldet.</translation>
     </message>
     <message>
         <source>The status bar</source>
@@ -66,6 +66,14 @@
     <message>
         <source>shows the connection on the left ("Connecting", "Connected", "Closed") and the step of the search on the right ("Requesting Data", "Downloading Data").</source>
         <translation>zeigt links die Verbindung ("Connecting" beim Aufbau, "Connected", "Closed" am Ende) und rechts den Schritt der Suche ("Requesting Data" beim Anfragen, "Downloading Data" beim Empfangen).</translation>
+    </message>
+    <message>
+        <source>The line below the tabs</source>
+        <translation>Die Linie unter den Registerkarten</translation>
+    </message>
+    <message>
+        <source>moves while the search of the current tab is running; it stands still where your desktop is set to avoid motion. If another program is in front when a search ends, the desktop marks the window.</source>
+        <translation>bewegt sich, solange die Suche der aktuellen Registerkarte läuft; sie steht still, wenn Ihr Desktop Bewegung vermeiden soll. Ist ein anderes Programm vorn, wenn eine Suche endet, so kennzeichnet der Desktop das Fenster.</translation>
     </message>
     <message>
         <source>Run one search at a time for a reliable result. All tabs share one receive buffer, so the responses of two simultaneous searches can mix.</source>
@@ -122,6 +130,46 @@
     <message>
         <source>Spaces before and after your words are ignored, and a space between two words is sent as "+". Everything else is sent as typed. Each service decides what the words mean; see &lt;a href="services.html"&gt;the local services&lt;/a&gt; for theirs.</source>
         <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als "+" gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
+    </message>
+    <message>
+        <source>From a terminal or a menu</source>
+        <translation>Aus einem Terminal oder einem Menü</translation>
+    </message>
+    <message>
+        <source>&lt;code&gt;quarrynet --tab image&lt;/code&gt; shows a tab when the program starts: 1 to 5, or web, page, image, download or file. Words behind the options are searched for at once: &lt;code&gt;quarrynet --tab web text editor&lt;/code&gt;. Without &lt;code&gt;--tab&lt;/code&gt;, words go to the web search, and an address that begins with "http://" or "https://" goes to the page check. Further words are the page's keywords; if there are none, type them. Words that begin with a dash go behind &lt;code&gt;--&lt;/code&gt;. &lt;code&gt;quarrynet --help&lt;/code&gt; lists all options.</source>
+        <translation>&lt;code&gt;quarrynet --tab image&lt;/code&gt; zeigt beim Start eine Registerkarte: 1 bis 5, oder web, page, image, download oder file. Wörter nach den Optionen werden sofort gesucht: &lt;code&gt;quarrynet --tab web text editor&lt;/code&gt;. Ohne &lt;code&gt;--tab&lt;/code&gt; gehen Wörter an die Websuche, und eine Adresse, die mit „http://“ oder „https://“ beginnt, geht an die Seitenprüfung. Weitere Wörter sind die Stichwörter für die Seite; fehlen sie, so tippen Sie sie ein. Wörter, die mit einem Strich beginnen, stehen hinter &lt;code&gt;--&lt;/code&gt;. &lt;code&gt;quarrynet --help&lt;/code&gt; nennt alle Optionen.</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The program can remember what you searched for and offer it when you type. It does so only if you switch it on with View &amp;gt; Keep History, because searches are private.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>While you type, a list below the field shows the earlier entries that contain the typed text, newest first. The Down key opens it as well; in an empty field it shows all entries. Keywords, page addresses and file names have a list each.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing is taken from the list until you choose it. Choose an entry with the Down and Up keys and press Enter to search for it, or click it to take it into the field. Enter without a chosen entry searches for what you typed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Escape closes the list; press it again to stop a search. Delete removes the chosen entry from the history.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>View &amp;gt; Clear History deletes all entries. While Keep History is off, nothing is written and nothing is offered; entries from before stay until you clear them.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The history is in the file &lt;code&gt;Quarrynet.history&lt;/code&gt; beside &lt;a href="proxy.html"&gt;the settings&lt;/a&gt;. Only you can read it. The switch is the section &lt;code&gt;[History]&lt;/code&gt; of the settings.</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>Size</source>
@@ -322,6 +370,50 @@
     <message>
         <source>starts the search; in the address of a page, goes to the keywords</source>
         <translation>startet die Suche; in der Adresse einer Seite führt sie zu den Suchbegriffen</translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>opens the list of earlier entries, if &lt;a href="index.html#history"&gt;the history&lt;/a&gt; is on</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In the list of earlier entries</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Down, Up</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>choose an entry</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>takes the chosen entry and does what Enter does in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>removes the chosen entry from the history</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>closes the list and keeps the typed text</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Tab</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>closes the list and goes to the next control</source>
+        <translation type="unfinished"></translation>
     </message>
     <message>
         <source>In a list of results</source>

@@ -9,6 +9,13 @@
     </message>
 </context>
 <context>
+    <name>HistoryFile</name>
+    <message>
+        <source>The file belongs to another user.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>Proxy</name>
     <message>
         <source>Proxy options</source>
@@ -147,6 +154,13 @@
     </message>
 </context>
 <context>
+    <name>quarrynet::BusySign</name>
+    <message>
+        <source>A search is running</source>
+        <translation>Eine Suche läuft</translation>
+    </message>
+</context>
+<context>
     <name>quarrynet::DownloadSearch</name>
     <message>
         <source>Keywords of the download search</source>
@@ -163,6 +177,24 @@
     <message>
         <source>Result page</source>
         <translation>Ergebnisseite</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::EntryPopup</name>
+    <message>
+        <source>Earlier entries</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::FieldHistory</name>
+    <message>
+        <source>&amp;Keep History</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&amp;Clear History</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -258,6 +290,17 @@
     <message>
         <source>Keywords found or not found</source>
         <translation>Gefundene und nicht gefundene Begriffe</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::PagingSlider</name>
+    <message>
+        <source>page %1 of %2</source>
+        <translation>Seite %1 von %2</translation>
+    </message>
+    <message>
+        <source>page %1</source>
+        <translation>Seite %1</translation>
     </message>
 </context>
 <context>
