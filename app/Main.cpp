@@ -1,6 +1,7 @@
 #include "app/Main.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
@@ -8,10 +9,12 @@
 
 #include "app/BusySign.h"
 #include "app/FieldHistory.h"
+#include "app/RememberedPlaces.h"
 #include "common/local_pages.h"
 #include "common/request_text.h"
 #include "icons/icons.h"
 #include "platform/HiddenText.h"
+#include "platform/ListView.h"
 #include "platform/Registry.h"
 #include "platform/local_files.h"
 #include "platform/message_boxes.h"
@@ -59,7 +62,7 @@ Main::Main(const Surroundings& surroundings)
     QApplication::setWindowIcon(icon(QStringLiteral("quarrynet")));
     resize(kDesignWidth, kDesignHeight);
     makeControls();
-    makeHistory();
+    makeMemories();
     makeMenus();
     makeToolbar();
     makeShortcuts();
@@ -148,7 +151,8 @@ void Main::makeBusySign()
     });
 }
 
-void Main::makeHistory()
+// Makes what the program remembers from one start to the next.
+void Main::makeMemories()
 {
     history_ = new FieldHistory(settingsPath(), pathInFolder(programFolder(), "Quarrynet.history"), *this);
     history_->watch(*STI, {HistoryKind::Keywords});
@@ -156,6 +160,12 @@ void Main::makeHistory()
     history_->watch(*IMG, {HistoryKind::Keywords});
     history_->watch(*SFD, {HistoryKind::Keywords});
     history_->watch(*SFS, {HistoryKind::FileNames});
+
+    const std::map<std::string, ListView*> lists = {
+        {"DownloadColumns", SFD->findChild<ListView*>(QStringLiteral("ListView3"))},
+        {"FileColumns", SFS->findChild<ListView*>(QStringLiteral("ListView4"))},
+    };
+    places_ = new RememberedPlaces(pathInFolder(programFolder(), "Quarrynet.state"), *this, lists);
 }
 
 bool Main::load()
@@ -190,6 +200,7 @@ bool Main::load()
     STI->halveColumns();
     SPS->halveColumns();
     SPS->fillMatchModes();
+    places_->apply();
     STI->firstField().setFocus();
     return true;
 }
@@ -240,6 +251,12 @@ void Main::showConnection(std::string_view caption)
 void Main::showActivity(std::string_view text)
 {
     ActivityPanel->setText(toText(text));
+}
+
+void Main::closeEvent(QCloseEvent* event)
+{
+    places_->remember();
+    QMainWindow::closeEvent(event);
 }
 
 void Main::resizeEvent(QResizeEvent* event)

@@ -26,6 +26,7 @@ class ImageList;
 class ImageSearch;
 class PageCheck;
 class Registry;
+class RememberedPlaces;
 class SearchTab;
 struct StartRequest;
 class StatusBar;
@@ -89,6 +90,7 @@ signals:
     void cannotGoOn();
 
 protected:
+    void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -108,7 +110,7 @@ private:
     void makeShortcuts();
     void makeBusySign();
     void joinTabs();
-    void makeHistory();
+    void makeMemories();
 
     std::string settingsPath() const;
 
@@ -159,6 +161,7 @@ private:
     ImageList* ImageList1 = nullptr;
     StatusBar* StatusBar1 = nullptr;
     FieldHistory* history_ = nullptr;
+    RememberedPlaces* places_ = nullptr;
     QLabel* ConnectionPanel = nullptr;
     QLabel* ActivityPanel = nullptr;
     WebSearch* STI = nullptr;

@@ -13,6 +13,7 @@
 #include "app/CommandLine.h"
 #include "app/FieldHistory.h"
 #include "app/Main.h"
+#include "app/RememberedPlaces.h"
 #include "app/Shortcuts.h"
 #include "dialogs/Proxy.h"
 #include "dialogs/frmAbout.h"
@@ -49,6 +50,7 @@ void Main::makeMenus()
     add(view, "proxymnu", QStringLiteral("&Proxy"), &Main::proxymnu_Click);
     view->addSeparator();
     history_->addTo(*view);
+    places_->addTo(*view);
     QMenu* help = addMenu("helpmnu", QStringLiteral("&Help"));
     add(help, "contentmnu", QStringLiteral("&Contents"), &Main::contentmnu_Click);
     add(help, "emailauth", QStringLiteral("&Email Author"), &Main::emailauth_Click);

@@ -96,6 +96,21 @@ void ListView::setColumnWidths(const std::vector<int>& widths)
     shares_.clear();
     for (const int width : widths)
         shares_.push_back(static_cast<double>(width) / std::max(1, this->width()));
+    designShares_ = shares_;
+    shareWidth();
+}
+
+void ListView::setColumnShares(const std::vector<double>& shares)
+{
+    constexpr double kNarrowest = 0.002;
+    constexpr double kWidest = 10;
+    // Written so that a NaN is not usable.
+    const bool usable =
+        shares.size() == designShares_.size() &&
+        std::all_of(shares.begin(), shares.end(), [](double share) { return share >= kNarrowest && share <= kWidest; });
+    if (!usable)
+        return;
+    shares_ = shares;
     shareWidth();
 }
 

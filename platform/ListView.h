@@ -51,6 +51,19 @@ public:
     /// Sets each column's width in pixels, for the list's current width.
     void setColumnWidths(const std::vector<int>& widths);
 
+    /// Returns each column's width as a fraction of the list's.
+    const std::vector<double>& columnShares() const { return shares_; }
+
+    /// Sets them. Does nothing unless there is a usable number for each column: no column narrower than a
+    /// five-hundredth of the list or ten times as wide.
+    void setColumnShares(const std::vector<double>& shares);
+
+    /// Returns whether the columns differ from what setColumnWidths() has set.
+    bool areColumnsMoved() const { return shares_ != designShares_; }
+
+    /// Gives the columns their share of the width as setColumnWidths() has set it.
+    void resetColumns() { setColumnShares(designShares_); }
+
     /// Returns whether the captions fit in columns of the widths that were set. A list without widths has room.
     bool captionsFit() const;
 
@@ -84,6 +97,7 @@ private:
 
     ListViewModel* model_ = nullptr;
     std::vector<double> shares_; // each column's fraction of the list's width
+    std::vector<double> designShares_;
     bool sharing_ = false;
     QItemSelection beforePress_;       // the selection when a button was pressed on a selected row
     QPersistentModelIndex pressed_;    // a cell of that row

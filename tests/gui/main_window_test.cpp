@@ -208,7 +208,8 @@ private slots:
         };
         QCOMPARE(entries(window.main().menuBar()->actions()), u"&File|&View|&Help|Stop"_s);
         QCOMPARE(entries(window.control<QMenu>("filmnu")->actions()), u"E&xit"_s);
-        QCOMPARE(entries(window.control<QMenu>("viewmnu")->actions()), u"&Proxy"_s);
+        QCOMPARE(entries(window.control<QMenu>("viewmnu")->actions()),
+                 u"&Proxy|-|&Keep History|&Clear History|&Forget Place and Columns"_s);
         QCOMPARE(entries(window.control<QMenu>("helpmnu")->actions()), u"&Contents|&Email Author|&Webpage|-|&About"_s);
     }
 
