@@ -1,5 +1,6 @@
 #include "platform/HtmlView.h"
 
+#include <array>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,7 @@
 
 #include "common/address_check.h"
 #include "platform/PlainPageView.h"
+#include "platform/contrast.h"
 #include "platform/view_keys.h"
 
 namespace quarrynet {
@@ -24,6 +26,11 @@ namespace {
 // The build sets both: the plug-in's file name, and its installed folder relative to the program's folder.
 constexpr const char* kEngineFile = QUARRYNET_ENGINE_FILE;
 constexpr const char* kInstalledFolder = QUARRYNET_ENGINE_FOLDER;
+
+// In per cent.
+constexpr std::array kZooms = {50, 67, 80, 100, 125, 150, 200, 300};
+constexpr std::size_t kNoZoom = 3;
+static_assert(kZooms[kNoZoom] == 100);
 
 QStringList defaultFolders()
 {
@@ -70,7 +77,11 @@ void leaveTabKey(QWidget& part)
 } // namespace
 
 HtmlView::HtmlView(QWidget* parent)
-    : QWidget(parent), engineFolders_(defaultFolders()), layout_(new QVBoxLayout(this)), messageLabel_(new QLabel(this))
+    : QWidget(parent)
+    , engineFolders_(defaultFolders())
+    , layout_(new QVBoxLayout(this))
+    , messageLabel_(new QLabel(this))
+    , zoom_(kNoZoom)
 {
     layout_->setContentsMargins(0, 0, 0, 0);
     layout_->setSpacing(0);
@@ -123,7 +134,54 @@ void HtmlView::showEvent(QShowEvent* event)
 PageViewHost HtmlView::host()
 {
     return {pictures_, [this](const QByteArray& address) { activate(address); },
-            [this](const QString& reason) { engineFailed(reason); }};
+            [this](const QString& reason) { engineFailed(reason); }, [this](Zoom change) { changeZoom(change); }};
+}
+
+PageLook HtmlView::look() const
+{
+    const QPalette& colors = palette();
+    PageLook look;
+    look.background = colors.color(QPalette::Base);
+    look.text = readableOn(look.background, colors.color(QPalette::Text));
+    // Some dark desktops keep the toolkit's dark blue.
+    look.link = readableOn(look.background, colors.color(QPalette::Link));
+    look.focus = readableOn(look.background, colors.color(QPalette::Highlight), kShapeContrast);
+    look.line = readableOn(look.background, colors.color(QPalette::Mid), kShapeContrast);
+    const bool dark = look.background.lightness() < look.text.lightness();
+    look.plate = dark ? mixed(look.background, Qt::white, 0.75) : look.background;
+    look.font = font();
+    look.zoom = kZooms[zoom_] / 100.0;
+    look.rightToLeft = isRightToLeft();
+    look.noPicture = tr("No picture");
+    return look;
+}
+
+int HtmlView::zoom() const
+{
+    return kZooms[zoom_];
+}
+
+void HtmlView::changeZoom(Zoom change)
+{
+    const std::size_t before = zoom_;
+    if (change == Zoom::Reset)
+        zoom_ = kNoZoom;
+    else if (change == Zoom::In && zoom_ + 1 < kZooms.size())
+        ++zoom_;
+    else if (change == Zoom::Out && zoom_ > 0)
+        --zoom_;
+    if (zoom_ != before && view_)
+        view_->setLook(look());
+}
+
+void HtmlView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    const QEvent::Type type = event->type();
+    const bool changed = type == QEvent::PaletteChange || type == QEvent::FontChange ||
+                         type == QEvent::LayoutDirectionChange || type == QEvent::StyleChange;
+    if (changed && view_)
+        view_->setLook(look());
 }
 
 void HtmlView::start()
@@ -176,6 +234,7 @@ void HtmlView::takeView(std::unique_ptr<PageView> view)
     view_->widget().installEventFilter(this);
     if (hasFocus())
         view_->widget().setFocus();
+    view_->setLook(look());
     view_->widget().show();
     if (!url_.isEmpty())
         view_->showPage(url_.toLocalFile(), gallery_);

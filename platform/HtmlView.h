@@ -31,6 +31,8 @@ class HtmlView final : public QWidget
     Q_PROPERTY(bool browser READ hasBrowser)
     /// The message about the engine that is shown above the page; usually empty.
     Q_PROPERTY(QString message READ message)
+    /// The zoom of the pages in per cent.
+    Q_PROPERTY(int zoom READ zoom)
 
 public:
     explicit HtmlView(QWidget* parent = nullptr);
@@ -50,6 +52,7 @@ public:
 
     bool hasBrowser() const { return hasBrowser_; }
     QString message() const;
+    int zoom() const;
 
 signals:
     /// The user chose a link. `address` is an http, https or ftp address as openableAddress returns it.
@@ -59,6 +62,7 @@ signals:
 protected:
     bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -71,6 +75,8 @@ private:
     void engineFailed(const QString& reason);
     void activate(const QByteArray& address);
     void say(const QString& message);
+    void changeZoom(Zoom change);
+    PageLook look() const;
     PageViewHost host();
 
     QUrl url_;
@@ -80,6 +86,7 @@ private:
     QVBoxLayout* layout_;
     QLabel* messageLabel_;
     std::unique_ptr<PageView> view_;
+    std::size_t zoom_; // a place in the table of zooms
     bool started_ = false;
     bool hasBrowser_ = false;
 };

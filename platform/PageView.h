@@ -11,12 +11,16 @@
 #include <QString>
 #include <QtPlugin>
 
+#include "platform/PageLook.h"
+
 class QUrl;
 class QWidget;
 
 /// The interface of the views behind HtmlView. Each shows one local page at a time. The browser engine is a plug-in and
 /// shares only these interfaces with the program.
 namespace quarrynet {
+
+enum class Zoom;
 
 /// A raster picture as its server sent it. Empty `bytes` mean that there is none.
 struct Picture
@@ -58,6 +62,9 @@ struct PageViewHost
     /// The view cannot continue; `reason` is a sentence to show. The view may be destroyed soon after this call, not
     /// during it.
     std::function<void(const QString& reason)> failed;
+
+    /// The user wants the pages larger or smaller. The view's look may change during this call.
+    std::function<void(Zoom zoom)> zoomed;
 };
 
 class PageView
@@ -72,6 +79,9 @@ public:
     /// pages in its folder, and no other file. `pictures` is the gallery on the page; a view that does not read pages
     /// shows only that.
     virtual void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) = 0;
+
+    /// Shows this and the next pages in `look`. The page is not loaded again.
+    virtual void setLook(const PageLook& look) = 0;
 };
 
 /// The object that the plug-in exports.
@@ -87,4 +97,4 @@ public:
 
 } // namespace quarrynet
 
-Q_DECLARE_INTERFACE(quarrynet::PageEngine, "quarrynet.PageEngine/2")
+Q_DECLARE_INTERFACE(quarrynet::PageEngine, "quarrynet.PageEngine/3")

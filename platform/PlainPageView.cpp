@@ -4,14 +4,17 @@
 #include <utility>
 
 #include <QBuffer>
+#include <QHelpEvent>
 #include <QImageReader>
-#include <QTextBlockFormat>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextImageFormat>
+#include <QToolTip>
 
+#include "platform/GalleryLayout.h"
 #include "platform/text_border.h"
-#include "platform/view_keys.h"
 
 namespace quarrynet {
 
@@ -20,7 +23,8 @@ namespace {
 // Larger pictures are scaled down: they are thumbnails, and all of them together have to fit into memory.
 constexpr int kMaxPictureSide = 512;
 
-constexpr int kMargin = 12; // below each picture, in pixels
+constexpr qsizetype kTipLength = 800; // so many characters of an address are shown in its tool tip
+constexpr qsizetype kTipLine = 80;
 
 // Returns the name of a picture in the document. A link's address is the picture's number.
 QUrl pictureName(std::size_t number)
@@ -42,6 +46,15 @@ std::string readAmpersands(std::string_view written)
         from = at + kWritten.size();
     }
     return text;
+}
+
+// Returns a tool tip that shows `address` and nothing else: without its tags, an address could be read as HTML.
+QString tipOf(const QString& address)
+{
+    QStringList lines;
+    for (qsizetype from = 0; from < std::min(address.size(), kTipLength); from += kTipLine)
+        lines.append(address.mid(from, kTipLine).toHtmlEscaped());
+    return QStringLiteral("<p style='white-space:pre'>") + lines.join(QStringLiteral("<br>")) + QStringLiteral("</p>");
 }
 
 QImage decoded(const Picture& picture)
@@ -72,6 +85,7 @@ PlainPageView::PlainPageView(PageViewHost host, QWidget* parent) : QTextBrowser(
     setAcceptDrops(false);
     setUndoRedoEnabled(false);
     connect(this, &QTextBrowser::anchorClicked, this, &PlainPageView::activate);
+    connect(this, &QTextBrowser::selectionChanged, this, &PlainPageView::follow);
 }
 
 void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryPicture>& pictures)
@@ -81,11 +95,7 @@ void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryP
     // A new document also discards the pictures of the last gallery.
     auto* document = new QTextDocument(this);
     document->setUndoRedoEnabled(false);
-    document->setDefaultFont(font());
-
-    QTextBlockFormat paragraph;
-    paragraph.setAlignment(Qt::AlignHCenter);
-    paragraph.setBottomMargin(kMargin);
+    document->setDefaultFont(zoomedFont());
     QTextCursor cursor(document);
     const std::size_t shown = std::min(pictures.size(), static_cast<std::size_t>(kMaxPagePictures));
     for (std::size_t i = 0; i < shown; ++i) {
@@ -94,18 +104,17 @@ void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryP
         QTextCharFormat link;
         link.setAnchor(true);
         link.setAnchorHref(QString::number(i));
-        link.setForeground(palette().link());
-        link.setFontUnderline(true);
+        link.setToolTip(tipOf(toLine(address)));
         QTextImageFormat image;
         image.merge(link);
         image.setName(pictureName(i).toString());
-        if (i == 0)
-            cursor.setBlockFormat(paragraph);
-        else
-            cursor.insertBlock(paragraph);
+        if (i > 0)
+            cursor.insertBlock();
         cursor.insertImage(image);
         cursor.insertText(QChar(QChar::LineSeparator) + toLine(address), link);
     }
+    layout_ = new GalleryLayout(document, look_);
+    document->setDocumentLayout(layout_);
     setDocument(document);
     delete std::exchange(shown_, document);
 
@@ -128,10 +137,56 @@ QVariant PlainPageView::loadResource(int type, const QUrl& /*name*/)
 void PlainPageView::showPicture(std::size_t number, const Picture& picture)
 {
     const QImage image = picture.bytes.isEmpty() ? QImage() : decoded(picture);
-    if (image.isNull())
+    if (image.isNull()) {
+        layout_->setMissing(static_cast<int>(number));
         return;
+    }
     document()->addResource(QTextDocument::ImageResource, pictureName(number), QPixmap::fromImage(image));
     document()->markContentsDirty(0, document()->characterCount());
+}
+
+QFont PlainPageView::zoomedFont() const
+{
+    QFont zoomed = look_.font;
+    zoomed.setPointSizeF(QFontInfo(look_.font).pointSizeF() * look_.zoom);
+    return zoomed;
+}
+
+void PlainPageView::setLook(const PageLook& look)
+{
+    if (look == look_)
+        return;
+    look_ = look;
+    viewport()->update();
+    if (!layout_)
+        return;
+    document()->setDefaultFont(zoomedFont());
+    layout_->setLook(look_);
+}
+
+// Makes the picture current that Tab or an arrow key selected as a whole.
+void PlainPageView::follow()
+{
+    if (!layout_)
+        return;
+    const QTextCursor cursor = textCursor();
+    const QTextBlock block = document()->findBlock(cursor.selectionStart());
+    const bool whole = cursor.hasSelection() && cursor.selectionStart() == block.position() &&
+                       cursor.selectionEnd() == block.position() + block.length() - 1;
+    layout_->setCurrent(whole ? block.blockNumber() : -1);
+}
+
+void PlainPageView::moveTo(int number)
+{
+    const QTextBlock block = document()->findBlockByNumber(number);
+    QTextCursor cursor(block);
+    cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    const QRectF place = layout_->blockBoundingRect(block);
+    QScrollBar* bar = verticalScrollBar();
+    const int top = static_cast<int>(place.top()) - PageLook::kGap;
+    const int bottom = static_cast<int>(place.bottom()) + PageLook::kGap;
+    bar->setValue(std::min(std::max(bar->value(), bottom - viewport()->height()), top));
 }
 
 void PlainPageView::activate(const QUrl& link)
@@ -144,17 +199,53 @@ void PlainPageView::activate(const QUrl& link)
 
 bool PlainPageView::event(QEvent* event)
 {
-    if (event->type() == QEvent::ShortcutOverride && leadsAway(*static_cast<QKeyEvent*>(event))) {
-        event->accept();
-        return true;
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (leadsAway(key) || zoomOf(key)) {
+            event->accept();
+            return true;
+        }
     }
     return QTextBrowser::event(event);
 }
 
+bool PlainPageView::viewportEvent(QEvent* event)
+{
+    // The toolkit would show the tip of the nearest link.
+    if (event->type() == QEvent::ToolTip && anchorAt(static_cast<QHelpEvent*>(event)->pos()).isEmpty()) {
+        QToolTip::hideText();
+        return true;
+    }
+    return QTextBrowser::viewportEvent(event);
+}
+
 void PlainPageView::keyPressEvent(QKeyEvent* event)
 {
-    if (!leadsAway(*event) && event->key() != Qt::Key_Backspace)
+    if (leadsAway(*event) || event->key() == Qt::Key_Backspace)
+        return;
+    if (const std::optional<Zoom> zoom = zoomOf(*event)) {
+        host_.zoomed(*zoom);
+        return;
+    }
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    const int next = plain && layout_ ? layout_->neighbor(event->key()) : -1;
+    if (next >= 0)
+        moveTo(next);
+    else
         QTextBrowser::keyPressEvent(event);
+}
+
+void PlainPageView::wheelEvent(QWheelEvent* event)
+{
+    if (!wheel_.take(*event, [this](Zoom zoom) { host_.zoomed(zoom); }))
+        QTextBrowser::wheelEvent(event);
+}
+
+bool PlainPageView::focusNextPrevChild(bool next)
+{
+    const bool stays = QTextBrowser::focusNextPrevChild(next);
+    follow(); // Tab selects a link without a signal
+    return stays;
 }
 
 } // namespace quarrynet

@@ -11,10 +11,10 @@
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
 
-#include "platform/view_keys.h"
 #include "platform/webengine/BrowserPage.h"
 #include "platform/webengine/PageWatch.h"
 #include "platform/webengine/RequestGuard.h"
+#include "platform/webengine/gallery_script.h"
 #include "platform/webengine/page_process.h"
 
 namespace quarrynet {
@@ -30,14 +30,17 @@ constexpr const char* kMarks = "var w = document.createTreeWalker(document, Node
                                "  if (t != w.currentNode.data) w.currentNode.data = t;"
                                "}";
 
+constexpr auto kOwnWorld = QWebEngineScript::ApplicationWorld;
+
 // Returns a script of the program's own that the page cannot access. It runs although the page's scripts do not.
-QWebEngineScript markScript()
+QWebEngineScript ownScript(const QString& name, QWebEngineScript::InjectionPoint point, const QString& source)
 {
     QWebEngineScript script;
-    script.setInjectionPoint(QWebEngineScript::DocumentReady);
-    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    script.setName(name);
+    script.setInjectionPoint(point);
+    script.setWorldId(kOwnWorld);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(QString::fromLatin1(kMarks));
+    script.setSourceCode(source);
     return script;
 }
 
@@ -83,7 +86,8 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
     , page_(new BrowserPage(*guard_, profile_.get(), this))
 {
     restrict();
-    profile_->scripts()->insert(markScript());
+    profile_->scripts()->insert(
+        ownScript(QStringLiteral("marks"), QWebEngineScript::DocumentReady, QString::fromLatin1(kMarks)));
     profile_->setUrlRequestInterceptor(guard_);
     profile_->installUrlSchemeHandler(PictureHandler::scheme(), pictures_);
     setPage(page_);
@@ -94,6 +98,7 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
             [this](const QByteArray& address) { host_.linkActivated(address); });
     connect(page_, &QWebEnginePage::loadFinished, this, [this](bool loaded) {
         page_->history()->clear();
+        setZoomFactor(zoom_);
         // Each link that was pressed in the previous page may have aborted the loading of this one.
         if (!loaded && retries_ > 0) {
             --retries_;
@@ -164,6 +169,19 @@ void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture
     setUrl(shown_);
 }
 
+void BrowserView::setLook(const PageLook& look)
+{
+    const QString name = QStringLiteral("gallery");
+    QWebEngineScriptCollection* scripts = profile_->scripts();
+    for (const QWebEngineScript& script : scripts->find(name))
+        scripts->remove(script);
+    scripts->insert(ownScript(name, QWebEngineScript::DocumentCreation, galleryScript(look)));
+    page_->setBackgroundColor(look.background);
+    page_->runJavaScript(restylingScript(look), kOwnWorld);
+    zoom_ = look.zoom;
+    setZoomFactor(zoom_);
+}
+
 void BrowserView::childEvent(QChildEvent* event)
 {
     // The engine creates, and sometimes replaces, the child widget that draws the page and gets the events.
@@ -181,6 +199,12 @@ bool BrowserView::eventFilter(QObject* watched, QEvent* event)
             event->accept(); // also no menu shortcut
             return true;
         }
+        if (const std::optional<Zoom> zoom = zoomOf(key)) {
+            if (type == QEvent::KeyPress)
+                host_.zoomed(*zoom);
+            event->accept();
+            return true;
+        }
         if (key.key() == Qt::Key_Escape) {
             // The engine would keep Escape, which belongs to the window. Posted, because the window's reaction may
             // destroy this view.
@@ -190,6 +214,9 @@ bool BrowserView::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
     }
+    if (type == QEvent::Wheel &&
+        wheel_.take(*static_cast<QWheelEvent*>(event), [this](Zoom zoom) { host_.zoomed(zoom); }))
+        return true;
     if (isForbiddenButton(*event))
         return true;
     if (choosesLink(*event))

@@ -5,6 +5,7 @@
 #include <QWebEngineView>
 
 #include "platform/PageView.h"
+#include "platform/view_keys.h"
 
 class QWebEngineProfile;
 
@@ -26,6 +27,7 @@ public:
 
     QWidget& widget() override { return *this; }
     void showPage(const QString& path, const std::vector<GalleryPicture>& pictures) override;
+    void setLook(const PageLook& look) override;
 
 protected:
     void childEvent(QChildEvent* event) override;
@@ -41,6 +43,8 @@ private:
     PictureHandler* pictures_;
     BrowserPage* page_;
     QUrl shown_;
+    WheelZoom wheel_;
+    double zoom_ = 1;
     int retries_ = 0; // left for the page that is shown
 };
 

@@ -1,0 +1,277 @@
+#include <string>
+#include <vector>
+
+#include <QtTest>
+
+#include "EngineFixture.h"
+#include "common/local_pages.h"
+#include "picture_places.h"
+#include "platform/contrast.h"
+#include "search/image/gallery.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+// None of them is a colour of the desktop.
+static const QList<Qt::GlobalColor> kColors = {Qt::red,     Qt::green,   Qt::darkMagenta, Qt::cyan,
+                                               Qt::magenta, Qt::darkRed, Qt::yellow,      Qt::darkCyan};
+
+/// Tests the gallery's grid in the browser view. The page is the one that the image search writes; its scripts do not
+/// run.
+class HtmlEngineGalleryTest final : public EngineFixture
+{
+    Q_OBJECT
+
+private slots:
+    void asManyColumnsAsFit_data();
+    void asManyColumnsAsFit();
+    void pageKeepsItsBytes();
+    void arrowKeysGoFromPictureToPicture();
+    void arrowKeysBelongToAField();
+    void enterOpensTheChosenPicture();
+    void pictureThatDoesNotLoadHasAFrame();
+    void hostileCaptionsStayInTheirCells();
+    void zoomKeysAndWheel();
+    void colorsFollowTheDesktop();
+    void otherPagesKeepTheirColors();
+
+private:
+    void openGallery(int count);
+    void openGallery(const std::vector<std::string>& addresses, const std::vector<std::string>& thumbnails);
+    QImage shot() { return window_->grab().toImage(); }
+    QRect place(int number) { return placeOf(shot(), kColors[number]); }
+    QRect settledPlace(int number);
+    QColor focusColor() const;
+    int framed();
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(keys(), key, modifiers); }
+    QWidget* keys() const { return engine()->focusProxy(); }
+    void useDarkColors();
+};
+
+void HtmlEngineGalleryTest::openGallery(const std::vector<std::string>& addresses,
+                                        const std::vector<std::string>& thumbnails)
+{
+    write(u"images.html"_s, QByteArray::fromStdString(quarrynet::galleryPage(addresses, thumbnails)));
+    open(QByteArray::fromStdString(quarrynet::galleryFramePage()), u"new.html"_s);
+}
+
+void HtmlEngineGalleryTest::openGallery(int count)
+{
+    std::vector<std::string> addresses;
+    std::vector<std::string> thumbnails;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray target = "/" + QByteArray::number(i);
+        server_->answerWithPicture(target, kColors[i]);
+        addresses.push_back("host/" + std::to_string(i));
+        thumbnails.push_back(address(target.constData()).toStdString());
+    }
+    openGallery(addresses, thumbnails);
+    QTRY_VERIFY_WITH_TIMEOUT(!place(count - 1).isEmpty(), 30000);
+    keys()->setFocus();
+}
+
+// Returns the picture's place when two pictures of the window in succession agree.
+QRect HtmlEngineGalleryTest::settledPlace(int number)
+{
+    QRect before;
+    QRect now;
+    [&] { QTRY_VERIFY_WITH_TIMEOUT((before = now, now = place(number), !now.isEmpty() && now == before), 30000); }();
+    return now;
+}
+
+QColor HtmlEngineGalleryTest::focusColor() const
+{
+    return quarrynet::readableOn(view_->palette().color(QPalette::Base), view_->palette().color(QPalette::Highlight),
+                                 quarrynet::kShapeContrast);
+}
+
+// Returns the picture with the focus frame, or -1.
+int HtmlEngineGalleryTest::framed()
+{
+    const QImage image = shot();
+    for (int i = 0; i < kColors.size(); ++i) {
+        if (const QRect inner = placeOf(image, kColors[i]); !inner.isEmpty() && isFramed(image, inner, focusColor()))
+            return i;
+    }
+    return -1;
+}
+
+void HtmlEngineGalleryTest::useDarkColors()
+{
+    QPalette dark = view_->palette();
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    dark.setColor(QPalette::Link, Qt::blue); // as some dark desktops leave it
+    view_->setPalette(dark);
+}
+
+void HtmlEngineGalleryTest::asManyColumnsAsFit_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("columns");
+    QTest::newRow("narrow") << 160 << 1;
+    QTest::newRow("two") << 350 << 2;
+    QTest::newRow("design") << 576 << 3;
+    QTest::newRow("wide") << 1200 << 7;
+}
+
+void HtmlEngineGalleryTest::asManyColumnsAsFit()
+{
+    QFETCH(int, width);
+    QFETCH(int, columns);
+    window_->resize(width, 1800);
+    openGallery(8);
+    settledPlace(7);
+    const QImage image = shot();
+    for (int i = 1; i < 8; ++i) {
+        const QRect before = placeOf(image, kColors[i - 1]);
+        const QRect here = placeOf(image, kColors[i]);
+        if (i % columns == 0)
+            QVERIFY2(here.top() > before.bottom(), qPrintable(QString::number(i)));
+        else
+            QVERIFY2(here.left() > before.right() && here.top() == before.top(), qPrintable(QString::number(i)));
+    }
+}
+
+void HtmlEngineGalleryTest::pageKeepsItsBytes()
+{
+    openGallery(2);
+    QFile page(path(u"images.html"_s));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    QCOMPARE(page.readAll(), QByteArray::fromStdString(quarrynet::galleryPage(
+                                 {"host/0", "host/1"}, {address("/0").toStdString(), address("/1").toStdString()})));
+}
+
+void HtmlEngineGalleryTest::arrowKeysGoFromPictureToPicture()
+{
+    window_->resize(576, 700);
+    openGallery(8); // in three columns
+    QCOMPARE(framed(), -1);
+    const std::vector<std::pair<Qt::Key, int>> steps = {
+        {Qt::Key_Right, 0}, {Qt::Key_Right, 1}, {Qt::Key_Down, 4}, {Qt::Key_Left, 3},  {Qt::Key_Left, 2},
+        {Qt::Key_Down, 5},  {Qt::Key_Down, 7},  {Qt::Key_Up, 4},   {Qt::Key_Home, 0},  {Qt::Key_End, 7},
+        {Qt::Key_Left, 6},  {Qt::Key_Up, 3},    {Qt::Key_Tab, 4},  {Qt::Key_Right, 5}, {Qt::Key_Up, 2}};
+    for (const auto& [key, expected] : steps) {
+        press(key);
+        QTRY_COMPARE_WITH_TIMEOUT(framed(), expected, 30000);
+    }
+}
+
+void HtmlEngineGalleryTest::arrowKeysBelongToAField()
+{
+    // A hostile address adds a field.
+    open(QByteArray::fromStdString(quarrynet::galleryPage({"host/\"><input autofocus value=x><a href=\"", "host/1"}, {"", ""})));
+    QTRY_VERIFY_WITH_TIMEOUT(keys(), 30000);
+    keys()->setFocus();
+    QTRY_VERIFY_WITH_TIMEOUT(keys()->inputMethodQuery(Qt::ImEnabled).toBool(), 30000);
+    const auto text = [this] { return keys()->inputMethodQuery(Qt::ImSurroundingText).toString(); };
+    press(Qt::Key_End);
+    press(Qt::Key_Y);
+    QTRY_COMPARE_WITH_TIMEOUT(text(), u"xy"_s, 30000);
+    press(Qt::Key_Home);
+    press(Qt::Key_Right);
+    press(Qt::Key_Z);
+    QTRY_COMPARE_WITH_TIMEOUT(text(), u"xzy"_s, 30000);
+}
+
+void HtmlEngineGalleryTest::enterOpensTheChosenPicture()
+{
+    window_->resize(576, 500);
+    openGallery(4);
+    press(Qt::Key_End);
+    QTRY_COMPARE_WITH_TIMEOUT(framed(), 3, 30000);
+    press(Qt::Key_Return);
+    QTRY_COMPARE_WITH_TIMEOUT(links_, std::vector<std::string>{"http://host/3"}, 30000);
+    press(Qt::Key_Left);
+    press(Qt::Key_Left);
+    QTRY_COMPARE_WITH_TIMEOUT(framed(), 1, 30000);
+    press(Qt::Key_Enter);
+    QTRY_COMPARE_WITH_TIMEOUT(links_.size(), std::size_t(2), 30000);
+    QCOMPARE(links_.back(), std::string("http://host/1"));
+}
+
+void HtmlEngineGalleryTest::pictureThatDoesNotLoadHasAFrame()
+{
+    openGallery({"host/x.jpg"}, {address("/none").toStdString()});
+    const QColor line =
+        quarrynet::readableOn(view_->palette().color(QPalette::Base), view_->palette().color(QPalette::Mid),
+                              quarrynet::kShapeContrast);
+    // Solid until the server has answered, then dashed.
+    const auto hasFrame = [&](bool dashed) {
+        const QImage image = shot();
+        const QRect frame = placeOf(image, line);
+        const bool whole = countOf(image, line) >= 2 * (frame.width() + frame.height()) - 4;
+        return frame.width() >= 90 && frame.height() >= 60 && whole != dashed;
+    };
+    QTRY_COMPARE_WITH_TIMEOUT(server_->requests.size(), 1, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(hasFrame(true), 30000);
+    if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
+        window_->grab().save(qEnvironmentVariable("QUARRYNET_SCREENSHOTS") + u"/engine_missing.png"_s);
+}
+
+void HtmlEngineGalleryTest::hostileCaptionsStayInTheirCells()
+{
+    window_->resize(576, 400);
+    server_->answerWithPicture("/0", Qt::red);
+    server_->answerWithPicture("/1", Qt::green);
+    openGallery({"host/" + std::string(4000, 'x'), "host/<table border=9><tr><td><h1>x<p>y"},
+                {address("/0").toStdString(), address("/1").toStdString()});
+    QTRY_VERIFY_WITH_TIMEOUT(!place(0).isEmpty() && !place(1).isEmpty(), 30000);
+    settledPlace(1);
+    QCOMPARE(place(0).size(), QSize(90, 60));
+    QCOMPARE(place(1).top(), place(0).top());
+}
+
+void HtmlEngineGalleryTest::zoomKeysAndWheel()
+{
+    window_->resize(576, 500);
+    openGallery(2);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    QCOMPARE(view_->zoom(), 125);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    QTRY_COMPARE_WITH_TIMEOUT(place(0).size(), QSize(135, 90), 30000);
+    openGallery(3); // the next page has the same zoom
+    QTRY_COMPARE_WITH_TIMEOUT(place(0).size(), QSize(135, 90), 30000);
+    press(Qt::Key_0, Qt::ControlModifier);
+    QTRY_COMPARE_WITH_TIMEOUT(place(0).size(), QSize(90, 60), 30000);
+    const QPointF at = keys()->rect().center();
+    QWheelEvent turn(at, keys()->mapToGlobal(at), {}, {0, -120}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
+                     false);
+    QCoreApplication::sendEvent(keys(), &turn);
+    QCOMPARE(view_->zoom(), 80);
+    QTRY_COMPARE_WITH_TIMEOUT(place(0).width(), 72, 30000);
+}
+
+void HtmlEngineGalleryTest::colorsFollowTheDesktop()
+{
+    window_->resize(576, 400);
+    openGallery(2);
+    QVERIFY(!placeOf(shot(), Qt::white).isEmpty());
+    useDarkColors();
+    const QColor link = quarrynet::readableOn(QColor(30, 30, 30), Qt::blue);
+    const auto isDark = [&] {
+        const QImage image = shot();
+        return image.pixelColor(2, 390) == QColor(30, 30, 30) && placeOf(image, Qt::white).isEmpty() &&
+               !placeOf(image, link).isEmpty();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isDark(), 30000);
+    QCOMPARE(server_->requests.size(), 2); // the page was not loaded again
+    openGallery(3);                        // the next page begins in these colours
+    QTRY_VERIFY_WITH_TIMEOUT(isDark(), 30000);
+    if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
+        window_->grab().save(qEnvironmentVariable("QUARRYNET_SCREENSHOTS") + u"/engine_dark.png"_s);
+}
+
+void HtmlEngineGalleryTest::otherPagesKeepTheirColors()
+{
+    useDarkColors();
+    open("<title>shown</title><body bgcolor=#00ffff>text");
+    QVERIFY(titleBecomes(u"shown"_s));
+    QTRY_VERIFY_WITH_TIMEOUT(showsColor(Qt::cyan), 30000);
+}
+
+int main(int argc, char** argv)
+{
+    return EngineFixture::run<HtmlEngineGalleryTest>(argc, argv);
+}
+
+#include "html_engine_gallery_test.moc"
