@@ -227,15 +227,13 @@ void GalleryLayout::drawObject(QPainter* painter, const QRectF& place, QTextDocu
         QRectF frame(0, 0, PageLook::kEmptyWidth * look_.zoom, PageLook::kEmptyHeight * look_.zoom);
         frame.moveCenter(place.center());
         frame.moveBottom(place.bottom());
-        const bool missing =
-            cells_[static_cast<std::size_t>(document->findBlock(position).blockNumber())].missing;
+        const bool missing = cells_[static_cast<std::size_t>(document->findBlock(position).blockNumber())].missing;
         painter->setPen(QPen(look_.line, 1, missing ? Qt::DashLine : Qt::SolidLine));
         painter->drawRect(frame);
         if (missing) {
             painter->setPen(look_.text);
             painter->setFont(document->defaultFont());
-            painter->drawText(frame, Qt::AlignCenter | Qt::TextWordWrap,
-                              look_.noPicture);
+            painter->drawText(frame, Qt::AlignCenter | Qt::TextWordWrap, look_.noPicture);
         }
     }
     painter->restore();

@@ -27,7 +27,9 @@ double contrastRatio(const QColor& first, const QColor& second)
 
 QColor mixed(const QColor& first, const QColor& second, double share)
 {
-    const auto channel = [share](int from, int to) { return static_cast<int>(std::lround(from + (to - from) * share)); };
+    const auto channel = [share](int from, int to) {
+        return static_cast<int>(std::lround(from + (to - from) * share));
+    };
     return {channel(first.red(), second.red()), channel(first.green(), second.green()),
             channel(first.blue(), second.blue())};
 }

@@ -142,8 +142,8 @@ void GalleryViewTest::arrowKeysGoFromPictureToPicture()
     open(8); // in three columns
     QCOMPARE(chosen(), -1);
     const std::vector<std::pair<Qt::Key, int>> steps = {
-        {Qt::Key_Right, 0}, {Qt::Key_Right, 1}, {Qt::Key_Down, 4}, {Qt::Key_Left, 3}, {Qt::Key_Left, 2},
-        {Qt::Key_Down, 5},  {Qt::Key_Down, 7},  {Qt::Key_Down, 7}, {Qt::Key_Up, 4},   {Qt::Key_Up, 1},
+        {Qt::Key_Right, 0}, {Qt::Key_Right, 1}, {Qt::Key_Down, 4},  {Qt::Key_Left, 3}, {Qt::Key_Left, 2},
+        {Qt::Key_Down, 5},  {Qt::Key_Down, 7},  {Qt::Key_Down, 7},  {Qt::Key_Up, 4},   {Qt::Key_Up, 1},
         {Qt::Key_Up, 1},    {Qt::Key_End, 7},   {Qt::Key_Right, 7}, {Qt::Key_Home, 0}, {Qt::Key_Left, 0}};
     const QColor focus = quarrynet::readableOn(view_->palette().color(QPalette::Base),
                                                view_->palette().color(QPalette::Highlight), quarrynet::kShapeContrast);
@@ -226,9 +226,9 @@ void GalleryViewTest::pictureThatDoesNotLoadHasAFrame()
     const QImage waiting = shot();
     QTRY_COMPARE(server_->requests.size(), 1);
     QTRY_VERIFY(shot() != waiting);
-    const QRect frame = placeOf(
-        shot(), quarrynet::readableOn(view_->palette().color(QPalette::Base), view_->palette().color(QPalette::Mid),
-                                      quarrynet::kShapeContrast));
+    const QRect frame =
+        placeOf(shot(), quarrynet::readableOn(view_->palette().color(QPalette::Base),
+                                              view_->palette().color(QPalette::Mid), quarrynet::kShapeContrast));
     QVERIFY2(frame.width() >= 90 && frame.height() >= 60, qPrintable(QString::number(frame.width())));
 }
 

@@ -159,7 +159,8 @@ void HtmlEngineGalleryTest::arrowKeysGoFromPictureToPicture()
 void HtmlEngineGalleryTest::arrowKeysBelongToAField()
 {
     // A hostile address adds a field.
-    open(QByteArray::fromStdString(quarrynet::galleryPage({"host/\"><input autofocus value=x><a href=\"", "host/1"}, {"", ""})));
+    open(QByteArray::fromStdString(
+        quarrynet::galleryPage({"host/\"><input autofocus value=x><a href=\"", "host/1"}, {"", ""})));
     QTRY_VERIFY_WITH_TIMEOUT(keys(), 30000);
     keys()->setFocus();
     QTRY_VERIFY_WITH_TIMEOUT(keys()->inputMethodQuery(Qt::ImEnabled).toBool(), 30000);
@@ -192,9 +193,8 @@ void HtmlEngineGalleryTest::enterOpensTheChosenPicture()
 void HtmlEngineGalleryTest::pictureThatDoesNotLoadHasAFrame()
 {
     openGallery({"host/x.jpg"}, {address("/none").toStdString()});
-    const QColor line =
-        quarrynet::readableOn(view_->palette().color(QPalette::Base), view_->palette().color(QPalette::Mid),
-                              quarrynet::kShapeContrast);
+    const QColor line = quarrynet::readableOn(view_->palette().color(QPalette::Base),
+                                              view_->palette().color(QPalette::Mid), quarrynet::kShapeContrast);
     // Solid until the server has answered, then dashed.
     const auto hasFrame = [&](bool dashed) {
         const QImage image = shot();
