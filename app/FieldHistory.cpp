@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <QAction>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 
@@ -62,6 +63,7 @@ void FieldHistory::addTo(QMenu& menu)
     QAction* keeping = menu.addAction(tr("&Keep History"));
     keeping->setObjectName(QStringLiteral("historymnu"));
     keeping->setCheckable(true);
+    keeping->setChecked(isOn());
     connect(&menu, &QMenu::aboutToShow, keeping, [this, keeping] { keeping->setChecked(isOn()); });
     connect(keeping, &QAction::triggered, this, [this, keeping] {
         setOn(!isOn()); // another window may have changed it since the menu was shown
@@ -75,7 +77,10 @@ void FieldHistory::addTo(QMenu& menu)
 bool FieldHistory::isOn() const
 {
     std::string value;
-    return settings(settingsPath_).ReadValue(kSection, kKey, value) && value == "on";
+    if (settings(settingsPath_).ReadValue(kSection, kKey, value))
+        return value == "on";
+    const QFileInfo file(toPathText(settingsPath_));
+    return !file.exists() || file.isReadable(); // what cannot be read may say "off"
 }
 
 void FieldHistory::setOn(bool on)

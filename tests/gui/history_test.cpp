@@ -49,17 +49,39 @@ private slots:
     }
     void cleanup() { window_.reset(); }
 
-    // What people search for is private, so nothing is written down unasked.
-    void withoutBeingAskedNothingIsKeptOrOffered()
+    void isOnUntilItIsSwitchedOff()
     {
         window_->start();
+        QVERIFY(!QFile::exists(historyFile()));
         searchFor("Text1", "apple");
+        QTRY_COMPARE(history(), QByteArray("keywords\tapple\n"));
+        QVERIFY(!QFile::exists(window_->settingsFile()));
+        waitForEnd(kTabs[0]);
+        window_->type("Text1", {});
+        pressLetters("ap");
+        QCOMPARE(offered(), QStringList(u"apple"_s));
+        press(Qt::Key_Escape);
+
+        QVERIFY(menuEntry("historymnu")->isChecked());
+        menuEntry("historymnu")->trigger();
+        QVERIFY(!menuEntry("historymnu")->isChecked());
+        searchFor("Text1", "pear");
+        settle();
+        QCOMPARE(history(), QByteArray("keywords\tapple\n"));
         window_->type("Text1", {});
         pressLetters("ap");
         press(Qt::Key_Down);
         QVERIFY(!QApplication::activePopupWidget());
+    }
+
+    // A person who has written something else than "on" wants no records, even if the word is not the program's.
+    void anyOtherValueThanOnIsOff()
+    {
+        window_->writeSettings("[History]\nValue=no\n");
+        window_->start();
+        searchFor("Text1", "apple");
+        settle();
         QVERIFY(!QFile::exists(historyFile()));
-        QVERIFY(!QFile::exists(window_->settingsFile()));
         QVERIFY(!menuEntry("historymnu")->isChecked());
     }
 
@@ -291,9 +313,12 @@ private slots:
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray settings = file.readAll().replace('\r', "");
         QVERIFY(settings.startsWith("; mine\n[ProxyHost]\nValue=proxy.example\nOther=1\n"));
-        QVERIFY(settings.contains("[History]\nValue=on\n"));
+        QVERIFY(settings.contains("[History]\nValue=off\n"));
         file.close();
         window_->start(); // another window in the same folder
+        QVERIFY(!menuEntry("historymnu")->isChecked());
+        menuEntry("historymnu")->trigger();
+        window_->start();
         QMenu* view = window_->control<QMenu>("viewmnu");
         emit view->aboutToShow();
         QVERIFY(menuEntry("historymnu")->isChecked());
