@@ -22,3 +22,6 @@ done
 for file in "$folder"/manual_*.ts; do
     python3 tools/translations/manual.py update docs/manual translations/fixed_texts.txt "$file"
 done
+for file in "$folder"/services_*.ts; do
+    python3 tools/translations/services.py update services "$file"
+done

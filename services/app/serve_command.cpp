@@ -85,9 +85,11 @@ private:
 /// Returns a handler for a service whose sources are unknown. Others than those that a person chose must not be asked.
 Router::Handler misconfigured(const std::string& fault)
 {
-    return [fault](const HttpRequest&) {
-        return errorResponse(503, "The search cannot answer, because its configuration is wrong: " + fault +
-                                      ". Correct the file and restart the services.");
+    return [fault](const HttpRequest& request) {
+        return errorResponse(503,
+                             "The search cannot answer, because its configuration is wrong: %1. Correct the file and "
+                             "restart the services.",
+                             request.language, fault);
     };
 }
 

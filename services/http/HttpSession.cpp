@@ -42,11 +42,12 @@ Answer makeAnswer(const HttpServer::Handler& handler, const HttpRequest& request
     const bool headOnly = request.method == "HEAD";
     try {
         if (request.method != "GET" && !headOnly)
-            return {responseBytes(errorResponse(405, "This server answers only GET and HEAD."), false)};
+            return {
+                responseBytes(errorResponse(405, "This server answers only GET and HEAD.", request.language), false)};
         const HttpResponse response = handler(request);
         return {responseBytes(response, headOnly), headOnly ? nullptr : response.file};
     } catch (const std::exception&) {
-        return {responseBytes(errorResponse(500, "The response could not be made."), headOnly)};
+        return {responseBytes(errorResponse(500, "The response could not be made.", request.language), headOnly)};
     }
 }
 

@@ -21,9 +21,9 @@ bool isOwnRequest(const HttpRequest& request)
     return request.agent.starts_with(kOwnAgent);
 }
 
-HttpResponse loopResponse()
+HttpResponse loopResponse(Language language)
 {
-    return errorResponse(508, "This is quarrynet-services itself, which cannot be a source of its own.");
+    return errorResponse(508, "This is quarrynet-services itself, which cannot be a source of its own.", language);
 }
 
 } // namespace
@@ -38,27 +38,28 @@ HttpResponse Router::answerAt(const Handler& service, const HttpRequest& request
     if (request.absoluteForm)
         return byHost(request);
     if (isOwnRequest(request))
-        return loopResponse();
+        return loopResponse(request.language);
     if (!isNumeric(request.host) && request.host != "localhost" && handlers_.find(request.host) == handlers_.end())
-        return errorResponse(421, "The local search services do not serve " + toUtf8(request.host) + ".");
+        return errorResponse(421, "The local search services do not serve %1.", request.language, toUtf8(request.host));
     return service(request);
 }
 
 HttpResponse Router::answerAsProxy(const HttpRequest& request) const
 {
     if (!request.absoluteForm)
-        return errorResponse(400, "This is the proxy port of the local search services. Use it as an HTTP proxy.");
+        return errorResponse(400, "This is the proxy port of the local search services. Use it as an HTTP proxy.",
+                             request.language);
     return byHost(request);
 }
 
 HttpResponse Router::byHost(const HttpRequest& request) const
 {
     if (isOwnRequest(request))
-        return loopResponse();
+        return loopResponse(request.language);
     const auto found = handlers_.find(request.host);
     if (found == handlers_.end())
-        return errorResponse(403,
-                             "This proxy serves the local search services only, not " + toUtf8(request.host) + ".");
+        return errorResponse(403, "This proxy serves the local search services only, not %1.", request.language,
+                             toUtf8(request.host));
     return found->second(request);
 }
 

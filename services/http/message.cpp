@@ -52,11 +52,11 @@ std::optional<HttpResponse> readTarget(std::string_view target, HttpRequest& req
         request.host = hostOfAuthority(target.substr(0, end));
         target.remove_prefix(end);
         if (request.host.empty())
-            return errorResponse(400, "The address in the request line has no host.");
+            return errorResponse(400, "The address in the request line has no host.", request.language);
     } else if (target.empty() || target.front() != '/') {
         return request.method == "CONNECT"
-                   ? errorResponse(501, "This server opens no tunnels.")
-                   : errorResponse(400, "The request target is neither a path nor an http address.");
+                   ? errorResponse(501, "This server opens no tunnels.", request.language)
+                   : errorResponse(400, "The request target is neither a path nor an http address.", request.language);
     }
     const std::size_t mark = target.find('?');
     request.path = std::string(target.substr(0, mark));
@@ -79,14 +79,23 @@ std::string httpDate()
 
 } // namespace
 
-HttpResponse errorResponse(int status, std::string_view text)
+HttpResponse pageResponse(std::string body, Language language)
 {
     HttpResponse response;
+    response.body = std::move(body);
+    response.language = language;
+    return response;
+}
+
+HttpResponse errorResponse(int status, std::string_view text, Language language, std::string_view argument)
+{
+    HttpResponse response = pageResponse({}, language);
     response.status = status;
     const std::string title =
         std::to_string(status) + " " + std::string(viewOf(http::obsolete_reason(static_cast<http::status>(status))));
-    response.body = "<!DOCTYPE html>\n<html lang=\"en\"><head><title>" + title + "</title></head>\n<body><h1>" + title +
-                    "</h1>\n<div>" + escapeText(text) + "</div></body></html>\n";
+    response.body = "<!DOCTYPE html>\n<html lang=\"" + std::string(codeOf(language)) + "\"><head><title>" + title +
+                    "</title></head>\n<body><h1>" + title + "</h1>\n<div>" +
+                    escapeText(translated(text, language, argument)) + "</div></body></html>\n";
     if (status == 405)
         response.fields.emplace_back("Allow", "GET, HEAD");
     return response;
@@ -115,7 +124,7 @@ public:
         if (error == http::error::bad_version && namesOtherVersion(received_))
             return errorResponse(505, "This server supports HTTP/1.0 and HTTP/1.1 only.");
         if (error)
-            return errorResponse(400, "The request is malformed: " + error.message() + ".");
+            return errorResponse(400, "The request is malformed: %1.", Language::English, error.message());
         return readMessage(parser_.get());
     }
 
@@ -138,6 +147,16 @@ private:
         }
     }
 
+    /// Several fields are one list (RFC 9110, section 5.3).
+    static Language languageOf(const http::request<http::empty_body>& message)
+    {
+        std::string wanted;
+        const auto fields = message.equal_range(http::field::accept_language);
+        for (auto field = fields.first; field != fields.second; ++field)
+            wanted.append(viewOf(field->value())).append(",");
+        return preferredLanguage(wanted);
+    }
+
     static HeadState readMessage(const http::request<http::empty_body>& message)
     {
         if (std::distance(message.begin(), message.end()) > static_cast<std::ptrdiff_t>(kMaxFields))
@@ -146,12 +165,13 @@ private:
         request.method = std::string(viewOf(message.method_string()));
         request.host = hostOfAuthority(viewOf(message[http::field::host]));
         request.agent = std::string(viewOf(message[http::field::user_agent]));
+        request.language = languageOf(message);
         // The host of the absolute form takes precedence over the Host field (RFC 9112, section 3.2.2).
         if (auto refusal = readTarget(viewOf(message.target()), request))
             return *refusal;
         const std::size_t hosts = message.count(http::field::host);
         if (hosts > 1 || (hosts == 0 && message.version() >= 11))
-            return errorResponse(400, "The request needs exactly one Host field.");
+            return errorResponse(400, "The request needs exactly one Host field.", request.language);
         return request;
     }
 
@@ -183,6 +203,10 @@ std::string responseHead(const HttpResponse& response)
     message.set(http::field::content_type, response.contentType);
     message.content_length(response.file ? response.file->size() : response.body.size());
     message.set("X-Content-Type-Options", "nosniff");
+    if (response.language) {
+        message.set(http::field::content_language, std::string(codeOf(*response.language)));
+        message.set(http::field::vary, "Accept-Language");
+    }
     message.keep_alive(false);
     for (const auto& [name, value] : response.fields)
         message.insert(name, value);

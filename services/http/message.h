@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ground/OpenFile.h"
+#include "text/languages.h"
 
 /// HTTP/1.1 messages as bytes, independent of sockets (RFC 9110, RFC 9112). Boost.Beast parses and writes them, because
 /// it returns the request target as it was sent: requests here carry what people typed without escaping, so that a "#",
@@ -23,7 +24,8 @@ struct HttpRequest
     std::string path;  ///< as sent, not decoded; begins with "/"
     std::string query; ///< as sent: everything after the first "?"
     bool absoluteForm = false;
-    std::string agent = {}; ///< the User-Agent field; may be empty
+    std::string agent = {};                ///< the User-Agent field; may be empty
+    Language language = Language::English; ///< of own texts, by the Accept-Language field
 };
 
 /// The beginning of the User-Agent of every request that this program makes.
@@ -35,7 +37,8 @@ struct HttpResponse
     std::string contentType = "text/html; charset=utf-8";
     std::string body;
     std::vector<std::pair<std::string, std::string>> fields = {};
-    std::shared_ptr<const OpenFile> file = nullptr; ///< replaces `body` unless null
+    std::shared_ptr<const OpenFile> file = nullptr;  ///< replaces `body` unless null
+    std::optional<Language> language = std::nullopt; ///< set if the body depends on the request's language
 };
 
 /// A longer request line gets 414, a longer head 431.
@@ -43,8 +46,13 @@ inline constexpr std::size_t kMaxRequestLine = 16 * 1024;
 inline constexpr std::size_t kMaxHead = 64 * 1024;
 inline constexpr std::size_t kMaxFields = 100;
 
-/// Returns a short page that states the error. `text` is plain text.
-HttpResponse errorResponse(int status, std::string_view text);
+/// Returns a short page that states the error. `text` is an own text in English, with "%1" for `argument`, which is
+/// plain text from elsewhere.
+HttpResponse errorResponse(int status, std::string_view text, Language language = Language::English,
+                           std::string_view argument = {});
+
+/// Returns a page of own texts in `language`.
+HttpResponse pageResponse(std::string body, Language language);
 
 /// The request head has not arrived completely.
 struct HeadIncomplete

@@ -24,39 +24,47 @@ struct FaultTexts
 };
 
 constexpr std::array kTexts{
-    FaultTexts{Kind::NoJson, "source-no-json", "JSON is not enabled (403)",
-               "SearXNG answers programs only if its owner has enabled JSON. If the instance is yours, add json to "
-               "the list search.formats in its settings.yml and restart it. Otherwise choose another instance in "
-               "services.toml."},
-    FaultTexts{Kind::RateLimit, "source-rate-limit", "too many searches",
-               "The instance limits how often it answers. It is not asked again before the wait is over. Add further "
-               "instances in services.toml, or run one of your own."},
-    FaultTexts{Kind::TimeOut, "source-timeout", "no answer in time",
-               "Search again in a moment. If the source is always slow, raise wait-seconds in services.toml, or "
-               "choose another instance."},
-    FaultTexts{Kind::Tls, "source-tls", "faulty certificate or TLS",
-               "Nothing was sent to it. Check the address in services.toml and this machine's date. If the instance "
-               "is yours and has a certificate of your own authority, name its file as ca-file in services.toml."},
-    FaultTexts{Kind::NotFound, "source-not-found", "no such host",
-               "Check the address in services.toml, and whether this machine is connected to the internet."},
-    FaultTexts{Kind::NoConnection, "source-no-connection", "no connection",
-               "Check the address and the port in services.toml, whether the instance is running, and whether this "
-               "machine is connected."},
-    FaultTexts{Kind::Nonsense, "source-nonsense", "no answer to a search",
-               "Check that the address in services.toml is that of a SearXNG or searx instance."},
-    FaultTexts{Kind::Moved, "source-moved", "moved to another address",
-               "What you type is not sent on to addresses that you did not name. If you trust the new one, write it "
-               "into services.toml."},
-    FaultTexts{Kind::Loop, "source-loop", "this is quarrynet-services itself",
-               "Name the address of a SearXNG or searx instance in services.toml, not one of quarrynet-services."},
-    FaultTexts{Kind::Status, "source-status", "error",
-               "The instance has a fault of its own. Search again later, or choose another instance in "
-               "services.toml."},
-    FaultTexts{Kind::Engines, "source-engines", "its engines did not answer",
-               "The instance asks engines in turn, and these refused or were too slow. Search again later, or choose "
-               "another instance in services.toml."},
-    FaultTexts{Kind::Index, "source-index", "cannot answer",
-               "Run \"quarrynet-services index\" to make the index anew."},
+    FaultTexts{
+        Kind::NoJson, "source-no-json", ownText("JSON is not enabled (403)"),
+        ownText("SearXNG answers programs only if its owner has enabled JSON. If the instance is yours, add json to "
+                "the list search.formats in its settings.yml and restart it. Otherwise choose another instance in "
+                "services.toml.")},
+    FaultTexts{
+        Kind::RateLimit, "source-rate-limit", ownText("too many searches"),
+        ownText("The instance limits how often it answers. It is not asked again before the wait is over. Add further "
+                "instances in services.toml, or run one of your own.")},
+    FaultTexts{
+        Kind::TimeOut, "source-timeout", ownText("no answer in time"),
+        ownText("Search again in a moment. If the source is always slow, raise wait-seconds in services.toml, or "
+                "choose another instance.")},
+    FaultTexts{
+        Kind::Tls, "source-tls", ownText("faulty certificate or TLS"),
+        ownText("Nothing was sent to it. Check the address in services.toml and this machine's date. If the instance "
+                "is yours and has a certificate of your own authority, name its file as ca-file in services.toml.")},
+    FaultTexts{Kind::NotFound, "source-not-found", ownText("no such host"),
+               ownText("Check the address in services.toml, and whether this machine is connected to the internet.")},
+    FaultTexts{
+        Kind::NoConnection, "source-no-connection", ownText("no connection"),
+        ownText("Check the address and the port in services.toml, whether the instance is running, and whether this "
+                "machine is connected.")},
+    FaultTexts{Kind::Nonsense, "source-nonsense", ownText("no answer to a search"),
+               ownText("Check that the address in services.toml is that of a SearXNG or searx instance.")},
+    FaultTexts{
+        Kind::Moved, "source-moved", ownText("moved to another address"),
+        ownText("What you type is not sent on to addresses that you did not name. If you trust the new one, write it "
+                "into services.toml.")},
+    FaultTexts{
+        Kind::Loop, "source-loop", ownText("this is quarrynet-services itself"),
+        ownText("Name the address of a SearXNG or searx instance in services.toml, not one of quarrynet-services.")},
+    FaultTexts{Kind::Status, "source-status", ownText("error"),
+               ownText("The instance has a fault of its own. Search again later, or choose another instance in "
+                       "services.toml.")},
+    FaultTexts{
+        Kind::Engines, "source-engines", ownText("its engines did not answer"),
+        ownText("The instance asks engines in turn, and these refused or were too slow. Search again later, or choose "
+                "another instance in services.toml.")},
+    FaultTexts{Kind::Index, "source-index", ownText("cannot answer"),
+               ownText("Run \"quarrynet-services index\" to make the index anew.")},
 };
 
 const FaultTexts& textsOf(Kind kind)
@@ -91,7 +99,7 @@ std::string parameter(std::string_view query, std::string_view name)
 std::string shownName(const SourceFault& fault)
 {
     if (fault.source.empty())
-        return fault.kind == Kind::Index ? "The index" : "The source";
+        return std::string(fault.kind == Kind::Index ? ownText("The index") : ownText("The source"));
     const std::size_t scheme = fault.source.find("://");
     return fault.source.substr(scheme == std::string::npos ? 0 : scheme + 3);
 }
@@ -125,26 +133,34 @@ std::string faultPath(const SourceFault& fault)
 
 HttpResponse helpPage(const HttpRequest& request)
 {
+    const Language language = request.language;
     const std::string_view name =
         std::string_view(request.path).substr(std::min(kHelpPath.size(), request.path.size()));
     const auto* const texts =
         std::find_if(kTexts.begin(), kTexts.end(), [name](const FaultTexts& entry) { return entry.page == name; });
     if (texts == kTexts.end())
-        return errorResponse(404, "There is no such help page.");
+        return errorResponse(404, "There is no such help page.", language);
     const SourceFault fault{texts->kind, parameter(request.query, "source"), parameter(request.query, "detail")};
-    HttpResponse response;
+    HttpResponse response = pageResponse({}, language);
     std::string& page = response.body;
-    page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\"><title>A source did not answer</title>\n"
-           "<style>body { font-family: sans-serif; margin: 2em; max-width: 40em }</style></head>\n<body>\n"
-           "<h1>A source did not answer</h1>\n<p>";
-    page.append(escapeText(fault.source.empty() ? shownName(fault) : fault.source)).append(": ");
-    page.append(escapeText(texts->says));
+    const std::string_view title = translated("A source did not answer", language);
+    page = "<!DOCTYPE html>\n<html lang=\"";
+    page.append(codeOf(language)).append("\">\n<head><meta charset=\"utf-8\"><title>").append(title);
+    page +=
+        "</title>\n<style>body { font-family: sans-serif; margin: 2em; max-width: 40em }</style></head>\n<body>\n<h1>";
+    page.append(title).append("</h1>\n<p>");
+    page.append(escapeText(fault.source.empty() ? translated(shownName(fault), language) : fault.source)).append(": ");
+    page.append(escapeText(translated(texts->says, language)));
     if (!fault.detail.empty())
         page.append(": ").append(escapeText(fault.detail));
-    page.append(".</p>\n<h2>What to do</h2>\n<p>").append(escapeText(texts->advice)).append("</p>\n");
-    page += "<p>The configuration file is <code>services.toml</code> in the folder <code>quarrynet</code> of your "
-            "configuration folder (<code>~/.config</code>). <code>quarrynet-services check</code> asks each source one "
-            "search and says what answers.</p>\n</body></html>\n";
+    page.append(".</p>\n<h2>").append(translated("What to do", language)).append("</h2>\n<p>");
+    page.append(escapeText(translated(texts->advice, language))).append("</p>\n<p>");
+    page.append(
+        translated("The configuration file is <code>services.toml</code> in the folder <code>quarrynet</code> of "
+                   "your configuration folder (<code>~/.config</code>). <code>quarrynet-services check</code> "
+                   "asks each source one search and says what answers.",
+                   language));
+    page += "</p>\n</body></html>\n";
     response.fields.emplace_back("Content-Security-Policy", "default-src 'none'; style-src 'unsafe-inline'; sandbox");
     return response;
 }

@@ -7,26 +7,24 @@
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/page_head.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>Download search</title>
-<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } .program { margin: 1em 0 }</style>
-</head>
-<body>
-)";
+std::string downloadPageHead(Language language)
+{
+    return pageHead("Download search", language,
+                    "body { font-family: sans-serif; margin: 2em; max-width: 60em } .program { margin: 1em 0 }");
+}
 
-std::string searchForm(std::string_view typed)
+std::string searchForm(std::string_view typed, Language language)
 {
     return "<form action=\"/3120-20-0-1-5.html\"><div><input name=\"qt\" size=\"50\" value=\"" +
-           escapeAttribute(toUtf8(typed)) +
-           "\"> <input type=\"hidden\" name=\"ca\" value=\"20\"><input type=\"submit\" "
-           "value=\"Search\"></div></form>\n";
+           escapeAttribute(toUtf8(typed)) + "\"> <input type=\"hidden\" name=\"ca\" value=\"20\">" +
+           submitButton(language) + "</div></form>\n";
 }
 
 /// Returns the page number in "/3120-20-0-PAGE-5.html", or nothing for another path.
@@ -65,7 +63,7 @@ std::string shownName(std::string_view package, std::string_view title)
     return std::string(title).append(" (").append(package).append(")");
 }
 
-void appendRow(std::string& page, const ProgramHit& hit)
+void appendRow(std::string& page, const ProgramHit& hit, Language language)
 {
     // The program parses a row from marker to marker: bold text for the name, the element after the next "class" (whose
     // following 25 bytes must not contain "pick", hence the long name), "OS:", a blank before "<", and two "</b>".
@@ -74,25 +72,26 @@ void appendRow(std::string& page, const ProgramHit& hit)
     page += "<b>OS:</b>" + escapeText(hit.system) + " <br>\n";
     page += "<b>File size:</b>" + readableSize(hit.size) + "<br>\n";
     page += "<b>License:</b>" + escapeText(hit.license) + "<br>\n";
-    page += "<a href=\"/redir?destUrl=" + encodeComponent(hit.address) + "\">Download now</a></div>\n";
+    page += "<a href=\"/redir?destUrl=" + encodeComponent(hit.address) + "\">" +
+            escapeText(translated("Download now", language)) + "</a></div>\n";
 }
 
 } // namespace
 
-std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed)
+std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed, Language language)
 {
-    std::string page(kPageHead);
+    std::string page = downloadPageHead(language);
     if (answer.hits.empty()) {
         // The typed text is not repeated here: it could contain the marker of a page with results.
-        page += "<div>No program has these words.</div>\n" + searchForm("") + "</body></html>\n";
-        return page;
+        page.append("<div>").append(translated("No program has these words.", language)).append("</div>\n");
+        return page + searchForm("", language) + "</body></html>\n";
     }
     const auto last = answer.start + static_cast<std::int64_t>(answer.hits.size());
     // The count has no separators, because the program parses it as a number.
     page += "<div>Found: <b>" + std::to_string(answer.total) + "</b> programs, showing <b>" +
             std::to_string(answer.start + 1) + " - " + std::to_string(last) + "</b></div>\n<!-- main loop -->\n";
     for (const ProgramHit& hit : answer.hits)
-        appendRow(page, hit);
+        appendRow(page, hit, language);
     const auto link = [&](std::int64_t start, std::string_view label) {
         page += " <a href=\"/3120-20-0-" + std::to_string(start / DownloadService::kPageSize + 1) +
                 "-5.html?qt=" + encodeComponent(typed) + "&amp;ca=20\">";
@@ -101,14 +100,14 @@ std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view ty
     };
     page += "<div>";
     if (answer.start > 0)
-        link(answer.start - DownloadService::kPageSize, "Previous");
+        link(answer.start - DownloadService::kPageSize, translated("Previous", language));
     if (last < answer.total)
-        link(last, "Next");
-    page += "</div>\n" + searchForm(typed) + "</body></html>\n";
+        link(last, translated("Next", language));
+    page += "</div>\n" + searchForm(typed, language) + "</body></html>\n";
     return page;
 }
 
-std::string downloadPage(std::string_view address)
+std::string downloadPage(std::string_view address, Language language)
 {
     // The program decodes only "%3A" and "%2F", and stops at the first ";".
     std::string coded;
@@ -120,44 +119,45 @@ std::string downloadPage(std::string_view address)
     }
     // The program drops the last character between the quotes, so an extra one is added: an empty fragment, which
     // changes nothing for a browser that runs the script.
-    return std::string(kPageHead) + "<script>newlocation = \"" + coded +
+    return downloadPageHead(language) + "<script>newlocation = \"" + coded +
            "#\"; location.replace(newlocation.replace(/%3A/g, \":\").replace(/%2F/g, \"/\"));</script>\n<div><a "
            "href=\"" +
-           escapeAttribute(address) + "\">Download</a></div>\n</body></html>\n";
+           escapeAttribute(address) + "\">" + escapeText(translated("Download", language)) +
+           "</a></div>\n</body></html>\n";
 }
 
 HttpResponse DownloadService::answer(const HttpRequest& request)
 {
+    const Language language = request.language;
     std::string_view path = request.path;
     while (path.substr(0, 2) == "//")
         path.remove_prefix(1);
     if (path == "/") {
-        HttpResponse response;
-        response.body = std::string(kPageHead) + "<h1>Local download search</h1>\n" + searchForm("") +
-                        "<div>Searches the programs in this machine's package lists.</div>\n</body></html>\n";
-        return response;
+        std::string page = downloadPageHead(language);
+        page.append("<h1>").append(translated("Local download search", language)).append("</h1>\n");
+        page += searchForm("", language);
+        page.append("<div>").append(translated("Searches the programs in this machine's package lists.", language));
+        return pageResponse(page + "</div>\n</body></html>\n", language);
     }
     if (const std::optional<int> page = pageNumber(path); page && *page >= 1)
-        return searchPage(*page, request.query);
+        return searchPage(*page, request.query, language);
     if (path == "/redir") {
         const std::size_t mark = request.query.find("destUrl=");
         if (mark != std::string::npos)
-            return redirectPage(placeOf(decodePercent(std::string_view(request.query).substr(mark + 8))));
+            return redirectPage(placeOf(decodePercent(std::string_view(request.query).substr(mark + 8))), language);
     }
     if (path.substr(0, 4) == "/%2F")
-        return redirectPage(decodePercent(path.substr(1)));
-    return errorResponse(404, "There is no such page on the download search.");
+        return redirectPage(decodePercent(path.substr(1)), language);
+    return errorResponse(404, "There is no such page on the download search.", language);
 }
 
-HttpResponse DownloadService::searchPage(int page, std::string_view query)
+HttpResponse DownloadService::searchPage(int page, std::string_view query, Language language)
 {
     const std::string typed = decodeQueryValue(typedPart(query));
     const Outcome<ProgramAnswer> found = search(typed, (static_cast<std::int64_t>(page) - 1) * kPageSize);
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
-    HttpResponse response;
-    response.body = downloadResultsPage(*found, typed);
-    return response;
+        return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
+    return pageResponse(downloadResultsPage(*found, typed, language), language);
 }
 
 Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)
@@ -218,16 +218,14 @@ Outcome<std::string> DownloadService::findDownload(std::string_view place)
     return std::string();
 }
 
-HttpResponse DownloadService::redirectPage(std::string_view place)
+HttpResponse DownloadService::redirectPage(std::string_view place, Language language)
 {
     const Outcome<std::string> address = findDownload(place);
     if (!address)
-        return errorResponse(503, "The download cannot be found: " + address.error().message + ".");
+        return errorResponse(503, "The download cannot be found: %1.", language, address.error().message);
     if (address->empty())
-        return errorResponse(404, "There is no such download.");
-    HttpResponse response;
-    response.body = downloadPage(*address);
-    return response;
+        return errorResponse(404, "There is no such download.", language);
+    return pageResponse(downloadPage(*address, language), language);
 }
 
 } // namespace quarrynet::services

@@ -41,17 +41,18 @@ public:
     Outcome<ProgramAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
-    HttpResponse searchPage(int page, std::string_view query);
-    HttpResponse redirectPage(std::string_view place);
+    HttpResponse searchPage(int page, std::string_view query, Language language);
+    HttpResponse redirectPage(std::string_view place, Language language);
     Outcome<std::string> findDownload(std::string_view place);
 
     IndexPool& index_;
 };
 
 /// Returns the results page in the layout that the program parses.
-std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed);
+std::string downloadResultsPage(const ProgramAnswer& answer, std::string_view typed,
+                                Language language = Language::English);
 
 /// Returns the page that carries a download's address.
-std::string downloadPage(std::string_view address);
+std::string downloadPage(std::string_view address, Language language = Language::English);
 
 } // namespace quarrynet::services

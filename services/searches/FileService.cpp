@@ -5,21 +5,20 @@
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "searches/listed_files.h"
+#include "searches/page_head.h"
 #include "text/markup.h"
 
 namespace quarrynet::services {
 
 namespace {
 
-constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>File search</title>
-<style>body { font-family: sans-serif; margin: 2em }</style>
-</head>
-<body>
-<form action="/cgi-bin/s"><div><input type="hidden" name="t" value="f"><input name="q" size="50">
-<input type="submit" value="Search"></div></form>
-)";
+std::string filePageHead(Language language)
+{
+    return pageHead("File search", language, "body { font-family: sans-serif; margin: 2em }") +
+           "<form action=\"/cgi-bin/s\"><div><input type=\"hidden\" name=\"t\" value=\"f\"><input name=\"q\" "
+           "size=\"50\">\n" +
+           submitButton(language) + "</div></form>\n";
+}
 
 void appendFile(std::string& page, const FileHit& hit)
 {
@@ -182,12 +181,14 @@ std::string fileNameText(std::string_view name)
     return text;
 }
 
-std::string fileResultsPage(const FileAnswer& answer, std::string_view typed)
+std::string fileResultsPage(const FileAnswer& answer, std::string_view typed, Language language)
 {
-    std::string page(kPageHead);
+    std::string page = filePageHead(language);
     if (answer.hits.empty()) {
-        page += "<div>Sorry, not found: no file or directory has this in its name.</div>\n</body></html>\n";
-        return page;
+        // The program looks for the first words, so they stay English.
+        page.append("<div>Sorry, not found: ");
+        page.append(translated("no file or directory has this in its name.", language));
+        return page + "</div>\n</body></html>\n";
     }
     for (const FileHit& hit : answer.hits) {
         if (hit.directory)
@@ -203,41 +204,39 @@ std::string fileResultsPage(const FileAnswer& answer, std::string_view typed)
     };
     page += "<div>";
     if (answer.start > 0)
-        link(std::max<std::int64_t>(0, answer.start - FileService::kPageSize), "Previous");
+        link(std::max<std::int64_t>(0, answer.start - FileService::kPageSize), translated("Previous", language));
     if (answer.more)
-        link(answer.start + FileService::kPageSize, "Next");
+        link(answer.start + FileService::kPageSize, translated("Next", language));
     page += "</div>\n</body></html>\n";
     return page;
 }
 
 HttpResponse FileService::answer(const HttpRequest& request)
 {
+    const Language language = request.language;
     std::string_view path = request.path;
     while (path.substr(0, 2) == "//")
         path.remove_prefix(1);
     if (path == "/") {
-        HttpResponse response;
-        response.body =
-            std::string(kPageHead) +
-            "<div>Searches the names of files on the mirrors of this machine's packages, in the packages, and on "
-            "servers that were crawled.</div>\n</body></html>\n";
-        return response;
+        std::string page = filePageHead(language);
+        page.append("<div>").append(translated("Searches the names of files on the mirrors of this machine's packages, "
+                                               "in the packages, and on servers that were crawled.",
+                                               language));
+        return pageResponse(page + "</div>\n</body></html>\n", language);
     }
     if (path == "/cgi-bin/s")
-        return searchPage(request.query);
-    return errorResponse(404, "There is no such page on the file search.");
+        return searchPage(request.query, language);
+    return errorResponse(404, "There is no such page on the file search.", language);
 }
 
-HttpResponse FileService::searchPage(std::string_view query)
+HttpResponse FileService::searchPage(std::string_view query, Language language)
 {
     const Asked asked = readQuery(query);
     const std::string typed = decodeQueryValue(asked.typed);
     const Outcome<FileAnswer> found = search(typed, asked.start);
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
-    HttpResponse response;
-    response.body = fileResultsPage(*found, typed);
-    return response;
+        return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
+    return pageResponse(fileResultsPage(*found, typed, language), language);
 }
 
 Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t start)

@@ -36,7 +36,7 @@ public:
     Outcome<FileAnswer> search(std::string_view typed, std::int64_t start);
 
 private:
-    HttpResponse searchPage(std::string_view query);
+    HttpResponse searchPage(std::string_view query, Language language);
     Outcome<FileAnswer> findNames(Database& index, const NameQuery& names, std::int64_t start);
     Outcome<FileAnswer> listDirectory(Database& index, std::string_view address, std::int64_t start);
 
@@ -44,7 +44,7 @@ private:
 };
 
 /// Returns the results page in the layout that the program parses.
-std::string fileResultsPage(const FileAnswer& answer, std::string_view typed);
+std::string fileResultsPage(const FileAnswer& answer, std::string_view typed, Language language = Language::English);
 
 /// Returns a name for an element of the page, escaped so that it contains none of the layout's markers.
 std::string fileNameText(std::string_view name);

@@ -5,6 +5,7 @@
 
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/page_head.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
 #include "searches/signs.h"
@@ -17,14 +18,12 @@ namespace {
 
 constexpr std::size_t kMaxPicture = 64 * 1024 * 1024;
 
-constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>Image search</title>
-<style>body { font-family: sans-serif; margin: 2em } .picture { display: inline-block; width: 12em; margin: 0.5em;
-vertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }</style>
-</head>
-<body>
-)";
+std::string imagePageHead(Language language)
+{
+    return pageHead("Image search", language,
+                    "body { font-family: sans-serif; margin: 2em } .picture { display: inline-block; width: 12em; "
+                    "margin: 0.5em;\nvertical-align: top; overflow-wrap: anywhere } img { object-fit: scale-down }");
+}
 
 constexpr std::string_view kThumbnailMark = "q=tbn:";
 constexpr std::string_view kPicturesPath = "/pictures/";
@@ -39,13 +38,12 @@ std::string withoutMarker(std::string_view text)
     return withReplaced(text, "=", "&#61;");
 }
 
-std::string searchForm(std::string_view typed)
+std::string searchForm(std::string_view typed, Language language)
 {
     return "<form action=\"/images\"><div><input type=\"hidden\" name=\"hl\" value=\"en\"><input name=\"q\" "
            "size=\"50\" "
            "value=\"" +
-           withoutMarker(escapeAttribute(toUtf8(typed))) +
-           "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
+           withoutMarker(escapeAttribute(toUtf8(typed))) + "\"> " + submitButton(language) + "</div></form>\n";
 }
 
 /// The program cuts an address out from the second ":" to the next blank, so the path must contain neither.
@@ -83,9 +81,9 @@ std::string versionText(std::int64_t version)
     return text;
 }
 
-HttpResponse missingPicture()
+HttpResponse missingPicture(Language language = Language::English)
 {
-    return errorResponse(404, "There is no such picture.");
+    return errorResponse(404, "There is no such picture.", language);
 }
 
 HttpResponse thumbnailResponse(std::string thumbnail)
@@ -100,13 +98,13 @@ HttpResponse thumbnailResponse(std::string thumbnail)
 
 } // namespace
 
-std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
+std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed, Language language)
 {
-    std::string page(kPageHead);
-    page += searchForm(typed);
+    std::string page = imagePageHead(language);
+    page += searchForm(typed, language);
     if (answer.hits.empty()) {
-        page += "<div>No picture was found for these words.</div>\n</body></html>\n";
-        return page;
+        page.append("<div>").append(translated("No picture was found for these words.", language));
+        return page + "</div>\n</body></html>\n";
     }
     // Rows for sources that did not answer are not counted in the total.
     const auto last = std::min(answer.start + static_cast<std::int64_t>(answer.hits.size()), answer.total);
@@ -116,48 +114,49 @@ std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed)
         page += "<div class=\"picture\"><a href=http://" + hit.address + "><img src=" + hit.thumbnail +
                 " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption)) + "</div>\n";
     }
-    page += pageLinks("/images", typed, answer.start, ImageService::kPageSize, answer.total);
+    page += pageLinks("/images", typed, answer.start, ImageService::kPageSize, answer.total, language);
     page += "</body></html>\n";
     return page;
 }
 
 HttpResponse ImageService::answer(const HttpRequest& request)
 {
+    const Language language = request.language;
     std::string_view path = request.path;
     while (path.substr(0, 2) == "//")
         path.remove_prefix(1);
     if (path == "/") {
-        HttpResponse response;
-        response.body = std::string(kPageHead) + "<h1>Local image search</h1>\n" + searchForm("") +
-                        "<div>Searches the pictures in this machine's folders of icons, backgrounds and documentation, "
-                        "or in the folders that it was given.</div>\n</body></html>\n";
-        return response;
+        std::string page = imagePageHead(language);
+        page.append("<h1>").append(translated("Local image search", language)).append("</h1>\n");
+        page += searchForm("", language);
+        page.append("<div>").append(translated("Searches the pictures in this machine's folders of icons, backgrounds "
+                                               "and documentation, or in the folders that it was given.",
+                                               language));
+        return pageResponse(page + "</div>\n</body></html>\n", language);
     }
     if (path.substr(0, kPicturesPath.size()) == kPicturesPath)
-        return picture(path.substr(kPicturesPath.size()));
+        return picture(path.substr(kPicturesPath.size()), language);
     if (path.starts_with(kRemotePath))
-        return redirect(path.substr(kRemotePath.size()));
+        return redirect(path.substr(kRemotePath.size()), language);
     if (path.starts_with(kHelpPath))
         return helpPage(request);
     if (path != "/images")
-        return errorResponse(404, "There is no such page on the image search.");
+        return errorResponse(404, "There is no such page on the image search.", language);
     const std::string_view query = request.query;
     if (query.substr(0, kThumbnailMark.size()) == kThumbnailMark) {
         const std::size_t place = query.find('/');
         return place == std::string_view::npos ? missingPicture() : thumbnailAt(query.substr(place));
     }
-    return searchPage(query);
+    return searchPage(query, language);
 }
 
-HttpResponse ImageService::searchPage(std::string_view query)
+HttpResponse ImageService::searchPage(std::string_view query, Language language)
 {
     const std::string typed = decodeQueryValue(typedWords(query));
     const Outcome<ImageAnswer> found = searchSources(typed, startPart(query));
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
-    HttpResponse response;
-    response.body = imageResultsPage(*found, typed);
-    return response;
+        return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
+    return pageResponse(imageResultsPage(*found, typed, language), language);
 }
 
 Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)
@@ -280,12 +279,12 @@ HttpResponse ImageService::remoteThumbnail(std::string_view place)
 }
 
 /// Redirects to the picture of the internet at `place`, as for remoteThumbnail().
-HttpResponse ImageService::redirect(std::string_view place)
+HttpResponse ImageService::redirect(std::string_view place, Language language)
 {
     const std::optional<RemotePicture> picture = remote_.find(place.substr(0, place.find('/')));
     if (!picture)
-        return errorResponse(404, "This picture was listed too long ago. Search again.");
-    HttpResponse response = errorResponse(302, "The picture is at " + picture->address + ".");
+        return errorResponse(404, "This picture was listed too long ago. Search again.", language);
+    HttpResponse response = errorResponse(302, "The picture is at %1.", language, picture->address);
     response.fields.emplace_back("Location", picture->address);
     response.fields.emplace_back("Referrer-Policy", "no-referrer");
     return response;
@@ -318,7 +317,7 @@ HttpResponse ImageService::thumbnail(std::string_view place)
 {
     const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
     if (!found)
-        return errorResponse(503, "The thumbnail cannot be served: " + found.error().message + ".");
+        return errorResponse(503, "The thumbnail cannot be served: %1.", Language::English, found.error().message);
     const OpenFile* file = found->get();
     if (thumbnailer_ == nullptr || file == nullptr || file->size() > kMaxPicture)
         return missingPicture();
@@ -331,15 +330,15 @@ HttpResponse ImageService::thumbnail(std::string_view place)
     return thumbnailResponse(std::move(*made)); // a changed picture gets another address
 }
 
-HttpResponse ImageService::picture(std::string_view place)
+HttpResponse ImageService::picture(std::string_view place, Language language)
 {
     const Outcome<std::shared_ptr<const OpenFile>> found = fileAt(place);
     if (!found)
-        return errorResponse(503, "The picture cannot be served: " + found.error().message + ".");
+        return errorResponse(503, "The picture cannot be served: %1.", language, found.error().message);
     const std::optional<PictureFormat> format =
         *found == nullptr ? std::nullopt : pictureFormat((*found)->beginning(kPictureBeginning));
     if (!format)
-        return missingPicture();
+        return missingPicture(language);
     HttpResponse response;
     response.file = *found;
     response.contentType = mediaTypeOf(*format);

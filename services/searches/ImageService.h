@@ -61,10 +61,10 @@ private:
     ImageHit hitOf(const RemotePicture& picture, std::string_view caption);
     HttpResponse thumbnailAt(std::string_view place);
     HttpResponse remoteThumbnail(std::string_view place);
-    HttpResponse redirect(std::string_view place);
-    HttpResponse searchPage(std::string_view query);
+    HttpResponse redirect(std::string_view place, Language language);
+    HttpResponse searchPage(std::string_view query, Language language);
     HttpResponse thumbnail(std::string_view place);
-    HttpResponse picture(std::string_view place);
+    HttpResponse picture(std::string_view place, Language language);
     Outcome<std::shared_ptr<const OpenFile>> fileAt(std::string_view place);
 
     IndexPool& index_;
@@ -78,6 +78,6 @@ private:
 
 /// Returns the results page in the layout that the program parses. Without hits it contains no thumbnail marker,
 /// whatever was typed.
-std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed);
+std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed, Language language = Language::English);
 
 } // namespace quarrynet::services

@@ -6,6 +6,7 @@
 
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/page_head.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
 #include "text/markup.h"
@@ -19,39 +20,39 @@ namespace {
 constexpr std::string_view kPagePolicy =
     "default-src 'none'; img-src 'self' data:; style-src 'self' 'unsafe-inline'; sandbox";
 
-constexpr std::string_view kPageHead = R"(<!DOCTYPE html>
-<html lang="en">
-<head><meta charset="utf-8"><title>Web search</title>
-<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } .address { color: #060 }</style>
-</head>
-<body>
-)";
-
-std::string searchForm(std::string_view typed)
+std::string webPageHead(Language language)
 {
-    return "<form action=\"/search\"><div><input name=\"q\" size=\"50\" value=\"" + escapeAttribute(toUtf8(typed)) +
-           "\"> <input type=\"submit\" value=\"Search\"></div></form>\n";
+    return pageHead(
+        "Web search", language,
+        "body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } .address { color: #060 }");
 }
 
-std::string frontPage()
+std::string searchForm(std::string_view typed, Language language)
 {
-    std::string page(kPageHead);
-    page += "<h1>Local web search</h1>\n";
-    page += searchForm("");
-    page += "<div>Searches the home pages of the programs in this machine's package lists, and the documentation "
-            "installed on it.</div>\n</body></html>\n";
-    return page;
+    return "<form action=\"/search\"><div><input name=\"q\" size=\"50\" value=\"" + escapeAttribute(toUtf8(typed)) +
+           "\"> " + submitButton(language) + "</div></form>\n";
+}
+
+std::string frontPage(Language language)
+{
+    std::string page = webPageHead(language);
+    page.append("<h1>").append(translated("Local web search", language)).append("</h1>\n");
+    page += searchForm("", language);
+    page.append("<div>").append(translated("Searches the home pages of the programs in this machine's package lists, "
+                                           "and the documentation installed on it.",
+                                           language));
+    return page + "</div>\n</body></html>\n";
 }
 
 } // namespace
 
-std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
+std::string webResultsPage(const WebAnswer& answer, std::string_view typed, Language language)
 {
-    std::string page(kPageHead);
-    page += searchForm(typed);
+    std::string page = webPageHead(language);
+    page += searchForm(typed, language);
     if (answer.hits.empty()) {
-        page += "<div>No page was found for these words.</div>\n</body></html>\n";
-        return page;
+        page.append("<div>").append(translated("No page was found for these words.", language));
+        return page + "</div>\n</body></html>\n";
     }
     // Rows for sources that did not answer are not counted in the total.
     const auto last = std::min(answer.start + static_cast<std::int64_t>(answer.hits.size()), answer.total);
@@ -62,7 +63,7 @@ std::string webResultsPage(const WebAnswer& answer, std::string_view typed)
             page += escapeMatches(hit.description) + "<br>\n";
         page += "<span class=\"address\">" + escapeText(hit.address) + "</span></p>\n";
     }
-    page += pageLinks("/search", typed, answer.start, WebService::kPageSize, answer.total);
+    page += pageLinks("/search", typed, answer.start, WebService::kPageSize, answer.total, language);
     page += "</body></html>\n";
     return page;
 }
@@ -73,28 +74,24 @@ HttpResponse WebService::answer(const HttpRequest& request)
     while (path.substr(0, 2) == "//")
         path.remove_prefix(1);
     if (path == "/") {
-        HttpResponse response;
-        response.body = frontPage();
-        return response;
+        return pageResponse(frontPage(request.language), request.language);
     }
     if (path == "/search")
-        return searchPage(request.query);
+        return searchPage(request.query, request.language);
     if (path.starts_with(kHelpPath))
         return helpPage(request);
     if (path.substr(0, 5) == "/doc/")
-        return document(path.substr(5));
-    return errorResponse(404, "There is no such page on the web search.");
+        return document(path.substr(5), request.language);
+    return errorResponse(404, "There is no such page on the web search.", request.language);
 }
 
-HttpResponse WebService::searchPage(std::string_view query)
+HttpResponse WebService::searchPage(std::string_view query, Language language)
 {
     const std::string typed = decodeQueryValue(typedPart(query));
     const Outcome<WebAnswer> found = searchSources(typed, startPart(query));
     if (!found)
-        return errorResponse(503, "The search cannot answer: " + found.error().message + ".");
-    HttpResponse response;
-    response.body = webResultsPage(*found, typed);
-    return response;
+        return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
+    return pageResponse(webResultsPage(*found, typed, language), language);
 }
 
 Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)
@@ -174,9 +171,9 @@ Outcome<std::optional<WebService::Place>> WebService::placeOf(std::int64_t folde
     return std::optional<Place>({std::string(row->text(0)), row->number(1) != 0, row->number(2) != 0});
 }
 
-HttpResponse WebService::document(std::string_view path)
+HttpResponse WebService::document(std::string_view path, Language language)
 {
-    HttpResponse missing = errorResponse(404, "There is no such document.");
+    HttpResponse missing = errorResponse(404, "There is no such document.", language);
     std::optional<ServedPlace> asked = servedPlace(path);
     if (!asked)
         return missing;
@@ -185,7 +182,7 @@ HttpResponse WebService::document(std::string_view path)
         relative += "index.html";
     const Outcome<std::optional<Place>> place = placeOf(asked->folder, relative);
     if (!place)
-        return errorResponse(503, "The documents cannot be served: " + place.error().message + ".");
+        return errorResponse(503, "The documents cannot be served: %1.", language, place.error().message);
     HttpResponse response;
     response.file = *place ? openBeneath((*place)->folder, relative) : nullptr;
     if (response.file == nullptr)

@@ -55,8 +55,8 @@ private:
         bool isPicture = false; ///< an indexed page shows it
     };
 
-    HttpResponse searchPage(std::string_view query);
-    HttpResponse document(std::string_view path);
+    HttpResponse searchPage(std::string_view query, Language language);
+    HttpResponse document(std::string_view path, Language language);
     Outcome<std::optional<Place>> placeOf(std::int64_t folder, std::string_view path);
 
     IndexPool& index_;
@@ -66,6 +66,6 @@ private:
 
 /// Returns the results page in the layout that the program parses. Without hits it contains no result marker, whatever
 /// was typed.
-std::string webResultsPage(const WebAnswer& answer, std::string_view typed);
+std::string webResultsPage(const WebAnswer& answer, std::string_view typed, Language language = Language::English);
 
 } // namespace quarrynet::services

@@ -43,7 +43,7 @@ std::string resultsHeading(std::int64_t first, std::int64_t last, std::int64_t t
 }
 
 std::string pageLinks(std::string_view path, std::string_view typed, std::int64_t start, std::int64_t pageSize,
-                      std::int64_t total)
+                      std::int64_t total, Language language)
 {
     std::string links = "<div>";
     const auto link = [&](std::int64_t to, std::string_view label) {
@@ -54,9 +54,9 @@ std::string pageLinks(std::string_view path, std::string_view typed, std::int64_
         links += "</a>";
     };
     if (start > 0)
-        link(std::max<std::int64_t>(0, start - pageSize), "Previous");
+        link(std::max<std::int64_t>(0, start - pageSize), translated("Previous", language));
     if (start + pageSize < total)
-        link(start + pageSize, "Next");
+        link(start + pageSize, translated("Next", language));
     return links + "</div>\n";
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "text/languages.h"
+
 /// Shared by the web search and the image search: the program sends both the same form and parses the same heading.
 namespace quarrynet::services {
 
@@ -21,6 +23,6 @@ std::string resultsHeading(std::int64_t first, std::int64_t last, std::int64_t t
 /// Returns links to the pages before and after the one that shows `pageSize` of `total` results after the first
 /// `start`. `path` is that of the search.
 std::string pageLinks(std::string_view path, std::string_view typed, std::int64_t start, std::int64_t pageSize,
-                      std::int64_t total);
+                      std::int64_t total, Language language);
 
 } // namespace quarrynet::services
