@@ -166,7 +166,7 @@ bool isWithinReach(const QRect& window, const QList<QRect>& screens)
         desktop += screen;
     const auto area = [](const QRect& part) { return static_cast<qint64>(part.width()) * part.height(); };
     qint64 visible = 0;
-    for (const QRect& part : desktop & window)
+    for (const QRect& part : desktop& window)
         visible += area(part);
     return desktop.contains(QPoint(window.center().x(), window.top())) && 2 * visible >= area(window);
 }

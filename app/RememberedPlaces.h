@@ -35,8 +35,8 @@ public:
     /// their initial sizes.
     void apply();
 
-    /// Writes what is to be remembered, if it differs from what the file holds. Failures are ignored: they must not keep
-    /// the program from ending.
+    /// Writes what is to be remembered, if it differs from what the file holds. Failures are ignored: they must not
+    /// keep the program from ending.
     void remember();
 
     /// Adds the entry that forgets everything.

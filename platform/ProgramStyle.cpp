@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QLabel>
+#include <QPainter>
 
 namespace quarrynet {
 
@@ -42,7 +43,16 @@ void ProgramStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
                                 const QString& text, QPalette::ColorRole role) const
 {
     if (QGuiApplication::isRightToLeft()) {
-        flags &= ~(Qt::TextForceLeftToRight | Qt::TextForceRightToLeft);
+        // The alignment is meant for the direction so far.
+        const bool isLeftToRight =
+            (flags & Qt::TextForceLeftToRight) != 0 ||
+            (!(flags & Qt::TextForceRightToLeft) && painter->layoutDirection() == Qt::LeftToRight);
+        const auto alignment = static_cast<Qt::Alignment>(flags & (Qt::AlignHorizontal_Mask | Qt::AlignVertical_Mask));
+        const Qt::Alignment shown =
+            QStyle::visualAlignment(isLeftToRight ? Qt::LeftToRight : Qt::RightToLeft, alignment) | Qt::AlignAbsolute;
+        flags &=
+            ~(Qt::AlignHorizontal_Mask | Qt::AlignVertical_Mask | Qt::TextForceLeftToRight | Qt::TextForceRightToLeft);
+        flags |= static_cast<int>(shown);
         flags |= text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     }
     QProxyStyle::drawItemText(painter, rect, flags, palette, enabled, text, role);

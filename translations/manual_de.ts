@@ -141,35 +141,35 @@
     </message>
     <message>
         <source>History</source>
-        <translation type="unfinished"></translation>
+        <translation>Verlauf</translation>
     </message>
     <message>
         <source>The program can remember what you searched for and offer it when you type. It does so only if you switch it on with View &amp;gt; Keep History, because searches are private.</source>
-        <translation type="unfinished"></translation>
+        <translation>Das Programm kann sich merken, wonach Sie gesucht haben, und es beim Tippen vorschlagen. Es tut dies nur, wenn Sie es mit View &amp;gt; Verlauf aufzeichnen einschalten, denn Suchen sind privat.</translation>
     </message>
     <message>
         <source>While you type, a list below the field shows the earlier entries that contain the typed text, newest first. The Down key opens it as well; in an empty field it shows all entries. Keywords, page addresses and file names have a list each.</source>
-        <translation type="unfinished"></translation>
+        <translation>Während Sie tippen, zeigt eine Liste unter dem Feld die früheren Einträge, die den eingegebenen Text enthalten, die neuesten zuerst. Auch die Taste Ab öffnet sie; in einem leeren Feld zeigt sie alle Einträge. Suchbegriffe, Seitenadressen und Dateinamen haben je eine eigene Liste.</translation>
     </message>
     <message>
         <source>Nothing is taken from the list until you choose it. Choose an entry with the Down and Up keys and press Enter to search for it, or click it to take it into the field. Enter without a chosen entry searches for what you typed.</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus der Liste wird nichts übernommen, bevor Sie es auswählen. Wählen Sie einen Eintrag mit den Tasten Ab und Auf und drücken Sie die Eingabetaste, um danach zu suchen, oder klicken Sie ihn an, um ihn in das Feld zu übernehmen. Die Eingabetaste ohne ausgewählten Eintrag sucht nach dem, was Sie eingegeben haben.</translation>
     </message>
     <message>
         <source>Escape closes the list; press it again to stop a search. Delete removes the chosen entry from the history.</source>
-        <translation type="unfinished"></translation>
+        <translation>Escape schließt die Liste; noch einmal gedrückt, bricht es eine Suche ab. Entf löscht den ausgewählten Eintrag aus dem Verlauf.</translation>
     </message>
     <message>
         <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein Eintrag entsteht, wenn eine Suche beginnt. Von jeder Liste bleiben die neuesten 100 erhalten. Texte von mehr als 2.000 Byte und Adressen mit einem Benutzernamen oder Passwort ("user:password@host") werden nicht aufgezeichnet. Ein Passwort an anderer Stelle einer Adresse, etwa hinter einem "?", wird nicht erkannt.</translation>
     </message>
     <message>
         <source>View &amp;gt; Clear History deletes all entries. While Keep History is off, nothing is written and nothing is offered; entries from before stay until you clear them.</source>
-        <translation type="unfinished"></translation>
+        <translation>View &amp;gt; Verlauf löschen entfernt alle Einträge. Solange das Aufzeichnen ausgeschaltet ist, wird nichts geschrieben und nichts vorgeschlagen; ältere Einträge bleiben, bis Sie sie löschen.</translation>
     </message>
     <message>
         <source>The history is in the file &lt;code&gt;Quarrynet.history&lt;/code&gt; beside &lt;a href="proxy.html"&gt;the settings&lt;/a&gt;. Only you can read it. The switch is the section &lt;code&gt;[History]&lt;/code&gt; of the settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Verlauf steht in der Datei &lt;code&gt;Quarrynet.history&lt;/code&gt; neben &lt;a href="proxy.html"&gt;den Einstellungen&lt;/a&gt;. Nur Sie können sie lesen. Der Schalter ist der Abschnitt &lt;code&gt;[History]&lt;/code&gt; der Einstellungen.</translation>
     </message>
     <message>
         <source>Size</source>
@@ -178,6 +178,10 @@
     <message>
         <source>Everything in the window, text included, grows and shrinks with the window. The smallest size is half the initial size. If your desktop's font is too large for the initial window, the window uses a smaller one.</source>
         <translation>Alles im Fenster, auch der Text, wächst und schrumpft mit dem Fenster. Die kleinste Größe ist die halbe Anfangsgröße. Wenn die Schrift Ihres Desktops für das anfängliche Fenster zu groß ist, benutzt das Fenster eine kleinere.</translation>
+    </message>
+    <message>
+        <source>The program remembers where its window was when you closed it, and the columns of the download and file lists if you have changed their widths; the next window starts there. A place that is not on a screen any more is not used, and on Wayland the desktop alone decides about the place. The size, the tab and the other columns always start the same. View &amp;gt; Forget Place and Columns gives the columns their original widths, and the next window a place of the desktop's choice. All this is in the file &lt;code&gt;Quarrynet.state&lt;/code&gt; beside &lt;a href="proxy.html"&gt;the settings&lt;/a&gt;.</source>
+        <translation>Das Programm merkt sich, wo sein Fenster beim Schließen war, und die Spalten der Download- und der Dateiliste, wenn Sie deren Breite geändert haben; das nächste Fenster beginnt dort. Ein Platz, der auf keinem Bildschirm mehr liegt, wird nicht benutzt, und unter Wayland bestimmt allein der Desktop den Platz. Größe, Registerkarte und die übrigen Spalten sind am Anfang immer gleich. View &amp;gt; Platz und Spalten vergessen gibt den Spalten ihre ursprüngliche Breite und dem nächsten Fenster einen Platz, den der Desktop wählt. All dies steht in der Datei &lt;code&gt;Quarrynet.state&lt;/code&gt; neben &lt;a href="proxy.html"&gt;den Einstellungen&lt;/a&gt;.</translation>
     </message>
 </context>
 <context>
@@ -373,47 +377,47 @@
     </message>
     <message>
         <source>Down</source>
-        <translation type="unfinished"></translation>
+        <translation>Ab</translation>
     </message>
     <message>
         <source>opens the list of earlier entries, if &lt;a href="index.html#history"&gt;the history&lt;/a&gt; is on</source>
-        <translation type="unfinished"></translation>
+        <translation>öffnet die Liste früherer Einträge, wenn &lt;a href="index.html#history"&gt;der Verlauf&lt;/a&gt; eingeschaltet ist</translation>
     </message>
     <message>
         <source>In the list of earlier entries</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Liste früherer Einträge</translation>
     </message>
     <message>
         <source>Down, Up</source>
-        <translation type="unfinished"></translation>
+        <translation>Ab, Auf</translation>
     </message>
     <message>
         <source>choose an entry</source>
-        <translation type="unfinished"></translation>
+        <translation>wählen einen Eintrag aus</translation>
     </message>
     <message>
         <source>takes the chosen entry and does what Enter does in the field</source>
-        <translation type="unfinished"></translation>
+        <translation>übernimmt den ausgewählten Eintrag und bewirkt, was die Eingabetaste im Feld bewirkt</translation>
     </message>
     <message>
         <source>Delete</source>
-        <translation type="unfinished"></translation>
+        <translation>Entf</translation>
     </message>
     <message>
         <source>removes the chosen entry from the history</source>
-        <translation type="unfinished"></translation>
+        <translation>löscht den ausgewählten Eintrag aus dem Verlauf</translation>
     </message>
     <message>
         <source>closes the list and keeps the typed text</source>
-        <translation type="unfinished"></translation>
+        <translation>schließt die Liste und behält den eingegebenen Text</translation>
     </message>
     <message>
         <source>Tab</source>
-        <translation type="unfinished"></translation>
+        <translation>Tab</translation>
     </message>
     <message>
         <source>closes the list and goes to the next control</source>
-        <translation type="unfinished"></translation>
+        <translation>schließt die Liste und führt zum nächsten Bedienelement</translation>
     </message>
     <message>
         <source>In a list of results</source>

@@ -12,7 +12,7 @@
     <name>HistoryFile</name>
     <message>
         <source>The file belongs to another user.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Datei gehört einem anderen Benutzer.</translation>
     </message>
 </context>
 <context>
@@ -183,18 +183,18 @@
     <name>quarrynet::EntryPopup</name>
     <message>
         <source>Earlier entries</source>
-        <translation type="unfinished"></translation>
+        <translation>Frühere Einträge</translation>
     </message>
 </context>
 <context>
     <name>quarrynet::FieldHistory</name>
     <message>
         <source>&amp;Keep History</source>
-        <translation type="unfinished"></translation>
+        <translation>Verlauf &amp;aufzeichnen</translation>
     </message>
     <message>
         <source>&amp;Clear History</source>
-        <translation type="unfinished"></translation>
+        <translation>Verlauf &amp;löschen</translation>
     </message>
 </context>
 <context>
@@ -301,6 +301,13 @@
     <message>
         <source>page %1</source>
         <translation>Seite %1</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::RememberedPlaces</name>
+    <message>
+        <source>&amp;Forget Place and Columns</source>
+        <translation>Platz und Spalten &amp;vergessen</translation>
     </message>
 </context>
 <context>

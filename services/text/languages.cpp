@@ -122,8 +122,9 @@ std::string_view translated(std::string_view english, Language language)
 {
     if (language == Language::English)
         return english;
-    const auto* const row = std::lower_bound(kRows.begin(), kRows.end(), english,
-                                             [](const Row& each, std::string_view text) { return each.english < text; });
+    const auto* const row =
+        std::lower_bound(kRows.begin(), kRows.end(), english,
+                         [](const Row& each, std::string_view text) { return each.english < text; });
     if (row == kRows.end() || row->english != english)
         return english;
     const std::string_view text = row->others[static_cast<std::size_t>(language) - 1];

@@ -83,13 +83,15 @@ bool hasLatinLetters(const QString& text)
 /// Returns the texts in `root` and its children that are neither fixed nor in the right-to-left language.
 QStringList untranslated(QObject& root, const QSet<QString>& fixed)
 {
+    static const QRegularExpression accelerator(u"&[A-Za-z]"_s);         // a Latin letter in every language
     static const QRegularExpression figure(u"^[0-9.,]+( Second/s)?$"_s); // as the service reported it
     QStringList found;
     QList<QObject*> objects = root.findChildren<QObject*>();
     objects.prepend(&root);
     for (QObject* object : objects) {
         for (const QString& text : textsOf(*object)) {
-            if (!fixed.contains(text) && hasLatinLetters(text) && !figure.match(text).hasMatch())
+            const QString words = QString(text).remove(accelerator);
+            if (!fixed.contains(text) && hasLatinLetters(words) && !figure.match(text).hasMatch())
                 found.append(object->objectName() + u": "_s + text);
         }
     }
@@ -290,6 +292,11 @@ private slots:
             const double free = control->width() - control->fontMetrics().horizontalAdvance(text);
             QVERIFY2(painted.leftOf(text) > free - 4, label); // at the right end of its place
         }
+        QHeaderView* header = window.control<QTreeView>("ListView1")->header();
+        const PaintedText painted(*header->viewport());
+        const QString first = u"Website Address"_s;
+        const double free = header->sectionSize(0) - header->fontMetrics().horizontalAdvance(first);
+        QVERIFY(painted.leftOf(first) > free - 12); // in its section
         const std::unique_ptr<Registry> registry = systemRegistry();
         frmAbout about(*registry, [](const std::string&) { return true; });
         const QString caption = u"System Info..."_s;

@@ -310,7 +310,10 @@ private slots:
     }
 
 private:
-    QString stateFile() const { return window_->folder() + QDir::separator() + u"Quarrynet.state"_s; }
+    QString stateFile() const
+    {
+        return window_->folder() + QDir::separator() + u"Quarrynet.state"_s;
+    }
 
     void writeState(const QByteArray& content)
     {
@@ -337,7 +340,10 @@ private:
         return pictures;
     }
 
-    void verifyStartTab() { QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 0); }
+    void verifyStartTab()
+    {
+        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 0);
+    }
 
     // Verifies that nothing remembered has had an effect: the desktop placed the window.
     void verifyDesign()

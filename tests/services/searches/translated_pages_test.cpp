@@ -65,7 +65,8 @@ TEST(TranslatedPages, ErrorsAreInTheLanguageOfTheRequest)
     EXPECT_TRUE(contains(response.body, "<html lang=\"de\">"));
     EXPECT_TRUE(contains(response.body, "Dieser Proxy f\xc3\xbchrt nur zu den lokalen Suchdiensten, nicht zu h."));
     request.language = Language::English;
-    EXPECT_TRUE(contains(router.answerAsProxy(request).body, "This proxy serves the local search services only, not h."));
+    EXPECT_TRUE(
+        contains(router.answerAsProxy(request).body, "This proxy serves the local search services only, not h."));
 }
 
 TEST(TranslatedPages, TheHeadNamesTheLanguageAndWhatItDependsOn)
@@ -114,7 +115,8 @@ TEST(TranslatedPages, WebResultsAreReadBackFromEveryLanguage)
     const std::string page = webResultsPage(answer, "words", german());
     EXPECT_TRUE(contains(page, "value=\"Suchen\""));
     EXPECT_TRUE(contains(page, ">Weiter</a>"));
-    EXPECT_TRUE(contains(page, ">Zur\xc3\xbc" "ck</a>"));
+    EXPECT_TRUE(contains(page, ">Zur\xc3\xbc"
+                               "ck</a>"));
     const WebResults read = parseWebResults(page);
     const WebResults wanted = parseWebResults(english);
     EXPECT_EQ(read.lists.addresses, wanted.lists.addresses);
@@ -122,7 +124,8 @@ TEST(TranslatedPages, WebResultsAreReadBackFromEveryLanguage)
     // Between the heading and the links, the pages are the same byte for byte.
     const std::string_view rows = from(english, "<div>Results");
     EXPECT_TRUE(contains(page, rows.substr(0, rows.rfind("<div>"))));
-    EXPECT_TRUE(contains(webResultsPage({}, "words", german()), "Zu diesen W\xc3\xb6rtern wurde keine Seite gefunden."));
+    EXPECT_TRUE(
+        contains(webResultsPage({}, "words", german()), "Zu diesen W\xc3\xb6rtern wurde keine Seite gefunden."));
 }
 
 TEST(TranslatedPages, FilesThatAreNotThereAreKnownInEveryLanguage)

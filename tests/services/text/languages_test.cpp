@@ -65,8 +65,8 @@ TEST(PreferredLanguage, AllowsBlanksAndIgnoresMalformedRanges)
     EXPECT_EQ(chosen(" \tde ;  q=0.5\t, en ; q=0.4 "), "de");
     EXPECT_EQ(chosen("de;Q=0.5,en;q=0.4"), "de");
     for (const char* malformed :
-         {"de;q=", "de;q=2", "de;q=1.5", "de;q=0.1234", "de;q=.5", "de;q=x", "de;q=-1", "de;q=0,5x", "de;level=1", "de;",
-          "de;q=0.5;q=1", ";q=1", ",,,", ";", "=", "\"de\"", "de q=1"})
+         {"de;q=", "de;q=2", "de;q=1.5", "de;q=0.1234", "de;q=.5", "de;q=x", "de;q=-1", "de;q=0,5x", "de;level=1",
+          "de;", "de;q=0.5;q=1", ";q=1", ",,,", ";", "=", "\"de\"", "de q=1"})
         EXPECT_EQ(chosen(malformed), "en") << malformed;
     EXPECT_EQ(chosen("en;q=2,de;q=0.1"), "de");
 }
