@@ -176,10 +176,29 @@ void PagingSlider::drawNumbers(QPainter& painter, const Texts& texts)
     }
 }
 
+// Draws what QSlider draws. Styles place the tick marks as if the slider began at the control's left end.
+void PagingSlider::drawMovedSlider()
+{
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    QPainter painter(this);
+    painter.translate(option.rect.left(), 0);
+    option.rect.moveLeft(0);
+    option.subControls = QStyle::SC_SliderGroove | QStyle::SC_SliderHandle | QStyle::SC_SliderTickmarks;
+    if (isSliderDown()) {
+        option.activeSubControls = QStyle::SC_SliderHandle;
+        option.state |= QStyle::State_Sunken;
+    }
+    style()->drawComplexControl(QStyle::CC_Slider, &option, &painter, this);
+}
+
 void PagingSlider::paintEvent(QPaintEvent* event)
 {
-    QSlider::paintEvent(event);
     const Texts places = texts();
+    if (places.slider.left() == 0)
+        QSlider::paintEvent(event);
+    else
+        drawMovedSlider();
     if (!places.hasCaption && !places.hasNumbers)
         return;
     QPainter painter(this);

@@ -64,6 +64,7 @@ private:
     Texts texts() const;
     QString positionAt(int page) const;
     int thumbCentre(const QStyleOptionSlider& option, int page) const;
+    void drawMovedSlider();
     void drawNumbers(QPainter& painter, const Texts& texts);
     void tellPosition();
     void showPage(int page);

@@ -148,6 +148,38 @@ private slots:
         QCOMPARE(slider.value(), 1);
     }
 
+    // Styles drew the tick marks of a slider that does not begin at the left below its caption.
+    void fromRightToLeftTheTickMarksStayAtTheSlider_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::newRow("Fusion") << u"Fusion"_s;
+        QTest::newRow("Windows") << u"Windows"_s;
+    }
+
+    void fromRightToLeftTheTickMarksStayAtTheSlider()
+    {
+        QFETCH(QString, style);
+        const std::unique_ptr<QStyle> drawn(QStyleFactory::create(style));
+        PagingSlider slider;
+        slider.setStyle(drawn.get());
+        slider.setLayoutDirection(Qt::RightToLeft);
+        slider.resize(576, 30);
+        slider.setEnabled(true);
+        slider.setTotal(130);
+        const QRect band = optionOf(slider).rect;
+        QVERIFY(band.left() > 0);
+        const QImage picture = slider.grab().toImage();
+        const auto isEmpty = [&](int from, int to, int y) {
+            for (int x = from; x < to; ++x) {
+                if (picture.pixel(x, y) != picture.pixel(0, 0))
+                    return false;
+            }
+            return true;
+        };
+        QVERIFY(isEmpty(0, band.left() - 1, band.bottom() - 1));
+        QVERIFY(!isEmpty(band.left(), band.right(), band.bottom() - 1));
+    }
+
     void everyPageUpdatesThePosition_data()
     {
         QTest::addColumn<int>("tag");
@@ -212,7 +244,7 @@ private slots:
     }
 
 private:
-    static QRect thumb(const PagingSlider& slider)
+    static QStyleOptionSlider optionOf(const PagingSlider& slider)
     {
         class Opened final : public QSlider
         {
@@ -221,6 +253,12 @@ private:
         };
         QStyleOptionSlider option;
         (slider.*(&Opened::initStyleOption))(&option);
+        return option;
+    }
+
+    static QRect thumb(const PagingSlider& slider)
+    {
+        const QStyleOptionSlider option = optionOf(slider);
         return slider.style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, &slider);
     }
 };
