@@ -15,6 +15,7 @@
 #include "app/Language.h"
 #include "app/Main.h"
 #include "app/Tour.h"
+#include "app/manual_page.h"
 #include "platform/ProgramFolder.h"
 #include "platform/ProgramStyle.h"
 #include "platform/Shell.h"
@@ -24,22 +25,6 @@
 using namespace quarrynet;
 
 namespace {
-
-// Returns the path of the manual in `language`, or in English if it has no other: beside the program, or where an
-// installation keeps shared files. Empty if neither place has it.
-std::string manualPage(const QString& language)
-{
-    const QDir here(QCoreApplication::applicationDirPath());
-    for (const char* place : {"manual/", QUARRYNET_INSTALLED_MANUAL "/"}) {
-        for (const QString& folder : {language + QLatin1Char('/'), QString()}) {
-            const QString page =
-                QDir::cleanPath(here.filePath(QLatin1String(place) + folder + QLatin1String("index.html")));
-            if (QFile::exists(page))
-                return toPathBytes(page);
-        }
-    }
-    return {};
-}
 
 // Returns the arguments behind the program's name. No application exists yet that could list them.
 QStringList decoded(int argc, [[maybe_unused]] char** argv)
@@ -150,7 +135,11 @@ int main(int argc, char** argv)
         showFileError(nullptr, folder.path, QCoreApplication::translate("main", "The folder cannot be written."));
         return 1;
     }
-    const std::string manual = manualPage(language.code());
+    const QDir here(QCoreApplication::applicationDirPath());
+    const std::string manual = manualPage(
+        // beside the program, or where an installation keeps shared files
+        {here.filePath(QStringLiteral("manual")), here.filePath(QStringLiteral(QUARRYNET_INSTALLED_MANUAL))},
+        language.code());
     const std::string help = QUARRYNET_HELP_PAGE_URL;
     DesktopShell shell(manual);
     const ServiceHosts hosts = {QUARRYNET_WEB_SEARCH_HOST, QUARRYNET_IMAGE_SEARCH_HOST, QUARRYNET_DOWNLOAD_SITE_HOST,

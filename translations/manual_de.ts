@@ -144,8 +144,8 @@
         <translation>Verlauf</translation>
     </message>
     <message>
-        <source>The program can remember what you searched for and offer it when you type. It does so only if you switch it on with View &amp;gt; Keep History, because searches are private.</source>
-        <translation>Das Programm kann sich merken, wonach Sie gesucht haben, und es beim Tippen vorschlagen. Es tut dies nur, wenn Sie es mit View &amp;gt; Verlauf aufzeichnen einschalten, denn Suchen sind privat.</translation>
+        <source>The program remembers what you searched for and offers it when you type. View &amp;gt; Keep History switches that off.</source>
+        <translation>Das Programm merkt sich, wonach Sie gesucht haben, und schlägt es beim Tippen vor. View &amp;gt; Verlauf aufzeichnen schaltet das aus.</translation>
     </message>
     <message>
         <source>While you type, a list below the field shows the earlier entries that contain the typed text, newest first. The Down key opens it as well; in an empty field it shows all entries. Keywords, page addresses and file names have a list each.</source>
@@ -251,6 +251,14 @@
     <message>
         <source>The gallery is a page in the program's folder. A browser engine shows it, and starts when you first open this tab. If the engine is missing, cannot start in its sandbox (as for root) or hangs on a page, a plain view shows the same thumbnails and says why.</source>
         <translation>Die Galerie ist eine Seite im Ordner des Programms. Eine Browser-Engine zeigt sie an; sie startet, wenn Sie diese Registerkarte zum ersten Mal öffnen. Wenn die Engine fehlt, nicht in ihrer Sandbox starten kann (wie für root) oder an einer Seite hängen bleibt, zeigt eine einfache Ansicht dieselben Vorschaubilder und nennt den Grund.</translation>
+    </message>
+    <message>
+        <source>The gallery has as many columns as fit, in the desktop's colours and font. The arrow keys, Home and End go from picture to picture, and Enter opens the chosen one, as a click does. Ctrl+Plus, Ctrl+Minus and Ctrl+0, or Ctrl with the mouse wheel, change its size.</source>
+        <translation>Die Galerie hat so viele Spalten, wie hineinpassen, in den Farben und der Schrift des Desktops. Die Pfeiltasten, Pos1 und Ende führen von Bild zu Bild, und die Eingabetaste öffnet das ausgewählte wie ein Klick. Strg+Plus, Strg+Minus und Strg+0 oder Strg mit dem Mausrad ändern ihre Größe.</translation>
+    </message>
+    <message>
+        <source>A caption is cut after four lines until its picture is chosen; the tool tip shows the address. A dashed frame stands in place of a picture that does not load.</source>
+        <translation>Eine Bildunterschrift ist nach vier Zeilen abgeschnitten, bis ihr Bild ausgewählt ist; der Tooltip zeigt die Adresse. Anstelle eines Bildes, das sich nicht laden lässt, steht ein gestrichelter Rahmen.</translation>
     </message>
     <message>
         <source>The view is locked down: it loads nothing but thumbnails (PNG, JPEG, GIF and WebP), runs no scripts, stores nothing, and has no menus.</source>
@@ -462,6 +470,30 @@
     <message>
         <source>In the gallery</source>
         <translation>In der Galerie</translation>
+    </message>
+    <message>
+        <source>Arrow keys</source>
+        <translation>Pfeiltasten</translation>
+    </message>
+    <message>
+        <source>choose the picture beside, above or below</source>
+        <translation>wählen das Bild daneben, darüber oder darunter aus</translation>
+    </message>
+    <message>
+        <source>choose the first or the last picture</source>
+        <translation>wählen das erste oder letzte Bild aus</translation>
+    </message>
+    <message>
+        <source>opens the chosen picture in your browser, as a click does</source>
+        <translation>öffnet das ausgewählte Bild wie ein Klick im Browser</translation>
+    </message>
+    <message>
+        <source>Ctrl+Plus, Ctrl+Minus, Ctrl+0</source>
+        <translation>Strg+Plus, Strg+Minus, Strg+0</translation>
+    </message>
+    <message>
+        <source>make the gallery larger, smaller, or as large as at the start</source>
+        <translation>vergrößern oder verkleinern die Galerie oder geben ihr die Größe vom Anfang zurück</translation>
     </message>
     <message>
         <source>The gallery keeps Alt with any key, F5, Ctrl+N and Ctrl+R for its page, which ignores them. To use one of them, go to another control first, with Tab or Ctrl+L. All other keys of this page work in the gallery, too.</source>

@@ -226,6 +226,10 @@
         <source>The browser view cannot start: %1</source>
         <translation>Die Browseransicht kann nicht starten: %1</translation>
     </message>
+    <message>
+        <source>No picture</source>
+        <translation>Kein Bild</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::ImageSearch</name>

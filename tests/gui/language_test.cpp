@@ -10,6 +10,7 @@
 #include <QStatusBar>
 
 #include "PaintedText.h"
+#include "app/manual_page.h"
 #include "dialogs/Dialog.h"
 #include "dialogs/Proxy.h"
 #include "dialogs/frmAbout.h"
@@ -163,6 +164,30 @@ private slots:
         }
         QVERIFY(!QGuiApplication::isRightToLeft());
         QCOMPARE(QCoreApplication::translate("quarrynet::Main", "Toolbar"), u"Toolbar"_s);
+    }
+
+    void theManualIsInTheLanguageIfItHasOne()
+    {
+        QTemporaryDir folder;
+        const QDir place(folder.path());
+        QVERIFY(place.mkpath(u"first/de"_s) && place.mkpath(u"second/de"_s));
+        const auto pageIn = [&place](const QString& language) {
+            return QString::fromStdString(
+                       manualPage({place.filePath(u"first"_s), place.filePath(u"second"_s)}, language))
+                .remove(place.path());
+        };
+        QCOMPARE(pageIn(u"de"_s), QString());
+        for (const QString& name : {u"second/index.html"_s, u"second/de/index.html"_s, u"first/index.html"_s}) {
+            QFile file(place.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.close();
+            QCOMPARE(pageIn(u"de"_s), u'/' + name); // each is better than the one before
+        }
+        QCOMPARE(pageIn(u"en"_s), u"/first/index.html"_s);
+        QVERIFY(QFile::remove(place.filePath(u"first/index.html"_s)));
+        QCOMPARE(pageIn(u"de"_s), u"/second/de/index.html"_s);
+        QCOMPARE(pageIn(u"en"_s), u"/second/index.html"_s);
+        QCOMPARE(pageIn(QString()), u"/second/index.html"_s);
     }
 
     void everyTextIsFixedOrTranslated()
