@@ -3,7 +3,7 @@
 #include <vector>
 
 #ifdef _WIN32
-#include <shellapi.h>
+#include <shellapi.h> // needs the types of windows.h
 #include <windows.h>
 #endif
 
