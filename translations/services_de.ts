@@ -356,6 +356,17 @@
     </message>
 </context>
 <context>
+    <name>missing_content</name>
+    <message>
+        <source>The index has no programs, because this machine has no package lists. Connect it to a network, run "sudo apt update", then "quarrynet-services index".</source>
+        <translation>Der Index hat keine Programme, weil dieser Rechner keine Paketlisten hat. Verbinden Sie ihn mit einem Netz und führen Sie erst "sudo apt update", dann "quarrynet-services index" aus.</translation>
+    </message>
+    <message>
+        <source>The index has no pictures, because this machine has none where it looked. Run "quarrynet-services index --pictures FOLDER" with a folder of pictures.</source>
+        <translation>Der Index hat keine Bilder, weil dieser Rechner dort, wo gesucht wurde, keine hat. Führen Sie "quarrynet-services index --pictures ORDNER" mit einem Ordner voller Bilder aus.</translation>
+    </message>
+</context>
+<context>
     <name>page_head</name>
     <message>
         <source>Search</source>

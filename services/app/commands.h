@@ -16,5 +16,6 @@ int runIndex(const Options& options);
 int runCrawl(const Options& options);
 int runServe(const Options& options);
 int runCheck(const Options& options);
+int runStatus(const Options& options);
 
 } // namespace quarrynet::services

@@ -80,20 +80,26 @@ void handOver(const std::string& folder, uid_t user, gid_t group)
     });
 }
 
+Outcome<std::string> dataFolderPath(const std::string& chosen)
+{
+    if (!chosen.empty())
+        return chosen;
+    const char* data = std::getenv("XDG_DATA_HOME");
+    const char* home = std::getenv("HOME");
+    // A relative XDG_DATA_HOME must be ignored.
+    if (data != nullptr && data[0] == '/')
+        return (std::filesystem::path(data) / "quarrynet").string();
+    if (home != nullptr && home[0] != '\0')
+        return (std::filesystem::path(home) / ".local/share/quarrynet").string();
+    return Failure{"HOME is not set; choose a folder with --data"};
+}
+
 Outcome<std::string> openDataFolder(const std::string& chosen)
 {
-    std::filesystem::path folder = chosen;
-    if (folder.empty()) {
-        const char* data = std::getenv("XDG_DATA_HOME");
-        const char* home = std::getenv("HOME");
-        // A relative XDG_DATA_HOME must be ignored.
-        if (data != nullptr && data[0] == '/')
-            folder = std::filesystem::path(data) / "quarrynet";
-        else if (home != nullptr && home[0] != '\0')
-            folder = std::filesystem::path(home) / ".local/share/quarrynet";
-        else
-            return Failure{"HOME is not set; choose a folder with --data"};
-    }
+    const Outcome<std::string> path = dataFolderPath(chosen);
+    if (!path)
+        return path.error();
+    const std::filesystem::path folder = *path;
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error)

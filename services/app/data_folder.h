@@ -11,6 +11,12 @@ namespace quarrynet::services {
 inline constexpr const char* kCrawlRecords = "crawls.tsv";
 inline constexpr const char* kCrawlLock = "crawls.lock";
 
+/// The folder of the index of the system's services, as their units set it.
+inline constexpr const char* kSystemDataFolder = "/var/lib/quarrynet";
+
+/// Returns the folder that openDataFolder() opens, without looking whether it is there.
+Outcome<std::string> dataFolderPath(const std::string& chosen);
+
 /// The index holds private texts, so files made in the data folder, and older files there, are accessible to its user
 /// only; so is the folder itself unless it contains other things.
 ///

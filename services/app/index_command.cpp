@@ -77,6 +77,10 @@ int runIndex(const Options& options)
     if (counts->leftOut.count > 0)
         std::fprintf(stderr, "quarrynet-services: %zu items were left out, such as %s\n", counts->leftOut.count,
                      counts->leftOut.first.c_str());
+    if (counts->programs == 0 && sources.packageFiles.empty())
+        std::fputs("quarrynet-services: the index has no programs, because this machine has no package lists; connect "
+                   "it to a network, run \"sudo apt update\", then index again\n",
+                   stderr);
     return 0;
 }
 

@@ -51,6 +51,8 @@ int run(int argc, char** argv)
         return runServe(*options);
     case Options::Command::Check:
         return runCheck(*options);
+    case Options::Command::Status:
+        return runStatus(*options);
     case Options::Command::Version:
         std::puts("quarrynet-services " QUARRYNET_VERSION);
         return 0;

@@ -103,22 +103,28 @@ void addCrawl(CLI::App& app, Options& options)
     });
 }
 
-void addServe(CLI::App& app, Options& options)
+/// The options that say where the services listen.
+void addAddresses(CLI::App& command, Options& options)
 {
     constexpr int kMost = 65535;
-    CLI::App* serve = app.add_subcommand("serve", "Answer searches until Ctrl+C or SIGTERM");
-    addText(*serve, "--web-address", options.webAddress, "ADDRESS",
+    addText(command, "--web-address", options.webAddress, "ADDRESS",
             "where the web search listens (default 127.80.0.1)");
-    addText(*serve, "--image-address", options.imageAddress, "ADDRESS",
+    addText(command, "--image-address", options.imageAddress, "ADDRESS",
             "where the image search listens (default 127.80.0.2)");
-    addText(*serve, "--download-address", options.downloadAddress, "ADDRESS",
+    addText(command, "--download-address", options.downloadAddress, "ADDRESS",
             "where the download search listens (default 127.80.0.3)");
-    addText(*serve, "--file-address", options.fileAddress, "ADDRESS",
+    addText(command, "--file-address", options.fileAddress, "ADDRESS",
             "where the file search listens (default 127.80.0.4)");
-    addNumber(*serve, "--port", options.port, 0, kMost, "the port of all services; 0 picks free ones");
-    addText(*serve, "--proxy-address", options.proxyAddress, "ADDRESS",
+    addNumber(command, "--port", options.port, 0, kMost, "the port of all services; 0 picks free ones");
+    addText(command, "--proxy-address", options.proxyAddress, "ADDRESS",
             "where the HTTP proxy to the services listens (default 127.0.0.1)");
-    addNumber(*serve, "--proxy-port", options.proxyPort, 0, kMost, "its port; 0 picks a free one");
+    addNumber(command, "--proxy-port", options.proxyPort, 0, kMost, "its port; 0 picks a free one");
+}
+
+void addServe(CLI::App& app, Options& options)
+{
+    CLI::App* serve = app.add_subcommand("serve", "Answer searches until Ctrl+C or SIGTERM");
+    addAddresses(*serve, options);
     addText(*serve, "--user", options.user, "NAME",
             "the user that root becomes once all services listen (default nobody)");
     addConfig(*serve, options);
@@ -132,6 +138,15 @@ void addCheck(CLI::App& app, Options& options)
     addConfig(*check, options);
     addText(*check, "--words", options.checkWords, "WORDS", "the words to search for (default linux)");
     check->final_callback([&options] { options.command = Options::Command::Check; });
+}
+
+void addStatus(CLI::App& app, Options& options)
+{
+    CLI::App* status =
+        app.add_subcommand("status", "Say what is indexed, since when, what answers, and what to do about the rest");
+    addAddresses(*status, options);
+    addConfig(*status, options);
+    status->final_callback([&options] { options.command = Options::Command::Status; });
 }
 
 } // namespace
@@ -151,6 +166,7 @@ Outcome<Options> parseOptions(const std::vector<std::string>& arguments)
     addCrawl(app, options);
     addServe(app, options);
     addCheck(app, options);
+    addStatus(app, options);
     for (CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         addText(*command, "--data", options.dataFolder, "FOLDER",
                 "where the index is kept (default: quarrynet in $XDG_DATA_HOME or ~/.local/share)");

@@ -19,6 +19,7 @@ struct Options
         Index,
         Crawl,
         Check,
+        Status,
     };
 
     Command command = Command::Help;
@@ -44,7 +45,7 @@ struct Options
     std::uint32_t crawlMinutes = 60;
     std::uint32_t crawlRate = 10; ///< maximum listings per second
 
-    // serve; an empty address is the service's default
+    // serve and status; an empty address is the service's default
     std::string webAddress;
     std::string imageAddress;
     std::string downloadAddress;
@@ -59,7 +60,7 @@ struct Options
     // check
     std::string checkWords = "linux";
 
-    std::string configFile; ///< serve and check; empty: the user's configuration folder
+    std::string configFile; ///< all but index; empty: the user's configuration folder
 };
 
 /// Parses the arguments after the program's name. Options are "--name value" or "--name=value", flags just "--name".

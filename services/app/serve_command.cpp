@@ -12,6 +12,7 @@
 #include "app/own_program.h"
 #include "app/privileges.h"
 #include "app/service_table.h"
+#include "app/status_page.h"
 #include "config/services_file.h"
 #include "ground/utf8.h"
 #include "http/HttpServer.h"
@@ -206,11 +207,16 @@ int runServe(const Options& options)
             service.handler = logged(service.name, std::move(service.handler));
     }
     for (Service& service : services) {
-        const std::string& fault = service.name == "web" ? usable.webFault : usable.imageFault;
-        if (fault.empty() || (service.name != "web" && service.name != "image"))
-            continue;
-        say("the " + service.name + " search does not answer until this is corrected: " + fault);
-        service.handler = misconfigured(fault);
+        std::string fault;
+        if (service.name == "web")
+            fault = usable.webFault;
+        else if (service.name == "image")
+            fault = usable.imageFault;
+        if (!fault.empty()) {
+            say("the " + service.name + " search does not answer until this is corrected: " + fault);
+            service.handler = misconfigured(fault);
+        }
+        service.handler = withStatusPage(service.name, fault, index, std::move(service.handler));
     }
     const bool hasManager = !handed.sockets.empty();
     RefusalReport refusals(options.port, hasManager);

@@ -5,6 +5,8 @@
 #include <utility>
 #include <variant>
 
+#include "app/status_page.h"
+
 namespace quarrynet::services {
 
 namespace {
@@ -71,7 +73,9 @@ std::variant<std::uint16_t, HttpServer::Refusal> startProxy(HttpServer& server, 
                                                             std::string& address, std::uint16_t port,
                                                             std::vector<HandedSocket>& handed)
 {
-    const HttpServer::Handler answer = [&router](const HttpRequest& request) { return router.answerAsProxy(request); };
+    const HttpServer::Handler answer = [&router](const HttpRequest& request) {
+        return !request.absoluteForm && request.path == kStatusPath ? proxyStatusPage() : router.answerAsProxy(request);
+    };
     std::optional<HandedSocket> socket = takeSocketFor(handed, kProxyName, address, {});
     if (!socket)
         return server.listen(address, port, answer);

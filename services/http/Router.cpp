@@ -18,7 +18,7 @@ bool isNumeric(const std::string& host)
 /// An answer would ask that source again, without an end.
 bool isOwnRequest(const HttpRequest& request)
 {
-    return request.agent.starts_with(kOwnAgent);
+    return request.agent.starts_with(kOwnAgent) && request.path != Router::kOwnPage;
 }
 
 HttpResponse loopResponse(Language language)

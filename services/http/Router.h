@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "http/message.h"
 
@@ -17,6 +18,9 @@ public:
 
     /// Adds the handler for `host`, as it appears in addresses, without a port.
     void add(const std::string& host, Handler handler);
+
+    /// A page that the services may ask each other for, because its answer asks nobody.
+    static constexpr std::string_view kOwnPage = "/status";
 
     /// Returns the response to a request at a service's own port. An absolute address in the request (RFC 9112, section
     /// 3.2.2) selects the service by its host. A Host that is not an IP address, "localhost" or a service's host gets

@@ -252,20 +252,27 @@ Outcome<Done> IndexWriter::Parts::takeOverCrawls(IndexWriter& writer) const
     return Done{};
 }
 
-Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder, const std::function<bool()>& again)
+Outcome<IndexWriter> IndexWriter::begin(const std::string& dataFolder, const std::function<bool()>& again,
+                                        bool mayReplaceNewer)
 {
-    return start(dataFolder, IndexLock::take(dataFolder, again), false);
+    return start(dataFolder, IndexLock::take(dataFolder, again), false, mayReplaceNewer);
 }
 
 Outcome<IndexWriter> IndexWriter::extend(const std::string& dataFolder, const std::function<bool()>& again)
 {
-    return start(dataFolder, IndexLock::take(dataFolder, again), true);
+    return start(dataFolder, IndexLock::take(dataFolder, again), true, false);
 }
 
-Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld)
+Outcome<IndexWriter> IndexWriter::start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld,
+                                        bool mayReplaceNewer)
 {
     if (!lock)
         return lock.error();
+    if (!mayReplaceNewer) {
+        const Outcome<Done> known = refuseNewerIndex(dataFolder);
+        if (!known)
+            return known.error();
+    }
     auto parts = std::make_unique<Parts>(dataFolder, std::move(*lock));
     const Outcome<Done> opened = parts->open(fromOld);
     if (!opened)

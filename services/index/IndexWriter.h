@@ -40,11 +40,12 @@ class IndexWriter
 {
 public:
     /// Starts a new, empty index. commit() copies the crawled sites from the old one. `again` is as for
-    /// IndexLock::take().
-    static Outcome<IndexWriter> begin(const std::string& dataFolder, const std::function<bool()>& again = {});
+    /// IndexLock::take(). Fails if the old one is from a newer version of this program, unless `mayReplaceNewer`.
+    static Outcome<IndexWriter> begin(const std::string& dataFolder, const std::function<bool()>& again = {},
+                                      bool mayReplaceNewer = false);
 
     /// Starts from a copy of the index in use, or a new one when there is none of this layout. `again` is as for
-    /// IndexLock::take().
+    /// IndexLock::take(). Fails if the index in use is from a newer version of this program.
     static Outcome<IndexWriter> extend(const std::string& dataFolder, const std::function<bool()>& again = {});
 
     IndexWriter(IndexWriter&&) noexcept;
@@ -104,7 +105,8 @@ public:
 
 private:
     struct Parts;
-    static Outcome<IndexWriter> start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld);
+    static Outcome<IndexWriter> start(const std::string& dataFolder, Outcome<IndexLock> lock, bool fromOld,
+                                      bool mayReplaceNewer);
     explicit IndexWriter(std::unique_ptr<Parts> parts);
 
     std::unique_ptr<Parts> parts_;

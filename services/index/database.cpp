@@ -62,6 +62,10 @@ CREATE VIRTUAL TABLE picture_text USING fts5(name, place, content='picture', con
     tokenize='porter unicode61 remove_diacritics 2');
 )";
 
+constexpr const char* kNewerRemedy =
+    "install that version again, or run \"quarrynet-services index --force\" to replace the index, which loses the "
+    "crawled servers";
+
 std::function<bool()> timeIsUp(std::chrono::milliseconds time)
 {
     return [deadline = std::chrono::steady_clock::now() + time] {
@@ -107,6 +111,16 @@ Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder)
     return std::optional<Database>(std::move(*old));
 }
 
+Outcome<Done> refuseNewerIndex(const std::string& dataFolder)
+{
+    Outcome<Database> old = Database::open(indexPath(dataFolder), Database::Access::Read);
+    const Outcome<std::int64_t> layout = old ? indexLayout(*old) : Outcome<std::int64_t>(old.error());
+    if (!layout || *layout <= kIndexLayout)
+        return Done{};
+    return Failure{"the index in " + dataFolder + " is from a newer version of this program, and is kept; " +
+                   kNewerRemedy};
+}
+
 Failure keepOld(const std::string& dataFolder, const Failure& fault)
 {
     return Failure{"the index in use cannot be read, and is kept (" + fault.message +
@@ -147,8 +161,11 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
 {
     struct stat status
     {};
-    if (::stat(path_.c_str(), &status) != 0)
-        return Failure{"there is no index yet; run \"quarrynet-services index\" to make one"};
+    if (::stat(path_.c_str(), &status) != 0) {
+        if (errno == ENOENT || errno == ENOTDIR)
+            return Failure{"there is no index yet; run \"quarrynet-services index\" to make one"};
+        return Failure{std::string("the index cannot be read: ") + std::strerror(errno)};
+    }
     std::uint64_t generation = 0;
     {
         const std::lock_guard lock(mutex_);
@@ -184,6 +201,8 @@ Outcome<std::unique_ptr<Database>> IndexPool::connect()
     const Outcome<std::int64_t> layout = indexLayout(*opened);
     if (!layout)
         return layout.error();
+    if (*layout > kIndexLayout)
+        return Failure{std::string("the index is from a newer version of this program; ") + kNewerRemedy};
     if (*layout != kIndexLayout)
         return Failure{"the index has another version; run \"quarrynet-services index\" to make a new one"};
     const Outcome<Done> added = addExcerpt(*opened);

@@ -37,6 +37,10 @@ Outcome<std::int64_t> indexLayout(Database& database);
 /// intact index as damaged when the disk fails for a moment.
 Outcome<std::optional<Database>> openToTakeOver(const std::string& dataFolder);
 
+/// Fails for an index of a newer version of this program, which only its user may decide to lose. Other faults are
+/// those of openToTakeOver().
+Outcome<Done> refuseNewerIndex(const std::string& dataFolder);
+
 /// Returns the message for a new index that cannot be made because of `fault` in the old one.
 Failure keepOld(const std::string& dataFolder, const Failure& fault);
 
@@ -60,6 +64,9 @@ public:
     /// Keeps the data folder open, so that the index is found even after this process has lost the right to enter it.
     /// Call before the first borrow() only. Does nothing where the system does not support it.
     void keepFolder();
+
+    /// Returns the path by which this process finds the index.
+    const std::string& path() const { return path_; }
 
     /// Closes idle connections. Call it after giving up rights, because they were opened with the former ones.
     void closeIdle();

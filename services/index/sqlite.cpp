@@ -19,6 +19,8 @@ Failure describeFault(sqlite3* handle)
 {
     if (sqlite3_errcode(handle) == SQLITE_INTERRUPT)
         return Failure{"it took too long"};
+    if (sqlite3_errcode(handle) == SQLITE_FULL)
+        return Failure{"the disk is full; make room, or choose a folder on another one with --data"};
     return Failure{std::string("the index database reports: ") + sqlite3_errmsg(handle)};
 }
 

@@ -7,6 +7,7 @@
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/missing_content.h"
 #include "searches/page_head.h"
 #include "text/markup.h"
 
@@ -157,7 +158,10 @@ HttpResponse DownloadService::searchPage(int page, std::string_view query, Langu
     const Outcome<ProgramAnswer> found = search(typed, (static_cast<std::int64_t>(page) - 1) * kPageSize);
     if (!found)
         return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
-    return pageResponse(downloadResultsPage(*found, typed, language), language);
+    std::string content = downloadResultsPage(*found, typed, language);
+    if (found->hits.empty())
+        noteMissing(content, index_, Missing::Programs, language);
+    return pageResponse(std::move(content), language);
 }
 
 Outcome<ProgramAnswer> DownloadService::search(std::string_view typed, std::int64_t start)

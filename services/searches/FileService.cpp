@@ -5,6 +5,7 @@
 #include "ground/decimal.h"
 #include "ground/percent_coding.h"
 #include "searches/listed_files.h"
+#include "searches/missing_content.h"
 #include "searches/page_head.h"
 #include "text/markup.h"
 
@@ -236,7 +237,10 @@ HttpResponse FileService::searchPage(std::string_view query, Language language)
     const Outcome<FileAnswer> found = search(typed, asked.start);
     if (!found)
         return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
-    return pageResponse(fileResultsPage(*found, typed, language), language);
+    std::string content = fileResultsPage(*found, typed, language);
+    if (found->hits.empty())
+        noteMissing(content, index_, Missing::Programs, language);
+    return pageResponse(std::move(content), language);
 }
 
 Outcome<FileAnswer> FileService::search(std::string_view typed, std::int64_t start)

@@ -5,6 +5,7 @@
 
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/missing_content.h"
 #include "searches/page_head.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
@@ -156,7 +157,10 @@ HttpResponse ImageService::searchPage(std::string_view query, Language language)
     const Outcome<ImageAnswer> found = searchSources(typed, startPart(query));
     if (!found)
         return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
-    return pageResponse(imageResultsPage(*found, typed, language), language);
+    std::string content = imageResultsPage(*found, typed, language);
+    if (found->hits.empty())
+        noteMissing(content, index_, Missing::Pictures, language);
+    return pageResponse(std::move(content), language);
 }
 
 Outcome<ImageAnswer> ImageService::search(std::string_view typed, std::int64_t start)

@@ -6,6 +6,7 @@
 
 #include "ground/percent_coding.h"
 #include "ground/utf8.h"
+#include "searches/missing_content.h"
 #include "searches/page_head.h"
 #include "searches/search_page.h"
 #include "searches/served_files.h"
@@ -91,7 +92,10 @@ HttpResponse WebService::searchPage(std::string_view query, Language language)
     const Outcome<WebAnswer> found = searchSources(typed, startPart(query));
     if (!found)
         return errorResponse(503, "The search cannot answer: %1.", language, found.error().message);
-    return pageResponse(webResultsPage(*found, typed, language), language);
+    std::string content = webResultsPage(*found, typed, language);
+    if (found->hits.empty())
+        noteMissing(content, index_, Missing::Programs, language);
+    return pageResponse(std::move(content), language);
 }
 
 Outcome<WebAnswer> WebService::search(std::string_view typed, std::int64_t start)

@@ -338,7 +338,7 @@ Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& c
 Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
                                 const std::function<void(const std::string&)>& progress)
 {
-    Outcome<IndexWriter> writer = IndexWriter::begin(dataFolder, sources.again);
+    Outcome<IndexWriter> writer = IndexWriter::begin(dataFolder, sources.again, sources.force);
     if (!writer)
         return writer.error();
     Run run(*writer, progress);

@@ -273,6 +273,31 @@ TEST_F(Program, TheDataFolderIsItsUsersAlone)
 
 #ifdef __linux__
 
+TEST_F(Program, AFullDiskKeepsTheIndexAndLeavesNothingHalfMade)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can mount a small disk";
+    std::filesystem::create_directory(data());
+    std::string stanzas;
+    for (int i = 0; i < 20'000; ++i)
+        stanzas += "Package: p" + std::to_string(i) + "\nDescription: fills the disk\nFilename: p.deb\n\n";
+    const std::string small = folder_.write("small", "Package: apple\nFilename: apple.deb\n");
+    const std::string large = folder_.write("large", stanzas);
+    const std::string command = std::string(QUARRYNET_SERVICES " index --data ") + data() +
+                                " --mirror http://m.example --folder /none --pictures /none --packages ";
+    RunningProgram run({"/usr/bin/unshare", "--mount", "/bin/sh", "-c",
+                        "mount -t tmpfs -o size=2m tmpfs " + data() + " || exit 9; " + command + small +
+                            " 2>/dev/null || exit 8; cp " + data() + "/index.sqlite " + folder_.path() + "/old; " +
+                            command + large + "; echo status $?; ls " + data() + "; cmp " + data() + "/index.sqlite " +
+                            folder_.path() + "/old && echo same"},
+                       folder_.path() + "/errors");
+    const std::string output = run.readAll();
+    if (run.wait() == 9)
+        GTEST_SKIP() << "this machine forbids to mount: " << run.errors();
+    EXPECT_EQ(output, "status 1\nindex.lock\nindex.sqlite\nsame\n") << run.errors();
+    EXPECT_NE(run.errors().find("the disk is full; make room"), std::string::npos) << run.errors();
+}
+
 TEST_F(Program, WhatListeningTookIsGivenUp)
 {
     index();

@@ -290,6 +290,32 @@ TEST_F(Index, AMuchPoorerIndexIsNotTakenUnlessForced)
     EXPECT_TRUE(build(stanza("p", "apple")));
 }
 
+// Once an older program replaced the index of a newer one, and the crawled servers in it were lost.
+TEST_F(Index, OneOfANewerVersionIsKeptUnlessForced)
+{
+    ASSERT_TRUE(build(stanza("p", "apple")));
+    const std::string newer = "PRAGMA user_version = " + std::to_string(kIndexLayout + 1);
+    ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute(newer.c_str()));
+    IndexPool pool(data_.path());
+    const Outcome<IndexPool::Lease> lease = pool.borrow();
+    ASSERT_FALSE(lease);
+    EXPECT_NE(lease.error().message.find("newer version"), std::string::npos) << lease.error().message;
+    EXPECT_NE(lease.error().message.find("--force"), std::string::npos) << lease.error().message;
+    const Outcome<IndexWriter> begun = IndexWriter::begin(data_.path());
+    ASSERT_FALSE(begun);
+    EXPECT_NE(begun.error().message.find("newer version"), std::string::npos) << begun.error().message;
+    const Outcome<IndexWriter> extended = IndexWriter::extend(data_.path());
+    ASSERT_FALSE(extended);
+    EXPECT_NE(extended.error().message.find("newer version"), std::string::npos) << extended.error().message;
+    EXPECT_FALSE(build(stanza("p", "pear")));
+    Outcome<Database> kept = Database::open(indexPath(data_.path()), Database::Access::Read);
+    EXPECT_EQ(*indexLayout(*kept), kIndexLayout + 1);
+    IndexSources forced{{input_.write("list", stanza("p", "pear"))}};
+    forced.force = true;
+    EXPECT_TRUE(buildIndex(data_.path(), forced, quiet));
+    EXPECT_EQ(find(pool, "pear").size(), 1U);
+}
+
 TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
 {
     std::string stanzas = "Package: a\nDescription: ";
