@@ -18,6 +18,10 @@ public:
 
     using QProxyStyle::polish;
 
+    // Gives texts the contrast that people need to read them, where the desktop's colours have less. This runs at each
+    // change of those colours.
+    void polish(QPalette& palette) override;
+
     // In a window that reads from right to left, labels begin at the right. Qt aligns them by the direction of their
     // text, and English captions would be at the wrong end of their places.
     void polish(QWidget* widget) override;
@@ -26,6 +30,11 @@ public:
     // otherwise have their colons and dots at the wrong end.
     void drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
                       const QString& text, QPalette::ColorRole role) const override;
+
+    // Draws the thumb of a slider that can be moved in a colour that stands out. Otherwise it differs little from the
+    // thumb of a disabled one, and in dark colours from nothing.
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
 };
 
 } // namespace quarrynet

@@ -12,8 +12,8 @@ inline constexpr double kShapeContrast = 3;
 /// Returns the contrast ratio of two opaque colours, 1 to 21, as those guidelines define it.
 double contrastRatio(const QColor& first, const QColor& second);
 
-/// Returns `wanted`, or the nearest colour between it and black or white that has at least the contrast `ratio` (at
-/// most 4.5) against `background`.
+/// Returns `wanted`, or the nearest colour between it and black or white that has at least the contrast `ratio` against
+/// `background`. A ratio above 4.5 may be out of reach; then the result is black or white.
 QColor readableOn(const QColor& background, const QColor& wanted, double ratio = kTextContrast);
 
 /// Returns the colour between `first` and `second`; `share` (0 to 1) is that of `second`.

@@ -146,8 +146,9 @@ HttpResponse helpPage(const HttpRequest& request)
     const std::string_view title = translated("A source did not answer", language);
     page = "<!DOCTYPE html>\n<html lang=\"";
     page.append(codeOf(language)).append("\">\n<head><meta charset=\"utf-8\"><title>").append(title);
-    page +=
-        "</title>\n<style>body { font-family: sans-serif; margin: 2em; max-width: 40em }</style></head>\n<body>\n<h1>";
+    page += "</title>\n<style>:root { color-scheme: light dark } body { font-family: sans-serif; margin: 2em; "
+            "max-width: 40em }</style>"
+            "</head>\n<body>\n<h1>";
     page.append(title).append("</h1>\n<p>");
     page.append(escapeText(fault.source.empty() ? translated(shownName(fault), language) : fault.source)).append(": ");
     page.append(escapeText(translated(texts->says, language)));

@@ -25,7 +25,8 @@ std::string webPageHead(Language language)
 {
     return pageHead(
         "Web search", language,
-        "body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } .address { color: #060 }");
+        "body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } .address { color: #060 } "
+        "@media (prefers-color-scheme: dark) { .address { color: #8c8 } }");
 }
 
 std::string searchForm(std::string_view typed, Language language)

@@ -8,7 +8,9 @@ std::string pageHead(std::string_view title, Language language, std::string_view
 {
     std::string head = "<!DOCTYPE html>\n<html lang=\"";
     head.append(codeOf(language)).append("\">\n<head><meta charset=\"utf-8\"><title>");
-    head.append(escapeText(translated(title, language))).append("</title>\n<style>").append(style);
+    head.append(escapeText(translated(title, language)))
+        .append("</title>\n<style>:root { color-scheme: light dark } ")
+        .append(style);
     return head + "</style>\n</head>\n<body>\n";
 }
 

@@ -139,19 +139,24 @@ TEST(TranslatedPages, EnglishPagesHaveTheirOldBytes)
 {
     EXPECT_EQ(webResultsPage({}, "a"),
               "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\"><title>Web search</title>\n"
-              "<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } p { margin: 1em 0 } "
-              ".address { color: #060 }</style>\n</head>\n<body>\n<form action=\"/search\"><div>"
+              "<style>:root { color-scheme: light dark } body { font-family: sans-serif; margin: 2em; max-width: 60em "
+              "} p { margin: 1em 0 } "
+              ".address { color: #060 } "
+              "@media (prefers-color-scheme: dark) { .address { color: #8c8 } }</style>\n</head>\n<body>\n<form "
+              "action=\"/search\"><div>"
               "<input name=\"q\" size=\"50\" value=\"a\"> <input type=\"submit\" value=\"Search\"></div></form>\n"
               "<div>No page was found for these words.</div>\n</body></html>\n");
     EXPECT_EQ(fileResultsPage({}, "a"),
               "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\"><title>File search</title>\n"
-              "<style>body { font-family: sans-serif; margin: 2em }</style>\n</head>\n<body>\n"
+              "<style>:root { color-scheme: light dark } body { font-family: sans-serif; margin: 2em "
+              "}</style>\n</head>\n<body>\n"
               "<form action=\"/cgi-bin/s\"><div><input type=\"hidden\" name=\"t\" value=\"f\">"
               "<input name=\"q\" size=\"50\">\n<input type=\"submit\" value=\"Search\"></div></form>\n"
               "<div>Sorry, not found: no file or directory has this in its name.</div>\n</body></html>\n");
     EXPECT_EQ(downloadPage("http://a.example/b"),
               "<!DOCTYPE html>\n<html lang=\"en\">\n<head><meta charset=\"utf-8\"><title>Download search</title>\n"
-              "<style>body { font-family: sans-serif; margin: 2em; max-width: 60em } .program { margin: 1em 0 }"
+              "<style>:root { color-scheme: light dark } body { font-family: sans-serif; margin: 2em; max-width: 60em "
+              "} .program { margin: 1em 0 }"
               "</style>\n</head>\n<body>\n<script>newlocation = \"http%3A%2F%2Fa.example%2Fb#\"; "
               "location.replace(newlocation.replace(/%3A/g, \":\").replace(/%2F/g, \"/\"));</script>\n"
               "<div><a href=\"http://a.example/b\">Download</a></div>\n</body></html>\n");
