@@ -3,8 +3,10 @@
 #include <vector>
 
 #ifdef _WIN32
-#include <shellapi.h> // needs the types of windows.h
+// clang-format off: shellapi.h needs the types of windows.h
+#include <shellapi.h>
 #include <windows.h>
+// clang-format on
 #endif
 
 #include <QApplication>
