@@ -3,10 +3,9 @@
 #include <vector>
 
 #ifdef _WIN32
-// clang-format off: shellapi.h needs the types of windows.h
-#include <shellapi.h>
 #include <windows.h>
-// clang-format on
+// Must come after windows.h.
+#include <shellapi.h>
 #endif
 
 #include <QApplication>

@@ -74,8 +74,9 @@ void ProgramStyle::drawItemText(QPainter* painter, const QRect& rect, int flags,
         const auto alignment = static_cast<Qt::Alignment>(flags & (Qt::AlignHorizontal_Mask | Qt::AlignVertical_Mask));
         const Qt::Alignment shown =
             QStyle::visualAlignment(isLeftToRight ? Qt::LeftToRight : Qt::RightToLeft, alignment) | Qt::AlignAbsolute;
-        flags &=
-            ~(Qt::AlignHorizontal_Mask | Qt::AlignVertical_Mask | Qt::TextForceLeftToRight | Qt::TextForceRightToLeft);
+        constexpr unsigned kReplaced = static_cast<unsigned>(Qt::AlignHorizontal_Mask) | Qt::AlignVertical_Mask |
+                                       Qt::TextForceLeftToRight | Qt::TextForceRightToLeft;
+        flags = static_cast<int>(static_cast<unsigned>(flags) & ~kReplaced);
         flags |= static_cast<int>(shown);
         flags |= text.isRightToLeft() ? Qt::TextForceRightToLeft : Qt::TextForceLeftToRight;
     }

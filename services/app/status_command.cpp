@@ -125,10 +125,9 @@ void reportAnswers(const std::vector<Asked>& services, Report& report)
     for (const Asked& asked : services)
         anyAnswers = anyAnswers || asked.status;
     if (!anyAnswers)
-        report.problems.emplace_back(
-            "No service answers.",
-            "Start the system's: sudo systemctl start quarrynet-services.socket\n"
-            "    or your own: quarrynet-services serve");
+        report.problems.emplace_back("No service answers.",
+                                     "Start the system's: sudo systemctl start quarrynet-services.socket\n"
+                                     "    or your own: quarrynet-services serve");
     for (const Asked& asked : services) {
         const std::string what = asked.name == kProxyName ? "The proxy" : "The " + asked.name + " search";
         const std::string where = asked.address + ":" + std::to_string(asked.port);
@@ -247,7 +246,8 @@ int runStatus(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
         return 1;
     }
-    const bool hasConfig = !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
+    const bool hasConfig =
+        !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
     const UsableServices usable = loadUsableServices(hasConfig ? options.configFile : kSystemConfig);
     const auto addressOr = [](const std::string& chosen, const char* usual) {
         return chosen.empty() ? std::string(usual) : chosen;

@@ -102,11 +102,10 @@ Router::Handler withStatusPage(const std::string& service, const std::string& fa
     return [service, fault, &index, handler = std::move(handler)](const HttpRequest& request) {
         if (request.path != kStatusPath)
             return handler(request);
-        ServiceStatus status{QUARRYNET_VERSION, service, fault, "", indexTime(index.path()),
-                             unfinishedIndexTime(index.path()), {}};
+        ServiceStatus status{
+            QUARRYNET_VERSION, service, fault, "", indexTime(index.path()), unfinishedIndexTime(index.path()), {}};
         Outcome<IndexPool::Lease> lease = index.borrow();
-        const Outcome<IndexSummary> summary =
-            lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
+        const Outcome<IndexSummary> summary = lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
         if (summary)
             status.counts = {{std::string(kCounts[0]), summary->webPages},
                              {std::string(kCounts[1]), summary->pictures},

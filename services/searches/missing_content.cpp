@@ -19,9 +19,10 @@ void noteMissing(std::string& page, IndexPool& index, Missing kind, Language lan
     page.resize(page.size() - kEnd.size());
     const std::string_view note =
         kind == Missing::Programs
-            ? translated("The index has no programs, because this machine has no package lists. Connect it to a network, "
-                         "run \"sudo apt update\", then \"quarrynet-services index\".",
-                         language)
+            ? translated(
+                  "The index has no programs, because this machine has no package lists. Connect it to a network, "
+                  "run \"sudo apt update\", then \"quarrynet-services index\".",
+                  language)
             : translated("The index has no pictures, because this machine has none where it looked. Run "
                          "\"quarrynet-services index --pictures FOLDER\" with a folder of pictures.",
                          language);

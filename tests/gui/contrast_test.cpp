@@ -206,8 +206,9 @@ void ContrastTest::check(QWidget& part)
         if (place.width() < 2 || place.height() < 2 || (control && !control->isEnabled()))
             continue;
         const Measured found = measured(image, place);
-        const QString what = u"%1 in %2: %3 on %4 is %5"_s.arg(text.text, control ? control->objectName() : part.objectName(),
-                                                           found.letters.name(), found.background.name())
+        const QString what = u"%1 in %2: %3 on %4 is %5"_s
+                                 .arg(text.text, control ? control->objectName() : part.objectName(),
+                                      found.letters.name(), found.background.name())
                                  .arg(found.ratio);
         QVERIFY2(found.ratio >= kTextContrast, qPrintable(what));
     }

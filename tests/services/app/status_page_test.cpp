@@ -23,8 +23,8 @@ HttpRequest requestFor(const std::string& path)
 
 TEST(StatusPage, IsReadAsItWasWritten)
 {
-    const ServiceStatus status{"1.1.0", "web", "file:3: wrong", "none yet", 1700000000, 1700000001,
-                               {{"web pages", 5}, {"programs", 0}}};
+    const ServiceStatus status{
+        "1.1.0", "web", "file:3: wrong", "none yet", 1700000000, 1700000001, {{"web pages", 5}, {"programs", 0}}};
     const std::optional<ServiceStatus> read = readStatus(ExactCopy(statusText(status)).view());
     ASSERT_TRUE(read);
     EXPECT_EQ(read->version, "1.1.0");
@@ -99,9 +99,8 @@ TEST(StatusPage, IsServedToTheProgramItselfAndByTheProxyButNotToForeignPages)
     Router router;
     const TemporaryFolder folder;
     IndexPool index(folder.path());
-    const Router::Handler handler = withStatusPage("web", "wrong", index, [](const HttpRequest&) {
-        return HttpResponse{};
-    });
+    const Router::Handler handler =
+        withStatusPage("web", "wrong", index, [](const HttpRequest&) { return HttpResponse{}; });
     router.add("127.80.0.1", handler);
     HttpRequest own = requestFor("/status");
     own.agent = std::string(kOwnAgent) + "1";

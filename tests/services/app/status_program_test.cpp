@@ -49,9 +49,9 @@ protected:
     /// The addresses of this test's services; their port belongs to `taken_` at 127.0.0.1.
     std::vector<std::string> addresses() const
     {
-        return {"--web-address",  "127.80.5.1", "--image-address", "127.80.5.2", "--download-address",
-                "127.80.5.3",     "--file-address", "127.80.5.4",  "--port",     port_,
-                "--proxy-address", "127.80.5.5", "--proxy-port",   port_};
+        return {"--web-address",   "127.80.5.1",     "--image-address", "127.80.5.2", "--download-address",
+                "127.80.5.3",      "--file-address", "127.80.5.4",      "--port",     port_,
+                "--proxy-address", "127.80.5.5",     "--proxy-port",    port_};
     }
 
     RunningProgram serve()
@@ -128,8 +128,8 @@ TEST_F(StatusProgram, IndexesThatCannotBeUsedAreToldApart)
     EXPECT_THAT(status(), HasSubstr("another version"));
     folder_.write("data/index.sqlite.new", "");
     EXPECT_THAT(status(), HasSubstr("An index is being made"));
-    std::filesystem::last_write_time(data() + "/index.sqlite.new", std::filesystem::file_time_type::clock::now() -
-                                                                       std::chrono::hours(1));
+    std::filesystem::last_write_time(data() + "/index.sqlite.new",
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     EXPECT_THAT(status(), HasSubstr("Making an index was interrupted"));
 }
 
@@ -153,8 +153,8 @@ TEST_F(StatusProgram, AnIndexOfAnotherUserIsCountedByTheServices)
     index();
     RunningProgram server = serve();
     (void)server.readLine();
-    std::vector<std::string> arguments{"/usr/bin/setpriv", "--reuid=daemon", "--clear-groups", QUARRYNET_SERVICES,
-                                       "status", "--data", data()};
+    std::vector<std::string> arguments{
+        "/usr/bin/setpriv", "--reuid=daemon", "--clear-groups", QUARRYNET_SERVICES, "status", "--data", data()};
     const std::vector<std::string> where = addresses();
     arguments.insert(arguments.end(), where.begin(), where.end());
     std::filesystem::permissions(data(), std::filesystem::perms::owner_all);
