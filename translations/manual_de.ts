@@ -104,8 +104,8 @@
         <translation>unter der Adresse läuft kein Dienst</translation>
     </message>
     <message>
-        <source>on Linux, start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
-        <translation>unter Linux &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
+        <source>on Linux, type &lt;code&gt;quarrynet-services status&lt;/code&gt; in a terminal: it says what is missing and how to start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
+        <translation>unter Linux in einem Terminal &lt;code&gt;quarrynet-services status&lt;/code&gt; eingeben: das sagt, was fehlt und wie &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
     </message>
     <message>
         <source>there is no computer of this name</source>
@@ -122,6 +122,10 @@
     <message>
         <source>check the network and the address; where only a proxy leads out, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on</source>
         <translation>Netzwerk und Adresse prüfen; wo nur ein Proxy nach außen führt, &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; einschalten</translation>
+    </message>
+    <message>
+        <source>If a service answers but finds nothing at all, its index may be missing or still in the making; &lt;code&gt;quarrynet-services status&lt;/code&gt; says so too.</source>
+        <translation>Wenn ein Dienst antwortet, aber gar nichts findet, fehlt vielleicht sein Index oder entsteht noch; auch das sagt &lt;code&gt;quarrynet-services status&lt;/code&gt;.</translation>
     </message>
     <message>
         <source>Words</source>
@@ -689,8 +693,20 @@
         <translation>antwortet, bis es beendet wird</translation>
     </message>
     <message>
-        <source>"Error #: 10061" means that no service is listening: start the services. They need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and use port 8780.</source>
-        <translation>"Error #: 10061" bedeutet, dass kein Dienst erreichbar ist: Starten Sie die Dienste. Sie brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und benutzen Port 8780.</translation>
+        <source>"Error #: 10061" means that no service is listening. &lt;code&gt;quarrynet-services status&lt;/code&gt; says what is indexed, since when, what answers, and what to do about the rest.</source>
+        <translation>"Error #: 10061" bedeutet, dass kein Dienst erreichbar ist. &lt;code&gt;quarrynet-services status&lt;/code&gt; sagt, was im Index steht, seit wann, was antwortet und was gegen das Übrige zu tun ist.</translation>
+    </message>
+    <message>
+        <source>Installed services are started by the system when a search asks for them: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</source>
+        <translation>Installierte Dienste startet das System, sobald eine Suche sie braucht: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</translation>
+    </message>
+    <message>
+        <source>Services of your own work without the system's: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; then switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and enter 127.0.0.1 and 8781.</source>
+        <translation>Eigene Dienste laufen auch ohne die des Systems: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; dann schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8781 ein.</translation>
+    </message>
+    <message>
+        <source>Services that you start in a terminal need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch the proxy on and use port 8780.</source>
+        <translation>Dienste, die Sie in einem Terminal starten, brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie den Proxy ein und benutzen Port 8780.</translation>
     </message>
     <message>
         <source>On Windows</source>
