@@ -65,7 +65,7 @@
     </message>
     <message>
         <source>shows the connection on the left ("Connecting", "Connected", "Closed") and the step of the search on the right ("Requesting Data", "Downloading Data").</source>
-        <translation>zeigt links die Verbindung ("Connecting" beim Aufbau, "Connected", "Closed" am Ende) und rechts den Schritt der Suche ("Requesting Data" beim Anfragen, "Downloading Data" beim Empfangen).</translation>
+        <translation>zeigt links die Verbindung („Connecting“ beim Aufbau, „Connected“, „Closed“ am Ende) und rechts den Schritt der Suche („Requesting Data“ beim Anfragen, „Downloading Data“ beim Empfangen).</translation>
     </message>
     <message>
         <source>The line below the tabs</source>
@@ -85,7 +85,7 @@
     </message>
     <message>
         <source>The searches need services, which are programs of their own. A box with "Error #:" means that none answered:</source>
-        <translation>Die Suchen brauchen Dienste, das sind eigene Programme. Eine Meldung mit "Error #:" bedeutet, dass keiner geantwortet hat:</translation>
+        <translation>Die Suchen brauchen Dienste, das sind eigene Programme. Eine Meldung mit „Error #:“ bedeutet, dass keiner geantwortet hat:</translation>
     </message>
     <message>
         <source>number</source>
@@ -133,7 +133,7 @@
     </message>
     <message>
         <source>Spaces before and after your words are ignored, and a space between two words is sent as "+". Everything else is sent as typed. Each service decides what the words mean; see &lt;a href="services.html"&gt;the local services&lt;/a&gt; for theirs.</source>
-        <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als "+" gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
+        <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als „+“ gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
     </message>
     <message>
         <source>From a terminal or a menu</source>
@@ -165,7 +165,7 @@
     </message>
     <message>
         <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>
-        <translation>Ein Eintrag entsteht, wenn eine Suche beginnt. Von jeder Liste bleiben die neuesten 100 erhalten. Texte von mehr als 2.000 Byte und Adressen mit einem Benutzernamen oder Passwort ("user:password@host") werden nicht aufgezeichnet. Ein Passwort an anderer Stelle einer Adresse, etwa hinter einem "?", wird nicht erkannt.</translation>
+        <translation>Ein Eintrag entsteht, wenn eine Suche beginnt. Von jeder Liste bleiben die neuesten 100 erhalten. Texte von mehr als 2.000 Byte und Adressen mit einem Benutzernamen oder Passwort („user:password@host“) werden nicht aufgezeichnet. Ein Passwort an anderer Stelle einer Adresse, etwa hinter einem „?“, wird nicht erkannt.</translation>
     </message>
     <message>
         <source>View &amp;gt; Clear History deletes all entries. While Keep History is off, nothing is written and nothing is offered; entries from before stay until you clear them.</source>
@@ -227,15 +227,15 @@
     </message>
     <message>
         <source>Double-click a row to open its address. The address of a mirror usually begins with "http" and opens in your browser; that of a crawled server begins with "ftp". Many browsers no longer support FTP, but file managers and FTP programs do.</source>
-        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit "http" und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit "ftp". Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
+        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit „http“ und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit „ftp“. Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
     </message>
     <message>
         <source>"&amp;lt;Dir&amp;gt;" in the size column marks a directory.</source>
-        <translation>"&amp;lt;Dir&amp;gt;" in der Größenspalte kennzeichnet einen Ordner.</translation>
+        <translation>„&amp;lt;Dir&amp;gt;“ in der Größenspalte kennzeichnet einen Ordner.</translation>
     </message>
     <message>
         <source>"No more site found" means that you are past the last page.</source>
-        <translation>"No more site found" bedeutet, dass Sie über die letzte Seite hinaus sind.</translation>
+        <translation>„No more site found“ bedeutet, dass Sie über die letzte Seite hinaus sind.</translation>
     </message>
 </context>
 <context>
@@ -512,7 +512,7 @@
     </message>
     <message>
         <source>Checks whether your keywords occur in the text of a page, given its address. HTML tags and letter case are ignored, and a word is also found inside a longer one: "apple" is in "pineapple".</source>
-        <translation>Prüft, ob Ihre Suchbegriffe im Text einer Seite vorkommen, deren Adresse Sie angeben. HTML-Tags und Groß- und Kleinschreibung werden nicht beachtet, und ein Wort wird auch innerhalb eines längeren gefunden: "Apfel" steht in "Apfelbaum".</translation>
+        <translation>Prüft, ob Ihre Suchbegriffe im Text einer Seite vorkommen, deren Adresse Sie angeben. HTML-Tags und Groß- und Kleinschreibung werden nicht beachtet, und ein Wort wird auch innerhalb eines längeren gefunden: „Apfel“ steht in „Apfelbaum“.</translation>
     </message>
     <message>
         <source>Three words on one page, one of them missing</source>
@@ -520,7 +520,7 @@
     </message>
     <message>
         <source>shows a row for each word, "Found" or "Not Found".</source>
-        <translation>zeigt eine Zeile für jedes Wort, "Found" (gefunden) oder "Not Found" (nicht gefunden).</translation>
+        <translation>zeigt eine Zeile für jedes Wort, „Found“ (gefunden) oder „Not Found“ (nicht gefunden).</translation>
     </message>
     <message>
         <source>shows a row for each word if all words occur, otherwise one row that says so.</source>
@@ -532,7 +532,7 @@
     </message>
     <message>
         <source>The address may begin with "http://" or not; such a page is fetched from port 80 without encryption. A page whose address begins with "https://" is fetched from port 443 over TLS 1.2 or later. Addresses that name another port cannot be checked, and redirects are not followed.</source>
-        <translation>Die Adresse kann mit "http://" beginnen oder nicht; eine solche Seite wird unverschlüsselt von Port 80 abgerufen. Eine Seite, deren Adresse mit "https://" beginnt, wird über TLS 1.2 oder neuer von Port 443 abgerufen. Adressen, die einen anderen Port nennen, können nicht geprüft werden, und Weiterleitungen wird nicht gefolgt.</translation>
+        <translation>Die Adresse kann mit „http://“ beginnen oder nicht; eine solche Seite wird unverschlüsselt von Port 80 abgerufen. Eine Seite, deren Adresse mit „https://“ beginnt, wird über TLS 1.2 oder neuer von Port 443 abgerufen. Adressen, die einen anderen Port nennen, können nicht geprüft werden, und Weiterleitungen wird nicht gefolgt.</translation>
     </message>
     <message>
         <source>The certificate of an https server must be valid, issued for the server's name, and issued by an authority that your system trusts. Otherwise nothing is sent, and the error box says what is wrong:</source>
@@ -595,7 +595,7 @@
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, or the first button of the toolbar, to send the searches through an HTTP proxy. Tick "Enable Proxy" and enter host and port; both are required. The next search uses them.</source>
-        <translation>Mit View &amp;gt; Proxy oder der ersten Schaltfläche der Werkzeugleiste leiten Sie die Suchen über einen HTTP-Proxy. Kreuzen Sie "Enable Proxy" an und geben Sie Rechner und Port ein; beides ist erforderlich. Die nächste Suche benutzt sie.</translation>
+        <translation>Mit View &amp;gt; Proxy oder der ersten Schaltfläche der Werkzeugleiste leiten Sie die Suchen über einen HTTP-Proxy. Kreuzen Sie „Enable Proxy“ an und geben Sie Rechner und Port ein; beides ist erforderlich. Die nächste Suche benutzt sie.</translation>
     </message>
     <message>
         <source>The settings are in the file &lt;code&gt;Quarrynet.ini&lt;/code&gt;, in the program's folder if you can write there, otherwise in your data folder (on Linux &lt;code&gt;~/.local/share/quarrynet&lt;/code&gt;, on Windows &lt;code&gt;%APPDATA%\quarrynet&lt;/code&gt;):</source>
@@ -658,7 +658,7 @@
     </message>
     <message>
         <source>The web, image and download searches find entries that contain all your words, and entries whose name or title begins with them. Words in double quotes are a phrase; a word with "-" before it must not occur.</source>
-        <translation>Die Web-, Bilder- und Download-Suche finden Einträge, die alle Ihre Wörter enthalten, und Einträge, deren Name oder Titel damit beginnt. Wörter in doppelten Anführungszeichen sind eine Wortfolge; ein Wort mit "-" davor darf nicht vorkommen.</translation>
+        <translation>Die Web-, Bilder- und Download-Suche finden Einträge, die alle Ihre Wörter enthalten, und Einträge, deren Name oder Titel damit beginnt. Wörter in doppelten Anführungszeichen sind eine Wortfolge; ein Wort mit „-“ davor darf nicht vorkommen.</translation>
     </message>
     <message>
         <source>The file search finds names that contain every word.</source>
@@ -694,7 +694,7 @@
     </message>
     <message>
         <source>"Error #: 10061" means that no service is listening. &lt;code&gt;quarrynet-services status&lt;/code&gt; says what is indexed, since when, what answers, and what to do about the rest.</source>
-        <translation>"Error #: 10061" bedeutet, dass kein Dienst erreichbar ist. &lt;code&gt;quarrynet-services status&lt;/code&gt; sagt, was im Index steht, seit wann, was antwortet und was gegen das Übrige zu tun ist.</translation>
+        <translation>„Error #: 10061“ bedeutet, dass kein Dienst erreichbar ist. &lt;code&gt;quarrynet-services status&lt;/code&gt; sagt, was im Index steht, seit wann, was antwortet und was gegen das Übrige zu tun ist.</translation>
     </message>
     <message>
         <source>Installed services are started by the system when a search asks for them: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</source>
@@ -726,7 +726,7 @@
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, tick "Enable Proxy", and enter 127.0.0.1 and 8780.</source>
-        <translation>Wählen Sie View &amp;gt; Proxy, kreuzen Sie "Enable Proxy" an, und geben Sie 127.0.0.1 und 8780 ein.</translation>
+        <translation>Wählen Sie View &amp;gt; Proxy, kreuzen Sie „Enable Proxy“ an, und geben Sie 127.0.0.1 und 8780 ein.</translation>
     </message>
     <message>
         <source>In a network where everybody may search the Linux machine's index, no tunnel is needed: start the services with &lt;code&gt;quarrynet-services serve --proxy-address ADDRESS&lt;/code&gt;, where ADDRESS is the machine's own in that network, and enter that address and 8780 as the proxy.</source>
@@ -765,7 +765,7 @@
     </message>
     <message>
         <source>"No site found for that keyword/s" means that the service has no results, or that it answered in an unknown layout.</source>
-        <translation>"No site found for that keyword/s" bedeutet, dass der Dienst keine Ergebnisse hat oder dass seine Antwort einen unbekannten Aufbau hat.</translation>
+        <translation>„No site found for that keyword/s“ bedeutet, dass der Dienst keine Ergebnisse hat oder dass seine Antwort einen unbekannten Aufbau hat.</translation>
     </message>
 </context>
 </TS>
