@@ -76,6 +76,54 @@
         <translation>bewegt sich, solange die Suche der aktuellen Registerkarte läuft; sie steht still, wenn Ihr Desktop Bewegung vermeiden soll. Ist ein anderes Programm vorn, wenn eine Suche endet, so kennzeichnet der Desktop das Fenster.</translation>
     </message>
     <message>
+        <source>What the lists can do</source>
+        <translation>Was die Listen können</translation>
+    </message>
+    <message>
+        <source>Menu of a list</source>
+        <translation>Menü einer Liste</translation>
+    </message>
+    <message>
+        <source>The right mouse button, the Menu key and Shift+F10 open it. &lt;b&gt;Open&lt;/b&gt; does what a double click does. &lt;b&gt;Copy address&lt;/b&gt; copies the addresses of the selected rows, one a line; a program's address is the link on the download site, which leads to the file. &lt;b&gt;Copy rows&lt;/b&gt; copies the rows as they are shown, for a text or a table. Entries that have nothing to work with are grey. The rows of the page check have no address. The gallery has no menu.</source>
+        <translation>Die rechte Maustaste, die Menütaste und Umschalt+F10 öffnen es. &lt;b&gt;Öffnen&lt;/b&gt; tut dasselbe wie ein Doppelklick. &lt;b&gt;Adresse kopieren&lt;/b&gt; kopiert die Adressen der ausgewählten Zeilen, eine pro Zeile; die Adresse eines Programms ist der Link auf der Download-Seite, der zur Datei führt. &lt;b&gt;Zeilen kopieren&lt;/b&gt; kopiert die Zeilen, wie sie gezeigt werden, für einen Text oder eine Tabelle. Einträge, die nichts zu tun haben, sind grau. Die Zeilen der Seitenprüfung haben keine Adresse. Die Galerie hat kein Menü.</translation>
+    </message>
+    <message>
+        <source>Drag and drop</source>
+        <translation>Ziehen und Ablegen</translation>
+    </message>
+    <message>
+        <source>Drag selected rows into another program to give it their addresses. Drop a web address or a link file (&lt;code&gt;.url&lt;/code&gt;, &lt;code&gt;.desktop&lt;/code&gt;, &lt;code&gt;.webloc&lt;/code&gt;) on the window to put its address into the page check; you then type the keywords and start it yourself. The fields for words take dropped text as text.</source>
+        <translation>Ziehen Sie ausgewählte Zeilen in ein anderes Programm, um ihm deren Adressen zu geben. Legen Sie eine Webadresse oder eine Linkdatei (&lt;code&gt;.url&lt;/code&gt;, &lt;code&gt;.desktop&lt;/code&gt;, &lt;code&gt;.webloc&lt;/code&gt;) auf dem Fenster ab, so kommt ihre Adresse in die Seitenprüfung; die Suchbegriffe geben Sie dann selbst ein, und Sie starten sie auch selbst. Die Felder für Suchbegriffe nehmen abgelegten Text als Text.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtern</translation>
+    </message>
+    <message>
+        <source>Ctrl+F opens a line above the rows. Only rows that contain all of its words, in any column and in upper or lower case, stay visible; the number beside it says how many. Escape or the button closes the line.</source>
+        <translation>Strg+F öffnet eine Eingabezeile über den Zeilen. Nur Zeilen, die alle ihre Wörter enthalten, gleich in welcher Spalte und ob groß oder klein geschrieben, bleiben sichtbar; die Zahl daneben sagt, wie viele das sind. Escape oder die Schaltfläche schließt die Eingabezeile.</translation>
+    </message>
+    <message>
+        <source>Sort</source>
+        <translation>Sortieren</translation>
+    </message>
+    <message>
+        <source>Click a caption to sort by its column, click again for the other direction, and a third time for the order of the page. Or choose &lt;b&gt;Sort by&lt;/b&gt; in the menu of the list. Sizes are compared as amounts, so 900 KB comes before 1 MB; rows without a size come last. The filter and the sorting end with the next results.</source>
+        <translation>Klicken Sie auf eine Überschrift, um nach ihrer Spalte zu sortieren, noch einmal für die andere Richtung und ein drittes Mal für die Reihenfolge der Seite. Oder wählen Sie &lt;b&gt;Sortieren nach&lt;/b&gt; im Menü der Liste. Größen werden als Mengen verglichen, 900 KB steht also vor 1 MB; Zeilen ohne Größe stehen am Ende. Filter und Sortierung enden mit den nächsten Ergebnissen.</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Save List&lt;/b&gt; in the File menu, or Ctrl+S, saves the visible rows in their order, with their addresses in a column of their own. The extension of the file decides the format: &lt;code&gt;.csv&lt;/code&gt; for spreadsheets, &lt;code&gt;.json&lt;/code&gt; for programs, &lt;code&gt;.html&lt;/code&gt; for a browser. An existing file is replaced completely or not at all. If you stop a search, you can still save the rows that it replaced, until the next results appear (unless they exceed 64 megabytes).</source>
+        <translation>&lt;b&gt;Liste speichern&lt;/b&gt; im Menü File oder Strg+S speichert die sichtbaren Zeilen in ihrer Reihenfolge, mit ihren Adressen in einer eigenen Spalte. Die Endung der Datei bestimmt das Format: &lt;code&gt;.csv&lt;/code&gt; für Tabellenkalkulationen, &lt;code&gt;.json&lt;/code&gt; für Programme, &lt;code&gt;.html&lt;/code&gt; für einen Browser. Eine vorhandene Datei wird ganz ersetzt oder gar nicht. Wenn Sie eine Suche abbrechen, können Sie die Zeilen, die sie ersetzt hat, noch speichern, bis die nächsten Ergebnisse erscheinen (außer wenn sie mehr als 64 Megabyte umfassen).</translation>
+    </message>
+    <message>
+        <source>The CSV file is UTF-8 with commas between the cells and every cell in quotes; if a spreadsheet shows wrong letters or a single column, import the file as such. A cell that a spreadsheet would calculate as a formula, because it begins with one of &lt;code&gt;= + - @&lt;/code&gt;, has an apostrophe in front; the same applies behind a semicolon within a cell.</source>
+        <translation>Die CSV-Datei ist UTF-8 mit Kommas zwischen den Zellen und jeder Zelle in Anführungszeichen; wenn eine Tabellenkalkulation falsche Buchstaben oder nur eine Spalte zeigt, importieren Sie die Datei als solche. Eine Zelle, die eine Tabellenkalkulation als Formel berechnen würde, weil sie mit einem der Zeichen &lt;code&gt;= + - @&lt;/code&gt; beginnt, hat einen Apostroph davor; dasselbe gilt hinter einem Semikolon innerhalb einer Zelle.</translation>
+    </message>
+    <message>
         <source>Run one search at a time for a reliable result. All tabs share one receive buffer, so the responses of two simultaneous searches can mix.</source>
         <translation>Führen Sie für verlässliche Ergebnisse immer nur eine Suche aus. Alle Registerkarten teilen sich einen Empfangspuffer, daher können sich die Antworten zweier gleichzeitiger Suchen vermischen.</translation>
     </message>
@@ -210,6 +258,10 @@
         <source>If the site names no address, its front page opens instead.</source>
         <translation>Nennt die Download-Seite keine Adresse, öffnet sich stattdessen ihre Startseite.</translation>
     </message>
+    <message>
+        <source>Copy, save, sort and filter the rows as &lt;a href="index.html#lists"&gt;in all lists&lt;/a&gt;.</source>
+        <translation>Kopieren, speichern, sortieren und filtern Sie die Zeilen wie &lt;a href="index.html#lists"&gt;in allen Listen&lt;/a&gt;.</translation>
+    </message>
 </context>
 <context>
     <name>files.html</name>
@@ -328,6 +380,22 @@
         <translation>drückt die Schaltfläche Search, was die Suche wiederholt; solange die Schaltfläche grau ist, geschieht nichts</translation>
     </message>
     <message>
+        <source>Ctrl+F</source>
+        <translation>Strg+F</translation>
+    </message>
+    <message>
+        <source>opens a line that &lt;a href="index.html#filter"&gt;filters the list&lt;/a&gt; of the tab</source>
+        <translation>öffnet eine Eingabezeile, die &lt;a href="index.html#filter"&gt;die Liste&lt;/a&gt; der Registerkarte filtert</translation>
+    </message>
+    <message>
+        <source>Ctrl+S</source>
+        <translation>Strg+S</translation>
+    </message>
+    <message>
+        <source>&lt;a href="index.html#save"&gt;saves the list&lt;/a&gt; of the tab</source>
+        <translation>&lt;a href="index.html#save"&gt;speichert die Liste&lt;/a&gt; der Registerkarte</translation>
+    </message>
+    <message>
         <source>Escape</source>
         <translation>Escape</translation>
     </message>
@@ -436,12 +504,48 @@
         <translation>In einer Ergebnisliste</translation>
     </message>
     <message>
+        <source>opens the selected rows, like a double click</source>
+        <translation>öffnet die ausgewählten Zeilen, wie ein Doppelklick</translation>
+    </message>
+    <message>
         <source>Ctrl+C</source>
         <translation>Strg+C</translation>
     </message>
     <message>
         <source>copies the selected rows</source>
         <translation>kopiert die ausgewählten Zeilen</translation>
+    </message>
+    <message>
+        <source>Ctrl+A</source>
+        <translation>Strg+A</translation>
+    </message>
+    <message>
+        <source>selects all rows; in the list of the Specific File Search, only one row can be selected</source>
+        <translation>wählt alle Zeilen aus; in der Liste von Specific File Search kann nur eine Zeile ausgewählt werden</translation>
+    </message>
+    <message>
+        <source>the Menu key, or Shift+F10</source>
+        <translation>die Menütaste oder Umschalt+F10</translation>
+    </message>
+    <message>
+        <source>opens the menu of the list at the current row</source>
+        <translation>öffnet das Menü der Liste an der aktuellen Zeile</translation>
+    </message>
+    <message>
+        <source>In the line that filters a list</source>
+        <translation>In der Eingabezeile, die eine Liste filtert</translation>
+    </message>
+    <message>
+        <source>Enter, Down, Page Down</source>
+        <translation>Eingabetaste, Ab, Bild ab</translation>
+    </message>
+    <message>
+        <source>go to the rows</source>
+        <translation>führen zu den Zeilen</translation>
+    </message>
+    <message>
+        <source>closes the line and shows all rows; it does not stop a search</source>
+        <translation>schließt die Eingabezeile und zeigt alle Zeilen; eine Suche bricht sie nicht ab</translation>
     </message>
     <message>
         <source>On the slider</source>
@@ -577,6 +681,14 @@
     <message>
         <source>no TLS library is installed</source>
         <translation>es ist keine TLS-Bibliothek installiert</translation>
+    </message>
+    <message>
+        <source>You can drop a web address or a link file on the window; see &lt;a href="index.html#lists"&gt;what the lists can do&lt;/a&gt;.</source>
+        <translation>Sie können eine Webadresse oder eine Linkdatei auf dem Fenster ablegen; siehe &lt;a href="index.html#lists"&gt;was die Listen können&lt;/a&gt;.</translation>
+    </message>
+    <message>
+        <source>A text that its column cuts off is shown completely when the mouse rests on it.</source>
+        <translation>Ein Text, den seine Spalte abschneidet, wird ganz gezeigt, wenn die Maus darauf ruht.</translation>
     </message>
     <message>
         <source>Enter in the address field moves to the keywords; Enter there starts the search.</source>
@@ -762,6 +874,10 @@
     <message>
         <source>Double-click a row to open its address in your browser. To open several rows together, select them (Ctrl or Shift and click) and double-click one of them or press Enter; Ctrl+C copies them.</source>
         <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse im Browser zu öffnen. Um mehrere Zeilen zusammen zu öffnen, wählen Sie sie aus (Klick mit Strg oder Umschalt) und doppelklicken Sie auf eine davon oder drücken Sie die Eingabetaste; Strg+C kopiert sie.</translation>
+    </message>
+    <message>
+        <source>Copy, save, sort and filter the rows as &lt;a href="index.html#lists"&gt;in all lists&lt;/a&gt;. A text that its column cuts off is shown completely when the mouse rests on it.</source>
+        <translation>Kopieren, speichern, sortieren und filtern Sie die Zeilen wie &lt;a href="index.html#lists"&gt;in allen Listen&lt;/a&gt;. Ein Text, den seine Spalte abschneidet, wird ganz gezeigt, wenn die Maus darauf ruht.</translation>
     </message>
     <message>
         <source>"No site found for that keyword/s" means that the service has no results, or that it answered in an unknown layout.</source>
