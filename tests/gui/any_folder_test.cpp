@@ -127,15 +127,7 @@ private slots:
         const QString name = QFileInfo(QString::fromUtf8(QUARRYNET_PROGRAM)).fileName();
         const QString program = QDir(folder).filePath(name);
         QVERIFY(QFile::copy(QString::fromUtf8(QUARRYNET_PROGRAM), program));
-        QProcess process;
-        process.start(QDir::toNativeSeparators(program), {u"-platform"_s, u"offscreen"_s});
-        QVERIFY2(process.waitForStarted(), qPrintable(process.errorString()));
-        const auto ending = qScopeGuard([&process] {
-            process.kill();
-            process.waitForFinished();
-        });
-        QTRY_COMPARE_WITH_TIMEOUT(contentOf(QDir(folder).filePath(u"blank.htm"_s)),
-                                  QByteArray::fromStdString(blankPage()), 30'000);
+        startsAndWritesTo(folder, program, QProcessEnvironment::systemEnvironment());
         QCOMPARE(QDir(folder).entryList(QDir::Files, QDir::Name), (QStringList{u"blank.htm"_s, u"blank.html"_s, name}));
     }
 
@@ -176,6 +168,22 @@ private slots:
         QVERIFY(settings.remove());
         QVERIFY(place.mkpath(u"bin/manual"_s));
         QCOMPARE(chooseProgramFolder(beside, data).path, beside);
+    }
+
+    void installedProgramStartsAndLeavesItsFolderAlone()
+    {
+#ifdef Q_OS_WIN
+        QSKIP("On Windows the manual is beside every program.");
+#endif
+        const QDir place(temporary_->path());
+        QVERIFY(place.mkpath(u"bin"_s));
+        QVERIFY(place.mkpath(u"share/quarrynet/manual"_s));
+        const QString program = place.filePath(u"bin/quarrynet"_s);
+        QVERIFY(QFile::copy(QString::fromUtf8(QUARRYNET_PROGRAM), program));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_DATA_HOME"_s, place.filePath(u"data"_s));
+        startsAndWritesTo(place.filePath(u"data/quarrynet"_s), program, environment);
+        QCOMPARE(QDir(place.filePath(u"bin"_s)).entryList(QDir::Files), QStringList(u"quarrynet"_s));
     }
 
     // An unknown folder used to be the working directory, and files went to the root of its drive.
@@ -256,6 +264,21 @@ private:
         if (!QDir().mkpath(folder))
             return {};
         return share ? onNetworkShare(folder) : folder;
+    }
+
+    // Starts `program` and expects the local pages in `folder`.
+    static void startsAndWritesTo(const QString& folder, const QString& program, const QProcessEnvironment& environment)
+    {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QDir::toNativeSeparators(program), {u"-platform"_s, u"offscreen"_s});
+        QVERIFY2(process.waitForStarted(), qPrintable(process.errorString()));
+        const auto ending = qScopeGuard([&process] {
+            process.kill();
+            process.waitForFinished();
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(contentOf(QDir(folder).filePath(u"blank.htm"_s)),
+                                  QByteArray::fromStdString(blankPage()), 30'000);
     }
 
     // Runs the window in `folder` and expects its settings and pages there.
