@@ -28,7 +28,6 @@
 #include "sources/package_lists.h"
 #include "tests/cost/step_counter.h"
 #include "text/html_document.h"
-#include "text/languages.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
@@ -296,9 +295,6 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
         expectProportionalPatterns("endless head", {"x", "A: b\r\n", " "}, read(piece), kShort,
                                    "GET / HTTP/1.1\r\nHost: h\r\nX: ");
     }
-    expectProportionalPatterns(
-        "wanted languages", {"de,", "x,", ",", ";", "q=", " ", "-", "de;q=0.5,", "\xff"},
-        [](const std::string& text) { preferredLanguage(text); }, kMaxAcceptLanguage / 2);
     expectProportionalPatterns("authority", {"x", "@", ":", "[", "]"},
                                [](const std::string& text) { hostOfAuthority(text); });
 }

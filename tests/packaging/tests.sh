@@ -1,0 +1,164 @@
+# Sourced by tests/package.sh: one function for each test, on a machine of its own.
+# shellcheck disable=SC2154,SC2086 # variables of the other files; lists of packages
+
+state=/var/lib/private/quarrynet
+
+# The way of most people: a fresh system, one command, the menu, a search on each tab.
+test_fresh() {
+    start_machine fresh base
+    install /packages $all_packages
+    local entry=usr/share/applications/org.quarrynet.Quarrynet.desktop
+    expect "the menu entry" test -f "$root/$entry"
+    says "the menu entry" '^Exec=quarrynet' "$(cat "$root/$entry")"
+    expect "the menu's icon" test -f "$root/usr/share/icons/hicolor/48x48/apps/org.quarrynet.Quarrynet.png"
+    expect "the manual" test -f "$root/usr/share/quarrynet/manual/index.html"
+    same "failed units" "" "$(inside systemctl --failed --plain --no-legend)"
+    expect "the index" await_index
+    services_answer
+    tour anna
+    says "the status" . "$(inside quarrynet-services status)"
+}
+
+# The parts that a small machine leaves out, with their libraries.
+test_without_plugin() {
+    start_machine without-plugin base
+    apt_options=--no-install-recommends install /packages quarrynet quarrynet-services
+    same "the plug-in" "" "$(inside sh -c 'ls -d /usr/lib/*/quarrynet /usr/lib/*/libQt6WebEngine* 2>/dev/null' || true)"
+    expect "the index" await_index
+    services_answer
+    tour anna
+}
+
+# From the first version to the last trace.
+test_life() {
+    local files index pid
+    start_machine life ready
+    system_files >"$work/before"
+    install /old $all_packages
+    expect "the index" await_index
+    tour anna
+    # The settings that a person changes, and the administrator's.
+    inside_as anna sh -c 'printf "[ProxySwitch]\nValue=0\n; mine\n" >.local/share/quarrynet/Quarrynet.ini'
+    files=$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)
+    inside sh -c 'mkdir -p /etc/quarrynet; echo "[web]" >/etc/quarrynet/services.toml'
+    index=$(stat -c %i "$root$state/index.sqlite")
+    pid=$(inside systemctl show -P MainPID quarrynet-services.service)
+
+    echo "   upgrade"
+    install /packages $all_packages
+    same "the version" "$version" "$(inside dpkg-query -W -f '${Version}' quarrynet)"
+    expect "the index" await_index
+    services_answer
+    [ "$pid" != "$(inside systemctl show -P MainPID quarrynet-services.service)" ] ||
+        fail "the upgrade left the old services running"
+    tour anna
+    same "the person's settings" "$files" "$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)"
+    same "the index" "$index" "$(stat -c %i "$root$state/index.sqlite")"
+
+    echo "   removal"
+    expect "apt-get remove" inside apt-get remove -y $all_packages
+    services_answer web image download file
+    expect "the index after removal" test -f "$root$state/index.sqlite"
+    expect "the administrator's file after removal" test -f "$root/etc/quarrynet/services.toml"
+    # The hook of the package manager has stayed.
+    expect "apt without the packages" inside apt-get check
+    same "processes" "" "$(inside pgrep -a quarrynet || true)"
+
+    echo "   installation again, and purge"
+    install /packages $all_packages
+    expect "the index" await_index
+    services_answer
+    expect "apt-get purge" inside apt-get purge -y $all_packages
+    expect_nothing_left "$work/before"
+    expect "the person's settings after purge" test -f "$root/home/anna/.local/share/quarrynet/Quarrynet.ini"
+}
+
+test_two_users() {
+    local first=$display
+    start_machine two-users ready
+    install /packages $all_packages
+    expect "the index" await_index
+    # A display for each, because the tours take pictures of the screen.
+    first=$display
+    start_display
+    (display=$first tour anna; exit $((failures > 0))) &
+    tour ben
+    wait $! || fail "the tour of anna"
+    tour root
+    same "root's settings" "" "$(inside sh -c 'ls /usr/bin/*.ini /usr/bin/*.htm* 2>/dev/null' || true)"
+}
+
+# No network and no package lists: apt installs, the program starts, and the status says what is missing.
+test_no_package_lists() {
+    start_machine no-package-lists ready
+    inside sh -c 'rm -rf /var/lib/apt/lists/* /var/cache/apt/*.bin'
+    install /packages $all_packages
+    expect "the index" await_index
+    says "the status" 'apt-get update' "$(inside quarrynet-services status)"
+    tour anna
+}
+
+test_port_taken() {
+    local other
+    start_machine port-taken ready
+    on_its_network python3 -m http.server --bind 127.80.0.2 --directory "$work/debs" 80 >/dev/null 2>&1 &
+    other=$!
+    install /packages $all_packages
+    expect "the index" await_index
+    services_answer image
+    says "the status" 'image.*(127\.80\.0\.2|another program)' "$(inside quarrynet-services status)"
+    tour anna
+    kill $other
+    wait $other || true
+    inside systemctl restart quarrynet-services.socket
+    services_answer
+}
+
+test_full_disk() {
+    start_machine full-disk ready
+    inside mkdir -p -m 700 /var/lib/private
+    inside mkdir -p $state
+    inside mount -t tmpfs -o size=300k tmpfs $state
+    install /packages $all_packages
+    await_index && fail "the index fitted on the full disk"
+    says "the status" '[Ss]pace' "$(inside quarrynet-services status)"
+    tour anna
+    inside mount -o remount,size=2g $state
+    inside systemctl start quarrynet-services-first-index.service
+    services_answer
+}
+
+test_newer_index() {
+    start_machine newer-index ready
+    install /packages $all_packages
+    expect "the index" await_index
+    inside systemctl stop quarrynet-services.service
+    python3 - "$root$state/index.sqlite" <<'END'
+import sqlite3, sys
+base = sqlite3.connect(sys.argv[1])
+version = base.execute("PRAGMA user_version").fetchone()[0]
+base.execute(f"PRAGMA user_version = {version + 1000}")
+base.commit()
+END
+    says "the status" 'newer' "$(inside quarrynet-services status)"
+    tour anna
+    # The first search starts the services, and these an index that they can read.
+    expect "the index" await_index
+    services_answer
+}
+
+test_broken_configuration() {
+    start_machine broken-configuration ready
+    inside mkdir -p /etc/quarrynet
+    printf '[web\nsources = \0\n' >"$root/etc/quarrynet/services.toml"
+    install /packages $all_packages
+    expect "the index" await_index
+    says "the status" 'services\.toml' "$(inside quarrynet-services status)"
+    services_answer web image
+    inside_as anna mkdir -p .local/share/quarrynet
+    printf '[ProxySwitch\0\n[[[\nValue' >"$root/home/anna/.local/share/quarrynet/Quarrynet.ini"
+    tour anna
+    rm "$root/etc/quarrynet/services.toml"
+    inside systemctl restart quarrynet-services.service
+    services_answer
+}
