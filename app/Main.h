@@ -109,7 +109,6 @@ private:
     void makeToolbar();
     void makeShortcuts();
     void makeBusySign();
-    void makeListCommands();
     void joinTabs();
     void makeMemories();
 

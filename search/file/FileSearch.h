@@ -22,7 +22,6 @@ public:
     ~FileSearch() override;
 
     void clearView() override;
-    ListView* list() override;
 
 protected:
     std::optional<std::string> requestText() override;

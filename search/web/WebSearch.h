@@ -25,7 +25,6 @@ public:
     void halveColumns();
 
     void clearView() override;
-    ListView* list() override;
 
     using PagedSearch::page;
 
