@@ -83,8 +83,7 @@ void GalleryLayout::arrange()
     cells_.resize(static_cast<std::size_t>(document()->blockCount()));
     const double gap = PageLook::kGap * look_.zoom;
     const double width = std::max(document()->textWidth(), 1.0);
-    const QFontMetricsF metrics(document()->defaultFont());
-    const double narrowest = std::max(PageLook::kCellWidth * look_.zoom, PageLook::kCellEms * metrics.height() * 0.8);
+    const double narrowest = look_.cellWidth() * look_.zoom;
     columns_ = std::max(1, static_cast<int>(std::floor((width - gap) / (narrowest + gap))));
     const double cellWidth = std::max((width - gap) / columns_ - gap, 1.0);
 
@@ -204,7 +203,7 @@ QRectF GalleryLayout::blockBoundingRect(const QTextBlock& block) const
 QSizeF GalleryLayout::intrinsicSize(QTextDocument* document, int position, const QTextFormat& /*format*/)
 {
     const double width = blockBoundingRect(document->findBlock(position)).width() - 2 * padding();
-    return {std::max(width, 1.0), PageLook::kPictureHeight * look_.zoom};
+    return {std::max(width, 1.0), look_.shrunk(PageLook::kPictureHeight) * look_.zoom};
 }
 
 void GalleryLayout::drawObject(QPainter* painter, const QRectF& place, QTextDocument* document, int position,
@@ -224,7 +223,8 @@ void GalleryLayout::drawObject(QPainter* painter, const QRectF& place, QTextDocu
         painter->fillRect(shown, look_.plate);
         painter->drawPixmap(shown, picture, QRectF(picture.rect()));
     } else {
-        QRectF frame(0, 0, PageLook::kEmptyWidth * look_.zoom, PageLook::kEmptyHeight * look_.zoom);
+        QRectF frame(0, 0, look_.shrunk(PageLook::kEmptyWidth) * look_.zoom,
+                     look_.shrunk(PageLook::kEmptyHeight) * look_.zoom);
         frame.moveCenter(place.center());
         frame.moveBottom(place.bottom());
         const bool missing = cells_[static_cast<std::size_t>(document->findBlock(position).blockNumber())].missing;

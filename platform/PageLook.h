@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
+
 #include <QColor>
 #include <QFont>
+#include <QFontInfo>
 #include <QString>
 
 namespace quarrynet {
@@ -27,15 +30,21 @@ struct PageLook
                rightToLeft == other.rightToLeft && noPicture == other.noPicture;
     }
 
-    /// The design of a cell, in pixels before the zoom. Its width is at least kCellEms of the font.
+    /// The design of a cell, in pixels before the zoom. In a small window, whose font is small, it shrinks with the
+    /// font; in a large one its width grows, because captions need it.
     static constexpr int kPictureHeight = 120;
     static constexpr int kCellWidth = 144;
-    static constexpr int kCellEms = 10;
+    static constexpr int kEmptyWidth = 96; // of the frame in place of a picture
+    static constexpr int kEmptyHeight = 72;
+    static constexpr int kFullFont = 12; // has the whole of these
+    static constexpr int kCellEms = 10;  // minimum width
     static constexpr int kGap = 8;
     static constexpr int kPadding = 4;
     static constexpr int kCaptionLines = 4; // of a picture without the focus
-    static constexpr int kEmptyWidth = 96;  // of the frame in place of a picture
-    static constexpr int kEmptyHeight = 72;
+
+    int fontSize() const { return QFontInfo(font).pixelSize(); }
+    int shrunk(int pixels) const { return pixels * std::min(fontSize(), kFullFont) / kFullFont; }
+    int cellWidth() const { return std::max(shrunk(kCellWidth), kCellEms * fontSize()); }
 };
 
 } // namespace quarrynet

@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include <QFontInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -19,7 +18,7 @@ constexpr const char* kSheet = R"css(
 a { color: LINK; }
 a:focus { outline: 2px solid FOCUS; }
 body[onkeydown] { display: grid; margin: 0; padding: GAPpx; gap: GAPpx; direction: DIRECTION;
-    grid-template-columns: repeat(auto-fill, minmax(min(100%, max(CELLpx, EMSem)), 1fr)); }
+    grid-template-columns: repeat(auto-fill, minmax(min(100%, CELLpx), 1fr)); }
 body[onkeydown] > p { margin: 0; min-width: 0; }
 body[onkeydown] > p > a[target] { display: grid; grid-template-rows: HEIGHTpx auto; row-gap: PADDINGpx;
     grid-template-columns: 100%; place-items: center; padding: PADDINGpx; direction: ltr; text-decoration: none; }
@@ -165,15 +164,14 @@ QString sheetOf(const PageLook& look)
         {"LINES", QString::number(PageLook::kCaptionLines)},
         {"LINE", look.line.name()},
         {"PLATE", look.plate.name()},
-        {"SIZE", QString::number(QFontInfo(look.font).pixelSize())},
+        {"SIZE", QString::number(look.fontSize())},
         {"DIRECTION", look.rightToLeft ? QStringLiteral("rtl") : QStringLiteral("ltr")},
-        {"CELL", QString::number(PageLook::kCellWidth)},
-        {"EMS", QString::number(PageLook::kCellEms)},
+        {"CELL", QString::number(look.cellWidth())},
         {"GAP", QString::number(PageLook::kGap)},
         {"PADDING", QString::number(PageLook::kPadding)},
-        {"EMPTYWIDTH", QString::number(PageLook::kEmptyWidth)},
-        {"EMPTYHEIGHT", QString::number(PageLook::kEmptyHeight)},
-        {"HEIGHT", QString::number(PageLook::kPictureHeight)},
+        {"EMPTYWIDTH", QString::number(look.shrunk(PageLook::kEmptyWidth))},
+        {"EMPTYHEIGHT", QString::number(look.shrunk(PageLook::kEmptyHeight))},
+        {"HEIGHT", QString::number(look.shrunk(PageLook::kPictureHeight))},
         // The last one, because a family may have any name.
         {"FAMILY", cssString(look.font.family()) + QStringLiteral(", sans-serif")},
     };

@@ -20,6 +20,7 @@
 #include "dialogs/Dialog.h"
 #include "dialogs/Proxy.h"
 #include "dialogs/frmAbout.h"
+#include "picture_places.h"
 #include "platform/PagingSlider.h"
 #include "platform/ProgramStyle.h"
 #include "platform/Registry.h"
@@ -142,12 +143,13 @@ private:
     static void addLooks();
     void applyLook();
     void search(const TabControls& tab);
+    void showGallery();
     void check(QWidget& part);
     void keepPictures(const QString& name);
     void keepPicture(QWidget& widget, const QString& name);
 
     std::unique_ptr<WindowFixture> window_;
-    QPalette before_;
+    PictureServer pictures_;
 };
 
 void ContrastTest::addLooks()
@@ -188,16 +190,27 @@ void ContrastTest::applyLook()
 
 void ContrastTest::search(const TabControls& tab)
 {
-    window_->service.answerByTarget([&tab](const QByteArray& target) {
-        if (!target.startsWith("/images?q=tbn"))
-            return pageOf(tab);
-        // One of the pictures does not load.
-        return target.contains("plum") ? QByteArray() : PictureServer::png(target.size() % 2 ? Qt::darkCyan : Qt::gray);
-    });
+    window_->service.answerByTarget([&tab](const QByteArray& /*target*/) { return pageOf(tab); });
     const char* field = fillIn(*window_, tab);
     QTest::keyClick(window_->control<QLineEdit>(field), Qt::Key_Return);
     QTRY_VERIFY(window_->service.lastRequestLine().contains(tab.requestLine));
     QTRY_VERIFY(window_->control<QPushButton>(tab.button)->isEnabled());
+}
+
+// Shows pictures, one of which does not load.
+void ContrastTest::showGallery()
+{
+    std::vector<GalleryPicture> gallery;
+    for (const char* name : {"green_pear", "yellow_plum", "black_cherry", "wild_berry", "sweet_melon", "red_apple"}) {
+        const QString target = u"/pics/%1.jpg"_s.arg(QLatin1String(name));
+        if (gallery.size() != 1)
+            pictures_.answerWithPicture(target.toLatin1(), gallery.size() % 2 ? Qt::darkCyan : Qt::gray);
+        gallery.push_back({"host.example" + target.toStdString(), pictures_.address(target).toStdString()});
+    }
+    pictures_.requests.clear();
+    window_->control<HtmlView>("IMGViewer")->navigate(u"new.html"_s, gallery);
+    QTRY_COMPARE(pictures_.requests.size(), static_cast<qsizetype>(gallery.size()));
+    QTRY_VERIFY(!placeOf(window_->main().grab().toImage(), Qt::gray).isEmpty());
 }
 
 void ContrastTest::check(QWidget& part)
@@ -247,7 +260,8 @@ void ContrastTest::everyTabIsReadable()
     applyLook();
     for (const TabControls& tab : kTabs) {
         window_->chooseTab(tab.tag);
-        QTRY_COMPARE(window_->service.openConnections(), 0); // the gallery's pictures have arrived
+        if (tab.tag == 3)
+            showGallery();
         keepPictures(u"tab%1"_s.arg(tab.tag));
         if (auto* list = window_->main().findChild<QTreeView*>(QLatin1String(tab.list))) {
             QVERIFY(list->model()->rowCount() > 1);
