@@ -129,6 +129,8 @@ private slots:
     void everyTabIsReadable();
     void menusAreReadable_data() { addLooks(); }
     void menusAreReadable();
+    void historyIsReadable_data() { addLooks(); }
+    void historyIsReadable();
     void dialogsAreReadable_data() { addLooks(); }
     void dialogsAreReadable();
     void boxesAreReadable_data() { addLooks(); }
@@ -297,6 +299,23 @@ void ContrastTest::menusAreReadable()
     check(*combo->view());
     keepPicture(*combo->view()->window(), u"combo"_s);
     combo->hidePopup();
+}
+
+// The earlier entries of a field, one of them chosen.
+void ContrastTest::historyIsReadable()
+{
+    search(tabOf(1));
+    applyLook();
+    window_->type("Text1", {});
+    auto* field = window_->control<QLineEdit>("Text1");
+    QTest::keyClick(field, Qt::Key_Down);
+    auto* popup = qobject_cast<QAbstractItemView*>(QApplication::activePopupWidget());
+    QVERIFY(popup);
+    QCOMPARE(popup->model()->rowCount(), 1);
+    popup->setCurrentIndex(popup->model()->index(0, 0));
+    keepPicture(*popup, u"history"_s);
+    check(*popup);
+    popup->close();
 }
 
 void ContrastTest::dialogsAreReadable()
