@@ -28,6 +28,7 @@
 #include "sources/package_lists.h"
 #include "tests/cost/step_counter.h"
 #include "text/html_document.h"
+#include "text/languages.h"
 #include "text/markup.h"
 #include "thumbnails/picture_format.h"
 
@@ -295,6 +296,9 @@ TEST(ServicesCost, RequestsInPiecesOfEverySize)
         expectProportionalPatterns("endless head", {"x", "A: b\r\n", " "}, read(piece), kShort,
                                    "GET / HTTP/1.1\r\nHost: h\r\nX: ");
     }
+    expectProportionalPatterns(
+        "wanted languages", {"de,", "x,", ",", ";", "q=", " ", "-", "de;q=0.5,", "\xff"},
+        [](const std::string& text) { preferredLanguage(text); }, kMaxAcceptLanguage / 2);
     expectProportionalPatterns("authority", {"x", "@", ":", "[", "]"},
                                [](const std::string& text) { hostOfAuthority(text); });
 }
@@ -352,7 +356,7 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
     expectProportional(what + " of many rows", [&](std::size_t length) {
         Answer answer;
         answer.hits.assign(length / kRow, hit);
-        return stepsOf([&] { make(answer, "word"); });
+        return stepsOf([&] { make(answer, "word", Language::English); });
     });
     for (const std::string pattern :
          {"x", "<", "&", "\"", "class", "\x01x\x02", "\xff", "main loop", "<b>", "=", "+", "not found"}) {
@@ -361,7 +365,7 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
             [&](std::size_t length) {
                 Answer answer;
                 answer.hits.assign(1, hitOf(filled(pattern, length)));
-                return stepsOf([&] { make(answer, "word"); });
+                return stepsOf([&] { make(answer, "word", Language::English); });
             },
             kShort);
         expectProportional(
@@ -370,7 +374,7 @@ void expectProportionalPages(const std::string& what, const Hit& hit, PageMaker 
                 Answer answer;
                 answer.hits.assign(25, hit);
                 const std::string typed = filled(pattern, length);
-                return stepsOf([&] { make(answer, typed); });
+                return stepsOf([&] { make(answer, typed, Language::English); });
             },
             kShort);
     }

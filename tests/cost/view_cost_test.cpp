@@ -145,11 +145,52 @@ TEST_F(ViewCost, ResizingSelectingAndCopying)
     expectProportionalList("clearing", [](ListView& list) { list.clear(); });
 }
 
+TEST_F(ViewCost, SortingAndFiltering)
+{
+    const auto mixedRows = [](std::size_t count) {
+        std::vector<ListViewModel::Row> rows;
+        for (std::size_t i = 0; i < count; ++i)
+            rows.push_back({"name " + std::to_string(i * 7919 % count), std::to_string(i * 31 % count) + " KB"});
+        return rows;
+    };
+    for (const int column : {0, 1, 4}) {
+        expectProportional(
+            "sorting by column " + std::to_string(column),
+            [&](std::size_t count) {
+                const std::unique_ptr<ListView> list = shownList(mixedRows(count));
+                list->setFigureColumn(1);
+                list->selectAll();
+                return stepsOf([&] {
+                    list->sortRows(ListViewModel::Sorting{column, Qt::DescendingOrder});
+                    paint(*list);
+                    EXPECT_EQ(list->selectedRows().size(), list->rows().size());
+                });
+            },
+            kRows);
+    }
+    expectProportional(
+        "filtering",
+        [&](std::size_t count) {
+            ListViewModel model({QStringLiteral("A"), QStringLiteral("B")}, nullptr);
+            model.setRows(mixedRows(count));
+            return stepsOf([&] {
+                model.arrange({QStringLiteral("7"), QStringLiteral("k")}, std::nullopt);
+                EXPECT_LT(model.rowCount(), static_cast<int>(count));
+            });
+        },
+        kRows);
+    expectProportionalList("the rows to save", [](ListView& list) { csvText(list.table()); });
+    expectProportionalList("keeping the rows of a stopped search", [](ListView& list) {
+        list.clear();
+        EXPECT_TRUE(list.isSavable());
+    });
+}
+
 TEST_F(ViewCost, PlainGallery)
 {
     const auto show = [](std::size_t pictures, const std::string& text) {
         NoPictures source;
-        PlainPageView view({source, [](const QByteArray&) {}, [](const QString&) {}}, nullptr);
+        PlainPageView view({source, [](const QByteArray&) {}, [](const QString&) {}, [](Zoom) {}}, nullptr);
         view.resize(600, 300);
         view.show();
         return stepsOf([&] {

@@ -162,11 +162,13 @@ def check_shell(completed):
         pathlib.Path(folder, "page").touch()
 
         def offers(line, expected):
-            compare(f"{READER}, '{line}'", completed(line, folder), expected)
+            # Fish offers the option with its value.
+            compare(f"{READER}, '{line}'", {name.removeprefix("--tab=") for name in completed(line, folder)}, expected)
 
         offers("quarrynet -", options_in(help_of(QUARRYNET)))
         offers("quarrynet --tab ", TABS)
         offers("quarrynet --tab w", {"web"})
+        offers("quarrynet --tab=w", {"web"})
         offers("quarrynet --tab web --l", {"--language"})
         offers("quarrynet -- -", set())
         help_text = help_of(SERVICES)
