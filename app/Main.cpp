@@ -1,14 +1,21 @@
 #include "app/Main.h"
 
+#include <algorithm>
+
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QResizeEvent>
 
+#include "app/AddressDrop.h"
 #include "app/BusySign.h"
 #include "app/FieldHistory.h"
+#include "app/ListCommands.h"
 #include "app/RememberedPlaces.h"
 #include "common/local_pages.h"
 #include "common/request_text.h"
@@ -67,6 +74,7 @@ Main::Main(const Surroundings& surroundings)
     makeToolbar();
     makeShortcuts();
     makeBusySign();
+    makeListCommands();
     joinTabs();
 }
 
@@ -148,6 +156,19 @@ void Main::makeBusySign()
         // A dialog of the program that is active is enough: the user is there.
         if (!QApplication::activeWindow())
             QApplication::alert(this);
+    });
+}
+
+void Main::makeListCommands()
+{
+    new ListCommands(*this, *findChild<QMenu*>(QStringLiteral("filmnu")),
+                     findChild<QAction*>(QStringLiteral("exitmnu")), {tabs_.begin(), tabs_.end()}, *TabStrip1,
+                     [this] { return frontTab(); });
+    const QList<QLineEdit*> fields = centralWidget()->findChildren<QLineEdit*>();
+    new AddressDrop(*this, {fields.begin(), fields.end()}, SPS->addressField(), [this](const std::string& address) {
+        TabStrip1->setCurrentIndex(static_cast<int>(std::find(tabs_.begin(), tabs_.end(), SPS) - tabs_.begin()));
+        SPS->prepare(address);
+        activateWindow();
     });
 }
 

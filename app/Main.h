@@ -109,6 +109,7 @@ private:
     void makeToolbar();
     void makeShortcuts();
     void makeBusySign();
+    void makeListCommands();
     void joinTabs();
     void makeMemories();
 

@@ -20,6 +20,7 @@
 #include "icons/icons.h"
 #include "platform/HiddenText.h"
 #include "platform/ImageList.h"
+#include "platform/ListView.h"
 #include "platform/Registry.h"
 #include "platform/Shell.h"
 #include "platform/message_boxes.h"
@@ -258,6 +259,8 @@ void Main::outOfMemory()
         const bool searching = tab->socket().State() != SocketState::Closed;
         if (searching || tab == front)
             bringToRest({tab, tab, tab});
+        if (ListView* list = tab->list())
+            list->forgetRows();
     }
     giveMemoryBack();
     showRuntimeError(this, RuntimeError::OutOfMemory);

@@ -3,65 +3,43 @@
 #include <algorithm>
 #include <utility>
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QToolTip>
 
 #include "platform/CellDelegate.h"
-#include "platform/text_border.h"
+#include "platform/FilterLine.h"
+#include "platform/ListHeader.h"
+#include "platform/cell_tip.h"
+#include "platform/list_menu.h"
 
 namespace quarrynet {
 
-ListViewModel::ListViewModel(QStringList headers, QObject* parent)
-    : QAbstractTableModel(parent), headers_(std::move(headers))
-{}
+namespace {
 
-void ListViewModel::setRows(std::vector<Row> rows)
+// What clear() keeps of rows, in bytes. Larger results are freed, as they were before a list kept any.
+constexpr std::size_t kMostKept = std::size_t{64} << 20;
+
+std::size_t bytesOf(const std::vector<ListViewModel::Row>& rows)
 {
-    if (rows.empty() && rows_.empty())
-        return;
-    // The view lays out all rows in one block of memory, and crashes if it cannot get it. This allocation throws before
-    // that, where the caller can catch the exception.
-    constexpr std::size_t kLayoutOfARow = 128; // bytes; about twice the actual size
-    std::vector<char>().reserve(rows.size() * kLayoutOfARow);
-    beginResetModel();
-    rows_ = std::move(rows);
-    endResetModel();
+    std::size_t bytes = 0;
+    for (const ListViewModel::Row& row : rows) {
+        for (const std::string& cell : row)
+            bytes += sizeof(cell) + cell.size();
+    }
+    return bytes;
 }
 
-int ListViewModel::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
-}
-
-int ListViewModel::columnCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(headers_.size());
-}
-
-QVariant ListViewModel::data(const QModelIndex& index, int role) const
-{
-    if (role != Qt::DisplayRole || !index.isValid())
-        return {};
-    const Row& row = rows_[static_cast<std::size_t>(index.row())];
-    const auto column = static_cast<std::size_t>(index.column());
-    if (column >= row.size())
-        return QString();
-    return toLine(row[column]);
-}
-
-QVariant ListViewModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
-        return {};
-    return headers_.value(section);
-}
+} // namespace
 
 ListView::ListView(QWidget* parent) : QTreeView(parent)
 {
+    header_ = new ListHeader(this); // before the font, whose change lays the list out
+    setHeader(header_);
+    header_->setSectionsClickable(true); // after setHeader, which switches it off
     QFont arial = font();
     arial.setFamily(QStringLiteral("Arial"));
     setFont(arial);
@@ -74,9 +52,8 @@ ListView::ListView(QWidget* parent) : QTreeView(parent)
     setMouseTracking(true);
     setTextElideMode(Qt::ElideRight);
     setItemDelegate(new CellDelegate(this));
-    header()->setStretchLastSection(false);
-    header()->setSectionsMovable(false);
-    header()->setMinimumSectionSize(8);
+    connect(header_, &QHeaderView::sectionClicked, this, &ListView::clickHeader);
+    connect(header_, &QHeaderView::sectionDoubleClicked, this, &ListView::clickHeader); // the second of two fast clicks
     connect(header(), &QHeaderView::sectionResized, this, [this](int section, int, int width) {
         const auto index = static_cast<std::size_t>(section);
         if (!sharing_ && index < shares_.size() && this->width() > 0)
@@ -130,9 +107,24 @@ void ListView::halveColumns()
     setColumnWidths({width() / 2 - kMargin, width() / 2 - kMargin});
 }
 
-void ListView::setRows(std::vector<ListViewModel::Row> rows)
+void ListView::setAddressColumn(std::size_t column)
 {
+    addressColumn_ = column;
+    model_->setDragData([this](const std::vector<std::size_t>& rows) { return dragData(rows); });
+}
+
+void ListView::setFigureColumn(int column)
+{
+    model_->setFigureColumn(column);
+}
+
+void ListView::setRows(std::vector<ListViewModel::Row> rows, const QString& subject)
+{
+    cleared_ = {};
+    subject_ = subject;
+    endArrangement();
     model_->setRows(std::move(rows));
+    emit rowsChanged();
 }
 
 const std::vector<ListViewModel::Row>& ListView::rows() const
@@ -140,16 +132,157 @@ const std::vector<ListViewModel::Row>& ListView::rows() const
     return model_->rows();
 }
 
+void ListView::clear()
+{
+    if (rows().empty())
+        return;
+    cleared_ = model_->take();
+    if (bytesOf(cleared_.rows) > kMostKept)
+        cleared_ = {};
+    endArrangement();
+    emit rowsChanged();
+}
+
+void ListView::forgetRows()
+{
+    cleared_ = {};
+    emit rowsChanged();
+}
+
 std::vector<std::size_t> ListView::selectedRows() const
 {
-    std::vector<std::size_t> rows;
+    std::vector<int> shown;
     for (const QItemSelectionRange& range : selectionModel()->selection()) {
         for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(static_cast<std::size_t>(row));
+            shown.push_back(row);
     }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    std::sort(shown.begin(), shown.end());
+    shown.erase(std::unique(shown.begin(), shown.end()), shown.end());
+    std::vector<std::size_t> rows;
+    rows.reserve(shown.size());
+    for (const int row : shown)
+        rows.push_back(model_->originalRow(row));
     return rows;
+}
+
+bool ListView::canOpen() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&ListView::doubleClicked));
+}
+
+void ListView::sortRows(std::optional<ListViewModel::Sorting> sorting)
+{
+    if (sorting == sorting_ || rows().empty())
+        return;
+    sorting_ = sorting;
+    header_->setSortIndicatorShown(sorting.has_value());
+    if (sorting) {
+        header_->setSortIndicator(sorting->column, sorting->order);
+        const QString caption = model_->headers().value(sorting->column);
+        setAccessibleDescription(sorting->order == Qt::AscendingOrder ? tr("Sorted by %1, ascending").arg(caption)
+                                                                      : tr("Sorted by %1, descending").arg(caption));
+    } else {
+        setAccessibleDescription({});
+    }
+    arrange();
+}
+
+void ListView::clickHeader(int column)
+{
+    if (!sorting_ || sorting_->column != column)
+        sortRows(ListViewModel::Sorting{column, Qt::AscendingOrder});
+    else if (sorting_->order == Qt::AscendingOrder)
+        sortRows(ListViewModel::Sorting{column, Qt::DescendingOrder});
+    else
+        sortRows(std::nullopt);
+}
+
+void ListView::openFilter()
+{
+    if (rows().empty())
+        return;
+    if (!filterLine_) {
+        filterLine_ = new FilterLine(*this);
+        connect(filterLine_, &FilterLine::changed, this, &ListView::filterRows);
+    }
+    filterLine_->showCount(model_->rowCount(), rows().size());
+    filterLine_->open();
+    updateGeometries();
+}
+
+void ListView::filterRows(const QString& words)
+{
+    QStringList filter = words.simplified().split(u' ', Qt::SkipEmptyParts);
+    if (filter != filter_) {
+        filter_ = std::move(filter);
+        arrange();
+    }
+    filterLine_->showCount(model_->rowCount(), rows().size());
+    updateGeometries();
+}
+
+void ListView::arrange()
+{
+    std::vector<bool> selected(rows().size());
+    for (const std::size_t row : selectedRows())
+        selected[row] = true;
+    const QModelIndex before = currentIndex();
+    const std::size_t current = before.isValid() ? model_->originalRow(before.row()) : rows().size();
+    model_->arrange(filter_, sorting_);
+
+    // Rows that are hidden now are no longer selected: commands apply to what the user sees.
+    QItemSelection selection;
+    QModelIndex now;
+    const int count = model_->rowCount();
+    int start = -1; // the first row of a run of selected ones
+    for (int row = 0; row <= count; ++row) {
+        const bool isSelected = row < count && selected[model_->originalRow(row)];
+        if (isSelected && start < 0)
+            start = row;
+        if (!isSelected && start >= 0) {
+            selection.append({model_->index(start, 0), model_->index(row - 1, model_->columnCount() - 1)});
+            start = -1;
+        }
+        if (row < count && model_->originalRow(row) == current)
+            now = model_->index(row, before.column());
+    }
+    selectionModel()->setCurrentIndex(now, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (now.isValid())
+        scrollTo(now);
+    else
+        scrollToTop();
+}
+
+void ListView::endArrangement()
+{
+    filter_.clear();
+    sorting_ = std::nullopt;
+    header_->setSortIndicatorShown(false);
+    setAccessibleDescription({});
+    if (filterLine_)
+        filterLine_->close();
+}
+
+bool ListView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip && cellTips_) {
+        showCellTip(*static_cast<QHelpEvent*>(event));
+        return true;
+    }
+    return QTreeView::viewportEvent(event);
+}
+
+void ListView::showCellTip(const QHelpEvent& event)
+{
+    const QModelIndex index = indexAt(event.pos());
+    const QRect cell = visualRect(index);
+    const bool isCut = index.isValid() && (sizeHintForIndex(index).width() > cell.width() ||
+                                           cell.right() > viewport()->rect().right() || cell.left() < 0);
+    if (isCut)
+        QToolTip::showText(event.globalPos(), cellTip(index.data().toString(), *this), viewport(), cell);
+    else
+        QToolTip::hideText();
 }
 
 void ListView::mousePressEvent(QMouseEvent* event)
@@ -159,6 +292,8 @@ void ListView::mousePressEvent(QMouseEvent* event)
     const bool selected = pressed.isValid() && selectionModel()->isSelected(pressed);
     pressed_ = selected ? pressed : QModelIndex();
     beforePress_ = selected ? selectionModel()->selection() : QItemSelection();
+    // Selected rows are dragged; elsewhere, moving the mouse selects.
+    setDragEnabled(selected && hasAddresses() && event->modifiers() == Qt::NoModifier);
     QTreeView::mousePressEvent(event);
 }
 
@@ -201,23 +336,32 @@ void ListView::keyPressEvent(QKeyEvent* event)
         return;
     }
     if (event->matches(QKeySequence::Copy)) {
-        copySelection();
+        copyRows();
+        return;
+    }
+    // Not every platform makes a menu event from these keys.
+    if (event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier)) {
+        showMenu();
         return;
     }
     QTreeView::keyPressEvent(event);
 }
 
-void ListView::copySelection() const
+void ListView::contextMenuEvent(QContextMenuEvent* event)
 {
-    QStringList lines;
-    for (const std::size_t row : selectedRows()) {
-        QStringList cells;
-        for (int column = 0; column < model_->columnCount(); ++column)
-            cells.append(model_->index(static_cast<int>(row), column).data().toString());
-        lines.append(cells.join(u'\t'));
-    }
-    if (!lines.isEmpty())
-        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+    if (event->reason() == QContextMenuEvent::Mouse)
+        showListMenu(*this, event->globalPos());
+    else
+        showMenu();
+}
+
+void ListView::showMenu()
+{
+    const QModelIndex current = currentIndex();
+    if (current.isValid())
+        scrollTo(current);
+    const QRect row = current.isValid() ? visualRect(current.siblingAtColumn(0)) : QRect();
+    showListMenu(*this, viewport()->mapToGlobal(row.isValid() ? row.bottomLeft() : QPoint()));
 }
 
 void ListView::focusInEvent(QFocusEvent* event)
@@ -232,6 +376,23 @@ void ListView::resizeEvent(QResizeEvent* event)
 {
     shareWidth(); // first, because the base class sets the scroll bars for the columns
     QTreeView::resizeEvent(event);
+}
+
+void ListView::moveEvent(QMoveEvent* event)
+{
+    QTreeView::moveEvent(event);
+    updateGeometries();
+}
+
+void ListView::updateGeometries()
+{
+    const bool filtering = filterLine_ && filterLine_->isOpen();
+    header_->setRoomBelow(filtering ? filterLine_->wantedHeight() : 0);
+    QTreeView::updateGeometries();
+    if (!filtering)
+        return;
+    const QRect room = header_->roomBelow();
+    filterLine_->setGeometry({header_->mapTo(filterLine_->parentWidget(), room.topLeft()), room.size()});
 }
 
 void ListView::shareWidth()

@@ -1,42 +1,28 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include <QAbstractTableModel>
 #include <QItemSelection>
 #include <QTreeView>
 
+#include "common/table_text.h"
+#include "platform/ListViewModel.h"
+
 namespace quarrynet {
 
-/// The rows of a list view, kept as bytes and converted to text only when a row is read.
-class ListViewModel final : public QAbstractTableModel
-{
-    Q_OBJECT
-    Q_DISABLE_COPY_MOVE(ListViewModel)
-
-public:
-    /// A row's cells; missing cells at its end are empty.
-    using Row = std::vector<std::string>;
-
-    ListViewModel(QStringList headers, QObject* parent);
-
-    void setRows(std::vector<Row> rows);
-    const std::vector<Row>& rows() const { return rows_; }
-
-    int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-
-private:
-    QStringList headers_;
-    std::vector<Row> rows_;
-};
+class FilterLine;
+class ListHeader;
 
 /// A list view in report form: columns with headers, whole rows selected, and columns that keep their share of the
 /// width when the list is resized. A double click on one of several selected rows applies to all of them and keeps the
-/// selection. The copy keys copy the selected rows as shown, with tabs between cells and line feeds between rows.
+/// selection.
+///
+/// A click on a caption sorts by that column, a second one in the other direction, a third one restores the page's
+/// order. openFilter() opens a line that hides rows. Both end when the rows are replaced. The right button and the menu
+/// key open a menu with the list's commands (see ListMenu). Selected rows can be dragged as addresses.
 class ListView final : public QTreeView
 {
     Q_OBJECT
@@ -70,32 +56,102 @@ public:
     /// Gives each of two columns half the list's width minus 50 twips for the frame.
     void halveColumns();
 
-    void setRows(std::vector<ListViewModel::Row> rows);
-    const std::vector<ListViewModel::Row>& rows() const;
-    void clear() { setRows({}); }
+    /// Names the cell of each row that holds its address; it may lie beyond the columns. Call at most once.
+    void setAddressColumn(std::size_t column);
 
-    /// Returns the indexes of the selected rows, in ascending order.
+    /// Names the column that is sorted by numbers.
+    void setFigureColumn(int column);
+
+    /// Sets whether the whole text of a cell that is cut off is its tool tip.
+    void setCellTips(bool on) { cellTips_ = on; }
+
+    /// Replaces the rows. `subject` are the words that were searched for.
+    void setRows(std::vector<ListViewModel::Row> rows, const QString& subject = {});
+    const std::vector<ListViewModel::Row>& rows() const;
+
+    /// Removes all rows. They can still be saved until the next call of setRows or forgetRows.
+    void clear();
+
+    /// Frees the rows that clear() kept.
+    void forgetRows();
+
+    /// Returns the indexes into rows() of the selected rows, in the order in which they are shown.
     std::vector<std::size_t> selectedRows() const;
 
+    /// Returns whether the rows lead to addresses, and whether a double click does anything.
+    bool hasAddresses() const { return addressColumn_.has_value(); }
+    bool canOpen() const;
+
+    /// Puts the addresses of the selected rows on the clipboard, one a line.
+    void copyAddresses() const;
+
+    /// Puts the selected rows on the clipboard as they are shown: as text, with tabs between cells and line feeds
+    /// between rows, and as an HTML table.
+    void copyRows() const;
+
+    /// Returns the rows as they are shown, or, in an empty list, as they were when clear() removed them, with their
+    /// addresses in a further column. The title is empty.
+    Table table() const;
+
+    /// Returns whether table() has rows.
+    bool isSavable() const;
+
+    /// Returns the words that were searched for to find the rows of table().
+    const QString& subject() const { return subject_; }
+
+    std::optional<ListViewModel::Sorting> sorting() const { return sorting_; }
+
+    /// Sorts the rows that are shown, or restores the page's order.
+    void sortRows(std::optional<ListViewModel::Sorting> sorting);
+
+    /// Opens the line that filters the rows. Does nothing without rows.
+    void openFilter();
+
 signals:
-    /// A double click anywhere in the list, or Enter while it has the focus.
+    /// A double click anywhere in the list, or Enter while it has the focus, or "Open" in its menu.
     void doubleClicked();
     void mouseMoved();
 
+    /// Rows were replaced or removed.
+    void rowsChanged();
+
+    /// The user asked in the list's menu for the rows to be saved.
+    void saveWanted();
+
 protected:
+    bool viewportEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void updateGeometries() override;
 
 private:
     void shareWidth();
-    void copySelection() const;
+    void clickHeader(int column);
+    void showMenu();
+    void showCellTip(const QHelpEvent& event);
+    void endArrangement();
+    void filterRows(const QString& words);
+    void arrange();
+    QString shownAddress(const ListViewModel::Row& row) const;
+    std::unique_ptr<QMimeData> dragData(const std::vector<std::size_t>& rows) const;
+    Table tableOf(const ListViewModel::Shown& shown) const;
 
     ListViewModel* model_ = nullptr;
+    ListHeader* header_ = nullptr;
+    FilterLine* filterLine_ = nullptr; // made when it is first opened
+    QStringList filter_;
+    std::optional<ListViewModel::Sorting> sorting_;
+    std::optional<std::size_t> addressColumn_;
+    ListViewModel::Shown cleared_; // what clear() removed
+    QString subject_;
+    bool cellTips_ = false;
     std::vector<double> shares_; // each column's fraction of the list's width
     std::vector<double> designShares_;
     bool sharing_ = false;

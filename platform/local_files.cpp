@@ -1,6 +1,9 @@
 #include "platform/local_files.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
 
 #include "common/local_pages.h"
 #include "platform/message_boxes.h"
@@ -32,6 +35,30 @@ bool writePages(QWidget* owner, const std::string& folder,
         }
     }
     return true;
+}
+
+QString replaceFileAtomically(const QString& path, std::string_view bytes)
+{
+    // A rename would replace a device by a file.
+    if (const QFileInfo existing(path); existing.exists() && !existing.isFile())
+        return QCoreApplication::translate("local_files", "There is something of this name that is not a file.");
+    QSaveFile file(path);
+    const auto size = static_cast<qint64>(bytes.size());
+    // The flush is not left to commit(), which replaces the file even if the last of the bytes could not be written.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes.data(), size) != size || !file.flush() || !file.commit())
+        return file.errorString();
+    return {};
+}
+
+std::optional<std::string> readSmallFile(const QString& path, std::size_t most)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.read(static_cast<qint64>(most) + 1);
+    if (file.error() != QFileDevice::NoError || static_cast<std::size_t>(bytes.size()) > most)
+        return std::nullopt;
+    return bytes.toStdString();
 }
 
 } // namespace quarrynet

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,5 +21,14 @@ QString rewriteFile(const std::string& path, std::string_view bytes);
 /// cannot be written, after an error box of `owner` that names it.
 bool writePages(QWidget* owner, const std::string& folder,
                 std::initializer_list<std::pair<std::string_view, std::string_view>> pages);
+
+/// Replaces the content of the file at `path` with `bytes`, or creates the file, in one step: if it fails, an existing
+/// file is as it was. A symbolic link stays one, and the file that it leads to is replaced. Refuses what is no file,
+/// such as a folder or a device. Returns the reason of a failure, or an empty text.
+QString replaceFileAtomically(const QString& path, std::string_view bytes);
+
+/// Returns the content of the file at `path`, or nothing if it cannot be read, has more than `most` bytes, or is no
+/// file, such as a pipe, whose reader would wait.
+std::optional<std::string> readSmallFile(const QString& path, std::size_t most);
 
 } // namespace quarrynet

@@ -1,5 +1,7 @@
 #include "search/SearchTab.h"
 
+#include <utility>
+
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -81,8 +83,14 @@ void SearchTab::setReachable(bool reachable)
 
 void SearchTab::fetchFrom(const Endpoint& target)
 {
+    subject_ = subject();
     buffer_.setText({});
     exchange_.session().start(target);
+}
+
+void SearchTab::showRows(ListView& list, std::vector<ListViewModel::Row> rows)
+{
+    list.setRows(std::move(rows), subject_);
 }
 
 void SearchTab::enableStartButton()
@@ -129,6 +137,11 @@ void PagedSearch::setControls(QPushButton& button, QLineEdit& keywords, PagingSl
 QWidget& PagedSearch::firstField()
 {
     return *keywords_;
+}
+
+QString PagedSearch::subject() const
+{
+    return keywords_->text();
 }
 
 std::string PagedSearch::keywords() const

@@ -9,6 +9,7 @@
 #include "common/result_heading.h"
 #include "platform/CoverableFrame.h"
 #include "platform/HiddenText.h"
+#include "platform/ListView.h"
 #include "platform/PagingSlider.h"
 #include "search/Exchange.h"
 #include "search/SearchWindow.h"
@@ -57,6 +58,9 @@ public:
     /// Returns the control that gets the focus when the tab comes to the front.
     virtual QWidget& firstField() = 0;
 
+    /// Returns the list that shows the results, or null if the tab has none.
+    virtual ListView* list() { return nullptr; }
+
     /// Sets whether keys reach the tab's controls. Pass false while its frame is visible but covered by another.
     void setReachable(bool reachable);
 
@@ -75,6 +79,12 @@ protected:
 
     /// Empties the buffer and starts the exchange with `target`.
     void fetchFrom(const Endpoint& target);
+
+    /// Returns the typed words that the results belong to.
+    virtual QString subject() const = 0;
+
+    /// Shows the results of the exchange that was started last.
+    void showRows(ListView& list, std::vector<ListViewModel::Row> rows);
 
     SearchWindow& searchWindow() { return window_; }
     Route route() const { return window_.route(); }
@@ -98,6 +108,7 @@ private:
     Exchange exchange_;
     QTimer timer_;
     HiddenText buffer_;
+    QString subject_; // of the exchange that was started last
     QPushButton* startButton_ = nullptr;
     std::vector<QLineEdit*> inputs_;
 };
@@ -114,6 +125,8 @@ public:
 
 protected:
     using SearchTab::SearchTab;
+
+    QString subject() const override;
 
     void setControls(QPushButton& button, QLineEdit& keywords, PagingSlider& slider);
 

@@ -65,7 +65,7 @@
     </message>
     <message>
         <source>shows the connection on the left ("Connecting", "Connected", "Closed") and the step of the search on the right ("Requesting Data", "Downloading Data").</source>
-        <translation>zeigt links die Verbindung ("Connecting" beim Aufbau, "Connected", "Closed" am Ende) und rechts den Schritt der Suche ("Requesting Data" beim Anfragen, "Downloading Data" beim Empfangen).</translation>
+        <translation>zeigt links die Verbindung („Connecting“ beim Aufbau, „Connected“, „Closed“ am Ende) und rechts den Schritt der Suche („Requesting Data“ beim Anfragen, „Downloading Data“ beim Empfangen).</translation>
     </message>
     <message>
         <source>The line below the tabs</source>
@@ -74,6 +74,54 @@
     <message>
         <source>moves while the search of the current tab is running; it stands still where your desktop is set to avoid motion. If another program is in front when a search ends, the desktop marks the window.</source>
         <translation>bewegt sich, solange die Suche der aktuellen Registerkarte läuft; sie steht still, wenn Ihr Desktop Bewegung vermeiden soll. Ist ein anderes Programm vorn, wenn eine Suche endet, so kennzeichnet der Desktop das Fenster.</translation>
+    </message>
+    <message>
+        <source>What the lists can do</source>
+        <translation>Was die Listen können</translation>
+    </message>
+    <message>
+        <source>Menu of a list</source>
+        <translation>Menü einer Liste</translation>
+    </message>
+    <message>
+        <source>The right mouse button, the Menu key and Shift+F10 open it. &lt;b&gt;Open&lt;/b&gt; does what a double click does. &lt;b&gt;Copy address&lt;/b&gt; copies the addresses of the selected rows, one a line; a program's address is the link on the download site, which leads to the file. &lt;b&gt;Copy rows&lt;/b&gt; copies the rows as they are shown, for a text or a table. Entries that have nothing to work with are grey. The rows of the page check have no address. The gallery has no menu.</source>
+        <translation>Die rechte Maustaste, die Menütaste und Umschalt+F10 öffnen es. &lt;b&gt;Öffnen&lt;/b&gt; tut dasselbe wie ein Doppelklick. &lt;b&gt;Adresse kopieren&lt;/b&gt; kopiert die Adressen der ausgewählten Zeilen, eine pro Zeile; die Adresse eines Programms ist der Link auf der Download-Seite, der zur Datei führt. &lt;b&gt;Zeilen kopieren&lt;/b&gt; kopiert die Zeilen, wie sie gezeigt werden, für einen Text oder eine Tabelle. Einträge, die nichts zu tun haben, sind grau. Die Zeilen der Seitenprüfung haben keine Adresse. Die Galerie hat kein Menü.</translation>
+    </message>
+    <message>
+        <source>Drag and drop</source>
+        <translation>Ziehen und Ablegen</translation>
+    </message>
+    <message>
+        <source>Drag selected rows into another program to give it their addresses. Drop a web address or a link file (&lt;code&gt;.url&lt;/code&gt;, &lt;code&gt;.desktop&lt;/code&gt;, &lt;code&gt;.webloc&lt;/code&gt;) on the window to put its address into the page check; you then type the keywords and start it yourself. The fields for words take dropped text as text.</source>
+        <translation>Ziehen Sie ausgewählte Zeilen in ein anderes Programm, um ihm deren Adressen zu geben. Legen Sie eine Webadresse oder eine Linkdatei (&lt;code&gt;.url&lt;/code&gt;, &lt;code&gt;.desktop&lt;/code&gt;, &lt;code&gt;.webloc&lt;/code&gt;) auf dem Fenster ab, so kommt ihre Adresse in die Seitenprüfung; die Suchbegriffe geben Sie dann selbst ein, und Sie starten sie auch selbst. Die Felder für Suchbegriffe nehmen abgelegten Text als Text.</translation>
+    </message>
+    <message>
+        <source>Filter</source>
+        <translation>Filtern</translation>
+    </message>
+    <message>
+        <source>Ctrl+F opens a line above the rows. Only rows that contain all of its words, in any column and in upper or lower case, stay visible; the number beside it says how many. Escape or the button closes the line.</source>
+        <translation>Strg+F öffnet eine Eingabezeile über den Zeilen. Nur Zeilen, die alle ihre Wörter enthalten, gleich in welcher Spalte und ob groß oder klein geschrieben, bleiben sichtbar; die Zahl daneben sagt, wie viele das sind. Escape oder die Schaltfläche schließt die Eingabezeile.</translation>
+    </message>
+    <message>
+        <source>Sort</source>
+        <translation>Sortieren</translation>
+    </message>
+    <message>
+        <source>Click a caption to sort by its column, click again for the other direction, and a third time for the order of the page. Or choose &lt;b&gt;Sort by&lt;/b&gt; in the menu of the list. Sizes are compared as amounts, so 900 KB comes before 1 MB; rows without a size come last. The filter and the sorting end with the next results.</source>
+        <translation>Klicken Sie auf eine Überschrift, um nach ihrer Spalte zu sortieren, noch einmal für die andere Richtung und ein drittes Mal für die Reihenfolge der Seite. Oder wählen Sie &lt;b&gt;Sortieren nach&lt;/b&gt; im Menü der Liste. Größen werden als Mengen verglichen, 900 KB steht also vor 1 MB; Zeilen ohne Größe stehen am Ende. Filter und Sortierung enden mit den nächsten Ergebnissen.</translation>
+    </message>
+    <message>
+        <source>Save</source>
+        <translation>Speichern</translation>
+    </message>
+    <message>
+        <source>&lt;b&gt;Save List&lt;/b&gt; in the File menu, or Ctrl+S, saves the visible rows in their order, with their addresses in a column of their own. The extension of the file decides the format: &lt;code&gt;.csv&lt;/code&gt; for spreadsheets, &lt;code&gt;.json&lt;/code&gt; for programs, &lt;code&gt;.html&lt;/code&gt; for a browser. An existing file is replaced completely or not at all. If you stop a search, you can still save the rows that it replaced, until the next results appear (unless they exceed 64 megabytes).</source>
+        <translation>&lt;b&gt;Liste speichern&lt;/b&gt; im Menü File oder Strg+S speichert die sichtbaren Zeilen in ihrer Reihenfolge, mit ihren Adressen in einer eigenen Spalte. Die Endung der Datei bestimmt das Format: &lt;code&gt;.csv&lt;/code&gt; für Tabellenkalkulationen, &lt;code&gt;.json&lt;/code&gt; für Programme, &lt;code&gt;.html&lt;/code&gt; für einen Browser. Eine vorhandene Datei wird ganz ersetzt oder gar nicht. Wenn Sie eine Suche abbrechen, können Sie die Zeilen, die sie ersetzt hat, noch speichern, bis die nächsten Ergebnisse erscheinen (außer wenn sie mehr als 64 Megabyte umfassen).</translation>
+    </message>
+    <message>
+        <source>The CSV file is UTF-8 with commas between the cells and every cell in quotes; if a spreadsheet shows wrong letters or a single column, import the file as such. A cell that a spreadsheet would calculate as a formula, because it begins with one of &lt;code&gt;= + - @&lt;/code&gt;, has an apostrophe in front; the same applies behind a semicolon within a cell.</source>
+        <translation>Die CSV-Datei ist UTF-8 mit Kommas zwischen den Zellen und jeder Zelle in Anführungszeichen; wenn eine Tabellenkalkulation falsche Buchstaben oder nur eine Spalte zeigt, importieren Sie die Datei als solche. Eine Zelle, die eine Tabellenkalkulation als Formel berechnen würde, weil sie mit einem der Zeichen &lt;code&gt;= + - @&lt;/code&gt; beginnt, hat einen Apostroph davor; dasselbe gilt hinter einem Semikolon innerhalb einer Zelle.</translation>
     </message>
     <message>
         <source>Run one search at a time for a reliable result. All tabs share one receive buffer, so the responses of two simultaneous searches can mix.</source>
@@ -85,7 +133,7 @@
     </message>
     <message>
         <source>The searches need services, which are programs of their own. A box with "Error #:" means that none answered:</source>
-        <translation>Die Suchen brauchen Dienste, das sind eigene Programme. Eine Meldung mit "Error #:" bedeutet, dass keiner geantwortet hat:</translation>
+        <translation>Die Suchen brauchen Dienste, das sind eigene Programme. Eine Meldung mit „Error #:“ bedeutet, dass keiner geantwortet hat:</translation>
     </message>
     <message>
         <source>number</source>
@@ -104,8 +152,8 @@
         <translation>unter der Adresse läuft kein Dienst</translation>
     </message>
     <message>
-        <source>on Linux, start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
-        <translation>unter Linux &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
+        <source>on Linux, type &lt;code&gt;quarrynet-services status&lt;/code&gt; in a terminal: it says what is missing and how to start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
+        <translation>unter Linux in einem Terminal &lt;code&gt;quarrynet-services status&lt;/code&gt; eingeben: das sagt, was fehlt und wie &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
     </message>
     <message>
         <source>there is no computer of this name</source>
@@ -124,12 +172,16 @@
         <translation>Netzwerk und Adresse prüfen; wo nur ein Proxy nach außen führt, &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; einschalten</translation>
     </message>
     <message>
+        <source>If a service answers but finds nothing at all, its index may be missing or still in the making; &lt;code&gt;quarrynet-services status&lt;/code&gt; says so too.</source>
+        <translation>Wenn ein Dienst antwortet, aber gar nichts findet, fehlt vielleicht sein Index oder entsteht noch; auch das sagt &lt;code&gt;quarrynet-services status&lt;/code&gt;.</translation>
+    </message>
+    <message>
         <source>Words</source>
         <translation>Suchbegriffe</translation>
     </message>
     <message>
         <source>Spaces before and after your words are ignored, and a space between two words is sent as "+". Everything else is sent as typed. Each service decides what the words mean; see &lt;a href="services.html"&gt;the local services&lt;/a&gt; for theirs.</source>
-        <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als "+" gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
+        <translation>Leerzeichen vor und nach den Suchbegriffen werden ignoriert, und ein Leerzeichen zwischen zwei Wörtern wird als „+“ gesendet. Alles andere wird so gesendet, wie es eingegeben wurde. Was die Wörter bedeuten, bestimmt der jeweilige Dienst; siehe &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt;.</translation>
     </message>
     <message>
         <source>From a terminal or a menu</source>
@@ -161,7 +213,7 @@
     </message>
     <message>
         <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>
-        <translation>Ein Eintrag entsteht, wenn eine Suche beginnt. Von jeder Liste bleiben die neuesten 100 erhalten. Texte von mehr als 2.000 Byte und Adressen mit einem Benutzernamen oder Passwort ("user:password@host") werden nicht aufgezeichnet. Ein Passwort an anderer Stelle einer Adresse, etwa hinter einem "?", wird nicht erkannt.</translation>
+        <translation>Ein Eintrag entsteht, wenn eine Suche beginnt. Von jeder Liste bleiben die neuesten 100 erhalten. Texte von mehr als 2.000 Byte und Adressen mit einem Benutzernamen oder Passwort („user:password@host“) werden nicht aufgezeichnet. Ein Passwort an anderer Stelle einer Adresse, etwa hinter einem „?“, wird nicht erkannt.</translation>
     </message>
     <message>
         <source>View &amp;gt; Clear History deletes all entries. While Keep History is off, nothing is written and nothing is offered; entries from before stay until you clear them.</source>
@@ -206,6 +258,10 @@
         <source>If the site names no address, its front page opens instead.</source>
         <translation>Nennt die Download-Seite keine Adresse, öffnet sich stattdessen ihre Startseite.</translation>
     </message>
+    <message>
+        <source>Copy, save, sort and filter the rows as &lt;a href="index.html#lists"&gt;in all lists&lt;/a&gt;.</source>
+        <translation>Kopieren, speichern, sortieren und filtern Sie die Zeilen wie &lt;a href="index.html#lists"&gt;in allen Listen&lt;/a&gt;.</translation>
+    </message>
 </context>
 <context>
     <name>files.html</name>
@@ -223,15 +279,15 @@
     </message>
     <message>
         <source>Double-click a row to open its address. The address of a mirror usually begins with "http" and opens in your browser; that of a crawled server begins with "ftp". Many browsers no longer support FTP, but file managers and FTP programs do.</source>
-        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit "http" und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit "ftp". Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
+        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit „http“ und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit „ftp“. Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
     </message>
     <message>
         <source>"&amp;lt;Dir&amp;gt;" in the size column marks a directory.</source>
-        <translation>"&amp;lt;Dir&amp;gt;" in der Größenspalte kennzeichnet einen Ordner.</translation>
+        <translation>„&amp;lt;Dir&amp;gt;“ in der Größenspalte kennzeichnet einen Ordner.</translation>
     </message>
     <message>
         <source>"No more site found" means that you are past the last page.</source>
-        <translation>"No more site found" bedeutet, dass Sie über die letzte Seite hinaus sind.</translation>
+        <translation>„No more site found“ bedeutet, dass Sie über die letzte Seite hinaus sind.</translation>
     </message>
 </context>
 <context>
@@ -322,6 +378,22 @@
     <message>
         <source>presses the Search button, which repeats the search; nothing happens while the button is grey</source>
         <translation>drückt die Schaltfläche Search, was die Suche wiederholt; solange die Schaltfläche grau ist, geschieht nichts</translation>
+    </message>
+    <message>
+        <source>Ctrl+F</source>
+        <translation>Strg+F</translation>
+    </message>
+    <message>
+        <source>opens a line that &lt;a href="index.html#filter"&gt;filters the list&lt;/a&gt; of the tab</source>
+        <translation>öffnet eine Eingabezeile, die &lt;a href="index.html#filter"&gt;die Liste&lt;/a&gt; der Registerkarte filtert</translation>
+    </message>
+    <message>
+        <source>Ctrl+S</source>
+        <translation>Strg+S</translation>
+    </message>
+    <message>
+        <source>&lt;a href="index.html#save"&gt;saves the list&lt;/a&gt; of the tab</source>
+        <translation>&lt;a href="index.html#save"&gt;speichert die Liste&lt;/a&gt; der Registerkarte</translation>
     </message>
     <message>
         <source>Escape</source>
@@ -432,12 +504,48 @@
         <translation>In einer Ergebnisliste</translation>
     </message>
     <message>
+        <source>opens the selected rows, like a double click</source>
+        <translation>öffnet die ausgewählten Zeilen, wie ein Doppelklick</translation>
+    </message>
+    <message>
         <source>Ctrl+C</source>
         <translation>Strg+C</translation>
     </message>
     <message>
         <source>copies the selected rows</source>
         <translation>kopiert die ausgewählten Zeilen</translation>
+    </message>
+    <message>
+        <source>Ctrl+A</source>
+        <translation>Strg+A</translation>
+    </message>
+    <message>
+        <source>selects all rows; in the list of the Specific File Search, only one row can be selected</source>
+        <translation>wählt alle Zeilen aus; in der Liste von Specific File Search kann nur eine Zeile ausgewählt werden</translation>
+    </message>
+    <message>
+        <source>the Menu key, or Shift+F10</source>
+        <translation>die Menütaste oder Umschalt+F10</translation>
+    </message>
+    <message>
+        <source>opens the menu of the list at the current row</source>
+        <translation>öffnet das Menü der Liste an der aktuellen Zeile</translation>
+    </message>
+    <message>
+        <source>In the line that filters a list</source>
+        <translation>In der Eingabezeile, die eine Liste filtert</translation>
+    </message>
+    <message>
+        <source>Enter, Down, Page Down</source>
+        <translation>Eingabetaste, Ab, Bild ab</translation>
+    </message>
+    <message>
+        <source>go to the rows</source>
+        <translation>führen zu den Zeilen</translation>
+    </message>
+    <message>
+        <source>closes the line and shows all rows; it does not stop a search</source>
+        <translation>schließt die Eingabezeile und zeigt alle Zeilen; eine Suche bricht sie nicht ab</translation>
     </message>
     <message>
         <source>On the slider</source>
@@ -508,7 +616,7 @@
     </message>
     <message>
         <source>Checks whether your keywords occur in the text of a page, given its address. HTML tags and letter case are ignored, and a word is also found inside a longer one: "apple" is in "pineapple".</source>
-        <translation>Prüft, ob Ihre Suchbegriffe im Text einer Seite vorkommen, deren Adresse Sie angeben. HTML-Tags und Groß- und Kleinschreibung werden nicht beachtet, und ein Wort wird auch innerhalb eines längeren gefunden: "Apfel" steht in "Apfelbaum".</translation>
+        <translation>Prüft, ob Ihre Suchbegriffe im Text einer Seite vorkommen, deren Adresse Sie angeben. HTML-Tags und Groß- und Kleinschreibung werden nicht beachtet, und ein Wort wird auch innerhalb eines längeren gefunden: „Apfel“ steht in „Apfelbaum“.</translation>
     </message>
     <message>
         <source>Three words on one page, one of them missing</source>
@@ -516,7 +624,7 @@
     </message>
     <message>
         <source>shows a row for each word, "Found" or "Not Found".</source>
-        <translation>zeigt eine Zeile für jedes Wort, "Found" (gefunden) oder "Not Found" (nicht gefunden).</translation>
+        <translation>zeigt eine Zeile für jedes Wort, „Found“ (gefunden) oder „Not Found“ (nicht gefunden).</translation>
     </message>
     <message>
         <source>shows a row for each word if all words occur, otherwise one row that says so.</source>
@@ -528,7 +636,7 @@
     </message>
     <message>
         <source>The address may begin with "http://" or not; such a page is fetched from port 80 without encryption. A page whose address begins with "https://" is fetched from port 443 over TLS 1.2 or later. Addresses that name another port cannot be checked, and redirects are not followed.</source>
-        <translation>Die Adresse kann mit "http://" beginnen oder nicht; eine solche Seite wird unverschlüsselt von Port 80 abgerufen. Eine Seite, deren Adresse mit "https://" beginnt, wird über TLS 1.2 oder neuer von Port 443 abgerufen. Adressen, die einen anderen Port nennen, können nicht geprüft werden, und Weiterleitungen wird nicht gefolgt.</translation>
+        <translation>Die Adresse kann mit „http://“ beginnen oder nicht; eine solche Seite wird unverschlüsselt von Port 80 abgerufen. Eine Seite, deren Adresse mit „https://“ beginnt, wird über TLS 1.2 oder neuer von Port 443 abgerufen. Adressen, die einen anderen Port nennen, können nicht geprüft werden, und Weiterleitungen wird nicht gefolgt.</translation>
     </message>
     <message>
         <source>The certificate of an https server must be valid, issued for the server's name, and issued by an authority that your system trusts. Otherwise nothing is sent, and the error box says what is wrong:</source>
@@ -575,6 +683,14 @@
         <translation>es ist keine TLS-Bibliothek installiert</translation>
     </message>
     <message>
+        <source>You can drop a web address or a link file on the window; see &lt;a href="index.html#lists"&gt;what the lists can do&lt;/a&gt;.</source>
+        <translation>Sie können eine Webadresse oder eine Linkdatei auf dem Fenster ablegen; siehe &lt;a href="index.html#lists"&gt;was die Listen können&lt;/a&gt;.</translation>
+    </message>
+    <message>
+        <source>A text that its column cuts off is shown completely when the mouse rests on it.</source>
+        <translation>Ein Text, den seine Spalte abschneidet, wird ganz gezeigt, wenn die Maus darauf ruht.</translation>
+    </message>
+    <message>
         <source>Enter in the address field moves to the keywords; Enter there starts the search.</source>
         <translation>Die Eingabetaste im Adressfeld führt zu den Suchbegriffen; dort startet sie die Suche.</translation>
     </message>
@@ -591,7 +707,7 @@
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, or the first button of the toolbar, to send the searches through an HTTP proxy. Tick "Enable Proxy" and enter host and port; both are required. The next search uses them.</source>
-        <translation>Mit View &amp;gt; Proxy oder der ersten Schaltfläche der Werkzeugleiste leiten Sie die Suchen über einen HTTP-Proxy. Kreuzen Sie "Enable Proxy" an und geben Sie Rechner und Port ein; beides ist erforderlich. Die nächste Suche benutzt sie.</translation>
+        <translation>Mit View &amp;gt; Proxy oder der ersten Schaltfläche der Werkzeugleiste leiten Sie die Suchen über einen HTTP-Proxy. Kreuzen Sie „Enable Proxy“ an und geben Sie Rechner und Port ein; beides ist erforderlich. Die nächste Suche benutzt sie.</translation>
     </message>
     <message>
         <source>The settings are in the file &lt;code&gt;Quarrynet.ini&lt;/code&gt;, in the program's folder if you can write there, otherwise in your data folder (on Linux &lt;code&gt;~/.local/share/quarrynet&lt;/code&gt;, on Windows &lt;code&gt;%APPDATA%\quarrynet&lt;/code&gt;):</source>
@@ -654,7 +770,7 @@
     </message>
     <message>
         <source>The web, image and download searches find entries that contain all your words, and entries whose name or title begins with them. Words in double quotes are a phrase; a word with "-" before it must not occur.</source>
-        <translation>Die Web-, Bilder- und Download-Suche finden Einträge, die alle Ihre Wörter enthalten, und Einträge, deren Name oder Titel damit beginnt. Wörter in doppelten Anführungszeichen sind eine Wortfolge; ein Wort mit "-" davor darf nicht vorkommen.</translation>
+        <translation>Die Web-, Bilder- und Download-Suche finden Einträge, die alle Ihre Wörter enthalten, und Einträge, deren Name oder Titel damit beginnt. Wörter in doppelten Anführungszeichen sind eine Wortfolge; ein Wort mit „-“ davor darf nicht vorkommen.</translation>
     </message>
     <message>
         <source>The file search finds names that contain every word.</source>
@@ -689,8 +805,20 @@
         <translation>antwortet, bis es beendet wird</translation>
     </message>
     <message>
-        <source>"Error #: 10061" means that no service is listening: start the services. They need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and use port 8780.</source>
-        <translation>"Error #: 10061" bedeutet, dass kein Dienst erreichbar ist: Starten Sie die Dienste. Sie brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und benutzen Port 8780.</translation>
+        <source>"Error #: 10061" means that no service is listening. &lt;code&gt;quarrynet-services status&lt;/code&gt; says what is indexed, since when, what answers, and what to do about the rest.</source>
+        <translation>„Error #: 10061“ bedeutet, dass kein Dienst erreichbar ist. &lt;code&gt;quarrynet-services status&lt;/code&gt; sagt, was im Index steht, seit wann, was antwortet und was gegen das Übrige zu tun ist.</translation>
+    </message>
+    <message>
+        <source>Installed services are started by the system when a search asks for them: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</source>
+        <translation>Installierte Dienste startet das System, sobald eine Suche sie braucht: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</translation>
+    </message>
+    <message>
+        <source>Services of your own work without the system's: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; then switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and enter 127.0.0.1 and 8781.</source>
+        <translation>Eigene Dienste laufen auch ohne die des Systems: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; dann schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8781 ein.</translation>
+    </message>
+    <message>
+        <source>Services that you start in a terminal need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch the proxy on and use port 8780.</source>
+        <translation>Dienste, die Sie in einem Terminal starten, brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie den Proxy ein und benutzen Port 8780.</translation>
     </message>
     <message>
         <source>On Windows</source>
@@ -710,7 +838,7 @@
     </message>
     <message>
         <source>Choose View &amp;gt; Proxy, tick "Enable Proxy", and enter 127.0.0.1 and 8780.</source>
-        <translation>Wählen Sie View &amp;gt; Proxy, kreuzen Sie "Enable Proxy" an, und geben Sie 127.0.0.1 und 8780 ein.</translation>
+        <translation>Wählen Sie View &amp;gt; Proxy, kreuzen Sie „Enable Proxy“ an, und geben Sie 127.0.0.1 und 8780 ein.</translation>
     </message>
     <message>
         <source>In a network where everybody may search the Linux machine's index, no tunnel is needed: start the services with &lt;code&gt;quarrynet-services serve --proxy-address ADDRESS&lt;/code&gt;, where ADDRESS is the machine's own in that network, and enter that address and 8780 as the proxy.</source>
@@ -748,8 +876,12 @@
         <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse im Browser zu öffnen. Um mehrere Zeilen zusammen zu öffnen, wählen Sie sie aus (Klick mit Strg oder Umschalt) und doppelklicken Sie auf eine davon oder drücken Sie die Eingabetaste; Strg+C kopiert sie.</translation>
     </message>
     <message>
+        <source>Copy, save, sort and filter the rows as &lt;a href="index.html#lists"&gt;in all lists&lt;/a&gt;. A text that its column cuts off is shown completely when the mouse rests on it.</source>
+        <translation>Kopieren, speichern, sortieren und filtern Sie die Zeilen wie &lt;a href="index.html#lists"&gt;in allen Listen&lt;/a&gt;. Ein Text, den seine Spalte abschneidet, wird ganz gezeigt, wenn die Maus darauf ruht.</translation>
+    </message>
+    <message>
         <source>"No site found for that keyword/s" means that the service has no results, or that it answered in an unknown layout.</source>
-        <translation>"No site found for that keyword/s" bedeutet, dass der Dienst keine Ergebnisse hat oder dass seine Antwort einen unbekannten Aufbau hat.</translation>
+        <translation>„No site found for that keyword/s“ bedeutet, dass der Dienst keine Ergebnisse hat oder dass seine Antwort einen unbekannten Aufbau hat.</translation>
     </message>
 </context>
 </TS>

@@ -16,6 +16,49 @@
     </message>
 </context>
 <context>
+    <name>ListMenu</name>
+    <message>
+        <source>Order of the &amp;page</source>
+        <translation>Reihenfolge der &amp;Seite</translation>
+    </message>
+    <message>
+        <source>%1, ascending</source>
+        <translation>%1, aufsteigend</translation>
+    </message>
+    <message>
+        <source>%1, descending</source>
+        <translation>%1, absteigend</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>Copy &amp;address</source>
+        <translation>&amp;Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>&amp;Copy rows</source>
+        <translation>&amp;Zeilen kopieren</translation>
+    </message>
+    <message>
+        <source>Select a&amp;ll</source>
+        <translation>A&amp;lles auswählen</translation>
+    </message>
+    <message>
+        <source>&amp;Filter...</source>
+        <translation>F&amp;iltern...</translation>
+    </message>
+    <message>
+        <source>So&amp;rt by</source>
+        <translation>So&amp;rtieren nach</translation>
+    </message>
+    <message>
+        <source>&amp;Save list...</source>
+        <translation>Liste &amp;speichern...</translation>
+    </message>
+</context>
+<context>
     <name>Proxy</name>
     <message>
         <source>Proxy options</source>
@@ -113,10 +156,26 @@
     </message>
 </context>
 <context>
+    <name>local_files</name>
+    <message>
+        <source>There is something of this name that is not a file.</source>
+        <translation>Unter diesem Namen gibt es etwas, das keine Datei ist.</translation>
+    </message>
+</context>
+<context>
     <name>main</name>
     <message>
         <source>The folder cannot be written.</source>
         <translation>In den Ordner kann nicht geschrieben werden.</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::AddressDrop</name>
+    <message>
+        <source>There is no web address in this file:
+%1</source>
+        <translation>In dieser Datei steht keine Webadresse:
+%1</translation>
     </message>
 </context>
 <context>
@@ -217,6 +276,21 @@
     </message>
 </context>
 <context>
+    <name>quarrynet::FilterLine</name>
+    <message>
+        <source>Show only rows with these words</source>
+        <translation>Nur Zeilen mit diesen Wörtern zeigen</translation>
+    </message>
+    <message>
+        <source>Show all rows</source>
+        <translation>Alle Zeilen zeigen</translation>
+    </message>
+    <message>
+        <source>Rows: %1 of %2</source>
+        <translation>Zeilen: %1 von %2</translation>
+    </message>
+</context>
+<context>
     <name>quarrynet::HtmlView</name>
     <message>
         <source>Pictures and links are shown without the browser view.</source>
@@ -248,6 +322,44 @@
     <message>
         <source>Result page</source>
         <translation>Ergebnisseite</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::ListCommands</name>
+    <message>
+        <source>Table for spreadsheets (*.csv)</source>
+        <translation>Tabelle für Tabellenkalkulationen (*.csv)</translation>
+    </message>
+    <message>
+        <source>Data for programs (*.json)</source>
+        <translation>Daten für Programme (*.json)</translation>
+    </message>
+    <message>
+        <source>Web page (*.html)</source>
+        <translation>Webseite (*.html)</translation>
+    </message>
+    <message>
+        <source>&amp;Save List...</source>
+        <translation>Liste &amp;speichern...</translation>
+    </message>
+    <message>
+        <source>Save List</source>
+        <translation>Liste speichern</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::ListView</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Sorted by %1, ascending</source>
+        <translation>Sortiert nach %1, aufsteigend</translation>
+    </message>
+    <message>
+        <source>Sorted by %1, descending</source>
+        <translation>Sortiert nach %1, absteigend</translation>
     </message>
 </context>
 <context>

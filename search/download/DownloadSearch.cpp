@@ -2,6 +2,7 @@
 
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
+#include "search/download/redirect.h"
 #include "search/download/request.h"
 #include "search/download/results.h"
 #include "ui_DownloadSearch.h"
@@ -9,6 +10,16 @@
 namespace quarrynet {
 
 namespace {
+
+enum class Cell : std::uint8_t
+{
+    Name,
+    Description,
+    Systems,
+    Size,
+    License,
+    Address, // not shown
+};
 
 SocketRow socketRow()
 {
@@ -29,6 +40,8 @@ DownloadSearch::DownloadSearch(SearchWindow& window, QWidget* parent)
     setControls(*ui_->Command4, *ui_->Text10, *ui_->Slider3);
     ui_->ListView3->setColumns({QStringLiteral("Program Name"), QStringLiteral("Description"), QStringLiteral("OS"),
                                 QStringLiteral("File Size"), QStringLiteral("License")});
+    ui_->ListView3->setFigureColumn(static_cast<int>(Cell::Size));
+    ui_->ListView3->setAddressColumn(static_cast<std::size_t>(Cell::Address));
     ui_->ListView3->setColumnWidths({118, 170, 120, 72, 90});
     connect(&buffer(), &HiddenText::changed, this, &DownloadSearch::Text12_Change);
     connect(ui_->ListView3, &ListView::doubleClicked, this, &DownloadSearch::ListView3_DblClick);
@@ -36,6 +49,11 @@ DownloadSearch::DownloadSearch(SearchWindow& window, QWidget* parent)
 }
 
 DownloadSearch::~DownloadSearch() = default;
+
+ListView* DownloadSearch::list()
+{
+    return ui_->ListView3;
+}
 
 void DownloadSearch::clearView()
 {
@@ -66,6 +84,13 @@ const std::string& DownloadSearch::directHost()
     return searchWindow().serviceHosts().downloadSite;
 }
 
+std::string DownloadSearch::siteAddress(const std::string& link)
+{
+    // A broken page may repeat one long link in every row.
+    constexpr std::size_t kLongestLink = std::size_t{64} << 10;
+    return link.size() <= kLongestLink ? fallbackAddress(directHost(), link) : std::string();
+}
+
 void DownloadSearch::Text12_Change()
 {
     if (buffer().text().empty())
@@ -74,10 +99,12 @@ void DownloadSearch::Text12_Change()
 
     std::vector<ListViewModel::Row> rows;
     rows.reserve(results.rows.size());
-    for (DownloadRow& row : results.rows)
+    for (std::size_t i = 0; i < results.rows.size(); ++i) {
+        DownloadRow& row = results.rows[i];
         rows.push_back({std::move(row.name), std::move(row.description), std::move(row.systems), std::move(row.size),
-                        std::move(row.license)});
-    ui_->ListView3->setRows(std::move(rows));
+                        std::move(row.license), siteAddress(results.links[i])});
+    }
+    showRows(*ui_->ListView3, std::move(rows));
     if (results.nothingFound) {
         showInformation(window(), QStringLiteral("No Software Found"));
         return;

@@ -24,6 +24,7 @@ public:
     ~DownloadSearch() override;
 
     void clearView() override;
+    ListView* list() override;
 
 protected:
     std::optional<std::string> requestText() override;
@@ -32,6 +33,10 @@ protected:
     const std::string& directHost() override;
 
 private:
+    /// Returns the address of a row's link, which is a path on the download site, or nothing if no program would open
+    /// it.
+    std::string siteAddress(const std::string& link);
+
     void Text12_Change();
     void ListView3_DblClick();
     void ListView3_MouseMove();

@@ -36,6 +36,8 @@ FileSearch::FileSearch(SearchWindow& window, QWidget* parent)
     ui_->setupUi(this);
     setControls(*ui_->Command5, *ui_->Text11, *ui_->Slider4);
     ui_->ListView4->setColumns({QStringLiteral("FileName"), QStringLiteral("FilePath"), QStringLiteral("FileSize")});
+    ui_->ListView4->setFigureColumn(static_cast<int>(Column::FileSize));
+    ui_->ListView4->setAddressColumn(static_cast<std::size_t>(Column::FilePath));
     ui_->ListView4->setColumnWidths({170, 310, 90});
     ui_->ListView4->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(&buffer(), &HiddenText::changed, this, &FileSearch::Text16_Change);
@@ -44,6 +46,11 @@ FileSearch::FileSearch(SearchWindow& window, QWidget* parent)
 }
 
 FileSearch::~FileSearch() = default;
+
+ListView* FileSearch::list()
+{
+    return ui_->ListView4;
+}
 
 void FileSearch::clearView()
 {
@@ -83,7 +90,7 @@ void FileSearch::Text16_Change()
     rows.reserve(results.rows.size());
     for (FileRow& row : results.rows)
         rows.push_back({std::move(row.name), std::move(row.path), std::move(row.size)});
-    ui_->ListView4->setRows(std::move(rows));
+    showRows(*ui_->ListView4, std::move(rows));
     if (results.nothingFound) {
         showInformation(window(), toText(nothingFoundText(slider().isEnabled())));
         slider().setEnabled(false);

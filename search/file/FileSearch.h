@@ -22,6 +22,7 @@ public:
     ~FileSearch() override;
 
     void clearView() override;
+    ListView* list() override;
 
 protected:
     std::optional<std::string> requestText() override;

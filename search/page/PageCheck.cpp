@@ -38,6 +38,7 @@ PageCheck::PageCheck(SearchWindow& window, QWidget* parent)
     caption->setGeometry({}); // takes no room in the layout
     caption->hide();
     ui_->ListView2->setColumns({QStringLiteral("Keyword"), QStringLiteral("Found/Not Found")});
+    ui_->ListView2->setCellTips(true);
     socket().setTrustedCertificates(window.trustedCertificates());
     connect(&buffer(), &HiddenText::changed, this, &PageCheck::Text6_Change);
     connect(ui_->Text4, &QLineEdit::returnPressed, this, [this] { ui_->Text5->setFocus(); });
@@ -58,6 +59,11 @@ void PageCheck::halveColumns()
     ui_->ListView2->halveColumns();
 }
 
+ListView* PageCheck::list()
+{
+    return ui_->ListView2;
+}
+
 void PageCheck::clearView()
 {
     ui_->ListView2->clear();
@@ -66,6 +72,23 @@ void PageCheck::clearView()
 QWidget& PageCheck::firstField()
 {
     return *ui_->Text4;
+}
+
+const QLineEdit& PageCheck::addressField() const
+{
+    return *ui_->Text4;
+}
+
+void PageCheck::prepare(const std::string& address)
+{
+    ui_->Text4->setText(toText(address));
+    ui_->Text5->setFocus();
+    ui_->Text5->selectAll();
+}
+
+QString PageCheck::subject() const
+{
+    return ui_->Text5->text();
 }
 
 void PageCheck::search()
@@ -107,7 +130,7 @@ void PageCheck::Text6_Change()
     for (PresenceRow& row :
          presenceRows(buffer().text(), List5.items(), toBytes(ui_->Text5->text()), ui_->Combo1->currentIndex()))
         rows.push_back({std::move(row.keyword), row.result.value_or("")});
-    ui_->ListView2->setRows(std::move(rows));
+    showRows(*ui_->ListView2, std::move(rows));
 }
 
 } // namespace quarrynet

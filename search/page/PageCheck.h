@@ -6,6 +6,8 @@
 #include "search/SearchTab.h"
 #include "search/page/address.h"
 
+class QLineEdit;
+
 namespace quarrynet {
 
 namespace Ui {
@@ -25,13 +27,21 @@ public:
     void fillMatchModes();
     void halveColumns();
 
+    const QLineEdit& addressField() const;
+
+    /// Puts `address` into the address field and the keyboard into that of the keywords. Starts nothing: the check
+    /// needs keywords, and whoever drops an address has not asked for a connection yet.
+    void prepare(const std::string& address);
+
     void search() override;
     void clearView() override;
+    ListView* list() override;
     QWidget& firstField() override;
 
 protected:
     std::optional<std::string> requestText() override;
     void handOver(const std::string& body) override;
+    QString subject() const override;
 
 private:
     void Text6_Change();

@@ -31,6 +31,8 @@ WebSearch::WebSearch(SearchWindow& window, QWidget* parent)
     ui_->setupUi(this);
     setControls(*ui_->Command1, *ui_->Text1, *ui_->Slider1);
     ui_->ListView1->setColumns({QStringLiteral("Website Address"), QStringLiteral("Short Description")});
+    ui_->ListView1->setAddressColumn(0);
+    ui_->ListView1->setCellTips(true);
     connect(&buffer(), &HiddenText::changed, this, &WebSearch::Text2_Change);
     connect(ui_->ListView1, &ListView::doubleClicked, this, &WebSearch::ListView1_DblClick);
 }
@@ -40,6 +42,11 @@ WebSearch::~WebSearch() = default;
 void WebSearch::halveColumns()
 {
     ui_->ListView1->halveColumns();
+}
+
+ListView* WebSearch::list()
+{
+    return ui_->ListView1;
 }
 
 void WebSearch::clearView()
@@ -88,7 +95,7 @@ void WebSearch::Text2_Change()
         if (i < results.lists.cleanedTitles.size())
             rows[i].push_back(results.lists.cleanedTitles[i]);
     }
-    ui_->ListView1->setRows(std::move(rows));
+    showRows(*ui_->ListView1, std::move(rows));
     List2.setItems(std::move(results.lists.addresses));
     List3.setItems(std::move(results.lists.titles));
     List4.setItems(std::move(results.lists.cleanedTitles));

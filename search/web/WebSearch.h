@@ -25,6 +25,7 @@ public:
     void halveColumns();
 
     void clearView() override;
+    ListView* list() override;
 
     using PagedSearch::page;
 

@@ -152,12 +152,14 @@ void reportAnswers(const std::vector<Asked>& services, Report& report)
 }
 
 /// Prints what the index has. Returns false if it cannot be used and there is nothing to print.
-bool printIndex(IndexPool& index, Report& report)
+bool printIndex(IndexPool& index, bool isSystems, Report& report)
 {
     Outcome<IndexPool::Lease> lease = index.borrow();
     const Outcome<IndexSummary> summary = lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
     if (!summary) {
-        report.problems.emplace_back("The index cannot be used: " + summary.error().message + ".", "");
+        report.problems.emplace_back(
+            "The index cannot be used: " + summary.error().message + ".",
+            isSystems ? "For the system's: sudo systemctl start quarrynet-services-index.service" : "");
         return false;
     }
     printCount(summary->webPages, "web pages");
@@ -237,15 +239,15 @@ int runStatus(const Options& options)
 {
     Outcome<std::string> data = dataFolderPath(options.dataFolder);
     std::error_code ignored;
-    const bool isSystems = options.dataFolder.empty() &&
-                           (!data || !std::filesystem::exists(indexPath(*data), ignored)) &&
-                           std::filesystem::exists(std::filesystem::symlink_status(kSystemDataFolder, ignored));
-    if (isSystems)
+    // A person without an index of their own asks about the system's.
+    if (options.dataFolder.empty() && (!data || !std::filesystem::exists(indexPath(*data), ignored)) &&
+        std::filesystem::exists(std::filesystem::symlink_status(kSystemDataFolder, ignored)))
         data = std::string(kSystemDataFolder);
     if (!data) {
         std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
         return 1;
     }
+    const bool isSystems = *data == kSystemDataFolder;
     const bool hasConfig =
         !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
     const UsableServices usable = loadUsableServices(hasConfig ? options.configFile : kSystemConfig);
@@ -276,7 +278,7 @@ int runStatus(const Options& options)
         if (const std::optional<std::int64_t> time = indexTime(path))
             std::printf("  written %s\n", timeText(*time).c_str());
         IndexPool index(*data);
-        printIndex(index, report);
+        printIndex(index, isSystems, report);
         if (const std::optional<std::int64_t> time = unfinishedIndexTime(path))
             reportUnfinished(*time, report);
     }

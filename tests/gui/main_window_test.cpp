@@ -207,7 +207,7 @@ private slots:
             return texts.join(u'|');
         };
         QCOMPARE(entries(window.main().menuBar()->actions()), u"&File|&View|&Help|Stop"_s);
-        QCOMPARE(entries(window.control<QMenu>("filmnu")->actions()), u"E&xit"_s);
+        QCOMPARE(entries(window.control<QMenu>("filmnu")->actions()), u"&Save List...|E&xit"_s);
         QCOMPARE(entries(window.control<QMenu>("viewmnu")->actions()),
                  u"&Proxy|-|&Keep History|&Clear History|&Forget Place and Columns"_s);
         QCOMPARE(entries(window.control<QMenu>("helpmnu")->actions()), u"&Contents|&Email Author|&Webpage|-|&About"_s);

@@ -1,0 +1,121 @@
+#include "app/AddressDrop.h"
+
+#include <utility>
+
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QUrl>
+
+#include "common/link_file.h"
+#include "platform/local_files.h"
+#include "platform/message_boxes.h"
+#include "platform/text_border.h"
+
+namespace quarrynet {
+
+namespace {
+
+// A drop of very many files is not searched for the one that has an address.
+constexpr qsizetype kMostUrls = 16;
+
+QList<QUrl> urlsOf(const QMimeData& data)
+{
+    return data.urls().mid(0, kMostUrls);
+}
+
+std::optional<std::string> firstAddress(const QMimeData& data)
+{
+    for (const QUrl& url : urlsOf(data)) {
+        if (auto address = checkableAddress(url.toEncoded().toStdString()))
+            return address;
+    }
+    return data.hasUrls() ? std::nullopt : checkableAddress(toBytes(data.text().trimmed()));
+}
+
+// Returns the path of the first link file, or an empty text.
+QString linkFile(const QMimeData& data)
+{
+    for (const QUrl& url : urlsOf(data)) {
+        const QString path = url.toLocalFile();
+        if (isLinkFile(toPathBytes(path)))
+            return path;
+    }
+    return {};
+}
+
+// Sets the action that leaves the source as it is. Returns false if the source allows none.
+bool choosesAction(QDropEvent& event)
+{
+    for (const Qt::DropAction action : {Qt::CopyAction, Qt::LinkAction}) {
+        if (event.possibleActions().testFlag(action)) {
+            event.setDropAction(action);
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+AddressDrop::AddressDrop(QWidget& window, const std::vector<QLineEdit*>& fields, const QLineEdit& addressField,
+                         std::function<void(const std::string&)> take)
+    : QObject(&window), window_(window), addressField_(addressField), take_(std::move(take))
+{
+    window.setAcceptDrops(true);
+    window.installEventFilter(this);
+    for (QLineEdit* field : fields)
+        field->installEventFilter(this);
+}
+
+bool AddressDrop::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        break;
+    default:
+        return QObject::eventFilter(watched, event);
+    }
+    auto& dropped = *static_cast<QDropEvent*>(event);
+    if (!isWanted(*watched, dropped) || !choosesAction(dropped))
+        return QObject::eventFilter(watched, event);
+    dropped.accept();
+    if (event->type() == QEvent::Drop)
+        drop(dropped);
+    return true;
+}
+
+bool AddressDrop::isWanted(const QObject& place, const QDropEvent& event) const
+{
+    const QMimeData& data = *event.mimeData();
+    const bool isField = &place != &window_;
+    if (isField && event.source() == &place) // text that moves within a field
+        return false;
+    if (!linkFile(data).isEmpty())
+        return true;
+    return (!isField || &place == &addressField_) && firstAddress(data);
+}
+
+void AddressDrop::drop(const QDropEvent& event)
+{
+    std::optional<std::string> address = firstAddress(*event.mimeData());
+    const QString path = address ? QString() : linkFile(*event.mimeData());
+    // The other program waits until the event is handled, and must not wait for a box or a file.
+    const auto finish = [this, address, path] {
+        std::optional<std::string> found = address;
+        if (!found) {
+            const std::optional<std::string> bytes = readSmallFile(path, kLongestLinkFile);
+            const auto link = bytes ? addressInLinkFile(toPathBytes(path), *bytes) : std::nullopt;
+            found = link ? checkableAddress(*link) : std::nullopt;
+        }
+        if (found)
+            take_(*found);
+        else
+            showInformation(&window_, tr("There is no web address in this file:\n%1").arg(toLine(path)));
+    };
+    QMetaObject::invokeMethod(this, finish, Qt::QueuedConnection);
+}
+
+} // namespace quarrynet

@@ -1,0 +1,142 @@
+#include "app/ListCommands.h"
+
+#include <array>
+#include <utility>
+
+#include <QAction>
+#include <QDate>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QMenu>
+#include <QShortcut>
+#include <QStandardPaths>
+
+#include "common/table_text.h"
+#include "platform/ListView.h"
+#include "platform/local_files.h"
+#include "platform/message_boxes.h"
+#include "platform/scaling_bars.h"
+#include "platform/text_border.h"
+#include "search/SearchTab.h"
+
+namespace quarrynet {
+
+namespace {
+
+struct Format
+{
+    const char* extension;
+    const char* name;
+    std::string (*write)(const Table&);
+};
+
+constexpr std::array<Format, 3> kFormats = {{
+    {"csv", QT_TRANSLATE_NOOP("quarrynet::ListCommands", "Table for spreadsheets (*.csv)"), csvText},
+    {"json", QT_TRANSLATE_NOOP("quarrynet::ListCommands", "Data for programs (*.json)"), jsonText},
+    {"html", QT_TRANSLATE_NOOP("quarrynet::ListCommands", "Web page (*.html)"), htmlPage},
+}};
+
+const Format* formatOf(const QString& path)
+{
+    const QString extension = QFileInfo(path).suffix().toLower();
+    for (const Format& format : kFormats) {
+        if (extension == QLatin1String(format.extension))
+            return &format;
+    }
+    return nullptr;
+}
+
+// Makes the name in the dialog end in the extension of the chosen format, where it ends in that of another.
+void followFormat(QFileDialog& dialog, const Format& format)
+{
+    const QLatin1String extension(format.extension);
+    dialog.setDefaultSuffix(extension);
+    const QString path = dialog.selectedFiles().value(0);
+    if (formatOf(path) && formatOf(path) != &format)
+        dialog.selectFile(QFileInfo(path).completeBaseName() + u'.' + extension);
+}
+
+} // namespace
+
+ListCommands::ListCommands(QMainWindow& window, QMenu& menu, QAction* next, const std::vector<SearchTab*>& tabs,
+                           TabStrip& strip, std::function<SearchTab*()> front)
+    : QObject(&window), window_(window), front_(std::move(front)), entry_(new QAction(tr("&Save List..."), this))
+{
+    entry_->setObjectName(QStringLiteral("savelistmnu"));
+    entry_->setShortcut(QKeySequence::Save);
+    menu.insertAction(next, entry_);
+    connect(entry_, &QAction::triggered, this, [this] {
+        if (SearchTab* tab = front_())
+            save(*tab);
+    });
+    auto* find = new QShortcut(QKeySequence::Find, &window);
+    find->setAutoRepeat(false);
+    connect(find, &QShortcut::activated, this, &ListCommands::filter);
+    connect(&strip, &QTabBar::currentChanged, this, &ListCommands::updateEntry);
+    for (SearchTab* tab : tabs) {
+        if (const ListView* list = tab->list()) {
+            connect(list, &ListView::rowsChanged, this, &ListCommands::updateEntry);
+            connect(list, &ListView::saveWanted, this, [this, tab] { save(*tab); });
+        }
+    }
+    updateEntry();
+}
+
+void ListCommands::updateEntry()
+{
+    SearchTab* tab = front_();
+    entry_->setEnabled(tab && tab->list() && tab->list()->isSavable());
+}
+
+void ListCommands::filter()
+{
+    SearchTab* tab = front_();
+    if (tab && tab->list())
+        tab->list()->openFilter();
+}
+
+void ListCommands::save(SearchTab& tab)
+{
+    const ListView* list = tab.list();
+    if (!list || !list->isSavable())
+        return;
+    // Rows that arrive while the dialog is open are not what the user asked to save.
+    Table table = list->table();
+    const std::string caption = tab.accessibleName().toStdString();
+    const std::string words = toLine(list->subject()).toStdString();
+    table.title = words.empty() ? caption : words + " - " + caption;
+    const std::string date = QDate::currentDate().toString(Qt::ISODate).toStdString();
+    const QString name = QString::fromStdString(suggestedFileName(words, caption, date));
+
+    if (folder_.isEmpty())
+        folder_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    QFileDialog dialog(&window_, tr("Save List"), folder_);
+    dialog.setObjectName(QStringLiteral("SaveList"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QStringList filters;
+    for (const Format& format : kFormats)
+        filters.append(tr(format.name));
+    dialog.setNameFilters(filters);
+    dialog.setDefaultSuffix(QLatin1String(kFormats[0].extension));
+    dialog.selectFile(name + u'.' + QLatin1String(kFormats[0].extension));
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+        followFormat(dialog, kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, filters.indexOf(filter)))]);
+    });
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+
+    const QString path = dialog.selectedFiles().value(0);
+    folder_ = QFileInfo(path).path();
+    const Format* format = formatOf(path);
+    if (!format) {
+        const qsizetype chosen = filters.indexOf(dialog.selectedNameFilter());
+        format = &kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, chosen))];
+    }
+    const QString reason = replaceFileAtomically(path, format->write(table));
+    if (!reason.isEmpty())
+        showFileError(&window_, QDir::toNativeSeparators(path), reason);
+}
+
+} // namespace quarrynet

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace quarrynet {
+
+/// Returns the tool tip that shows `text`, the text of a cell: plain text, wrapped to less than half the width of the
+/// screen of `owner`, and at most 1,200 characters long. Text that looks like HTML is shown as it is written.
+QString cellTip(const QString& text, const QWidget& owner);
+
+} // namespace quarrynet

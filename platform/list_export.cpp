@@ -1,0 +1,111 @@
+// What leaves a list view: copied and dragged rows, and the rows to save.
+
+#include <QClipboard>
+#include <QGuiApplication>
+
+#include "common/address_check.h"
+#include "platform/ListView.h"
+#include "platform/text_border.h"
+
+namespace quarrynet {
+
+namespace {
+
+void copy(std::unique_ptr<QMimeData> data)
+{
+    QGuiApplication::clipboard()->setMimeData(data.release());
+}
+
+} // namespace
+
+QString ListView::shownAddress(const ListViewModel::Row& row) const
+{
+    if (!addressColumn_ || *addressColumn_ >= row.size())
+        return {};
+    const std::string& address = row[*addressColumn_];
+    if (const std::optional<std::string> openable = openableAddress(address))
+        return QString::fromStdString(*openable);
+    return toLine(address);
+}
+
+void ListView::copyAddresses() const
+{
+    QStringList lines;
+    for (const std::size_t row : selectedRows())
+        lines.append(shownAddress(rows()[row]));
+    if (!lines.isEmpty() && hasAddresses())
+        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+}
+
+void ListView::copyRows() const
+{
+    QStringList lines;
+    Table table;
+    for (const QString& header : model_->headers())
+        table.headers.push_back(header.toStdString());
+    for (const std::size_t row : selectedRows()) {
+        QStringList cells;
+        for (int column = 0; column < model_->columnCount(); ++column)
+            cells.append(model_->cell(row, column));
+        lines.append(cells.join(u'\t'));
+        table.rows.emplace_back();
+        for (const QString& cell : cells)
+            table.rows.back().push_back(cell.toStdString());
+    }
+    if (lines.isEmpty())
+        return;
+    auto mime = std::make_unique<QMimeData>();
+    mime->setText(lines.join(u'\n'));
+    mime->setHtml(QString::fromStdString(htmlTable(table)));
+    copy(std::move(mime));
+}
+
+std::unique_ptr<QMimeData> ListView::dragData(const std::vector<std::size_t>& rows) const
+{
+    QStringList lines;
+    QByteArray uris; // RFC 2483: lines that end in CR LF
+    for (const std::size_t row : rows) {
+        lines.append(shownAddress(model_->rows()[row]));
+        if (const std::optional<std::string> address = openableAddress(toBytes(lines.back())))
+            uris += QByteArray::fromStdString(*address) + "\r\n";
+    }
+    auto mime = std::make_unique<QMimeData>();
+    mime->setText(lines.join(u'\n'));
+    if (!uris.isEmpty())
+        mime->setData(QStringLiteral("text/uri-list"), uris);
+    return mime;
+}
+
+Table ListView::tableOf(const ListViewModel::Shown& shown) const
+{
+    Table table;
+    for (const QString& header : model_->headers())
+        table.headers.push_back(header.toStdString());
+    if (hasAddresses()) {
+        table.addressColumn = table.headers.size();
+        table.headers.push_back(tr("Address").toStdString());
+    }
+    const std::size_t count = shown.order ? shown.order->size() : shown.rows.size();
+    table.rows.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const ListViewModel::Row& row = shown.rows[shown.order ? (*shown.order)[i] : i];
+        std::vector<std::string>& cells = table.rows.emplace_back();
+        for (int column = 0; column < model_->columnCount(); ++column)
+            cells.push_back(ListViewModel::cell(row, column).toStdString());
+        if (hasAddresses())
+            cells.push_back(shownAddress(row).toStdString());
+    }
+    return table;
+}
+
+Table ListView::table() const
+{
+    return tableOf(rows().empty() ? cleared_ : model_->shown());
+}
+
+bool ListView::isSavable() const
+{
+    return !rows().empty() || !cleared_.rows.empty();
+}
+
+} // namespace quarrynet

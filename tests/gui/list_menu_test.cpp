@@ -1,0 +1,467 @@
+#include <QClipboard>
+#include <QDropEvent>
+#include <QTemporaryFile>
+#include <QWindow>
+
+#include "clicks.h"
+#include "filled_lists.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace quarrynet;
+
+namespace {
+
+QClipboard* clipboard()
+{
+    return QGuiApplication::clipboard();
+}
+
+/// Returns the address that Copy address and a drag give for a row of the tab's test page.
+QString addressOf(const WindowFixture& window, const TabControls& tab, const ListView& list, std::size_t row)
+{
+    switch (tab.tag) {
+    case 1:
+        return QString::fromStdString(list.rows()[row][0]);
+    case 4:
+        return QString::fromStdString("http://127.0.0.1" + list.rows()[row][5].substr(16));
+    case 5:
+        return QString::fromStdString(list.rows()[row][1]);
+    default:
+        Q_UNUSED(window)
+        return {};
+    }
+}
+
+} // namespace
+
+/// Tests what the user copies, opens, drags out of the lists and drops on the window.
+class ListMenuTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        window_ = std::make_unique<WindowFixture>();
+        window_->start();
+        clipboard()->clear();
+    }
+    void cleanup() { window_.reset(); }
+
+    void theMenuOpensByEveryKeyAndTheRightButton_data() { addListRows(); }
+    void theMenuOpensByEveryKeyAndTheRightButton()
+    {
+        ListView* list = filled();
+        clickRow(*list, 1);
+        const QRect row = list->visualRect(list->model()->index(1, 0));
+        const QPoint below = list->viewport()->mapToGlobal(row.bottomLeft());
+
+        QTest::keyClick(list, Qt::Key_Menu);
+        QVERIFY(menuOf(*list));
+        verifyPlace(*menuOf(*list), below);
+        QTest::keyClick(menuOf(*list), Qt::Key_Escape);
+        QTRY_VERIFY(!menuOf(*list));
+
+        QTest::keyClick(list, Qt::Key_F10, Qt::ShiftModifier);
+        QVERIFY(menuOf(*list));
+        verifyPlace(*menuOf(*list), below);
+        // A platform may send both the key and the event that it makes from it.
+        QContextMenuEvent again(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(list, &again);
+        QCOMPARE(list->findChildren<QMenu*>(u"ListMenu"_s).size(), 1);
+        menuOf(*list)->close();
+        QTRY_VERIFY(!menuOf(*list));
+
+        QVERIFY(openMenu(*list, 0));
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    // The keys used to do nothing where the current row was scrolled out of sight.
+    void theMenuKeyShowsTheCurrentRow()
+    {
+        ListView* list = fillList(*window_, tabOf(4));
+        list->setCurrentIndex(list->model()->index(0, 0));
+        list->scrollToBottom();
+        QTest::keyClick(list, Qt::Key_Menu);
+        QVERIFY(list->viewport()->rect().contains(list->visualRect(list->model()->index(0, 0))));
+        QVERIFY(menuOf(*list));
+    }
+
+    void entriesWithoutAnythingToWorkWithAreDisabled_data() { addListRows(); }
+    void entriesWithoutAnythingToWorkWithAreDisabled()
+    {
+        QFETCH(int, tag);
+        window_->chooseTab(tag);
+        ListView* list = listOf(*window_, tabOf(tag));
+        QTest::keyClick(list, Qt::Key_Menu);
+        QVERIFY(menuOf(*list));
+        QCOMPARE(enabledEntries(menuOf(*list)), QStringList());
+        menuOf(*list)->close();
+        QTRY_VERIFY(!menuOf(*list));
+
+        fillList(*window_, tabOf(tag));
+        list->clearSelection();
+        QStringList expected{u"ListFilter"_s, u"ListSort"_s, u"ListSave"_s};
+        if (tag != 5) // its list has one row selected at most
+            expected.prepend(u"ListSelectAll"_s);
+        QTest::keyClick(list, Qt::Key_Menu);
+        QCOMPARE(enabledEntries(menuOf(*list)), expected);
+        menuOf(*list)->close();
+        QTRY_VERIFY(!menuOf(*list));
+
+        clickRow(*list, 0);
+        // Rows of the page check lead nowhere, and a double click on them does nothing.
+        expected = (tag == 2 ? QStringList{} : QStringList{u"ListOpen"_s, u"ListCopyAddress"_s}) +
+                   QStringList{u"ListCopyRows"_s} + expected;
+        QCOMPARE(enabledEntries(openMenu(*list, 0)), expected);
+    }
+
+    void theRightButtonKeepsASelectionThatItIsPressedIn()
+    {
+        ListView* list = fillList(*window_, tabOf(1));
+        clickRow(*list, 0);
+        clickRow(*list, 2, Qt::ControlModifier);
+        openMenu(*list, 2)->close();
+        QTRY_VERIFY(!menuOf(*list));
+        QCOMPARE(list->selectedRows(), (std::vector<std::size_t>{0, 2}));
+        openMenu(*list, 1)->close();
+        QCOMPARE(list->selectedRows(), std::vector<std::size_t>{1});
+    }
+
+    void openDoesWhatADoubleClickDoes()
+    {
+        for (const int tag : {1, 5}) {
+            window_->shell.opened.clear();
+            ListView* list = fillList(*window_, tabOf(tag));
+            clickRow(*list, 1);
+            doubleClick(list->viewport(), list->visualRect(list->model()->index(1, 0)).center());
+            const std::vector<std::string> opened = window_->shell.opened;
+            QCOMPARE(opened.size(), std::size_t(1));
+            choose(openMenu(*list, 1), "ListOpen");
+            QCOMPARE(window_->shell.opened, (std::vector<std::string>{opened[0], opened[0]}));
+        }
+    }
+
+    void openResolvesTheLinkOfADownload()
+    {
+        ListView* list = fillList(*window_, tabOf(4));
+        window_->service.stall();
+        const qsizetype before = window_->service.requests().size();
+        clickRow(*list, 0);
+        choose(openMenu(*list, 0), "ListOpen");
+        QTRY_COMPARE(window_->service.requests().size(), before + 1);
+        QVERIFY(window_->service.lastRequestLine().startsWith("GET /"));
+        window_->service.reset();
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+    }
+
+    void copyAddressCopiesOneALine()
+    {
+        for (const int tag : {1, 4, 5}) {
+            const TabControls& tab = tabOf(tag);
+            ListView* list = fillList(*window_, tab);
+            clickRow(*list, 1);
+            QStringList expected{addressOf(*window_, tab, *list, 1)};
+            if (tag != 5) {
+                clickRow(*list, 2, Qt::ControlModifier);
+                expected.append(addressOf(*window_, tab, *list, 2));
+            }
+            QVERIFY(expected[0].contains(u"://"_s));
+            choose(openMenu(*list, 1), "ListCopyAddress");
+            QCOMPARE(clipboard()->text(), expected.join(u'\n'));
+        }
+    }
+
+    void theAddressOfADownloadIsThatOfItsLink()
+    {
+        ListView* list = fillList(*window_, tabOf(4));
+        const std::string link = window_->control<HiddenListBox>("List10")->items()[0];
+        clickRow(*list, 0);
+        choose(openMenu(*list, 0), "ListCopyAddress");
+        QVERIFY(link.starts_with("/redir?"));
+        QCOMPARE(clipboard()->text(), u"http://127.0.0.1"_s + QString::fromStdString(link));
+    }
+
+    void copiedAddressesAreOneLineAndEncodedAsTheyAreOpened()
+    {
+        ListView* list = listOf(*window_, tabOf(1));
+        list->setRows({{"http://host/a b\"c", ""}, {"javascript:x\r\ny", ""}, {std::string("http://h\0st/", 12), ""}});
+        list->selectAll();
+        list->copyAddresses();
+        QCOMPARE(clipboard()->text(), u"http://host/a%20b%22c\njavascript:x  y\nhttp://h st/"_s);
+    }
+
+    void copyRowsCopiesTextAndATable_data() { addListRows(); }
+    void copyRowsCopiesTextAndATable()
+    {
+        QFETCH(int, tag);
+        ListView* list = filled();
+        const QStringList rows = window_->rows(tabOf(tag).list);
+        clickRow(*list, 1);
+        choose(openMenu(*list, 1), "ListCopyRows");
+        const QString expected = QString(rows[1]).replace(u'|', u'\t');
+        QCOMPARE(clipboard()->text(), expected);
+        QVERIFY(clipboard()->mimeData()->html().contains(u"<td dir=\"auto\">"_s));
+
+        clipboard()->clear();
+        QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(clipboard()->text(), expected);
+    }
+
+    void theTableOfCopiedRowsIsEscaped()
+    {
+        ListView* list = listOf(*window_, tabOf(1));
+        list->setRows({{"<b>http://host/", "<script>"}});
+        list->selectAll();
+        list->copyRows();
+        QVERIFY(clipboard()->mimeData()->html().contains(u"&lt;script&gt;"_s));
+        QVERIFY(!clipboard()->mimeData()->html().contains(u"<script"_s));
+        QCOMPARE(clipboard()->text(), u"<b>http://host/\t<script>"_s);
+    }
+
+    void selectAllSelectsTheRows()
+    {
+        for (const int tag : {1, 2, 4}) {
+            ListView* list = fillList(*window_, tabOf(tag));
+            choose(openMenu(*list, 0), "ListSelectAll");
+            QCOMPARE(list->selectedRows().size(), list->rows().size());
+            list->clearSelection();
+            QTest::keyClick(list, Qt::Key_A, Qt::ControlModifier);
+            QCOMPARE(list->selectedRows().size(), list->rows().size());
+        }
+    }
+
+    void theGalleryHasNoMenu()
+    {
+        window_->chooseTab(3);
+        auto* viewer = window_->control<QWidget>("IMGViewer");
+        QVERIFY(viewer->findChildren<ListView*>().isEmpty());
+        QTest::keyClick(&window_->main(), Qt::Key_Menu);
+        QVERIFY(!QApplication::activePopupWidget());
+    }
+
+    void draggedRowsAreAddresses_data() { addListRows(); }
+    void draggedRowsAreAddresses()
+    {
+        QFETCH(int, tag);
+        const TabControls& tab = tabOf(tag);
+        ListView* list = filled();
+        QModelIndexList indexes;
+        QStringList expected;
+        for (const int row : {2, 0}) {
+            for (int column = 0; column < list->model()->columnCount(); ++column)
+                indexes.append(list->model()->index(row, column));
+        }
+        for (const std::size_t row : {0U, 2U})
+            expected.append(addressOf(*window_, tab, *list, row));
+        const std::unique_ptr<QMimeData> data(list->model()->mimeData(indexes));
+        if (tag == 2) { // its rows have no address
+            QVERIFY(!data);
+            QVERIFY(!list->model()->flags(indexes[0]).testFlag(Qt::ItemIsDragEnabled));
+            return;
+        }
+        QVERIFY(list->model()->flags(indexes[0]).testFlag(Qt::ItemIsDragEnabled));
+        QCOMPARE(data->text(), expected.join(u'\n'));
+        QCOMPARE(data->data(u"text/uri-list"_s), (expected.join(u"\r\n"_s) + u"\r\n"_s).toUtf8());
+    }
+
+    void rowsThatMayNotBeOpenedAreNoLinksInADrag()
+    {
+        ListView* list = listOf(*window_, tabOf(1));
+        list->setRows({{"file:///etc/passwd", ""}, {"javascript:x", ""}});
+        const QModelIndexList indexes{list->model()->index(0, 0), list->model()->index(1, 0)};
+        const std::unique_ptr<QMimeData> data(list->model()->mimeData(indexes));
+        QVERIFY(!data->hasUrls());
+        QCOMPARE(data->text(), u"file:///etc/passwd\njavascript:x"_s);
+    }
+
+    // Where the mouse goes down decides: on a selected row it drags, on another one it selects as it always did.
+    void onlySelectedRowsAreDragged()
+    {
+        ListView* list = fillList(*window_, tabOf(1));
+        const auto place = [&](int row) { return list->visualRect(list->model()->index(row, 0)).center(); };
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, place(0));
+        QVERIFY(!list->dragEnabled());
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, place(0));
+        clickRow(*list, 1, Qt::ControlModifier);
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, place(0));
+        QVERIFY(list->dragEnabled());
+        QCOMPARE(list->selectedRows(), (std::vector<std::size_t>{0, 1}));
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, place(0));
+        QCOMPARE(list->selectedRows(), std::vector<std::size_t>{0});
+    }
+
+    void aDroppedAddressGoesIntoThePageCheck_data() { addTabRows(); }
+    void aDroppedAddressGoesIntoThePageCheck()
+    {
+        QFETCH(int, tag);
+        window_->chooseTab(tag);
+        window_->control<QLineEdit>("Text4")->setText(u"http://old.example/"_s);
+        window_->control<QLineEdit>("Text5")->setText(u"pear"_s);
+        QMimeData data;
+        data.setUrls({QUrl(u"HTTP://Host.example/a b#part"_s)});
+        QVERIFY(drop(data, bar()));
+        QTRY_COMPARE(field("Text4"), u"http://host.example/a%20b"_s);
+        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 1);
+        QVERIFY(window_->control<QWidget>("SPS")->isVisible());
+        QVERIFY(window_->control<QLineEdit>("Text5")->hasFocus());
+        QCOMPARE(window_->control<QLineEdit>("Text5")->selectedText(), u"pear"_s);
+        // Whoever drops an address has not asked for a connection yet.
+        QCOMPARE(window_->socketState("PageSock"), 0);
+        QVERIFY(window_->service.requests().isEmpty());
+    }
+
+    void droppedTextIsTakenWhereItIsAnAddress()
+    {
+        QMimeData data;
+        data.setText(u" https://host.example/ \n"_s);
+        QVERIFY(drop(data, bar()));
+        QTRY_COMPARE(field("Text4"), u"https://host.example/"_s);
+        for (const QString& text : {u"apple pie"_s, u"ftp://host/"_s, u"file:///etc/passwd"_s, u"javascript:x"_s,
+                                    u"http://a.example/\nhttp://b.example/"_s, QString()}) {
+            data.setText(text);
+            QVERIFY2(!drop(data, bar()), qPrintable(text));
+        }
+        QCOMPARE(field("Text4"), u"https://host.example/"_s);
+    }
+
+    void aRowOfAListCanBeDroppedOnTheWindow()
+    {
+        ListView* list = fillList(*window_, tabOf(1));
+        const std::unique_ptr<QMimeData> data(list->model()->mimeData({list->model()->index(1, 0)}));
+        QVERIFY(drop(*data, bar()));
+        QTRY_COMPARE(field("Text4"), addressOf(*window_, tabOf(1), *list, 1));
+    }
+
+    void theAddressFieldTakesAnAddressAsAWhole()
+    {
+        window_->chooseTab(2);
+        window_->type("Text4", u"http://old.example/"_s);
+        QMimeData data;
+        data.setText(u"http://new.example/"_s);
+        QVERIFY(drop(data, middleOf("Text4")));
+        QTRY_COMPARE(field("Text4"), u"http://new.example/"_s);
+    }
+
+    void otherFieldsTakeTextAsFieldsDo()
+    {
+        window_->chooseTab(1);
+        QMimeData data;
+        data.setText(u"http://new.example/"_s);
+        QVERIFY(drop(data, middleOf("Text1")));
+        QCOMPARE(field("Text1"), u"http://new.example/"_s);
+        QCOMPARE(field("Text4"), QString());
+    }
+
+    void aLinkFileGoesIntoThePageCheckFromEverywhere()
+    {
+        for (const char* place : {"Toolbar1", "Text1", "ListView1"}) {
+            window_->chooseTab(1);
+            const QString path =
+                fileWith("link.URL", "[InternetShortcut]\r\nURL=http://" + QByteArray(place) + "/\r\n");
+            QMimeData data;
+            data.setUrls({QUrl(u"mailto:a@host"_s), QUrl::fromLocalFile(path)});
+            QVERIFY(drop(data, middleOf(place)));
+            QTRY_COMPARE(field("Text4"), u"http://%1/"_s.arg(QLatin1String(place)));
+            QCOMPARE(field("Text1"), QString());
+        }
+    }
+
+    void aLinkFileWithoutAnAddressHasAMessage_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("a program") << QByteArray("[Desktop Entry]\nType=Application\nExec=x\n");
+        QTest::newRow("a local file") << QByteArray("[Desktop Entry]\nType=Link\nURL=file:///etc/passwd\n");
+        QTest::newRow("FTP") << QByteArray("[Desktop Entry]\nType=Link\nURL=ftp://host/\n");
+        QTest::newRow("too long") << "[Desktop Entry]\nType=Link\nURL=http://host/\n" + QByteArray(70'000, ' ');
+        QTest::newRow("bytes") << QByteArray("\0\xff\xfe[", 4);
+    }
+    void aLinkFileWithoutAnAddressHasAMessage()
+    {
+        QFETCH(QByteArray, content);
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(fileWith("a.desktop", content))});
+        QVERIFY(drop(data, bar()));
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        QVERIFY(window_->boxes.texts()[0].startsWith(u"There is no web address in this file:"_s));
+        QCOMPARE(field("Text4"), QString());
+        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 0);
+    }
+
+    void whatIsNoFileIsNotRead()
+    {
+        QVERIFY(QDir(folder_.path()).mkpath(u"folder.url"_s));
+        for (const QString& name : {u"folder.url"_s, u"missing.url"_s}) {
+            QMimeData data;
+            data.setUrls({QUrl::fromLocalFile(folder_.filePath(name))});
+            window_->boxes.forget();
+            QVERIFY(drop(data, bar()));
+            QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        }
+    }
+
+    void otherFilesAreRefused()
+    {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(fileWith("page.html", "http://host/"))});
+        QVERIFY(!drop(data, bar()));
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+private:
+    // Verifies that the menu begins at this place of the screen, if it has room there.
+    static void verifyPlace(const QMenu& menu, QPoint place)
+    {
+        if (menu.screen()->availableGeometry().contains(QRect(place, menu.size())))
+            QCOMPARE(menu.pos(), place);
+    }
+
+    ListView* filled()
+    {
+        QFETCH(int, tag);
+        return fillList(*window_, tabOf(tag));
+    }
+
+    QString field(const char* name) { return window_->control<QLineEdit>(name)->text(); }
+
+    QString fileWith(const char* name, const QByteArray& content)
+    {
+        QFile file(folder_.filePath(QLatin1String(name)));
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", name);
+        return file.fileName();
+    }
+
+    QPoint middleOf(const char* control)
+    {
+        auto* widget = window_->control<QWidget>(control);
+        return widget->mapTo(&window_->main(), widget->rect().center());
+    }
+    QPoint bar() { return middleOf("Toolbar1"); }
+
+    // Drops the data at this place of the window, as the platform reports it. Returns whether it was taken.
+    bool drop(const QMimeData& data, QPoint at)
+    {
+        QWindow* window = window_->main().windowHandle();
+        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+        QDragEnterEvent enter(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window, &enter);
+        QDragMoveEvent move(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window, &move);
+        if (!move.isAccepted()) {
+            QDragLeaveEvent leave;
+            QApplication::sendEvent(window, &leave);
+            return false;
+        }
+        QDropEvent dropped(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window, &dropped);
+        return dropped.isAccepted() && dropped.dropAction() == Qt::CopyAction;
+    }
+
+    QTemporaryDir folder_;
+    std::unique_ptr<WindowFixture> window_;
+};
+
+QTEST_MAIN(ListMenuTest)
+#include "list_menu_test.moc"

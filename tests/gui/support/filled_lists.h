@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QMenu>
+#include <QMimeData>
+
+#include "WindowFixture.h"
+#include "platform/ListView.h"
+#include "tab_controls.h"
+
+/// Helpers for the tests of what all four lists have in common.
+
+/// Adds a test row for each tab with a list, named by its frame.
+inline void addListRows()
+{
+    QTest::addColumn<int>("tag");
+    for (const TabControls& tab : kTabs) {
+        if (tab.tag != 3)
+            QTest::newRow(tab.frame) << tab.tag;
+    }
+}
+
+inline quarrynet::ListView* listOf(WindowFixture& window, const TabControls& tab)
+{
+    return window.control<quarrynet::ListView>(tab.list);
+}
+
+/// Brings the tab to the front, searches, and waits for the rows.
+inline quarrynet::ListView* fillList(WindowFixture& window, const TabControls& tab)
+{
+    window.service.answerWith(pageOf(tab));
+    const char* field = fillIn(window, tab);
+    QTest::keyClick(window.control<QLineEdit>(field), Qt::Key_Return);
+    quarrynet::ListView* list = listOf(window, tab);
+    [&] { QTRY_VERIFY(window.control<QPushButton>(tab.button)->isEnabled() && !list->rows().empty()); }();
+    QCoreApplication::processEvents(); // lays the rows out, with a scroll bar where they need one
+    return list;
+}
+
+/// Clicks on a row that is shown.
+inline void clickRow(quarrynet::ListView& list, int row, Qt::KeyboardModifiers keys = {})
+{
+    const QModelIndex index = list.model()->index(row, 0);
+    list.scrollTo(index);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, list.visualRect(index).center());
+}
+
+/// Returns the menu that is open on the list, or null.
+inline QMenu* menuOf(quarrynet::ListView& list)
+{
+    return list.findChild<QMenu*>(QLatin1String("ListMenu"), Qt::FindDirectChildrenOnly);
+}
+
+/// Presses the right button on a row as a user does, and returns the menu.
+inline QMenu* openMenu(quarrynet::ListView& list, int row)
+{
+    const QModelIndex index = list.model()->index(row, 0);
+    list.scrollTo(index);
+    const QPoint at = list.visualRect(index).center();
+    QTest::mousePress(list.viewport(), Qt::RightButton, {}, at);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));
+    QApplication::sendEvent(list.viewport(), &event);
+    QTest::mouseRelease(list.viewport(), Qt::RightButton, {}, at);
+    return menuOf(list);
+}
+
+/// Returns an entry of the menu by its name.
+inline QAction* entryOf(QMenu* menu, const char* name)
+{
+    auto* action = menu ? menu->findChild<QAction*>(QLatin1String(name)) : nullptr;
+    if (!action)
+        qFatal("no entry %s", name);
+    return action;
+}
+
+/// Chooses an entry of the menu by a click.
+inline void choose(QMenu* menu, const char* name)
+{
+    QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(entryOf(menu, name)).center());
+}
+
+/// Returns the names of the entries that are enabled.
+inline QStringList enabledEntries(const QMenu* menu)
+{
+    QStringList names;
+    for (const QAction* action : menu->actions()) {
+        if (action->isEnabled() && !action->isSeparator())
+            names.append(action->menu() ? action->menu()->objectName() : action->objectName());
+    }
+    return names;
+}
