@@ -10,7 +10,7 @@ import urllib.request
 
 SEARCHES = {
     "web": ("http://127.80.0.1/search?num=30&hl=en&filter=0&safe=off&q=license", "<p><a href="),
-    "image": ("http://127.80.0.2/images?num=10&hl=en&filter=0&safe=off&q=logo", "tbn:"),
+    "image": ("http://127.80.0.2/images?num=10&hl=en&filter=0&safe=off&q=mail", "tbn:"),
     "download": ("http://127.80.0.3/3120-20-0-1-5.html?qt=text&ca=20", "destUrl="),
     "file": ("http://127.80.0.4/cgi-bin/s?t=f&d=&l=en&m=20&q=bash", "bash"),
 }

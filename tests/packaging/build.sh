@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by tests/package.sh: building packages, and changing their version.
 # shellcheck disable=SC2154 # variables of tests/package.sh
 

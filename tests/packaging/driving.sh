@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by tests/package.sh: what a person or an administrator does with the packages, and what is expected then.
 # shellcheck disable=SC2154 # variables of tests/package.sh and machine.sh
 
@@ -38,6 +39,7 @@ install() {
     }
 }
 
+# shellcheck disable=SC2034 # used by tests.sh
 all_packages="quarrynet quarrynet-webengine quarrynet-services"
 
 # Waits until no unit makes an index any more, and at least one has.
@@ -76,7 +78,7 @@ tour() {
         LC_ALL=C sort)
     same "the pictures of $person's tour" "$expected" "$(cd "$root$pictures" && LC_ALL=C ls)"
     same "the local pages of $person" "blank.htm
-blank.html" "$(cd "$root$home/.local/share/quarrynet" && LC_ALL=C ls | grep blank)"
+blank.html" "$(cd "$root$home/.local/share/quarrynet" && LC_ALL=C ls -d blank*)"
 }
 
 # Prints all files of the current machine that are part of its system: no caches, logs, or states of the package

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by tests/package.sh: machines with a fresh Debian 12, each a container with a systemd of its own, a network of
 # its own without a way out, and a file system that is thrown away. Needs root.
 #
@@ -38,7 +39,7 @@ make_base() {
     # The machine is thrown away, so nothing waits for the disk.
     echo force-unsafe-io >"$work/base/etc/dpkg/dpkg.cfg.d/test"
     echo quarrynet-test >"$work/base/etc/hostname"
-    with_network "$work/base" apt-get -qq update
+    with_network "$work/base" apt-get -qq update 2>"$work/update.log" || { cat "$work/update.log" >&2; return 1; }
     for person in anna ben; do
         chroot "$work/base" useradd --create-home --shell /bin/bash "$person"
     done
