@@ -52,7 +52,8 @@ test_life() {
     services_answer
     [ "$pid" != "$(inside systemctl show -P MainPID quarrynet-services.service)" ] ||
         fail "the upgrade left the old services running"
-    tour anna
+    # The two searches that the file is about say what is wrong.
+    tour anna 2-web-search-box 4-image-search-box
     same "the person's settings" "$files" "$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)"
     same "the index" "$index" "$(stat -c %i "$root$state/index.sqlite")"
 
@@ -161,7 +162,8 @@ test_broken_configuration() {
     services_answer web image
     inside_as anna mkdir -p .local/share/quarrynet
     printf '[ProxySwitch\0\n[[[\nValue' >"$root/home/anna/.local/share/quarrynet/Quarrynet.ini"
-    tour anna
+    # The two searches that the file is about say what is wrong.
+    tour anna 2-web-search-box 4-image-search-box
     rm "$root/etc/quarrynet/services.toml"
     inside systemctl restart quarrynet-services.service
     services_answer
