@@ -14,6 +14,7 @@
 #include "dialogs/Dialog.h"
 #include "dialogs/Proxy.h"
 #include "dialogs/frmAbout.h"
+#include "platform/FilterLine.h"
 #include "platform/ListView.h"
 #include "platform/PagingSlider.h"
 #include "platform/ProgramStyle.h"
@@ -91,7 +92,12 @@ QStringList untranslated(QObject& root, const QSet<QString>& fixed)
     objects.prepend(&root);
     for (QObject* object : objects) {
         for (const QString& text : textsOf(*object)) {
-            const QString words = QString(text).remove(accelerator);
+            QString words = QString(text).remove(accelerator);
+            const auto named = std::find_if(fixed.begin(), fixed.end(), [&words](const QString& caption) {
+                return words.startsWith(caption + u", "_s); // a translated text that begins with a caption
+            });
+            if (named != fixed.end())
+                words.remove(0, named->size());
             if (!fixed.contains(text) && hasLatinLetters(words) && !figure.match(text).hasMatch())
                 found.append(object->objectName() + u": "_s + text);
         }
@@ -199,6 +205,13 @@ private slots:
         for (const TabControls& tab : kTabs) {
             window.chooseTab(tab.tag);
             search(window, tab);
+            if (auto* list = window.main().findChild<ListView*>(QLatin1String(tab.list))) {
+                QMenu* menu = listMenu(*list);
+                QCOMPARE(untranslated(*menu, fixed).join(u" | "_s), QString());
+                menu->close();
+                QTest::keyClick(list, Qt::Key_F, Qt::ControlModifier);
+                QVERIFY(window.main().findChild<FilterLine*>());
+            }
         }
         QCOMPARE(untranslated(window.main(), fixed).join(u" | "_s), QString());
         Proxy options(window.settingsFile().toStdString(), [](const std::string&) {});
@@ -234,9 +247,11 @@ private slots:
         WindowFixture window;
         window.start();
         QList<QList<QAction*>> menus = {window.main().menuBar()->actions()};
+        search(window, tabOf(1));
+        listMenu(*window.control<ListView>("ListView1"));
         for (const QMenu* menu : window.main().findChildren<QMenu*>())
             menus.append(menu->actions());
-        QVERIFY(menus.size() >= 4);
+        QVERIFY(menus.size() >= 6);
         for (const QList<QAction*>& menu : menus) {
             for (const QStringList& entries : accelerators(menu))
                 QVERIFY2(entries.size() == 1, qPrintable(entries.join(u", "_s)));
@@ -340,6 +355,19 @@ private slots:
     }
 
 private:
+    /// Opens the list's menu by key and returns it. It stays open.
+    static QMenu* listMenu(ListView& list)
+    {
+        list.selectAll();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(10, 10),
+                                list.viewport()->mapToGlobal(QPoint(10, 10)));
+        QCoreApplication::sendEvent(list.viewport(), &event);
+        auto* menu = list.findChild<QMenu*>(u"ListMenu"_s);
+        if (!menu)
+            qFatal("the list has no menu");
+        return menu;
+    }
+
     static std::string toBytesOf(const QString& text) { return text.toStdString(); }
 
     static void search(WindowFixture& window, const TabControls& tab)
