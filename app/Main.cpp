@@ -17,6 +17,7 @@
 #include "app/FieldHistory.h"
 #include "app/ListCommands.h"
 #include "app/RememberedPlaces.h"
+#include "app/SearchReports.h"
 #include "common/local_pages.h"
 #include "common/request_text.h"
 #include "icons/icons.h"
@@ -152,6 +153,9 @@ void Main::makeBusySign()
     });
     for (SearchTab* tab : tabs_)
         busySign_->watch(tab->socket());
+    auto* reports = new SearchReports(*this, [this] { return frontTab(); });
+    for (SearchTab* tab : tabs_)
+        reports->watch(*tab);
     connect(busySign_, &BusySign::searchEnded, this, [this] {
         // A dialog of the program that is active is enough: the user is there.
         if (!QApplication::activeWindow())

@@ -114,6 +114,16 @@ std::optional<std::string> SearchTab::orReport(const Result<std::string>& reques
     return std::nullopt;
 }
 
+QString SearchTab::counted(std::size_t shown, const QString& total)
+{
+    constexpr qsizetype kLongestTotal = 30; // a longer one is no number
+    if (shown == 0)
+        return tr("No results");
+    const QString count = QString::number(shown);
+    return total.isEmpty() || total.size() > kLongestTotal ? tr("%1 results").arg(count)
+                                                           : tr("%1 of %2 results").arg(count, total);
+}
+
 void SearchTab::report(const std::optional<RuntimeError>& fault)
 {
     if (fault)

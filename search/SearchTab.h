@@ -55,6 +55,9 @@ public:
     /// Empties the tab's result view and nothing else, for Stop.
     virtual void clearView() = 0;
 
+    /// Returns what the result view holds, in a few words for screen readers, such as "30 of 1,234 pages".
+    virtual QString outcome() const = 0;
+
     /// Returns the control that gets the focus when the tab comes to the front.
     virtual QWidget& firstField() = 0;
 
@@ -91,6 +94,9 @@ protected:
 
     /// Returns the request, or nothing, after an error box, when it could not be built.
     std::optional<std::string> orReport(const Result<std::string>& request);
+
+    /// Returns the counts as words for outcome(). `total` is what the service reported; it may be any text.
+    static QString counted(std::size_t shown, const QString& total);
 
     /// Shows an error box if there is a fault.
     void report(const std::optional<RuntimeError>& fault);

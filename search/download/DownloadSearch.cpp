@@ -60,6 +60,11 @@ void DownloadSearch::clearView()
     ui_->ListView3->clear();
 }
 
+QString DownloadSearch::outcome() const
+{
+    return counted(ui_->ListView3->rows().size(), ui_->Label15->text());
+}
+
 std::optional<std::string> DownloadSearch::requestText()
 {
     const bool paged = !Text13.text().empty();

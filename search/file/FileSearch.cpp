@@ -57,6 +57,11 @@ void FileSearch::clearView()
     ui_->ListView4->clear();
 }
 
+QString FileSearch::outcome() const
+{
+    return counted(ui_->ListView4->rows().size(), {});
+}
+
 std::optional<std::string> FileSearch::requestText()
 {
     const bool paged = !Text15.text().empty();

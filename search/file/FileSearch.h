@@ -23,6 +23,7 @@ public:
 
     void clearView() override;
     ListView* list() override;
+    QString outcome() const override;
 
 protected:
     std::optional<std::string> requestText() override;

@@ -53,6 +53,11 @@ void ImageSearch::clearView()
     showPage(kBlankFrameName);
 }
 
+QString ImageSearch::outcome() const
+{
+    return counted(List8.items().size(), ui_->Label11->text());
+}
+
 void ImageSearch::showPage(std::string_view name, std::vector<GalleryPicture> pictures)
 {
     // The page's pictures take the same route as its request. An unusable proxy must not fall back to a direct

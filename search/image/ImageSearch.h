@@ -31,6 +31,7 @@ public:
 
     /// Shows the empty page.
     void clearView() override;
+    QString outcome() const override;
 
 signals:
     /// The gallery could not be written; the program cannot continue.

@@ -69,6 +69,18 @@ void PageCheck::clearView()
     ui_->ListView2->clear();
 }
 
+QString PageCheck::outcome() const
+{
+    constexpr std::size_t kMostRows = 5;
+    const std::vector<ListViewModel::Row>& rows = ui_->ListView2->rows();
+    if (rows.size() > kMostRows)
+        return counted(rows.size(), {});
+    QStringList results;
+    for (const ListViewModel::Row& row : rows)
+        results.append(toLine(row[0]) + QLatin1String(": ") + toLine(row[1]));
+    return results.isEmpty() ? tr("No results") : results.join(QLatin1String(", "));
+}
+
 QWidget& PageCheck::firstField()
 {
     return *ui_->Text4;

@@ -36,6 +36,7 @@ public:
     void search() override;
     void clearView() override;
     ListView* list() override;
+    QString outcome() const override;
     QWidget& firstField() override;
 
 protected:

@@ -54,6 +54,11 @@ void WebSearch::clearView()
     ui_->ListView1->clear();
 }
 
+QString WebSearch::outcome() const
+{
+    return counted(ui_->ListView1->rows().size(), ui_->Label3->text());
+}
+
 std::optional<std::string> WebSearch::requestText()
 {
     // Once a page total is known, every request has the paged form, even for page 1.

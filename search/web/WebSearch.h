@@ -26,6 +26,7 @@ public:
 
     void clearView() override;
     ListView* list() override;
+    QString outcome() const override;
 
     using PagedSearch::page;
 

@@ -2,6 +2,7 @@
 #include <QComboBox>
 
 #include "WindowFixture.h"
+#include "app/SearchReports.h"
 #include "tab_controls.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -132,6 +133,50 @@ private slots:
         verifyOnlyFrontTabIsPresent(tag == 1 ? 2 : 1);
     }
 
+    // Screen readers used to be silent when a search ended.
+    void theEndOfASearchIsAnnounced_data()
+    {
+        QTest::addColumn<int>("tag");
+        QTest::addColumn<QString>("announcement");
+        QTest::newRow("STI") << 1 << u"30 of 1,234 results"_s;
+        QTest::newRow("SPS") << 2 << u"green: Found, pear: Found"_s;
+        QTest::newRow("IMG") << 3 << u"10 of 1,235 results"_s;
+        QTest::newRow("SFD") << 4 << u"12 of 63 results"_s;
+        QTest::newRow("SFS") << 5 << u"15 results"_s;
+    }
+
+    void theEndOfASearchIsAnnounced()
+    {
+        QFETCH(int, tag);
+        QFETCH(QString, announcement);
+        window_->service.answerWith(pageOf(tabOf(tag)));
+        QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, tabOf(tag))), Qt::Key_Return);
+        QTRY_COMPARE(announced(), announcement);
+    }
+
+    void theEndInTheBackgroundIsAnnouncedWithItsTab()
+    {
+        window_->service.stall();
+        QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, kTabs[0])), Qt::Key_Return);
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        window_->chooseTab(4);
+        window_->service.answerWith(pageOf(kTabs[0]));
+        window_->service.release();
+        QTRY_COMPARE(announced(), u"Search The Internet: 30 of 1,234 results"_s);
+    }
+
+    // A box says why, so there is nothing to announce.
+    void aStoppedSearchHasItsBoxOnly()
+    {
+        window_->service.stall();
+        QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, kTabs[0])), Qt::Key_Return);
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        QTest::keyClick(&window_->main(), Qt::Key_Escape);
+        QCOMPARE(window_->boxes.texts(), QStringList(u"User cancel the operation"_s));
+        QCoreApplication::processEvents();
+        QCOMPARE(announced(), QString());
+    }
+
     // A tool may query the object under the pointer.
     void aPointInTheFrontFrameIsInNoOther_data() { everySwitchShowsTheFrontTabOnly_data(); }
 
@@ -149,6 +194,8 @@ private slots:
     }
 
 private:
+    QString announced() { return window_->main().findChild<SearchReports*>()->last(); }
+
     void verifyOnlyFrontTabIsPresent(int tag)
     {
         const QStringList present = presentBelow(interfaceOf(&window_->main()));
