@@ -109,8 +109,9 @@ stop_machine() {
 }
 
 halt() {
-    [ -z "${display_server:-}" ] || kill "$display_server" 2>/dev/null || true
-    display_server=
+    # shellcheck disable=SC2086 # a list of numbers
+    [ -z "${display_servers:-}" ] || kill $display_servers 2>/dev/null || true
+    display_servers=
     [ -z "${container:-}" ] || { kill -s RTMIN+4 "$leader" 2>/dev/null && wait "$container" 2>/dev/null; } || true
     container=
 }
@@ -138,12 +139,15 @@ on_its_network() {
 # Starts an X server on the machine's network. Clients find it by its abstract socket, which belongs to a network; the
 # file system and the package lists of the machine stay as they are. Shared memory does not cross the border.
 start_display() {
-    on_its_network Xvfb -displayfd 3 -ac -nolisten tcp -extension MIT-SHM -screen 0 1280x960x24 \
-        3>"$work/$machine/display" 2>"$work/$machine/xvfb.log" &
-    display_server=$!
-    until [ -s "$work/$machine/display" ]; do
-        kill -0 "$display_server" || return 1
+    local file
+    file=$(mktemp "$work/$machine/display.XXXXXX")
+    # Not by on_its_network: the shell would be the process to end.
+    nsenter -t "$leader" --net -- Xvfb -displayfd 3 -ac -nolisten tcp -extension MIT-SHM -screen 0 1280x960x24 \
+        3>"$file" 2>"$work/$machine/xvfb.log" &
+    display_servers+=" $!"
+    until [ -s "$file" ]; do
+        kill -0 $! || return 1
         sleep 0.1
     done
-    display=$(cat "$work/$machine/display")
+    display=$(cat "$file")
 }
