@@ -25,7 +25,7 @@
     </message>
     <message>
         <source>Quarrynet is one window with five search tabs. Type what you are looking for, press Enter, and double-click a result to open it in your desktop's default program.</source>
-        <translation>Quarrynet ist ein Fenster mit fünf Registerkarten zum Suchen. Geben Sie ein, was Sie suchen, drücken Sie die Eingabetaste, und öffnen Sie ein Ergebnis durch Doppelklick im Standardprogramm Ihres Desktops. Die Beschriftungen des Fensters sind in jeder Sprache englisch; dieses Handbuch nennt sie so, wie sie dort stehen.</translation>
+        <translation>Quarrynet ist ein Fenster mit fünf Registerkarten zum Suchen. Geben Sie ein, was Sie suchen, drücken Sie die Eingabetaste, und öffnen Sie ein Ergebnis durch Doppelklick im Standardprogramm Ihres Desktops.</translation>
     </message>
     <message>
         <source>The window as it starts</source>
@@ -222,6 +222,14 @@
     <message>
         <source>The history is in the file &lt;code&gt;Quarrynet.history&lt;/code&gt; beside &lt;a href="proxy.html"&gt;the settings&lt;/a&gt;. Only you can read it. The switch is the section &lt;code&gt;[History]&lt;/code&gt; of the settings.</source>
         <translation>Der Verlauf steht in der Datei &lt;code&gt;Quarrynet.history&lt;/code&gt; neben &lt;a href="proxy.html"&gt;den Einstellungen&lt;/a&gt;. Nur Sie können sie lesen. Der Schalter ist der Abschnitt &lt;code&gt;[History]&lt;/code&gt; der Einstellungen.</translation>
+    </message>
+    <message>
+        <source>Language</source>
+        <translation>Sprache</translation>
+    </message>
+    <message>
+        <source>This manual and the texts that explain the window are in the language of your desktop if the program has it: English and German. &lt;code&gt;quarrynet --language de&lt;/code&gt; chooses one. The captions of the window are English in every language.</source>
+        <translation>Dieses Handbuch und die Texte, die das Fenster erläutern, erscheinen in der Sprache Ihres Desktops, wenn das Programm sie beherrscht: Englisch und Deutsch. &lt;code&gt;quarrynet --language de&lt;/code&gt; wählt eine davon. Die Beschriftungen des Fensters sind in jeder Sprache englisch.</translation>
     </message>
     <message>
         <source>Size</source>
