@@ -57,7 +57,7 @@
     </message>
     <message>
         <source>requests another page. It becomes available when there is more than one page, and covers ten pages at a time; at its right end it moves on by nine. It says which page you see, such as "page 12 of 130"; a file search does not know how many there are. Drag it, click beside the thumb, or use the arrow keys. It does not move back to earlier pages by itself: to see the first ones again, repeat the search. The slider starts at page 1 again only if the service reports no page beyond its left end.</source>
-        <translation>fordert eine andere Seite an. Er wird verfügbar, wenn es mehr als eine Seite gibt, und umfasst jeweils zehn Seiten; an seinem rechten Ende rückt er um neun weiter. Er sagt, welche Seite Sie sehen, etwa „Seite 12 von 130“; eine Dateisuche weiß nicht, wie viele es gibt. Ziehen Sie ihn, klicken Sie neben den Griff, oder nehmen Sie die Pfeiltasten. Zu früheren Seiten rückt er nicht von selbst zurück: um die ersten wieder zu sehen, wiederholen Sie die Suche. Er beginnt nur dann wieder bei Seite 1, wenn der Dienst keine Seite jenseits seines linken Endes meldet.</translation>
+        <translation>fordert eine andere Seite an. Er wird verfügbar, wenn es mehr als eine Seite gibt, und umfasst jeweils zehn Seiten; an seinem rechten Ende rückt er um neun weiter. Er sagt, welche Seite Sie sehen, etwa „Seite 12 von 130“; eine Dateisuche weiß nicht, wie viele es gibt. Ziehen Sie ihn, klicken Sie neben den Griff oder benutzen Sie die Pfeiltasten. Zu früheren Seiten rückt er nicht von selbst zurück: Um die ersten wieder zu sehen, wiederholen Sie die Suche. Er beginnt nur dann wieder bei Seite 1, wenn der Dienst keine Seite jenseits seines linken Endes meldet.</translation>
     </message>
     <message>
         <source>The status bar</source>
@@ -153,7 +153,7 @@
     </message>
     <message>
         <source>on Linux, type &lt;code&gt;quarrynet-services status&lt;/code&gt; in a terminal: it says what is missing and how to start &lt;a href="services.html"&gt;the local services&lt;/a&gt;; on Windows, where there are none, use &lt;a href="services.html#windows"&gt;those of a Linux machine&lt;/a&gt;</source>
-        <translation>unter Linux in einem Terminal &lt;code&gt;quarrynet-services status&lt;/code&gt; eingeben: das sagt, was fehlt und wie &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
+        <translation>unter Linux in einem Terminal &lt;code&gt;quarrynet-services status&lt;/code&gt; eingeben: das sagt, was fehlt und wie sich &lt;a href="services.html"&gt;die lokalen Dienste&lt;/a&gt; starten lassen; unter Windows, wo es keine gibt, &lt;a href="services.html#windows"&gt;die eines Linux-Rechners&lt;/a&gt; benutzen</translation>
     </message>
     <message>
         <source>there is no computer of this name</source>
@@ -189,7 +189,7 @@
     </message>
     <message>
         <source>&lt;code&gt;quarrynet --tab image&lt;/code&gt; shows a tab when the program starts: 1 to 5, or web, page, image, download or file. Words behind the options are searched for at once: &lt;code&gt;quarrynet --tab web text editor&lt;/code&gt;. Without &lt;code&gt;--tab&lt;/code&gt;, words go to the web search, and an address that begins with "http://" or "https://" goes to the page check. Further words are the page's keywords; if there are none, type them. Words that begin with a dash go behind &lt;code&gt;--&lt;/code&gt;. &lt;code&gt;quarrynet --help&lt;/code&gt; lists all options.</source>
-        <translation>&lt;code&gt;quarrynet --tab image&lt;/code&gt; zeigt beim Start eine Registerkarte: 1 bis 5, oder web, page, image, download oder file. Wörter nach den Optionen werden sofort gesucht: &lt;code&gt;quarrynet --tab web text editor&lt;/code&gt;. Ohne &lt;code&gt;--tab&lt;/code&gt; gehen Wörter an die Websuche, und eine Adresse, die mit „http://“ oder „https://“ beginnt, geht an die Seitenprüfung. Weitere Wörter sind die Stichwörter für die Seite; fehlen sie, so tippen Sie sie ein. Wörter, die mit einem Strich beginnen, stehen hinter &lt;code&gt;--&lt;/code&gt;. &lt;code&gt;quarrynet --help&lt;/code&gt; nennt alle Optionen.</translation>
+        <translation>&lt;code&gt;quarrynet --tab image&lt;/code&gt; zeigt beim Start eine Registerkarte: 1 bis 5, oder web, page, image, download oder file. Wörter nach den Optionen werden sofort gesucht: &lt;code&gt;quarrynet --tab web text editor&lt;/code&gt;. Ohne &lt;code&gt;--tab&lt;/code&gt; gehen Wörter an die Websuche, und eine Adresse, die mit „http://“ oder „https://“ beginnt, geht an die Seitenprüfung. Weitere Wörter sind die Suchbegriffe für die Seite; fehlen sie, geben Sie sie ein. Wörter, die mit einem Bindestrich beginnen, gehören hinter &lt;code&gt;--&lt;/code&gt;. &lt;code&gt;quarrynet --help&lt;/code&gt; nennt alle Optionen.</translation>
     </message>
     <message>
         <source>History</source>
