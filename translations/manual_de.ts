@@ -452,6 +452,10 @@
         <translation>drückt die Schaltfläche Search</translation>
     </message>
     <message>
+        <source>With a screen reader you hear how each search ended, such as "30 of 1,234 results"; of a search in another tab, with the name of its tab.</source>
+        <translation>Mit einem Bildschirmleser hören Sie, wie jede Suche endete, etwa „30 von 1.234 Ergebnissen“; bei einer Suche auf einer anderen Registerkarte mit deren Namen.</translation>
+    </message>
+    <message>
         <source>In a field</source>
         <translation>In einem Feld</translation>
     </message>

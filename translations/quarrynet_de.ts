@@ -407,6 +407,10 @@
         <source>Keywords found or not found</source>
         <translation>Gefundene und nicht gefundene Begriffe</translation>
     </message>
+    <message>
+        <source>No results</source>
+        <translation>Keine Ergebnisse</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::PagingSlider</name>
@@ -424,6 +428,28 @@
     <message>
         <source>&amp;Forget Place and Columns</source>
         <translation>Platz und Spalten &amp;vergessen</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::SearchReports</name>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>quarrynet::SearchTab</name>
+    <message>
+        <source>No results</source>
+        <translation>Keine Ergebnisse</translation>
+    </message>
+    <message>
+        <source>%1 results</source>
+        <translation>%1 Ergebnisse</translation>
+    </message>
+    <message>
+        <source>%1 of %2 results</source>
+        <translation>%1 von %2 Ergebnissen</translation>
     </message>
 </context>
 <context>
