@@ -25,6 +25,9 @@ test_fresh() {
 # The parts that a small machine leaves out, with their libraries.
 test_without_plugin() {
     start_machine without-plugin base
+    # Such a system has no icons yet, and so no pictures to find.
+    inside mkdir -p /usr/share/pixmaps
+    cp "$tree/icons/pictures/mail-128.png" "$tree/icons/drawings/mail.svg" "$root/usr/share/pixmaps/"
     apt_options=--no-install-recommends install /packages quarrynet quarrynet-services
     same "the plug-in" "" "$(inside sh -c 'ls -d /usr/lib/*/quarrynet /usr/lib/*/libQt6WebEngine* 2>/dev/null' || true)"
     expect "the index" await_index
