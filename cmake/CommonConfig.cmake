@@ -54,6 +54,13 @@ if(QUARRYNET_BUILD_TESTS)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
 
+# Debug information names the sources. Without this, an installed program would contain the paths of the machine that
+# built it, and two folders would give different bytes. The sanitizers' reports keep the full paths.
+if(NOT MSVC AND NOT QUARRYNET_SANITIZE AND NOT QUARRYNET_SANITIZE_THREADS AND NOT QUARRYNET_BUILD_FUZZERS)
+  add_compile_options("$<$<NOT:$<CONFIG:Release>>:-ffile-prefix-map=${CMAKE_BINARY_DIR}=build>"
+    "$<$<NOT:$<CONFIG:Release>>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>")
+endif()
+
 if(QUARRYNET_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
