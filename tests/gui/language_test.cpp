@@ -91,6 +91,8 @@ QStringList untranslated(QObject& root, const QSet<QString>& fixed)
     QList<QObject*> objects = root.findChildren<QObject*>();
     objects.prepend(&root);
     for (QObject* object : objects) {
+        if (qobject_cast<QTabBar*>(object->parent()))
+            continue; // buttons of the toolkit, with its own texts
         for (const QString& text : textsOf(*object)) {
             QString words = QString(text).remove(accelerator);
             const auto named = std::find_if(fixed.begin(), fixed.end(), [&words](const QString& caption) {
