@@ -13,7 +13,10 @@ class NotificationInterface final : public QAccessibleObject
 public:
     explicit NotificationInterface(Announcer& announcer) : QAccessibleObject(&announcer), announcer_(announcer) {}
 
-    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(&announcer_.window()); }
+    QAccessibleInterface* parent() const override
+    {
+        return QAccessible::queryAccessibleInterface(&announcer_.window());
+    }
     QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
     int childCount() const override { return 0; }
     int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }

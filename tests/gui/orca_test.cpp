@@ -12,7 +12,7 @@ using namespace quarrynet;
 
 namespace {
 
-constexpr int kBetweenLooks = 50; // into the log, in milliseconds
+constexpr int kBetweenLooks = 50;    // into the log, in milliseconds
 constexpr int kLongestWait = 60'000; // milliseconds
 
 /// What Orca has spoken, from its log.
@@ -82,16 +82,19 @@ private slots:
         QTest::addColumn<QStringList>("stops");
         const QString button = u"Start the search push button."_s;
         const QString slider = u"Result page slider 1."_s;
-        QTest::newRow("web") << 1 << u"Search The Internet"_s << QStringList{u"Keyword/s: text."_s} << u"notification 30 of 1,234 results."_s
+        QTest::newRow("web") << 1 << u"Search The Internet"_s << QStringList{u"Keyword/s: text."_s}
+                             << u"notification 30 of 1,234 results."_s
                              << QStringList{button, u"Web pages found"_s, slider};
         QTest::newRow("page") << 2 << u"Specific Page Search"_s << QStringList{u"URL: text."_s, u"Keyword/s: text."_s}
                               << u"notification green: Found, pear: Found."_s
                               << QStringList{u"Match mode combo box."_s, button, u"Keywords found or not found"_s};
-        QTest::newRow("image") << 3 << u"Image Search"_s << QStringList{u"Keyword/s: text."_s} << u"notification 10 of 1,235 results."_s
-                               << QStringList{button, u"Images found"_s};
-        QTest::newRow("download") << 4 << u"Search For Downloads"_s << QStringList{u"Keyword/s: text."_s} << u"notification 12 of 63 results."_s
+        QTest::newRow("image") << 3 << u"Image Search"_s << QStringList{u"Keyword/s: text."_s}
+                               << u"notification 10 of 1,235 results."_s << QStringList{button, u"Images found"_s};
+        QTest::newRow("download") << 4 << u"Search For Downloads"_s << QStringList{u"Keyword/s: text."_s}
+                                  << u"notification 12 of 63 results."_s
                                   << QStringList{button, u"Programs found"_s, slider};
-        QTest::newRow("file") << 5 << u"Specific File Search"_s << QStringList{u"Filename: text."_s} << u"notification 15 results."_s
+        QTest::newRow("file") << 5 << u"Specific File Search"_s << QStringList{u"Filename: text."_s}
+                              << u"notification 15 results."_s
                               << QStringList{button, u"Files found"_s}; // one page only
     }
 
@@ -169,8 +172,8 @@ private:
         QTest::keyClick(field, Qt::Key_Return);
     }
 
-    // Waits in a real event loop. QTest's waiting functions handle a question of Orca's only every ten milliseconds, and
-    // Orca has hundreds.
+    // Waits in a real event loop. QTest's waiting functions handle a question of Orca's only every ten milliseconds,
+    // and Orca has hundreds.
     void hear(const QStringList& texts)
     {
         QEventLoop loop;
