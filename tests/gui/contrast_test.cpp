@@ -221,8 +221,12 @@ void ContrastTest::check(QWidget& part)
     const TextPlaces places(part);
     for (const TextPlaces::Text& text : places.texts()) {
         const QRectF place = text.place & QRectF(part.rect());
-        const QWidget* control = part.childAt(place.center().toPoint());
-        if (place.width() < 2 || place.height() < 2 || (control && !control->isEnabled()))
+        const QPoint center = place.center().toPoint();
+        const QWidget* control = part.childAt(center);
+        const auto* menu = qobject_cast<QMenu*>(&part);
+        const QAction* entry = menu ? menu->actionAt(center) : nullptr;
+        const bool isDisabled = (control && !control->isEnabled()) || (entry && !entry->isEnabled());
+        if (place.width() < 2 || place.height() < 2 || isDisabled)
             continue;
         const Measured found = measured(image, place);
         const QString what = u"%1 in %2: %3 on %4 is %5"_s

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kBetweenLooks = 50;    // into the log, in milliseconds
 constexpr int kLongestWait = 60'000; // milliseconds
+constexpr int kMostAttempts = 4;
 
 /// What Orca has spoken, from its log.
 class Speech
@@ -107,12 +108,18 @@ private slots:
         QFETCH(QStringList, stops);
         const TabControls& tab = tabOf(tag);
         window_->service.answerWith(pageOf(tab));
-        if (window_->control<QTabBar>("TabStrip1")->currentIndex() == tag - 1) {
-            press(u"ctrl+"_s + QString::number(tag % 5 + 1)); // away, to hear the arrival
-            hear({u"text."_s});
+        // Each key makes Orca silent, and a slow one may still be busy with what came before. A person would press
+        // again.
+        bool heard = false;
+        for (int attempt = 0; attempt < kMostAttempts && !heard; ++attempt) {
+            if (window_->control<QTabBar>("TabStrip1")->currentIndex() == tag - 1) {
+                press(u"ctrl+"_s + QString::number(tag % 5 + 1)); // away, to hear the arrival
+                isHeard({u"text."_s}, kLongestWait / kMostAttempts);
+            }
+            press(u"ctrl+"_s + QString::number(tag));
+            heard = isHeard({frame, fields.first()}, kLongestWait / kMostAttempts);
         }
-        press(u"ctrl+"_s + QString::number(tag));
-        hear({frame, fields.first()});
+        QVERIFY2(heard, qPrintable(frame + u" is not in:\n"_s + speech_->heard()));
         for (qsizetype i = 0; i < fields.size(); ++i) {
             window_->control<QLineEdit>(tab.typed[static_cast<std::size_t>(i)].field)
                 ->setText(QLatin1String(tab.typed[static_cast<std::size_t>(i)].text));
@@ -174,7 +181,7 @@ private:
 
     // Waits in a real event loop. QTest's waiting functions handle a question of Orca's only every ten milliseconds,
     // and Orca has hundreds.
-    void hear(const QStringList& texts)
+    bool isHeard(const QStringList& texts, int wait)
     {
         QEventLoop loop;
         QTimer look;
@@ -183,8 +190,13 @@ private:
                 loop.exit(0);
         });
         look.start(kBetweenLooks);
-        QTimer::singleShot(kLongestWait, &loop, [&] { loop.exit(1); });
-        if (loop.exec() != 0)
+        QTimer::singleShot(wait, &loop, [&] { loop.exit(1); });
+        return loop.exec() == 0;
+    }
+
+    void hear(const QStringList& texts)
+    {
+        if (!isHeard(texts, kLongestWait))
             QFAIL(qPrintable(texts.join(u" | "_s) + u" is not in:\n"_s + speech_->heard()));
     }
 
