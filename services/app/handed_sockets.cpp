@@ -30,7 +30,7 @@ constexpr std::size_t kMaxShown = 100;
 /// Returns text from the environment for a message: in quotes, on one line, and cut when it is long.
 std::string shown(std::string_view text)
 {
-    const std::string line = collapseBlanks(toUtf8(text.substr(0, 4 * kMaxShown)));
+    const std::string line = plainLine(text.substr(0, 4 * kMaxShown));
     return std::string("\"").append(clipUtf8(line, kMaxShown)).append("\"");
 }
 

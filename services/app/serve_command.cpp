@@ -14,7 +14,6 @@
 #include "app/service_table.h"
 #include "app/status_page.h"
 #include "config/services_file.h"
-#include "ground/utf8.h"
 #include "http/HttpServer.h"
 #include "http/Router.h"
 #include "index/database.h"
@@ -116,8 +115,8 @@ Router::Handler logged(const std::string& name, Router::Handler handler)
 {
     return [name, handler = std::move(handler)](const HttpRequest& request) {
         if (!request.query.empty())
-            std::fprintf(stderr, "quarrynet-services: %s: %s?%s\n", name.c_str(),
-                         collapseBlanks(toUtf8(request.path)).c_str(), collapseBlanks(toUtf8(request.query)).c_str());
+            std::fprintf(stderr, "quarrynet-services: %s: %s?%s\n", name.c_str(), plainLine(request.path).c_str(),
+                         plainLine(request.query).c_str());
         return handler(request);
     };
 }

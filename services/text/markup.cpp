@@ -5,6 +5,7 @@
 
 #include "ground/ascii.h"
 #include "ground/percent_coding.h"
+#include "ground/utf8.h"
 
 namespace quarrynet::services {
 
@@ -27,6 +28,13 @@ void appendEscaped(std::string& out, std::string_view text, std::size_t i)
         out += "&amp;";
     else
         out.push_back(text[i]);
+}
+
+/// Returns whether a terminal could take the character for an order, or turn what follows around.
+bool isHiddenControl(char32_t number)
+{
+    return (number >= 0x80 && number <= 0x9F) || number == 0x61C || number == 0x200E || number == 0x200F ||
+           (number >= 0x202A && number <= 0x202E) || (number >= 0x2066 && number <= 0x2069);
 }
 
 } // namespace
@@ -133,6 +141,20 @@ std::string collapseBlanks(std::string_view text)
         out.push_back(c);
     }
     return out;
+}
+
+std::string plainLine(std::string_view bytes)
+{
+    const std::string text = toUtf8(bytes);
+    std::string out;
+    out.reserve(text.size());
+    for (std::string_view rest = text; !rest.empty();) {
+        const Utf8Character next = utf8Character(rest).value_or(Utf8Character{U'\uFFFD', 1});
+        if (!isHiddenControl(next.number))
+            out.append(rest.substr(0, next.length));
+        rest.remove_prefix(next.length);
+    }
+    return collapseBlanks(out);
 }
 
 } // namespace quarrynet::services

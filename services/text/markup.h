@@ -38,4 +38,9 @@ std::string withReplaced(std::string_view text, std::string_view what, std::stri
 /// Returns `text` with each run of whitespace and control bytes replaced by one blank, and none at the ends.
 std::string collapseBlanks(std::string_view text);
 
+/// Returns bytes from outside as one line of UTF-8 that a terminal shows in their order and obeys in nothing:
+/// collapseBlanks() of toUtf8(), without the control characters U+0080 to U+009F and without those that change the
+/// direction of writing.
+std::string plainLine(std::string_view bytes);
+
 } // namespace quarrynet::services

@@ -52,6 +52,22 @@ TEST(CollapseBlanks, OneBlankBetweenWords)
     EXPECT_EQ(collapseBlanks(" \n"), "");
 }
 
+TEST(PlainLine, HasNothingThatATerminalObeys)
+{
+    EXPECT_EQ(plainLine("a\x1b[2J\nb"), "a [2J b");
+    EXPECT_EQ(plainLine("a\xc2\x9b"
+                        "2Jb\xc2\x80\xc2\x85"),
+              "a2Jb");
+    EXPECT_EQ(plainLine("\xc2\xa0\xd8\x9c\xe2\x80\x8e\xe2\x80\x8f\xe2\x80\xaa\xe2\x80\xae\xe2\x81\xa6\xe2\x81\xa9"),
+              "\xc2\xa0");
+    EXPECT_EQ(plainLine("\xe2\x80\x8d\xe2\x80\x90\xe2\x80\xa9\xe2\x80\xaf\xe2\x81\xa5\xe2\x81\xaa"),
+              "\xe2\x80\x8d\xe2\x80\x90\xe2\x80\xa9\xe2\x80\xaf\xe2\x81\xa5\xe2\x81\xaa")
+        << "the characters beside those";
+    EXPECT_EQ(plainLine("a\x9b\xff"), "a\xc3\xbf") << "Latin-1 has them, too";
+    EXPECT_EQ(plainLine("\xe2\x80\xae \x01"), "");
+    EXPECT_EQ(plainLine(""), "");
+}
+
 TEST(WithReplaced, FromLeftToRightAndOnce)
 {
     EXPECT_EQ(withReplaced("", "a", "b"), "");
