@@ -183,8 +183,8 @@
         <translation>kann nicht antworten</translation>
     </message>
     <message>
-        <source>Run "quarrynet-services index" to make the index anew.</source>
-        <translation>Führen Sie "quarrynet-services index" aus, um den Index neu anzulegen.</translation>
+        <source>The message says what to do. If it does not, search again in a moment.</source>
+        <translation>Die Meldung sagt, was zu tun ist. Sagt sie es nicht, suchen Sie in Kürze noch einmal.</translation>
     </message>
     <message>
         <source>The index</source>
@@ -358,8 +358,12 @@
 <context>
     <name>missing_content</name>
     <message>
-        <source>The index has no programs, because this machine has no package lists. Connect it to a network, run "sudo apt update", then "quarrynet-services index".</source>
-        <translation>Der Index hat keine Programme, weil dieser Rechner keine Paketlisten hat. Verbinden Sie ihn mit einem Netz und führen Sie erst "sudo apt update", dann "quarrynet-services index" aus.</translation>
+        <source>The index has no programs, because this machine has no package lists. Connect it to a network, run "sudo apt update", then "%1".</source>
+        <translation>Der Index hat keine Programme, weil dieser Rechner keine Paketlisten hat. Verbinden Sie ihn mit einem Netz und führen Sie erst "sudo apt update", dann "%1" aus.</translation>
+    </message>
+    <message>
+        <source>The index has no pictures, because this machine has none where it looked. Install a package with pictures, then run "%1".</source>
+        <translation>Der Index hat keine Bilder, weil dieser Rechner dort, wo gesucht wurde, keine hat. Installieren Sie ein Paket mit Bildern, und führen Sie dann "%1" aus.</translation>
     </message>
     <message>
         <source>The index has no pictures, because this machine has none where it looked. Run "quarrynet-services index --pictures FOLDER" with a folder of pictures.</source>

@@ -11,9 +11,6 @@ namespace quarrynet::services {
 inline constexpr const char* kCrawlRecords = "crawls.tsv";
 inline constexpr const char* kCrawlLock = "crawls.lock";
 
-/// The folder of the index of the system's services, as their units set it.
-inline constexpr const char* kSystemDataFolder = "/var/lib/quarrynet";
-
 /// Returns the folder that openDataFolder() opens, without looking whether it is there.
 Outcome<std::string> dataFolderPath(const std::string& chosen);
 

@@ -16,6 +16,19 @@
 /// file open keeps it intact.
 namespace quarrynet::services {
 
+/// The folder of the index of the system's services, as their units set it.
+inline constexpr const char* kSystemDataFolder = "/var/lib/quarrynet";
+
+/// Returns whether the system's services use the index in this folder, so that their units make it.
+bool isSystemsFolder(const std::string& dataFolder);
+
+/// Returns the command that makes the index in the data folder, as a person types it. It names no folder: pages show it
+/// to people who need not know where the index is.
+std::string indexCommand(const std::string& dataFolder);
+
+/// Returns what a person can do about an index of a newer version in the data folder: a clause without a full stop.
+std::string newerIndexRemedy(const std::string& dataFolder);
+
 /// Returns the path of the index in the data folder.
 std::string indexPath(const std::string& dataFolder);
 
@@ -55,7 +68,7 @@ class IndexPool
 {
 public:
     explicit IndexPool(const std::string& dataFolder, std::chrono::milliseconds queryTime = kMaxQueryTime)
-        : path_(indexPath(dataFolder)), queryTime_(queryTime)
+        : dataFolder_(dataFolder), path_(indexPath(dataFolder)), queryTime_(queryTime)
     {}
 
     IndexPool(const IndexPool&) = delete;
@@ -67,6 +80,12 @@ public:
 
     /// Returns the path by which this process finds the index.
     const std::string& path() const { return path_; }
+
+    /// Returns whether this is the index of the system's services.
+    bool isSystems() const { return isSystemsFolder(dataFolder_); }
+
+    /// Returns the command that makes this index, as indexCommand() does.
+    std::string makingCommand() const { return indexCommand(dataFolder_); }
 
     /// Closes idle connections. Call it after giving up rights, because they were opened with the former ones.
     void closeIdle();
@@ -102,6 +121,7 @@ private:
     Outcome<std::unique_ptr<Database>> connect();
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
+    std::string dataFolder_; ///< as it was given
     std::string path_;
     Descriptor folder_; ///< empty if it could not be opened
     std::chrono::milliseconds queryTime_;

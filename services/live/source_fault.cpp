@@ -64,7 +64,7 @@ constexpr std::array kTexts{
         ownText("The instance asks engines in turn, and these refused or were too slow. Search again later, or choose "
                 "another instance in services.toml.")},
     FaultTexts{Kind::Index, "source-index", ownText("cannot answer"),
-               ownText("Run \"quarrynet-services index\" to make the index anew.")},
+               ownText("The message says what to do. If it does not, search again in a moment.")},
 };
 
 const FaultTexts& textsOf(Kind kind)
@@ -87,7 +87,7 @@ std::string parameter(std::string_view query, std::string_view name)
         const std::size_t end = std::min(query.find('&'), query.size());
         const std::string_view part = query.substr(0, end);
         if (part.size() > name.size() && part.starts_with(name) && part[name.size()] == '=') {
-            const std::string text = collapseBlanks(toUtf8(decodeQueryValue(part.substr(name.size() + 1))));
+            const std::string text = plainLine(decodeQueryValue(part.substr(name.size() + 1)));
             return std::string(clipUtf8(text, kMaxDetail));
         }
         query.remove_prefix(std::min(end + 1, query.size()));
@@ -113,7 +113,7 @@ std::string faultTitle(const SourceFault& fault)
     if (fault.kind == Kind::RateLimit)
         title.append("; asked again in ").append(seconds(fault.retry));
     if (!fault.detail.empty())
-        title.append(": ").append(clipUtf8(collapseBlanks(toUtf8(fault.detail)), kMaxDetail));
+        title.append(": ").append(clipUtf8(plainLine(fault.detail), kMaxDetail));
     return title;
 }
 

@@ -6,6 +6,26 @@
 
 namespace quarrynet::services {
 
+namespace {
+
+std::string noteOf(Missing kind, const IndexPool& index, Language language)
+{
+    if (kind == Missing::Programs)
+        return translated("The index has no programs, because this machine has no package lists. Connect it to a "
+                          "network, run \"sudo apt update\", then \"%1\".",
+                          language, index.makingCommand());
+    // The units of the system's services see only what is installed.
+    if (index.isSystems())
+        return translated("The index has no pictures, because this machine has none where it looked. Install a package "
+                          "with pictures, then run \"%1\".",
+                          language, index.makingCommand());
+    return std::string(translated("The index has no pictures, because this machine has none where it looked. Run "
+                                  "\"quarrynet-services index --pictures FOLDER\" with a folder of pictures.",
+                                  language));
+}
+
+} // namespace
+
 void noteMissing(std::string& page, IndexPool& index, Missing kind, Language language)
 {
     constexpr std::string_view kEnd = "</body></html>\n";
@@ -17,16 +37,7 @@ void noteMissing(std::string& page, IndexPool& index, Missing kind, Language lan
     if (!row || row->step() != Statement::Step::Finished)
         return;
     page.resize(page.size() - kEnd.size());
-    const std::string_view note =
-        kind == Missing::Programs
-            ? translated(
-                  "The index has no programs, because this machine has no package lists. Connect it to a network, "
-                  "run \"sudo apt update\", then \"quarrynet-services index\".",
-                  language)
-            : translated("The index has no pictures, because this machine has none where it looked. Run "
-                         "\"quarrynet-services index --pictures FOLDER\" with a folder of pictures.",
-                         language);
-    page.append("<p>").append(escapeText(note)).append("</p>\n");
+    page.append("<p>").append(escapeText(noteOf(kind, index, language))).append("</p>\n");
     page += kEnd;
 }
 
