@@ -103,10 +103,11 @@ void addCrawl(CLI::App& app, Options& options)
     });
 }
 
-/// The options that say where the services listen.
-void addAddresses(CLI::App& command, Options& options)
+/// The options that say where the services listen. `mayPick`: port 0 stands for free ones.
+void addAddresses(CLI::App& command, Options& options, bool mayPick)
 {
     constexpr int kMost = 65535;
+    const int least = mayPick ? 0 : 1;
     addText(command, "--web-address", options.webAddress, "ADDRESS",
             "where the web search listens (default 127.80.0.1)");
     addText(command, "--image-address", options.imageAddress, "ADDRESS",
@@ -115,16 +116,18 @@ void addAddresses(CLI::App& command, Options& options)
             "where the download search listens (default 127.80.0.3)");
     addText(command, "--file-address", options.fileAddress, "ADDRESS",
             "where the file search listens (default 127.80.0.4)");
-    addNumber(command, "--port", options.port, 0, kMost, "the port of all services; 0 picks free ones");
+    addNumber(command, "--port", options.port, least, kMost,
+              mayPick ? "the port of all services; 0 picks free ones" : "the port of all services");
     addText(command, "--proxy-address", options.proxyAddress, "ADDRESS",
             "where the HTTP proxy to the services listens (default 127.0.0.1)");
-    addNumber(command, "--proxy-port", options.proxyPort, 0, kMost, "its port; 0 picks a free one");
+    addNumber(command, "--proxy-port", options.proxyPort, least, kMost,
+              mayPick ? "its port; 0 picks a free one" : "its port");
 }
 
 void addServe(CLI::App& app, Options& options)
 {
     CLI::App* serve = app.add_subcommand("serve", "Answer searches until Ctrl+C or SIGTERM");
-    addAddresses(*serve, options);
+    addAddresses(*serve, options, true);
     addText(*serve, "--user", options.user, "NAME",
             "the user that root becomes once all services listen (default nobody)");
     addConfig(*serve, options);
@@ -144,7 +147,7 @@ void addStatus(CLI::App& app, Options& options)
 {
     CLI::App* status =
         app.add_subcommand("status", "Say what is indexed, since when, what answers, and what to do about the rest");
-    addAddresses(*status, options);
+    addAddresses(*status, options, false);
     addConfig(*status, options);
     status->final_callback([&options] { options.command = Options::Command::Status; });
 }

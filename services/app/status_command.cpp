@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -5,6 +6,8 @@
 #include <ctime>
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -17,7 +20,6 @@
 #include "app/service_table.h"
 #include "app/status_page.h"
 #include "config/services_file.h"
-#include "ground/utf8.h"
 #include "index/database.h"
 #include "index/summary.h"
 #include "live/fetch.h"
@@ -29,8 +31,10 @@ namespace {
 
 /// For the answers of all services together.
 constexpr std::chrono::seconds kMostTime{4};
-/// An unfinished index that was written to more recently is being made.
+/// An unfinished index that was written to more recently is being made. A clock that was set back may put its time a
+/// little into the future.
 constexpr std::int64_t kStillMade = 300;
+constexpr std::uint16_t kSystemPort = 80;
 constexpr const char* kSystemConfig = "/etc/quarrynet/services.toml";
 
 /// A service, and how it answered.
@@ -46,15 +50,12 @@ struct Asked
 
 struct Report
 {
+    /// The services are a person's own, because the system's have another port.
+    bool isOwn = false;
     /// What is wrong, and what to do about it; the second is empty if the first says it.
     std::vector<std::pair<std::string, std::string>> problems;
     std::vector<std::string> notes;
 };
-
-std::string shown(std::string_view text)
-{
-    return collapseBlanks(toUtf8(text));
-}
 
 std::string timeText(std::int64_t seconds)
 {
@@ -63,14 +64,14 @@ std::string timeText(std::int64_t seconds)
     std::array<char, 40> text{};
     if (::localtime_r(&time, &parts) == nullptr ||
         std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", &parts) == 0)
-        return "at an unknown time";
+        return "(time unknown)";
     return text.data();
 }
 
 void printList(const char* label, const std::vector<std::string>& entries)
 {
     for (const std::string& entry : entries)
-        std::printf("  %-13s %s\n", label, shown(entry).c_str());
+        std::printf("  %-13s %s\n", label, plainLine(entry).c_str());
     if (static_cast<std::int64_t>(entries.size()) == kMostSummarized)
         std::printf("  %-13s and more\n", label);
 }
@@ -83,8 +84,10 @@ void printCount(std::int64_t count, const char* what)
 /// Says that an index is being made, or that making one was interrupted.
 void reportUnfinished(std::int64_t written, Report& report)
 {
-    if (std::time(nullptr) - written < kStillMade)
-        report.notes.push_back("An index is being made; searches use it as soon as it is complete, in a minute or so.");
+    const std::int64_t now = std::time(nullptr);
+    if (written > now - kStillMade && written < now + kStillMade)
+        report.notes.push_back(
+            "An index is being made; searches use it as soon as it is complete, in several minutes at most.");
     else
         report.notes.push_back("Making an index was interrupted at " + timeText(written) +
                                ". Its unfinished file is removed by the next run.");
@@ -113,6 +116,10 @@ void askAll(std::vector<Asked>& services)
                 asked.result = "nothing listens there";
             else
                 asked.result = "another program answers there";
+            if (asked.status && asked.status->service != asked.name) {
+                asked.result = "another service answers there";
+                asked.status.reset();
+            }
             asked.isFree = fetched.fault == Fetched::Fault::NoConnection;
         });
     }
@@ -121,24 +128,31 @@ void askAll(std::vector<Asked>& services)
 
 void reportAnswers(const std::vector<Asked>& services, Report& report)
 {
-    bool anyAnswers = false;
-    for (const Asked& asked : services)
-        anyAnswers = anyAnswers || asked.status;
-    if (!anyAnswers)
+    const std::string manager = report.isOwn ? "systemctl --user" : "sudo systemctl";
+    const std::string journal = report.isOwn ? "journalctl --user" : "sudo journalctl";
+    const bool anyAnswers =
+        std::any_of(services.begin(), services.end(), [](const Asked& asked) { return asked.status.has_value(); });
+    if (!anyAnswers && report.isOwn)
         report.problems.emplace_back("No service answers.",
-                                     "Start the system's: sudo systemctl start quarrynet-services.socket\n"
-                                     "    or your own: quarrynet-services serve");
+                                     "Start your own: " + manager +
+                                         " start quarrynet-services.socket\n"
+                                         "    or, with the same options: quarrynet-services serve");
+    else if (!anyAnswers)
+        report.problems.emplace_back("No service answers.", "Start the system's: " + manager +
+                                                                " start quarrynet-services.socket\n"
+                                                                "    or your own: quarrynet-services serve");
     for (const Asked& asked : services) {
         const std::string what = asked.name == kProxyName ? "The proxy" : "The " + asked.name + " search";
-        const std::string where = asked.address + ":" + std::to_string(asked.port);
+        std::string where = asked.address;
+        where.append(":").append(std::to_string(asked.port)).append(": ").append(asked.result).append(".");
         if (!asked.status && !asked.isFree)
-            report.problems.emplace_back(what + " does not have its address " + where + ": " + asked.result + ".",
+            report.problems.emplace_back(what + " does not have its address " + where,
                                          "As the machine's owner: " + remedyForPortInUse(asked.port) + ".");
         else if (!asked.status && anyAnswers)
-            report.problems.emplace_back(what + " does not answer at " + where + ": " + asked.result + ".",
-                                         "The messages of the services say why: sudo journalctl -b -u "
-                                         "'quarrynet-services*', or the terminal in which they run. The other "
-                                         "searches answer.");
+            report.problems.emplace_back(what + " does not answer at " + where,
+                                         "The messages of the services say why: " + journal +
+                                             " -b -u 'quarrynet-services*', or the terminal in which they run. The "
+                                             "other searches answer.");
         if (!asked.status)
             continue;
         if (!asked.status->fault.empty())
@@ -147,20 +161,28 @@ void reportAnswers(const std::vector<Asked>& services, Report& report)
         if (asked.status->version != QUARRYNET_VERSION)
             report.problems.emplace_back(what + " is of version " + asked.status->version + ", not " +
                                              QUARRYNET_VERSION + ".",
-                                         "Restart the services: sudo systemctl restart quarrynet-services.service");
+                                         "Restart the services: " + manager + " restart quarrynet-services.service");
     }
 }
 
-/// Prints what the index has. Returns false if it cannot be used and there is nothing to print.
-bool printIndex(IndexPool& index, bool isSystems, Report& report)
+/// Reports each reason for which services cannot use their index once, without the one that was reported already.
+void reportIndexFaults(const std::vector<Asked>& services, const std::string& reported, Report& report)
+{
+    std::set<std::string> known{"", plainLine(reported)};
+    for (const Asked& asked : services) {
+        if (asked.status && known.insert(asked.status->indexFault).second)
+            report.problems.emplace_back("The services cannot use their index: " + asked.status->indexFault + ".", "");
+    }
+}
+
+/// Prints what the index has. Returns why it cannot be used, or an empty text.
+std::string printIndex(IndexPool& index, Report& report)
 {
     Outcome<IndexPool::Lease> lease = index.borrow();
     const Outcome<IndexSummary> summary = lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
     if (!summary) {
-        report.problems.emplace_back(
-            "The index cannot be used: " + summary.error().message + ".",
-            isSystems ? "For the system's: sudo systemctl start quarrynet-services-index.service" : "");
-        return false;
+        report.problems.emplace_back("The index cannot be used: " + summary.error().message + ".", "");
+        return summary.error().message;
     }
     printCount(summary->webPages, "web pages");
     printCount(summary->pictures, "pictures");
@@ -175,9 +197,10 @@ bool printIndex(IndexPool& index, bool isSystems, Report& report)
         crawls.push_back(address + " on " + timeText(time));
     printList("crawled", crawls);
     if (summary->programs == 0)
-        report.notes.emplace_back("The index has no programs, because this machine has no package lists. Connect it to "
-                                  "a network, run \"sudo apt update\", then \"quarrynet-services index\".");
-    return true;
+        report.notes.push_back("The index has no programs, because this machine has no package lists. Connect it to "
+                               "a network, run \"sudo apt update\", then \"" +
+                               index.makingCommand() + "\".");
+    return {};
 }
 
 /// Prints what a service says about an index that this user may not read. Returns whether one says something.
@@ -191,8 +214,6 @@ bool printIndexBySaying(const std::vector<Asked>& services, Report& report)
             std::printf("  written %s; the services say:\n", timeText(*status.indexTime).c_str());
         for (const auto& [what, count] : status.counts)
             printCount(count, what.c_str());
-        if (!status.indexFault.empty())
-            report.problems.emplace_back("The services cannot use their index: " + status.indexFault + ".", "");
         if (status.unfinishedIndexTime)
             reportUnfinished(*status.unfinishedIndexTime, report);
         return true;
@@ -207,17 +228,17 @@ void printConfiguration(const UsableServices& usable)
         std::puts("\nConfiguration: none, so every search asks the index");
         return;
     }
-    std::printf("\nConfiguration: %s\n", file.path.empty() ? "cannot be used" : shown(file.path).c_str());
+    std::printf("\nConfiguration: %s\n", file.path.empty() ? "cannot be used" : plainLine(file.path).c_str());
     for (const auto& [name, settings] : {std::pair("web", &file.web), std::pair("image", &file.image)}) {
         for (const SourceSetting& source : settings->sources) {
             std::string instances = source.isIndex() ? "the index" : "";
             for (const std::string& instance : source.instances)
                 instances += (instances.empty() ? "" : " or ") + instance;
-            std::printf("  %-13s asks %s\n", name, shown(instances).c_str());
+            std::printf("  %-13s asks %s\n", name, plainLine(instances).c_str());
         }
     }
     for (const CrawlSetting& crawl : file.crawls)
-        std::printf("  %-13s %s\n", "crawls", shown(crawlBase(crawl.address)).c_str());
+        std::printf("  %-13s %s\n", "crawls", plainLine(crawlBase(crawl.address)).c_str());
 }
 
 void print(const Report& report)
@@ -225,7 +246,7 @@ void print(const Report& report)
     for (const std::string& note : report.notes)
         std::printf("\nNote: %s\n", note.c_str());
     for (const auto& [problem, remedy] : report.problems) {
-        std::printf("\nProblem: %s\n", shown(problem).c_str());
+        std::printf("\nProblem: %s\n", plainLine(problem).c_str());
         if (!remedy.empty())
             std::printf("    %s\n", remedy.c_str());
     }
@@ -247,7 +268,7 @@ int runStatus(const Options& options)
         std::fprintf(stderr, "quarrynet-services: %s\n", data.error().message.c_str());
         return 1;
     }
-    const bool isSystems = *data == kSystemDataFolder;
+    const bool isSystems = isSystemsFolder(*data);
     const bool hasConfig =
         !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
     const UsableServices usable = loadUsableServices(hasConfig ? options.configFile : kSystemConfig);
@@ -266,9 +287,11 @@ int runStatus(const Options& options)
     askAll(services);
 
     Report report;
+    report.isOwn = options.port != kSystemPort;
     std::printf("quarrynet-services " QUARRYNET_VERSION "\n\n");
     const std::string path = indexPath(*data);
-    std::printf("Index: %s%s\n", shown(path).c_str(), isSystems ? ", the system's" : "");
+    std::string indexFault;
+    std::printf("Index: %s%s\n", plainLine(path).c_str(), isSystems ? ", the system's" : "");
     if (::access(path.c_str(), R_OK) != 0 && errno == EACCES) {
         const bool said = printIndexBySaying(services, report);
         if (!said)
@@ -278,10 +301,11 @@ int runStatus(const Options& options)
         if (const std::optional<std::int64_t> time = indexTime(path))
             std::printf("  written %s\n", timeText(*time).c_str());
         IndexPool index(*data);
-        printIndex(index, isSystems, report);
+        indexFault = printIndex(index, report);
         if (const std::optional<std::int64_t> time = unfinishedIndexTime(path))
             reportUnfinished(*time, report);
     }
+    reportIndexFaults(services, indexFault, report);
     printConfiguration(usable);
     for (const std::string& fault : usable.faults)
         report.problems.emplace_back(fault, "Correct the file and restart the services.");

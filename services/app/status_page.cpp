@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::string_view kProgram = "quarrynet-services ";
 constexpr std::size_t kMaxText = 400;
+constexpr std::size_t kMaxVersion = 40;
 
 // Keys of the page's lines.
 constexpr std::string_view kService = "service";
@@ -27,8 +28,14 @@ constexpr std::array<std::string_view, 5> kCounts{"web pages", "pictures", "prog
 
 std::string oneLine(std::string_view text)
 {
-    const std::string line = collapseBlanks(toUtf8(text));
+    const std::string line = plainLine(text);
     return std::string(clipUtf8(line, kMaxText));
+}
+
+bool isVersion(std::string_view text)
+{
+    constexpr std::string_view kCharacters = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz.+~-";
+    return !text.empty() && text.size() <= kMaxVersion && text.find_first_not_of(kCharacters) == std::string_view::npos;
 }
 
 HttpResponse pageOf(const ServiceStatus& status)
@@ -68,7 +75,9 @@ std::optional<ServiceStatus> readStatus(std::string_view text)
         return std::nullopt;
     ServiceStatus status;
     const std::size_t end = std::min(text.find('\n'), text.size());
-    status.version = oneLine(text.substr(kProgram.size(), end - kProgram.size()));
+    status.version = std::string(text.substr(kProgram.size(), end - kProgram.size()));
+    if (!isVersion(status.version))
+        return std::nullopt;
     text.remove_prefix(std::min(end + 1, text.size()));
     while (!text.empty()) {
         const std::size_t lineEnd = std::min(text.find('\n'), text.size());

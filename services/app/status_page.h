@@ -19,10 +19,11 @@ inline constexpr std::string_view kStatusPath = Router::kOwnPage;
 /// A longer page is not one of these services'.
 inline constexpr std::size_t kMaxStatusPage = 16 * 1024;
 
-/// What a service says. Texts from outside are one line of at most a few hundred bytes, without control characters.
+/// What a service says. Texts from outside are one line of at most a few hundred bytes, without control characters
+/// and without those that change the direction of writing.
 struct ServiceStatus
 {
-    std::string version;
+    std::string version;    ///< at most 40 of the characters 0-9 A-Z a-z . + ~ -
     std::string service;    ///< its name, or that of the proxy
     std::string fault;      ///< why it does not search, because of its configuration; empty if it does
     std::string indexFault; ///< why it cannot use the index; empty if it can
@@ -34,7 +35,8 @@ struct ServiceStatus
 /// Returns the content of the page: lines of plain text.
 std::string statusText(const ServiceStatus& status);
 
-/// Parses a page. Returns nothing for one that no service of this program made. Unknown lines are ignored.
+/// Parses a page. Returns nothing for one that no service of this program made, such as one without a version. Unknown
+/// lines are ignored.
 std::optional<ServiceStatus> readStatus(std::string_view text);
 
 /// Returns a handler that answers a request for the page, and passes all others on. `fault` is as above.

@@ -83,6 +83,16 @@ TEST(ParseOptions, NumbersAreDecimalAndTheLastOneCounts)
         EXPECT_FALSE(parseOptions({"serve", "--port", port})) << port;
 }
 
+TEST(ParseOptions, StatusAsksAtPortsThatExist)
+{
+    EXPECT_FALSE(parseOptions({"status", "--port", "0"}));
+    EXPECT_FALSE(parseOptions({"status", "--proxy-port", "0"}));
+    EXPECT_EQ(parseOptions({"status", "--port", "1", "--proxy-port", "65535"})->port, 1);
+    EXPECT_TRUE(parseOptions({"serve", "--port", "0", "--proxy-port", "0"}));
+    EXPECT_EQ(parseOptions({"status", "--help"})->help.find("picks"), std::string::npos);
+    EXPECT_NE(parseOptions({"serve", "--help"})->help.find("0 picks free ones"), std::string::npos);
+}
+
 TEST(ParseOptions, NamesWhatItDoesNotUnderstand)
 {
     EXPECT_FALSE(parseOptions({}));

@@ -45,13 +45,25 @@ TEST(StatusPage, PagesOfOtherProgramsAreNone)
 {
     for (const std::string& page :
          {std::string(), std::string("<!DOCTYPE html>"), std::string("quarrynet-service"), std::string(100, '\0'),
-          "quarrynet-services 1.1.0\n" + std::string(kMaxStatusPage, 'x')})
+          "quarrynet-services 1.1.0\n" + std::string(kMaxStatusPage, 'x'), std::string("quarrynet-services \n"),
+          std::string("quarrynet-services 1 1\n"), std::string("quarrynet-services 9\x1b[2J\n"),
+          std::string("quarrynet-services 1.1\xe2\x80\xae\n"), std::string("quarrynet-services 1.1.0\r\n"),
+          std::string("quarrynet-services 1\0", 21), "quarrynet-services " + std::string(41, '1')})
         EXPECT_FALSE(readStatus(ExactCopy(page).view())) << page.substr(0, 40);
+}
+
+TEST(StatusPage, VersionsOfPackagesAreAccepted)
+{
+    for (const std::string& version : {std::string("1.1.0~rc1+git-2"), std::string(40, 'Z')}) {
+        const std::optional<ServiceStatus> read = readStatus("quarrynet-services " + version);
+        ASSERT_TRUE(read) << version;
+        EXPECT_EQ(read->version, version);
+    }
 }
 
 TEST(StatusPage, HostilePagesAreReadAsPlainLines)
 {
-    std::string page = "quarrynet-services \x1b[2J1.1\x07\nservice: \xff\x1b]0;title\x07\nfault: ";
+    std::string page = "quarrynet-services 1.1\nservice: \xff\x1b]0;title\x07\xc2\x9b\nfault: \xe2\x80\xae";
     page.append(5000, 'f').append("\nindex fault: a\r\rb\nindex written: 99999999999999999999\nindex being made: -1\n");
     page.append("web pages: 1e9\nprograms: 7\nowned: 5\nno colon\n: \nfiles:7\nfiles: 8");
     for (std::size_t cut = 0; cut <= page.size(); ++cut)
@@ -61,6 +73,8 @@ TEST(StatusPage, HostilePagesAreReadAsPlainLines)
     for (const std::string& text : {read->version, read->service, read->fault, read->indexFault}) {
         EXPECT_THAT(text, Not(HasSubstr("\x1b")));
         EXPECT_THAT(text, Not(HasSubstr("\x07")));
+        EXPECT_THAT(text, Not(HasSubstr("\xc2\x9b")));
+        EXPECT_THAT(text, Not(HasSubstr("\xe2\x80\xae")));
         EXPECT_LE(text.size(), 400U);
     }
     EXPECT_EQ(read->indexFault, "a b");

@@ -20,6 +20,14 @@ using ::testing::Not;
 
 namespace {
 
+std::size_t countOf(const std::string& part, const std::string& text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
 class StatusProgram : public ::testing::Test
 {
 protected:
@@ -30,10 +38,10 @@ protected:
                                      std::filesystem::perm_options::add);
     }
 
-    RunningProgram start(std::vector<std::string> arguments)
+    RunningProgram start(std::vector<std::string> arguments, const std::string& dataFolder = {})
     {
         arguments.insert(arguments.begin(), QUARRYNET_SERVICES);
-        arguments.insert(arguments.end(), {"--data", data()});
+        arguments.insert(arguments.end(), {"--data", dataFolder.empty() ? data() : dataFolder});
         return {std::move(arguments), folder_.path() + "/errors", {"XDG_CONFIG_HOME=" + folder_.path(), "TZ=UTC"}};
     }
 
@@ -54,11 +62,11 @@ protected:
                 "--proxy-address", "127.80.5.5",     "--proxy-port",    port_};
     }
 
-    RunningProgram serve()
+    RunningProgram serve(const std::string& dataFolder = {})
     {
         std::vector<std::string> arguments = addresses();
         arguments.insert(arguments.begin(), "serve");
-        return start(std::move(arguments));
+        return start(std::move(arguments), dataFolder);
     }
 
     /// Runs "status" and returns its output.
@@ -131,6 +139,37 @@ TEST_F(StatusProgram, IndexesThatCannotBeUsedAreToldApart)
     std::filesystem::last_write_time(data() + "/index.sqlite.new",
                                      std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
     EXPECT_THAT(status(), HasSubstr("Making an index was interrupted"));
+    std::filesystem::last_write_time(data() + "/index.sqlite.new",
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_THAT(status(), HasSubstr("Making an index was interrupted")) << "nothing is written in the future";
+}
+
+// Once everything was in order while no service could search.
+TEST_F(StatusProgram, ServicesThatCannotUseTheirIndexAreReportedOnce)
+{
+    index();
+    RunningProgram server = serve(folder_.path() + "/other");
+    (void)server.readLine();
+    const std::string report = status();
+    EXPECT_EQ(status_, 1);
+    EXPECT_THAT(report, Not(HasSubstr("Everything is in order.")));
+    EXPECT_EQ(countOf("Problem: ", report), 1U) << report;
+    EXPECT_EQ(countOf("The services cannot use their index: there is no index yet; run ", report), 1U) << report;
+}
+
+TEST_F(StatusProgram, AFaultOfTheIndexThatBothSeeIsReportedOnce)
+{
+    RunningProgram server = serve(data());
+    (void)server.readLine();
+    const std::string report = status();
+    EXPECT_EQ(status_, 1);
+    EXPECT_EQ(countOf("there is no index yet", report), 1U) << report;
+}
+
+TEST_F(StatusProgram, RemediesNameThePersonsOwnManagerAtAnotherPortThanTheSystems)
+{
+    EXPECT_THAT(status(),
+                AllOf(HasSubstr("systemctl --user start quarrynet-services.socket"), Not(HasSubstr("sudo systemctl"))));
 }
 
 TEST_F(StatusProgram, AFaultyConfigurationIsNamedByLineAndTheServiceThatItStops)
@@ -194,15 +233,29 @@ TEST_F(StatusProgram, HostileListenersAreBounded)
         const std::string text = bad + "quarrynet-services 9\x1b[2J\nservice: web\nprograms: 5\n";
         (void)::send(socket, text.data(), text.size(), MSG_NOSIGNAL);
     });
+    const TestServer old([bad](int socket) {
+        char request[4096];
+        (void)::recv(socket, request, sizeof request, 0);
+        const std::string text = bad + "quarrynet-services 9\nservice: web\nfault: \xc2\x9b" +
+                                 "2J\xe2\x80\xae\nindex being made: 9223372036854775807\n";
+        (void)::send(socket, text.data(), text.size(), MSG_NOSIGNAL);
+    });
+    const TestServer stranger([bad](int socket) {
+        char request[4096];
+        (void)::recv(socket, request, sizeof request, 0);
+        const std::string text = bad + "quarrynet-services 9\nservice: file\nprograms: 5\n";
+        (void)::send(socket, text.data(), text.size(), MSG_NOSIGNAL);
+    });
     for (const auto& [server, expected] :
          {std::pair(&silent, "does not answer within 4 seconds"), std::pair(&endless, "another program answers there"),
-          std::pair(&garbage, "another program answers there"), std::pair(&liar, "is of version 9 [2J, not ")}) {
+          std::pair(&garbage, "another program answers there"), std::pair(&liar, "another program answers there"),
+          std::pair(&old, "is of version 9, not "), std::pair(&stranger, "another service answers there")}) {
         const std::string port = server->site().substr(server->site().rfind(':') + 1);
         const std::string report = status({"--web-address", "127.0.0.1", "--port", port});
         EXPECT_EQ(status_, 1);
         EXPECT_THAT(report, HasSubstr(expected));
         EXPECT_THAT(report, HasSubstr("127.0.0.1:" + port));
-        EXPECT_THAT(report, Not(HasSubstr("\x1b")));
+        EXPECT_THAT(report, AllOf(Not(HasSubstr("\x1b")), Not(HasSubstr("\xc2\x9b")), Not(HasSubstr("\xe2\x80\xae"))));
         EXPECT_THAT(report, HasSubstr(" 1 programs\n"));
     }
 }
