@@ -805,8 +805,8 @@
         <translation>Befehle</translation>
     </message>
     <message>
-        <source>indexes the machine again, takes some seconds</source>
-        <translation>erfasst den Rechner neu, dauert einige Sekunden</translation>
+        <source>indexes the machine again, takes up to several minutes</source>
+        <translation>erfasst den Rechner neu, dauert bis zu einigen Minuten</translation>
     </message>
     <message>
         <source>adds a server's files to the file search</source>
@@ -825,8 +825,8 @@
         <translation>Installierte Dienste startet das System, sobald eine Suche sie braucht: &lt;code&gt;sudo systemctl enable --now quarrynet-services.socket&lt;/code&gt;</translation>
     </message>
     <message>
-        <source>Services of your own work without the system's: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; then switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and enter 127.0.0.1 and 8781.</source>
-        <translation>Eigene Dienste laufen auch ohne die des Systems: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; dann schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8781 ein.</translation>
+        <source>Services of your own work without the system's: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; then switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and enter 127.0.0.1 and 8781. Ask for their status with &lt;code&gt;quarrynet-services status --port 8781 --proxy-port 8781&lt;/code&gt;.</source>
+        <translation>Eigene Dienste laufen auch ohne die des Systems: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; dann schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8781 ein. Ihren Zustand zeigt &lt;code&gt;quarrynet-services status --port 8781 --proxy-port 8781&lt;/code&gt;.</translation>
     </message>
     <message>
         <source>Services that you start in a terminal need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch the proxy on and use port 8780.</source>
