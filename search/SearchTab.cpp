@@ -120,8 +120,9 @@ QString SearchTab::counted(std::size_t shown, const QString& total)
     if (shown == 0)
         return tr("No results");
     const QString count = QString::number(shown);
-    return total.isEmpty() || total.size() > kLongestTotal ? tr("%1 results").arg(count)
-                                                           : tr("%1 of %2 results").arg(count, total);
+    if (!total.isEmpty() && total.size() <= kLongestTotal)
+        return tr("%1 of %2 results").arg(count, total);
+    return shown == 1 ? tr("1 result") : tr("%1 results").arg(count);
 }
 
 void SearchTab::report(const std::optional<RuntimeError>& fault)

@@ -451,6 +451,10 @@
         <source>%1 of %2 results</source>
         <translation>%1 von %2 Ergebnissen</translation>
     </message>
+    <message>
+        <source>1 result</source>
+        <translation>1 Ergebnis</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::WebSearch</name>

@@ -4,9 +4,11 @@
 #include "WindowFixture.h"
 #include "app/SearchReports.h"
 #include "tab_controls.h"
+#include "tests/core/page_samples.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
+using namespace quarrynet::samples;
 
 namespace {
 
@@ -152,6 +154,14 @@ private slots:
         window_->service.answerWith(pageOf(tabOf(tag)));
         QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, tabOf(tag))), Qt::Key_Return);
         QTRY_COMPARE(announced(), announcement);
+    }
+
+    // Once a list of one row was announced as "1 results".
+    void aSingleResultIsAnnouncedAsOne()
+    {
+        window_->service.answerWith(bytes(filePage(1)));
+        QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, tabOf(5))), Qt::Key_Return);
+        QTRY_COMPARE(announced(), u"1 result"_s);
     }
 
     void theEndInTheBackgroundIsAnnouncedWithItsTab()
