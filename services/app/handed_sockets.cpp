@@ -131,7 +131,7 @@ HandedSockets takeHandedSockets()
         if (fault.empty())
             result.sockets.push_back(std::move(handed));
         else
-            result.faults.push_back(which + " " + fault);
+            result.faults.push_back(which.append(" ").append(fault));
     }
     return result;
 }
