@@ -146,10 +146,10 @@ void reportAnswers(const std::vector<Asked>& services, Report& report)
         std::string where = asked.address;
         where.append(":").append(std::to_string(asked.port)).append(": ").append(asked.result).append(".");
         if (!asked.status && !asked.isFree)
-            report.problems.emplace_back(what + " does not have its address " + where,
+            report.problems.emplace_back(std::string(what).append(" does not have its address ").append(where),
                                          "As the machine's owner: " + remedyForPortInUse(asked.port) + ".");
         else if (!asked.status && anyAnswers)
-            report.problems.emplace_back(what + " does not answer at " + where,
+            report.problems.emplace_back(std::string(what).append(" does not answer at ").append(where),
                                          "The messages of the services say why: " + journal +
                                              " -b -u 'quarrynet-services*', or the terminal in which they run. The "
                                              "other searches answer.");
