@@ -13,15 +13,6 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
 
-namespace {
-
-QString numberedWord(std::size_t number)
-{
-    return u"word "_s + QString::number(number);
-}
-
-} // namespace
-
 /// A history of any content, kind and owner ends nothing and is not replaced by what is not the program's.
 class HistoryFileTest final : public HistoryFixture
 {
@@ -129,7 +120,7 @@ private slots:
     {
         QByteArray content;
         for (std::size_t i = 0; i < SearchHistory::kMaxEntries; ++i)
-            content += "keywords\t" + numberedWord(i).toLatin1() + QByteArray(1500, 'x') + "\n";
+            content += "keywords\t" + u"word "_s + QString::number(i).toLatin1() + QByteArray(1500, 'x') + "\n";
         startWithHistory(content);
         rlimit limit = {};
         QCOMPARE(::getrlimit(RLIMIT_FSIZE, &limit), 0);
