@@ -8,7 +8,7 @@ run_packages="ca-certificates xdg-utils xvfb xauth qt6-translations-l10n"
 test_packages="orca at-spi2-core dbus xdotool libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib python3-openssl
     vsftpd nginx-light searx
     appstream apt debootstrap desktop-file-utils fish groff-base mandoc systemd systemd-container zsh"
-package_test_packages="debhelper debootstrap dpkg-dev git lintian python3 systemd-container xvfb"
+package_test_packages="build-essential debhelper debootstrap dpkg-dev git lintian python3 systemd-container xvfb"
 bench_packages="libbenchmark-dev curl w3m"
 
 as_root() {
