@@ -13,29 +13,36 @@
 # Each system is a container with a systemd and a network of its own (systemd-nspawn), so the script needs a kernel with
 # overlayfs and namespaces. The base system and the downloaded packages are kept in ~/.cache/quarrynet.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-tree=$PWD
 if [ "$(id -u)" != 0 ]; then
     echo "This needs root, for containers: sudo $0 $*" >&2
     exit 2
 fi
 
-results=$tree/build/package
+# folder NAME: prints the whole path of a folder.
+folder() { cd -- "$1" >/dev/null && pwd; }
+results=
 packages=
 from=
 reproducible=
 tests=()
 while [ $# -gt 0 ]; do
     case "$1" in
-    --packages) packages=$(cd "$2" && pwd) && shift ;;
-    --from) from=$(cd "$2" && pwd) && shift ;;
-    --results) results=$(mkdir -p "$2" && cd "$2" && pwd) && shift ;;
+    --packages | --from | --results)
+        [ $# -gt 1 ] || { echo "$1 needs a folder" >&2; exit 2; }
+        [ "$1" != --results ] || mkdir -p -- "$2"
+        path=$(folder "$2")
+        declare "${1#--}=$path"
+        shift
+        ;;
     --reproducible) reproducible=yes ;;
     -*) echo "Unknown option: $1" >&2 && exit 2 ;;
     *) tests+=("$1") ;;
     esac
     shift
 done
+cd "$(dirname "$0")/.."
+tree=$PWD
+results=${results:-$tree/build/package}
 mkdir -p "$results"
 
 . tools/packages.sh

@@ -1,15 +1,22 @@
 #!/usr/bin/env bash
-# Makes the files of a release in FOLDER (default: dist): the source archive, the Debian packages, and their checksums.
+# Makes the files of a release in FOLDER (default: dist in the source): the source archive, the Debian packages, and
+# their checksums.
 #     tools/release.sh [FOLDER]
-# The source is the commit of the tag "v" and the project's version (see "Release" in CONTRIBUTING); without such a tag it
-# is the current commit, and the script says so. The same commit gives the same bytes on the same Debian 12.
+# The source is the commit of the tag "v" and the project's version (see "Release" in CONTRIBUTING); without such a tag
+# it is the current commit, and the script says so. The same commit gives the same bytes on the same Debian 12.
 set -euo pipefail
+folder=
+if [ $# -gt 0 ]; then
+    mkdir -p -- "$1"
+    folder=$(cd -- "$1" >/dev/null && pwd)
+fi
 cd "$(dirname "$0")/.."
+folder=${folder:-$PWD/dist}
+mkdir -p "$folder"
 . tools/packages.sh
 # shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
-install_missing $build_packages debhelper dpkg-dev git lintian xz-utils
+install_missing $build_packages build-essential debhelper dpkg-dev git lintian xz-utils
 
-folder=$(mkdir -p "${1:-dist}" && cd "${1:-dist}" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -17,6 +24,10 @@ version=$(sed -n 's/^project(Quarrynet VERSION \([0-9.]*\) .*/\1/p' CMakeLists.t
 commit=HEAD
 if git rev-parse -q --verify "refs/tags/v$version" >/dev/null; then
     commit=v$version
+    git grep -q "^## $version - " "$commit" -- CHANGELOG.md || {
+        echo "CHANGELOG.md of the tag $commit has no heading of this version." >&2
+        exit 1
+    }
 else
     echo "There is no tag v$version; this is a release of the current commit, for trying it out."
 fi
