@@ -14,6 +14,7 @@ cd "$(dirname "$0")/.."
 # shellcheck disable=SC2086 # lists of words
 install_missing $build_packages debootstrap systemd-container
 
+# shellcheck disable=SC2016 # apt-get expands this
 mirror=${1:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' | head -n 1)}
 work=$PWD/build/units
 machine=$work/machine
@@ -45,8 +46,8 @@ finds() { # finds TEXT ADDRESS
 }
 is_gone() { ! inside curl -s -o /dev/null --max-time 5 "$1"; }
 
-cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DQUARRYNET_BUILD_GUI=OFF \
-    -DQUARRYNET_BUILD_TESTS=OFF > /dev/null
+cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_INSTALL_SYSCONFDIR=/etc \
+    -DQUARRYNET_BUILD_GUI=OFF -DQUARRYNET_BUILD_TESTS=OFF > /dev/null
 cmake --build "$build"
 if [ ! -e "$base" ]; then
     rm -rf "$machine"

@@ -1,13 +1,38 @@
 # Installs a finished build into an empty folder and tests the list of files, that no file names the source or the
-# build, and that the installed programs run. Usage: see CMakeLists.txt
+# build, and that the installed programs run. Tests the list of files under another prefix,
+# too. Usage: see CMakeLists.txt
 cmake_minimum_required(VERSION 3.25)
 
-file(REMOVE_RECURSE "${TREE}")
-set(ENV{DESTDIR} "${TREE}")
-execute_process(COMMAND_ERROR_IS_FATAL ANY OUTPUT_QUIET COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --strip)
+# install_tree(OPTION...): installs the build with more options into an empty ${TREE}.
+function(install_tree)
+  file(REMOVE_RECURSE "${TREE}")
+  set(ENV{DESTDIR} "${TREE}")
+  execute_process(COMMAND_ERROR_IS_FATAL ANY OUTPUT_QUIET COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" ${ARGN})
+endfunction()
+
+# compare_files(FILE...): ${TREE} has these files and no others.
+function(compare_files)
+  set(missing ${ARGN})
+  file(GLOB_RECURSE found LIST_DIRECTORIES false "${TREE}/*")
+  string(LENGTH "${TREE}" length)
+  foreach(file IN LISTS found)
+    string(SUBSTRING "${file}" ${length} -1 file)
+    if(file IN_LIST ARGN)
+      list(REMOVE_ITEM missing "${file}")
+    else()
+      message(SEND_ERROR "This file is not in the list: ${file}")
+    endif()
+  endforeach()
+  if(missing)
+    list(JOIN missing "\n  " text)
+    message(SEND_ERROR "These files are missing:\n  ${text}")
+  endif()
+endfunction()
 
 # ---- the list of files ----
 
+cmake_path(ABSOLUTE_PATH SYSCONFDIR BASE_DIRECTORY "${PREFIX}")
+cmake_path(ABSOLUTE_PATH ZSH BASE_DIRECTORY "${PREFIX}")
 set(id org.quarrynet.Quarrynet)
 set(expected
   "${BINDIR}/quarrynet"
@@ -22,7 +47,6 @@ set(expected
 foreach(size IN ITEMS 16 22 24 32 48 64 128 256)
   list(APPEND expected "${DATADIR}/icons/hicolor/${size}x${size}/apps/${id}.png")
 endforeach()
-cmake_path(ABSOLUTE_PATH ZSH BASE_DIRECTORY "${PREFIX}")
 foreach(program IN ITEMS quarrynet quarrynet-services)
   list(APPEND expected "${DATADIR}/bash-completion/completions/${program}" "${ZSH}/_${program}"
     "${DATADIR}/fish/vendor_completions.d/${program}.fish" "${MANDIR}/man1/${program}.1")
@@ -47,24 +71,18 @@ foreach(file IN LISTS manual)
   endif()
 endforeach()
 
-file(GLOB_RECURSE found LIST_DIRECTORIES false "${TREE}/*")
-set(missing ${expected})
-foreach(file IN LISTS found)
-  string(LENGTH "${TREE}" length)
-  string(SUBSTRING "${file}" ${length} -1 file)
-  if(file IN_LIST expected)
-    list(REMOVE_ITEM missing "${file}")
-  else()
-    message(SEND_ERROR "This file is not in the list: ${file}")
-  endif()
-endforeach()
-if(missing)
-  list(JOIN missing "\n  " text)
-  message(SEND_ERROR "These files are missing:\n  ${text}")
-endif()
+# Another prefix takes everything with it, but for absolute folders that were configured.
+set(moved ${expected})
+list(TRANSFORM moved REPLACE "^${PREFIX}/" "/elsewhere/")
+install_tree(--prefix /elsewhere)
+compare_files(${moved})
+
+install_tree(--strip)
+compare_files(${expected})
 
 # ---- their contents ----
 
+file(GLOB_RECURSE found LIST_DIRECTORIES false "${TREE}/*")
 foreach(file IN LISTS found)
   file(READ "${file}" bytes HEX)
   foreach(folder IN ITEMS "${ROOT}" "${BUILD}" "${TREE}")
