@@ -98,6 +98,7 @@ expect_nothing_left() {
     same "files with the program's name after purge" "" "$left"
     same "the system's files after purge" "$(cat "$1")" "$(system_files)"
     same "users after purge" "" "$(inside sh -c 'cat /etc/passwd /etc/group | grep quarrynet' || true)"
+    # shellcheck disable=SC2016 # the package tools expand these
     same "packages after purge" "" "$(inside dpkg-query -W -f '${Package} ${db:Status-Abbrev}\n' 'quarrynet*' 2>/dev/null |
         grep -v 'un $' || true)"
 }

@@ -8,6 +8,7 @@
 
 # Prints "ADDRESS SUITE" for each of Debian 12's archives that this machine's own package manager uses.
 own_archives() {
+    # shellcheck disable=SC2016 # the package tools expand these
     apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(CODENAME) $(COMPONENT)' 'Created-By: Packages' \
         'Origin: Debian' | awk '$3 ~ /^bookworm/ && $4 == "main" && !seen[$1 $2]++ { print $1, $2 }'
 }
