@@ -37,7 +37,7 @@ test_without_plugin() {
 
 # From the first version to the last trace.
 test_life() {
-    local files index pid
+    local files index pid opened
     start_machine life ready
     system_files >"$work/before"
     install /old $all_packages
@@ -49,14 +49,18 @@ test_life() {
     inside sh -c 'mkdir -p /etc/quarrynet; echo "[web]" >/etc/quarrynet/services.toml'
     index=$(stat -c %i "$root$state/index.sqlite")
     pid=$(inside systemctl show -P MainPID quarrynet-services.service)
+    opened=$(inside systemctl show -P ActiveEnterTimestampMonotonic 'quarrynet-services*.socket')
 
     echo "   upgrade"
     install /packages $all_packages
+    # shellcheck disable=SC2016 # the package tools expand these
     same "the version" "$version" "$(inside dpkg-query -W -f '${Version}' quarrynet)"
     expect "the index" await_index
     services_answer
     [ "$pid" != "$(inside systemctl show -P MainPID quarrynet-services.service)" ] ||
         fail "the upgrade left the old services running"
+    same "the times when the sockets were opened" "$opened" \
+        "$(inside systemctl show -P ActiveEnterTimestampMonotonic 'quarrynet-services*.socket')"
     # The two searches that the file is about say what is wrong.
     tour anna 2-web-search-box 4-image-search-box
     same "the person's settings" "$files" "$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)"
@@ -104,6 +108,31 @@ test_no_package_lists() {
     says "the status" 'apt update' "$(inside quarrynet-services status)"
     # Programs and files come from the package lists.
     tour anna 5-download-search-box 6-file-search-box
+}
+
+# An administrator who forbids packages to start anything, or has disabled the socket, gets no index and no services.
+test_nothing_started() {
+    start_machine nothing-started ready
+    printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
+    chmod 755 "$root/usr/sbin/policy-rc.d"
+    install /old quarrynet-services
+    nothing_runs "with a policy that forbids it"
+    rm "$root/usr/sbin/policy-rc.d"
+    inside systemctl disable --quiet quarrynet-services.socket
+    install /packages quarrynet-services
+    nothing_runs "with a disabled socket"
+    inside systemctl enable --quiet --now quarrynet-services.socket
+    inside systemctl start quarrynet-services-first-index.service
+    services_answer
+}
+
+# nothing_runs WHEN: expects neither an index, nor services or sockets.
+nothing_runs() {
+    # shellcheck disable=SC2016 # the machine's shell expands this
+    expect "the machine at rest $1" inside sh -c 'until [ -z "$(systemctl list-jobs --no-legend)" ]; do sleep 0.1; done'
+    same "the units that run $1" "" "$(inside systemctl list-units --plain --no-legend \
+        --state=active,activating,failed 'quarrynet-services*.service' 'quarrynet-services*.socket')"
+    expect "no index $1" test ! -e "$root$state/index.sqlite"
 }
 
 test_port_taken() {
