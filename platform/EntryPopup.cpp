@@ -5,9 +5,48 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QStringListModel>
 
 namespace quarrynet {
+
+namespace {
+
+// Returns whether `field` or its window keeps this key, such as one for editing, from the shortcuts.
+bool isKept(QLineEdit& field, const QKeyEvent& key)
+{
+    QKeyEvent question(QEvent::ShortcutOverride, key.key(), key.modifiers(), key.text());
+    question.ignore();
+    QCoreApplication::sendEvent(&field, &question);
+    return question.isAccepted();
+}
+
+// Returns whether this key is one for the window's shortcuts.
+bool isForWindow(QLineEdit& field, const QKeyEvent& key)
+{
+    switch (key.key()) {
+    case Qt::Key_Escape:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Alt:
+    case Qt::Key_AltGr:
+    case Qt::Key_Control:
+    case Qt::Key_Shift:
+    case Qt::Key_Meta:
+        return false;
+    default:
+        break;
+    }
+    if (key.key() >= Qt::Key_F1 && key.key() <= Qt::Key_F35)
+        return true;
+    const bool isAlt = key.modifiers().testFlag(Qt::AltModifier);
+    const bool isControl = key.modifiers().testFlag(Qt::ControlModifier);
+    if (isAlt && isControl) // the AltGr key of some systems
+        return key.text().isEmpty() || !key.text().front().isPrint();
+    return (isAlt || isControl) && !isKept(field, key);
+}
+
+} // namespace
 
 EntryPopup::EntryPopup(QLineEdit& field, std::function<QStringList()> entries,
                        std::function<bool(const QString&)> forget)
@@ -46,7 +85,7 @@ void EntryPopup::offer()
     QStringList fitting;
     if (!typed.isEmpty()) {
         fitting = entries().filter(typed, Qt::CaseInsensitive);
-        fitting.removeAll(typed); // taking it would change nothing, and the list would cost an Escape
+        fitting.removeAll(typed); // taking it would change nothing
     }
     show(fitting);
 }
@@ -88,6 +127,13 @@ bool EntryPopup::show(const QStringList& entries)
 
 bool EntryPopup::eventFilter(QObject* watched, QEvent* event)
 {
+    // An open list keeps the window's shortcuts from acting. The toolkit looks for the shortcut after this event, which
+    // it sends to the field or to the list, depending on the system.
+    if (event->type() == QEvent::ShortcutOverride && isOpen() && !isAsking_) {
+        const QScopedValueRollback asking(isAsking_, true); // the question to the field comes here, too
+        if (isForWindow(field_, static_cast<const QKeyEvent&>(*event)))
+            completer_->popup()->hide();
+    }
     if (watched == &field_) {
         if (event->type() == QEvent::FocusIn && !isOpen())
             areRead_ = false; // another window may have changed the history
@@ -106,14 +152,12 @@ bool EntryPopup::eventFilter(QObject* watched, QEvent* event)
 bool EntryPopup::handlePopupKey(const QKeyEvent& key)
 {
     switch (key.key()) {
-    case Qt::Key_Escape:
-        completer_->popup()->hide();
-        return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if (const QString entry = chosen(); !entry.isEmpty())
             take(entry);
         break;
+    case Qt::Key_Escape:
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
         break;
@@ -123,7 +167,8 @@ bool EntryPopup::handlePopupKey(const QKeyEvent& key)
         removeChosen();
         return true;
     default:
-        return false;
+        if (!isForWindow(field_, key))
+            return false;
     }
     completer_->popup()->hide();
     QKeyEvent forField(key.type(), key.key(), key.modifiers(), key.text(), key.isAutoRepeat());

@@ -16,8 +16,9 @@ namespace quarrynet {
 /// them when the Down key is pressed in an empty field.
 ///
 /// No entry is taken unless the user chooses it. Enter without a chosen entry keeps the typed text; Enter on a chosen
-/// one takes it and then has its effect in the field, once; a click takes an entry without that effect. Escape closes
-/// the list and nothing else; Delete removes the chosen entry from the history; Tab closes the list and goes on.
+/// one takes it and then has its effect in the field, once; a click takes an entry without that effect. Delete removes
+/// the chosen entry from the history. Escape, Tab, and the keys of the window's shortcuts close the list and then have
+/// the effect that they have without it.
 class EntryPopup final : public QObject
 {
     Q_OBJECT
@@ -52,6 +53,7 @@ private:
     std::function<bool(const QString&)> forget_;
     QStringList entries_;
     bool areRead_ = false; // whether entries_ holds what readEntries_ returned
+    bool isAsking_ = false;
     QCompleter* completer_ = nullptr;
     QStringListModel* shown_ = nullptr;
 };

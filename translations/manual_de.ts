@@ -208,8 +208,8 @@
         <translation>Aus der Liste wird nichts übernommen, bevor Sie es auswählen. Wählen Sie einen Eintrag mit den Tasten Ab und Auf und drücken Sie die Eingabetaste, um danach zu suchen, oder klicken Sie ihn an, um ihn in das Feld zu übernehmen. Die Eingabetaste ohne ausgewählten Eintrag sucht nach dem, was Sie eingegeben haben.</translation>
     </message>
     <message>
-        <source>Escape closes the list; press it again to stop a search. Delete removes the chosen entry from the history.</source>
-        <translation>Escape schließt die Liste; noch einmal gedrückt, bricht es eine Suche ab. Entf löscht den ausgewählten Eintrag aus dem Verlauf.</translation>
+        <source>Escape closes the list and stops the search, if one runs. Delete removes the chosen entry from the history.</source>
+        <translation>Escape schließt die Liste und bricht die Suche ab, wenn eine läuft. Entf löscht den ausgewählten Eintrag aus dem Verlauf.</translation>
     </message>
     <message>
         <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>
@@ -500,8 +500,8 @@
         <translation>löscht den ausgewählten Eintrag aus dem Verlauf</translation>
     </message>
     <message>
-        <source>closes the list and keeps the typed text</source>
-        <translation>schließt die Liste und behält den eingegebenen Text</translation>
+        <source>closes the list, keeps the typed text and stops the search of the tab</source>
+        <translation>schließt die Liste, behält den eingegebenen Text und bricht die Suche der Registerkarte ab</translation>
     </message>
     <message>
         <source>Tab</source>
@@ -510,6 +510,14 @@
     <message>
         <source>closes the list and goes to the next control</source>
         <translation>schließt die Liste und führt zum nächsten Bedienelement</translation>
+    </message>
+    <message>
+        <source>Alt, Ctrl and function keys</source>
+        <translation>Tasten mit Alt oder Strg, Funktionstasten</translation>
+    </message>
+    <message>
+        <source>close the list and do what they do without it</source>
+        <translation>schließen die Liste und tun, was sie ohne sie tun</translation>
     </message>
     <message>
         <source>In a list of results</source>

@@ -184,7 +184,7 @@ private slots:
         QVERIFY(window_->control<QPushButton>("Command1")->hasFocus());
     }
 
-    void escapeClosesTheListAndStopsOnlyThen()
+    void escapeClosesTheListAndStopsOnce()
     {
         startWithHistory("keywords\tapple\n");
         window_->service.stall();
@@ -195,10 +195,81 @@ private slots:
         QCOMPARE(offered().size(), 1);
         press(Qt::Key_Escape);
         QVERIFY(!QApplication::activePopupWidget());
+        QCOMPARE(window_->boxes.texts(), QStringList(u"User cancel the operation"_s));
+        QCOMPARE(window_->control<QLineEdit>("Text1")->text(), u"ap"_s);
+    }
+
+    void escapeOnlyClosesTheListWhileNothingRuns()
+    {
+        startWithHistory("keywords\tapple\n");
+        pressLetters("ap");
+        press(Qt::Key_Down);
+        press(Qt::Key_Escape);
+        QVERIFY(!QApplication::activePopupWidget());
         QVERIFY(window_->boxes.boxes().isEmpty());
         QCOMPARE(window_->control<QLineEdit>("Text1")->text(), u"ap"_s);
-        press(Qt::Key_Escape);
-        QCOMPARE(window_->boxes.texts(), QStringList(u"User cancel the operation"_s));
+        QVERIFY(window_->control<QLineEdit>("Text1")->hasFocus());
+    }
+
+    void shortcutsActWhileTheListIsOpen_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<int>("tab");
+        QTest::newRow("Ctrl+2") << int(Qt::Key_2) << Qt::KeyboardModifiers(Qt::ControlModifier) << 2;
+        QTest::newRow("Alt+5") << int(Qt::Key_5) << Qt::KeyboardModifiers(Qt::AltModifier) << 5;
+        QTest::newRow("Ctrl+Tab") << int(Qt::Key_Tab) << Qt::KeyboardModifiers(Qt::ControlModifier) << 2;
+    }
+
+    void shortcutsActWhileTheListIsOpen()
+    {
+        QFETCH(int, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        QFETCH(int, tab);
+        startWithHistory("keywords\tapple\n");
+        pressLetters("ap");
+        press(Qt::Key_Down);
+        QCOMPARE(offered().size(), 1);
+        QTest::keyClick(keyboard(), static_cast<Qt::Key>(key), modifiers);
+        QVERIFY(!QApplication::activePopupWidget());
+        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), tab - 1);
+        QCOMPARE(window_->control<QLineEdit>("Text1")->text(), u"ap"_s);
+    }
+
+    void searchKeysSearchOnceForTheTypedTextWhileTheListIsOpen_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::newRow("F5") << int(Qt::Key_F5) << Qt::KeyboardModifiers();
+        QTest::newRow("Alt+S") << int(Qt::Key_S) << Qt::KeyboardModifiers(Qt::AltModifier);
+    }
+
+    void searchKeysSearchOnceForTheTypedTextWhileTheListIsOpen()
+    {
+        QFETCH(int, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        startWithHistory("keywords\tapple\n");
+        pressLetters("ap");
+        press(Qt::Key_Down);
+        QCOMPARE(offered().size(), 1);
+        QTest::keyClick(keyboard(), static_cast<Qt::Key>(key), modifiers);
+        QVERIFY(!QApplication::activePopupWidget());
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        QVERIFY(window_->service.lastRequestLine().contains("&q=ap "));
+        waitForEnd(kTabs[0]);
+        QCOMPARE(window_->service.requests().size(), 1);
+    }
+
+    void editingKeysLeaveTheListOpen()
+    {
+        startWithHistory("keywords\tapple\n");
+        pressLetters("ap");
+        QTest::keyClick(keyboard(), Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(offered().size(), 1);
+        QCOMPARE(window_->control<QLineEdit>("Text1")->selectedText(), u"ap"_s);
+        QTest::keyClick(keyboard(), Qt::Key_Control, Qt::ControlModifier);
+        QTest::keyClick(keyboard(), Qt::Key_Alt, Qt::AltModifier);
+        QCOMPARE(offered().size(), 1);
     }
 
     void escapeStopsAtOnceWhenNoListIsOpen()
