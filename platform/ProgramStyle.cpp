@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include <QBitmap>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QImage>
 #include <QLabel>
 #include <QPainter>
+#include <QRegion>
 #include <QStyleOptionSlider>
 
 #include "platform/contrast.h"
@@ -103,21 +106,62 @@ void ProgramStyle::polish(QPalette& palette)
 void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                                       const QWidget* widget) const
 {
-    QProxyStyle::drawComplexControl(control, option, painter, widget);
     const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
-    if (control != CC_Slider || !slider || !option->state.testFlag(State_Enabled) ||
-        !option->subControls.testFlag(SC_SliderHandle))
-        return;
-    const QColor around = option->palette.color(QPalette::Window);
-    const QColor color = readableOn(around, option->palette.color(QPalette::Highlight), kShapeContrast);
-    const QRectF thumb =
-        QRectF(subControlRect(control, slider, SC_SliderHandle, widget)).adjusted(1.5, 2.5, -1.5, -2.5);
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(color);
-    painter->drawRoundedRect(thumb, 2, 2);
-    painter->restore();
+    if (control == CC_Slider && slider && slider->state.testFlag(State_Enabled))
+        drawSlider(*slider, *painter, widget);
+    else
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+// Draws the parts from back to front.
+void ProgramStyle::drawSlider(const QStyleOptionSlider& slider, QPainter& painter, const QWidget* widget) const
+{
+    const QColor around = slider.palette.color(QPalette::Window);
+    const QColor line = readableOn(around, slider.palette.color(QPalette::Mid), kShapeContrast);
+    QStyleOptionSlider part = slider;
+    painter.save();
+    if (slider.subControls.testFlag(SC_SliderTickmarks)) {
+        part.subControls = SC_SliderTickmarks;
+        QImage marks = imageOf(part, painter, widget);
+        QPainter ink(&marks);
+        ink.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        ink.fillRect(slider.rect, line);
+        ink.end();
+        painter.drawImage(0, 0, marks);
+    }
+    if (slider.subControls.testFlag(SC_SliderGroove)) {
+        part.subControls = SC_SliderGroove;
+        const QImage groove = imageOf(part, painter, widget);
+        painter.drawImage(0, 0, groove);
+        const double scale = groove.devicePixelRatio();
+        const QRectF drawn = QRegion(QBitmap::fromImage(groove.createAlphaMask())).boundingRect();
+        painter.setPen(line);
+        painter.drawRect(QRectF(drawn.topLeft() / scale, drawn.size() / scale).adjusted(0.5, 0.5, -0.5, -0.5));
+    }
+    if (slider.subControls.testFlag(SC_SliderHandle)) {
+        part.subControls = SC_SliderHandle;
+        QProxyStyle::drawComplexControl(CC_Slider, &part, &painter, widget);
+        const QRectF thumb =
+            QRectF(subControlRect(CC_Slider, &slider, SC_SliderHandle, widget)).adjusted(1.5, 2.5, -1.5, -2.5);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(readableOn(around, slider.palette.color(QPalette::Highlight), kShapeContrast));
+        painter.drawRoundedRect(thumb, 2, 2);
+    }
+    painter.restore();
+}
+
+// Returns what the desktop's style draws of a slider, on a transparent ground and with the origin of `painter`.
+QImage ProgramStyle::imageOf(const QStyleOptionSlider& slider, const QPainter& painter, const QWidget* widget) const
+{
+    const double scale = painter.device()->devicePixelRatioF();
+    const QSizeF size(slider.rect.right() + 1, slider.rect.bottom() + 1);
+    QImage image((size * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter on(&image);
+    QProxyStyle::drawComplexControl(CC_Slider, &slider, &on, widget);
+    return image;
 }
 
 } // namespace quarrynet

@@ -2,6 +2,8 @@
 
 #include <QProxyStyle>
 
+class QStyleOptionSlider;
+
 namespace quarrynet {
 
 /// The desktop's own style with some corrections.
@@ -31,10 +33,15 @@ public:
     void drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
                       const QString& text, QPalette::ColorRole role) const override;
 
-    // Draws the thumb of a slider that can be moved in a colour that stands out. Otherwise it differs little from the
-    // thumb of a disabled one, and in dark colours from nothing.
+    // Draws the thumb, the tick marks and the groove of a slider that can be moved in colours that stand out. Otherwise
+    // the thumb differs little from that of a disabled one, and in dark colours all three differ little from the
+    // window.
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override;
+
+private:
+    void drawSlider(const QStyleOptionSlider& slider, QPainter& painter, const QWidget* widget) const;
+    QImage imageOf(const QStyleOptionSlider& slider, const QPainter& painter, const QWidget* widget) const;
 };
 
 } // namespace quarrynet

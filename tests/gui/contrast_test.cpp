@@ -139,6 +139,8 @@ private slots:
     void toolbarPicturesStandOut();
     void disabledSliderDiffers_data() { addLooks(); }
     void disabledSliderDiffers();
+    void sliderMarksStandOut_data() { addLooks(); }
+    void sliderMarksStandOut();
     void manualIsReadable();
 
 private:
@@ -412,6 +414,36 @@ void ContrastTest::disabledSliderDiffers()
     keepPicture(*pages, u"slider-off"_s);
     pages->setEnabled(true);
     keepPicture(*pages, u"slider-on"_s);
+}
+
+void ContrastTest::sliderMarksStandOut()
+{
+    applyLook();
+    const QColor around = QApplication::palette().color(QPalette::Window);
+    Slider slider(&window_->main());
+    slider.setRange(1, 10);
+    slider.setValue(5);
+    slider.setTickInterval(1);
+    slider.setTickPosition(QSlider::TicksBelow);
+    slider.resize(200, slider.sizeHint().height());
+    const QImage image = drawn(slider);
+    const auto isStrong = [&](int x, int y) { return contrastRatio(around, image.pixelColor(x, y)) >= kShapeContrast; };
+    // The row with the most separate strong shapes is one of tick marks.
+    int marks = 0;
+    for (int y = (slider.thumb().bottom() + 1) * kScale; y < image.height(); ++y) {
+        int here = 0;
+        for (int x = 1; x < image.width(); ++x)
+            here += isStrong(x, y) && !isStrong(x - 1, y);
+        marks = std::max(marks, here);
+    }
+    QCOMPARE(marks, 10);
+    // Both edges of the groove, beside the thumb.
+    int edges = 0;
+    const int beside = (slider.thumb().right() + 8) * kScale;
+    for (int y = 1; y < (slider.thumb().bottom() - 1) * kScale; ++y)
+        edges += isStrong(beside, y) && !isStrong(beside, y - 1);
+    QVERIFY2(edges >= 1, qPrintable(QString::number(edges)));
+    keepPicture(slider, u"slider-marks"_s);
 }
 
 // The manual's text has the browser's own colours; its links have one colour for light and one for dark desktops.
