@@ -186,7 +186,7 @@
     </message>
     <message>
         <source>it cannot use a sandbox when root starts it.</source>
-        <translation>Von root gestartet, kann sie keine Sandbox benutzen.</translation>
+        <translation>Unter root ist keine Sandbox möglich.</translation>
     </message>
     <message>
         <source>this system does not allow it a sandbox.</source>
@@ -298,7 +298,7 @@
     </message>
     <message>
         <source>The browser view cannot start: %1</source>
-        <translation>Die Browseransicht kann nicht starten: %1</translation>
+        <translation>Keine Browseransicht: %1</translation>
     </message>
     <message>
         <source>No picture</source>
