@@ -12,18 +12,21 @@ namespace quarrynet {
 
 namespace {
 
+constexpr int kFrame = 2; // the width of the frame around the chosen picture's cell
+
 // A page's colours stay where it sets its own. Only a gallery's body has this attribute.
 constexpr const char* kSheet = R"css(
 :root { color-scheme: SCHEME; background: BACKGROUND; color: TEXT; font: SIZEpx FAMILY; }
 a { color: LINK; }
-a:focus { outline: 2px solid FOCUS; }
+a:focus { outline: FRAMEpx solid FOCUS; }
 body[onkeydown] { display: grid; margin: 0; padding: GAPpx; gap: GAPpx; direction: DIRECTION;
     grid-template-columns: repeat(auto-fill, minmax(min(100%, CELLpx), 1fr)); }
-body[onkeydown] > p { margin: 0; min-width: 0; }
+body[onkeydown] > p { margin: 0; min-width: 0; scroll-margin: FRAMEpx; }
 body[onkeydown] > p > a[target] { display: grid; grid-template-rows: HEIGHTpx auto; row-gap: PADDINGpx;
     grid-template-columns: 100%; place-items: center; padding: PADDINGpx; direction: ltr; text-decoration: none; }
 body[onkeydown] > p > a[target] > span { display: -webkit-box; -webkit-box-orient: vertical;
     -webkit-line-clamp: LINES; max-width: 100%; overflow: hidden; overflow-wrap: anywhere; text-align: center; }
+body[onkeydown] > p > a[target]:focus { outline-offset: -FRAMEpx; }
 body[onkeydown] > p > a[target]:focus > span { -webkit-line-clamp: unset; }
 body[onkeydown] > p > a[target]:hover > span { text-decoration: underline; }
 body[onkeydown] > p > a[target] br { display: none; }
@@ -89,6 +92,15 @@ constexpr const char* kScript = R"js(
         return best;
     }
 
+    // Scrolls the chosen picture's cell into view with its frame; if it is taller than the view, its top.
+    function reveal() {
+        const cell = document.activeElement?.parentElement;
+        if (!cell?.matches('body[onkeydown] > p'))
+            return;
+        const fits = cell.getBoundingClientRect().height + 2 * FRAME <= innerHeight;
+        cell.scrollIntoView({block: fits ? 'nearest' : 'start'});
+    }
+
     // Returns false if this page is no gallery; then the key does what it does in any page.
     window.quarrynetMove = function (key) {
         const all = links().slice(0, MOST);
@@ -96,12 +108,13 @@ constexpr const char* kScript = R"js(
             return false;
         const chosen = all[next(all, all.indexOf(document.activeElement), key)];
         chosen.focus({preventScroll: true});
-        chosen.parentElement.scrollIntoView({block: 'nearest'});
+        reveal();
         return true;
     };
 
     window.quarrynetStyle = function (newStyle) {
         sheet.replaceSync(newStyle);
+        reveal();
         for (let i = 0; i < Math.min(frames.length, MOST); ++i) {
             try {
                 frames[i].quarrynetStyle(newStyle);
@@ -134,6 +147,7 @@ constexpr const char* kScript = R"js(
             event.target.parentElement.dataset.missing = missing;
     }, true);
     document.addEventListener('DOMContentLoaded', arrange);
+    addEventListener('resize', reveal); // the zoom changes the view's size, too
 })
 )js";
 
@@ -161,6 +175,7 @@ QString sheetOf(const PageLook& look)
         {"TEXT", look.text.name()},
         {"LINK", look.link.name()},
         {"FOCUS", look.focus.name()},
+        {"FRAME", QString::number(kFrame)},
         {"LINES", QString::number(PageLook::kCaptionLines)},
         {"LINE", look.line.name()},
         {"PLATE", look.plate.name()},
@@ -187,6 +202,7 @@ QString galleryScript(const PageLook& look)
 {
     QString script = QString::fromLatin1(kScript).trimmed();
     script.replace(QLatin1String("MOST"), QString::number(kMaxPagePictures));
+    script.replace(QLatin1String("FRAME"), QString::number(kFrame));
     return script + arguments({sheetOf(look), look.noPicture});
 }
 

@@ -26,6 +26,8 @@ private slots:
     void asManyColumnsAsFit();
     void pageKeepsItsBytes();
     void arrowKeysGoFromPictureToPicture();
+    void chosenPictureIsInViewWithItsFrame();
+    void tallCellShowsItsTop();
     void arrowKeysBelongToAField();
     void enterOpensTheChosenPicture();
     void pictureThatDoesNotLoadHasAFrame();
@@ -35,7 +37,9 @@ private slots:
     void otherPagesKeepTheirColors();
 
 private:
-    void openGallery(int count);
+    void openGallery(int count) { openGalleryUntil(count, count - 1); }
+    void openGalleryPartly(int count) { openGalleryUntil(count, 0); } // in a view that does not show all
+    void openGalleryUntil(int count, int shown);
     void openGallery(const std::vector<std::string>& addresses, const std::vector<std::string>& thumbnails);
     QImage shot() { return window_->grab().toImage(); }
     QRect place(int number) { return placeOf(shot(), kColors[number]); }
@@ -53,7 +57,8 @@ void HtmlEngineGalleryTest::openGallery(const std::vector<std::string>& addresse
     open(QByteArray::fromStdString(quarrynet::galleryFramePage()), u"new.html"_s);
 }
 
-void HtmlEngineGalleryTest::openGallery(int count)
+// Opens a gallery and waits until the picture `shown` is drawn.
+void HtmlEngineGalleryTest::openGalleryUntil(int count, int shown)
 {
     std::vector<std::string> addresses;
     std::vector<std::string> thumbnails;
@@ -64,7 +69,7 @@ void HtmlEngineGalleryTest::openGallery(int count)
         thumbnails.push_back(address(target.constData()).toStdString());
     }
     openGallery(addresses, thumbnails);
-    QTRY_VERIFY_WITH_TIMEOUT(!place(count - 1).isEmpty(), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(!place(shown).isEmpty(), 30000);
     keys()->setFocus();
 }
 
@@ -147,6 +152,59 @@ void HtmlEngineGalleryTest::arrowKeysGoFromPictureToPicture()
         press(key);
         QTRY_COMPARE_WITH_TIMEOUT(framed(), expected, 30000);
     }
+}
+
+void HtmlEngineGalleryTest::chosenPictureIsInViewWithItsFrame()
+{
+    window_->resize(576, 260); // for fewer rows than there are
+    openGalleryPartly(8);
+    // Whether all four sides of the frame are in the view. Text of a link may have its colour, but no such lines.
+    const auto isWhole = [this](int number) {
+        const QImage image = shot();
+        const QRect inner = placeOf(image, kColors[number]);
+        const QRect frame = placeOf(image, focusColor());
+        if (inner.isEmpty() || !frame.contains(inner.adjusted(-1, -1, 1, 1)))
+            return false;
+        const auto isLine = [&](int y) {
+            int length = 0;
+            for (int x = frame.left(); x <= frame.right(); ++x)
+                length += image.pixelColor(x, y) == focusColor();
+            return length >= frame.width() - 8;
+        };
+        return isLine(frame.top()) && isLine(frame.top() + 1) && isLine(frame.bottom()) && isLine(frame.bottom() - 1);
+    };
+    press(Qt::Key_Home);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(0), 30000);
+    press(Qt::Key_End);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(7), 30000);
+    press(Qt::Key_Up);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(4), 30000);
+    press(Qt::Key_Up);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(1), 30000);
+    press(Qt::Key_End);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(7), 30000);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(7), 30000);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(7), 30000);
+}
+
+// A cell that is taller than the view shows its top.
+void HtmlEngineGalleryTest::tallCellShowsItsTop()
+{
+    window_->resize(576, 150);
+    openGalleryPartly(8);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    press(Qt::Key_Plus, Qt::ControlModifier);
+    press(Qt::Key_End);
+    const auto showsTop = [this](int number) {
+        const QRect frame = placeOf(shot(), focusColor());
+        const QRect inner = placeOf(shot(), kColors[number]);
+        return !inner.isEmpty() && frame.top() <= 3 && inner.top() > frame.top() + 1;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(showsTop(7), 30000);
+    press(Qt::Key_Home);
+    QTRY_VERIFY_WITH_TIMEOUT(showsTop(0), 30000);
 }
 
 void HtmlEngineGalleryTest::arrowKeysBelongToAField()
