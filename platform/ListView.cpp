@@ -28,7 +28,7 @@ std::size_t bytesOf(const std::vector<ListViewModel::Row>& rows)
     std::size_t bytes = 0;
     for (const ListViewModel::Row& row : rows) {
         for (const std::string& cell : row)
-            bytes += sizeof(cell) + cell.size();
+            bytes += sizeof(std::string) + cell.size();
     }
     return bytes;
 }

@@ -137,7 +137,7 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::listen(const 
         acceptor.bind({ip, port}, error);
     if (!error)
         acceptor.listen(tcp::acceptor::max_listen_connections, error);
-    const tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
+    tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
     if (error) {
         ListenFault fault = ListenFault::Other;
         if (error == asio::error::access_denied || error == asio::error::no_permission)
@@ -157,7 +157,7 @@ std::variant<std::uint16_t, HttpServer::Refusal> HttpServer::Loop::adopt(Descrip
     acceptor.assign(tcp::v4(), socket.number(), error);
     if (!error)
         socket.release(); // the acceptor's now
-    const tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
+    tcp::endpoint name = error ? tcp::endpoint() : addListener(acceptor, std::move(handler), error);
     if (error)
         return Refusal{ListenFault::Other, "the handed socket: " + error.message()};
     return name.port();
@@ -168,7 +168,7 @@ tcp::endpoint HttpServer::Loop::addListener(tcp::acceptor& acceptor, Handler han
 {
     // Accepted connections inherit this.
     acceptor.set_option(asio::socket_base::send_buffer_size(kSendBuffer), error);
-    const tcp::endpoint name = error ? tcp::endpoint() : acceptor.local_endpoint(error);
+    tcp::endpoint name = error ? tcp::endpoint() : acceptor.local_endpoint(error);
     if (error)
         return name;
     listeners_.push_back(std::make_unique<Listener>());
