@@ -37,7 +37,7 @@ std::optional<std::string> firstAddress(const QMimeData& data)
 QString linkFile(const QMimeData& data)
 {
     for (const QUrl& url : urlsOf(data)) {
-        const QString path = url.toLocalFile();
+        QString path = url.toLocalFile();
         if (isLinkFile(toPathBytes(path)))
             return path;
     }
