@@ -65,7 +65,8 @@ void FilterLine::close()
 {
     if (!std::exchange(open_, false))
         return;
-    if (isAncestorOf(focusWidget()))
+    // The window's focus widget: a widget's own one is the last that had the keyboard inside it.
+    if (isAncestorOf(window()->focusWidget()))
         list_.setFocus(Qt::OtherFocusReason);
     hide();
     words_->clear();

@@ -335,6 +335,28 @@ private slots:
         }
     }
 
+    // Rows that go or come close the line wherever the user is by then.
+    void aClosingLineLeavesTheKeyboardWhereItIs()
+    {
+        ListView* list = fillList(*window_, tabOf(1));
+        auto* slider = window_->control<QSlider>("Slider1");
+        slider->setEnabled(true);
+        for (QWidget* place : {window_->control<QWidget>("Text1"), static_cast<QWidget*>(slider)}) {
+            list->setRows({{"http://host/"}});
+            filter(*list, u"host"_s);
+            place->setFocus();
+            list->setRows({{"http://host/"}});
+            QVERIFY(!filterWords(*list)->isVisible());
+            QVERIFY(place->hasFocus());
+        }
+        filter(*list, u"host"_s);
+        window_->chooseTab(3);
+        auto* other = window_->control<QLineEdit>("Text7");
+        other->setFocus();
+        list->setRows({{"http://host/"}}); // in a hidden tab
+        QVERIFY(other->hasFocus());
+    }
+
     void theLineClosesByItsButton()
     {
         ListView* list = fillList(*window_, tabOf(1));
