@@ -38,6 +38,9 @@ QString linkFile(const QMimeData& data)
 {
     for (const QUrl& url : urlsOf(data)) {
         QString path = url.toLocalFile();
+        // Windows would log on to the server of a share to read the file.
+        if (!url.host().isEmpty() || path.startsWith(QLatin1String("//")))
+            continue;
         if (isLinkFile(toPathBytes(path)))
             return path;
     }

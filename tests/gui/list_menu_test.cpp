@@ -401,6 +401,16 @@ private slots:
         }
     }
 
+    void linkFilesOnOtherComputersAreRefused()
+    {
+        for (const QString& address : {u"file://host.example/share/a.url"_s, u"file:////host.example/share/a.url"_s}) {
+            QMimeData data;
+            data.setUrls({QUrl(address)});
+            QVERIFY2(!drop(data, bar()), qPrintable(address));
+        }
+        QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
     void otherFilesAreRefused()
     {
         QMimeData data;
