@@ -1,6 +1,7 @@
 #include "platform/ListViewModel.h"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 #include <utility>
 
@@ -23,15 +24,16 @@ QString folded(const QString& text)
 }
 
 // Sorts `rows` by their keys (keys[i] belongs to rows[i]). A row without a key comes last in both directions.
-template <class Key>
-void sortByKeys(std::vector<std::uint32_t>& rows, const std::vector<std::optional<Key>>& keys, Qt::SortOrder order)
+template <class Key, class Less>
+void sortByKeys(std::vector<std::uint32_t>& rows, const std::vector<std::optional<Key>>& keys, Qt::SortOrder order,
+                Less less)
 {
     std::vector<std::size_t> places(rows.size());
     std::iota(places.begin(), places.end(), std::size_t{0});
     std::stable_sort(places.begin(), places.end(), [&](std::size_t a, std::size_t b) {
         if (!keys[a] || !keys[b])
             return keys[a].has_value() && !keys[b].has_value();
-        return order == Qt::AscendingOrder ? *keys[a] < *keys[b] : *keys[b] < *keys[a];
+        return order == Qt::AscendingOrder ? less(*keys[a], *keys[b]) : less(*keys[b], *keys[a]);
     });
     std::vector<std::uint32_t> sorted;
     sorted.reserve(rows.size());
@@ -103,21 +105,31 @@ void ListViewModel::sort(std::vector<std::uint32_t>& rows, Sorting sorting) cons
         keys.reserve(rows.size());
         for (const std::uint32_t row : rows)
             keys.push_back(cellFigure(cell(row, sorting.column).toStdString()));
-        sortByKeys(rows, keys, sorting.order);
+        sortByKeys(rows, keys, sorting.order, std::less<>());
         return;
     }
     QCollator collator;
     collator.setNumericMode(true);
-    std::vector<std::optional<QCollatorSortKey>> keys;
+#ifdef Q_OS_WIN
+    // The end of the toolkit's sort keys is not initialized there, so equal texts have different keys.
+    using Key = QString;
+    const auto keyOf = [](const QString& text) { return text; };
+    const auto less = [&collator](const Key& a, const Key& b) { return collator.compare(a, b) < 0; };
+#else
+    using Key = QCollatorSortKey;
+    const auto keyOf = [&collator](const QString& text) { return collator.sortKey(text); };
+    const auto less = std::less<>();
+#endif
+    std::vector<std::optional<Key>> keys;
     keys.reserve(rows.size());
     for (const std::uint32_t row : rows) {
         const QString text = folded(cell(row, sorting.column).left(kLongestKey)).trimmed();
         if (text.isEmpty())
             keys.emplace_back();
         else
-            keys.emplace_back(collator.sortKey(text));
+            keys.emplace_back(keyOf(text));
     }
-    sortByKeys(rows, keys, sorting.order);
+    sortByKeys(rows, keys, sorting.order, less);
 }
 
 std::size_t ListViewModel::originalRow(int shown) const

@@ -1,4 +1,5 @@
 #include <QAccessible>
+#include <QCollator>
 #include <QHeaderView>
 #include <QLabel>
 #include <QSet>
@@ -66,8 +67,11 @@ private slots:
         const QRect captions = list->header()->geometry();
         const int width = list->columnWidth(0);
         QStringList sorted = column(*list, 0);
-        std::stable_sort(sorted.begin(), sorted.end(),
-                         [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
+        QCollator collator; // whether 2 comes before 10 depends on the system and its language
+        collator.setNumericMode(true);
+        std::stable_sort(sorted.begin(), sorted.end(), [&collator](const QString& a, const QString& b) {
+            return collator.compare(a.toCaseFolded(), b.toCaseFolded()) < 0;
+        });
 
         clickHeader(*list, 0);
         QCOMPARE(column(*list, 0), sorted);
