@@ -120,7 +120,7 @@ private slots:
     {
         QByteArray content;
         for (std::size_t i = 0; i < SearchHistory::kMaxEntries; ++i)
-            content += "keywords\t" + u"word "_s + QString::number(i).toLatin1() + QByteArray(1500, 'x') + "\n";
+            content += "keywords\tword " + QByteArray::number(static_cast<int>(i)) + QByteArray(1500, 'x') + "\n";
         startWithHistory(content);
         rlimit limit = {};
         QCOMPARE(::getrlimit(RLIMIT_FSIZE, &limit), 0);
