@@ -83,7 +83,7 @@ Table ListView::tableOf(const ListViewModel::Shown& shown) const
         table.headers.push_back(header.toStdString());
     if (hasAddresses()) {
         table.addressColumn = table.headers.size();
-        table.headers.push_back(tr("Address").toStdString());
+        table.headers.emplace_back("Address"); // the same in all languages, because programs read the keys
     }
     const std::size_t count = shown.order ? shown.order->size() : shown.rows.size();
     table.rows.reserve(count);

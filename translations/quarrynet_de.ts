@@ -350,10 +350,6 @@
 <context>
     <name>quarrynet::ListView</name>
     <message>
-        <source>Address</source>
-        <translation>Adresse</translation>
-    </message>
-    <message>
         <source>Sorted by %1, ascending</source>
         <translation>Sortiert nach %1, aufsteigend</translation>
     </message>
