@@ -335,6 +335,8 @@ void ListView::keyPressEvent(QKeyEvent* event)
         emit doubleClicked();
         return;
     }
+    if (event->key() == Qt::Key_Escape && filterLine_)
+        filterLine_->close(); // and the key goes on to the window, which stops a search
     if (event->matches(QKeySequence::Copy)) {
         copyRows();
         return;

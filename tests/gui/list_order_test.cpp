@@ -324,6 +324,28 @@ private slots:
         QCOMPARE(window_->socketState("NetSock"), 0);
     }
 
+    void escapeInTheRowsClosesTheLineAndStopsTheSearch()
+    {
+        ListView* list = fillList(*window_, tabOf(2));
+        filter(*list, u"pear"_s);
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Escape);
+        QVERIFY(!filterWords(*list)->isVisible());
+        QVERIFY(list->hasFocus());
+        QVERIFY(window_->boxes.boxes().isEmpty()); // no search runs
+
+        list = fillList(*window_, tabOf(1));
+        window_->service.stall();
+        QTest::keyClick(window_->control<QLineEdit>("Text1"), Qt::Key_Return);
+        QTRY_VERIFY(window_->service.openConnections() > 0);
+        list->setRows({{"http://host/"}});
+        filter(*list, u"host"_s);
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Escape);
+        QVERIFY(!filterWords(*list)->isVisible());
+        QCOMPARE(window_->boxes.texts(), QStringList{u"User cancel the operation"_s});
+    }
+
     void keysLeadFromTheLineToTheRows()
     {
         ListView* list = fillList(*window_, tabOf(1));
