@@ -110,9 +110,14 @@ void ListCommands::save(SearchTab& tab)
     const std::string date = QDate::currentDate().toString(Qt::ISODate).toStdString();
     const QString name = QString::fromStdString(suggestedFileName(words, caption, date));
 
-    if (folder_.isEmpty())
-        folder_ = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QFileDialog dialog(&window_, tr("Save List"), folder_);
+    // A folder that is missing would make the dialog open in the one that it was last used in.
+    QString start = folder_;
+    for (const QString& other :
+         {QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), QDir::homePath()}) {
+        if (start.isEmpty() || !QFileInfo(start).isDir())
+            start = other;
+    }
+    QFileDialog dialog(&window_, tr("Save List"), start);
     dialog.setObjectName(QStringLiteral("SaveList"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     QStringList filters;
@@ -128,14 +133,15 @@ void ListCommands::save(SearchTab& tab)
         return;
 
     const QString path = dialog.selectedFiles().value(0);
-    folder_ = QFileInfo(path).path();
     const Format* format = formatOf(path);
     if (!format) {
         const qsizetype chosen = filters.indexOf(dialog.selectedNameFilter());
         format = &kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, chosen))];
     }
     const QString reason = replaceFileAtomically(path, format->write(table));
-    if (!reason.isEmpty())
+    if (reason.isEmpty())
+        folder_ = QFileInfo(path).path();
+    else
         showFileError(&window_, QDir::toNativeSeparators(path), reason);
 }
 

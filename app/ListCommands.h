@@ -37,7 +37,7 @@ private:
     QMainWindow& window_;
     std::function<SearchTab*()> front_;
     QAction* entry_;
-    QString folder_; // of the file that was saved last
+    QString folder_; // of the last file that could be saved
 };
 
 } // namespace quarrynet

@@ -1,5 +1,6 @@
 #include <QAction>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -287,6 +288,27 @@ private slots:
         QVERIFY(window_->boxes.texts()[0].contains(u"rows.csv"_s));
         QVERIFY(!list->rows().empty());
         QVERIFY(entry()->isEnabled());
+    }
+
+    void theDialogOpensWhereAFileWasSavedAndNotWhereItFailed()
+    {
+        fillList(*window_, tabOf(1));
+        save([&] { entry()->trigger(); }, u"rows.csv"_s);
+        QTemporaryDir other;
+        {
+            const DialogDriver driver([&](QDialog& dialog) {
+                static_cast<QFileDialog&>(dialog).setDirectory(other.path());
+                dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->setText(other.filePath(u"missing/rows.csv"_s));
+                dialog.done(QDialog::Accepted);
+            });
+            entry()->trigger();
+        }
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        QString shown;
+        const DialogDriver driver(
+            [&](QDialog& dialog) { shown = static_cast<QFileDialog&>(dialog).directory().canonicalPath(); });
+        entry()->trigger();
+        QCOMPARE(shown, QDir(folder_->path()).canonicalPath());
     }
 
     void whatIsNoFileIsNotReplaced()
