@@ -94,7 +94,11 @@ bool AddressDrop::isWanted(const QObject& place, const QDropEvent& event) const
 {
     const QMimeData& data = *event.mimeData();
     const bool isField = &place != &window_;
-    if (isField && event.source() == &place) // text that moves within a field
+    // Text that moves within a field, and a row that hardly moves: the user let it go where it was.
+    const auto* source = qobject_cast<const QWidget*>(event.source());
+    const auto* target = qobject_cast<const QWidget*>(&place);
+    if (source && target &&
+        source->rect().contains(source->mapFromGlobal(target->mapToGlobal(event.position().toPoint()))))
         return false;
     if (!linkFile(data).isEmpty())
         return true;

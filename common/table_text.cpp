@@ -28,6 +28,13 @@ bool isSkippedBeforeFormula(char c)
     return c == ' ' || c == '"';
 }
 
+// Returns whether a spreadsheet would run a cell that begins with `text` as a formula. See csvText.
+bool isFormula(std::string_view text)
+{
+    const auto* const first = std::find_if_not(text.begin(), text.end(), isSkippedBeforeFormula);
+    return beginsFormula(text.substr(static_cast<std::size_t>(first - text.begin())));
+}
+
 // Appends `cell` in quotes. See csvText for the apostrophes.
 void appendField(std::string& text, std::string_view cell)
 {
@@ -35,10 +42,7 @@ void appendField(std::string& text, std::string_view cell)
     std::size_t pieceStart = 0; // where a spreadsheet may see the beginning of a cell
     while (true) {
         const std::string_view rest = cell.substr(pieceStart);
-        std::size_t first = 0;
-        while (first < rest.size() && isSkippedBeforeFormula(rest[first]))
-            ++first;
-        if (beginsFormula(rest.substr(first)))
+        if (isFormula(rest))
             text += '\'';
         const std::size_t end = rest.find(';');
         for (const char c : rest.substr(0, end)) {
@@ -113,6 +117,8 @@ void appendHtmlCell(std::string& html, std::string_view cell, bool isAddress)
         appendHtmlText(html, *address);
         html += "\">";
     }
+    if (isFormula(cell))
+        html += "&#39;";
     appendHtmlText(html, cell);
     if (address)
         html += "</a>";
@@ -152,6 +158,12 @@ std::string forFileName(std::string_view text)
 }
 
 } // namespace
+
+std::string harmlessCell(std::string_view cell)
+{
+    std::string text(isFormula(cell) ? "'" : "");
+    return text.append(cell);
+}
 
 std::string csvText(const Table& table)
 {

@@ -27,6 +27,9 @@ struct Table
 /// quotes before the character make no difference.
 std::string csvText(const Table& table);
 
+/// Returns `cell` for a text with tabs between the cells, with an apostrophe before what would be a formula.
+std::string harmlessCell(std::string_view cell);
+
 /// Returns the table as JSON (RFC 8259): an object with the "title" and the "rows", an array of objects with the
 /// headers as keys.
 std::string jsonText(const Table& table);

@@ -47,10 +47,12 @@ void ListView::copyRows() const
         QStringList cells;
         for (int column = 0; column < model_->columnCount(); ++column)
             cells.append(model_->cell(row, column));
-        lines.append(cells.join(u'\t'));
         table.rows.emplace_back();
-        for (const QString& cell : cells)
+        for (QString& cell : cells) {
             table.rows.back().push_back(cell.toStdString());
+            cell = QString::fromStdString(harmlessCell(table.rows.back().back()));
+        }
+        lines.append(cells.join(u'\t'));
     }
     if (lines.isEmpty())
         return;

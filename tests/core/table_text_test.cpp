@@ -161,6 +161,17 @@ TEST(HtmlTable, LinksOnlyAddressesThatMayBeOpened)
         EXPECT_EQ(cellOf(address).find("<a"), std::string::npos) << address;
 }
 
+TEST(HtmlTable, FormulasAreTexts)
+{
+    const std::string html = htmlTable({"", {"A", "B", "C"}, {{"=1+1", " @x", "a=b"}}, std::nullopt});
+    EXPECT_NE(html.find(">&#39;=1+1<"), std::string::npos) << html;
+    EXPECT_NE(html.find(">&#39; @x<"), std::string::npos) << html;
+    EXPECT_NE(html.find(">a=b<"), std::string::npos) << html;
+    EXPECT_EQ(harmlessCell("=1+1"), "'=1+1");
+    EXPECT_EQ(harmlessCell("a=b"), "a=b");
+    EXPECT_EQ(harmlessCell(""), "");
+}
+
 TEST(HtmlPage, IsCompleteAndLoadsNothing)
 {
     const std::string html = htmlPage({"</title><b>", {"A"}, {{"x"}}, std::nullopt});
