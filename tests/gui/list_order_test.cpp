@@ -263,7 +263,9 @@ private slots:
         QVERIFY(!words->isVisible());
         QVERIFY(list->hasFocus());
         QCOMPARE(window_->rows(tab.list), all);
-        QTRY_COMPARE(list->header()->geometry(), captions);
+        // The width may differ by a scroll bar, where the rows nearly fit without one.
+        QTRY_COMPARE(list->header()->geometry().topLeft(), captions.topLeft());
+        QCOMPARE(list->header()->height(), captions.height());
         QCOMPARE(list->viewport()->geometry().top(), captions.bottom() + 1);
     }
 
