@@ -57,7 +57,7 @@ unzip -q "$build/$name.zip" -d "$work/unpacked"
 same "the zip has one folder" "$name" "$(ls "$work/unpacked")"
 unpacked=$work/unpacked/$name
 files=$(cd "$unpacked" && find . -type f -printf '%P\n' | LC_ALL=C sort)
-manual=$(cd docs && find manual -type f | LC_ALL=C sort)
+manual=$({ cd docs && find manual -type f && find manual -name '*.html' | sed 's,^manual/,manual/de/,'; } | LC_ALL=C sort)
 same "the files of the zip" "$(LC_ALL=C sort <<END
 Qt6Core.dll
 Qt6Gui.dll
@@ -170,7 +170,7 @@ run "$home\\quarrynet.exe" --tour "$(windows_path "$results/pictures")" 2>"$resu
 for picture in 1-start 2-web-search 3-page-check 4-image-search 5-download-search 6-file-search; do
     [ -s "$results/pictures/$picture.png" ] || fail "no picture $picture"
 done
-rm -f "$folder"/{blank.htm,blank.html,images.html,new.html} # the pages that it writes
+rm -f "$folder"/{blank.htm,blank.html,images.html,new.html,Quarrynet.history} # the files that it writes
 same "the portable program writes nothing else into its folder" "$files" \
     "$(cd "$folder" && find . -type f -printf '%P\n' | LC_ALL=C sort)"
 rm -r "$folder"
