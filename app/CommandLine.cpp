@@ -116,7 +116,7 @@ bool CommandLine::asksForVersion() const
 
 QStringList CommandLine::languages() const
 {
-    return parser_.isSet(language_) ? QStringList(parser_.value(language_)) : QLocale::system().uiLanguages();
+    return parser_.isSet(language_) ? QStringList(parser_.value(language_)) : QLocale().uiLanguages();
 }
 
 QString CommandLine::tourFolder() const
