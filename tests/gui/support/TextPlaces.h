@@ -7,14 +7,15 @@
 #include <QTransform>
 #include <QWidget>
 
-/// The places of the texts that a widget paints.
+/// The pieces of text that a widget paints, in the order in which it paints them, and their places.
 class TextPlaces final : public QPaintDevice
 {
 public:
     struct Text
     {
         QString text;
-        QRectF place; // of its letters, in the widget
+        QPointF start; // on the base line, in the widget
+        QRectF place;  // of its letters, in the widget
     };
 
     explicit TextPlaces(QWidget& widget) : widget_(widget) { widget.render(this); }
@@ -62,10 +63,8 @@ private:
         void drawPixmap(const QRectF& /*to*/, const QPixmap& /*pixmap*/, const QRectF& /*from*/) override {}
         void drawTextItem(const QPointF& at, const QTextItem& item) override
         {
-            if (item.text().trimmed().isEmpty())
-                return;
             const QRectF line(at.x(), at.y() - item.ascent(), item.width(), item.ascent() + item.descent());
-            texts.append({item.text(), transform_.mapRect(line)});
+            texts.append({item.text(), transform_.map(at), transform_.mapRect(line)});
         }
         void drawPolygon(const QPointF* /*points*/, int /*count*/, PolygonDrawMode /*mode*/) override {}
         Type type() const override { return User; }
