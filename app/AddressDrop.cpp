@@ -47,6 +47,15 @@ QString linkFile(const QMimeData& data)
     return {};
 }
 
+// Returns whether the pointer is still over the list that a dragged row belongs to: the user lets it go where it was.
+bool isOverSource(const QObject& place, const QDropEvent& event)
+{
+    const auto* source = qobject_cast<const QWidget*>(event.source());
+    const auto* target = qobject_cast<const QWidget*>(&place);
+    return source && target && source->isVisible() &&
+           source->rect().contains(source->mapFromGlobal(target->mapToGlobal(event.position().toPoint())));
+}
+
 // Sets the action that leaves the source as it is. Returns false if the source allows none.
 bool choosesAction(QDropEvent& event)
 {
@@ -84,25 +93,21 @@ bool AddressDrop::eventFilter(QObject* watched, QEvent* event)
     auto& dropped = *static_cast<QDropEvent*>(event);
     if (!isWanted(*watched, dropped) || !choosesAction(dropped))
         return QObject::eventFilter(watched, event);
-    dropped.accept();
-    if (event->type() == QEvent::Drop)
+    // A drag begins over its source. If the window refused it there, the toolkit would not ask again in other places.
+    dropped.setAccepted(event->type() == QEvent::DragEnter || !isOverSource(*watched, dropped));
+    if (event->type() == QEvent::Drop && dropped.isAccepted())
         drop(dropped);
     return true;
 }
 
 bool AddressDrop::isWanted(const QObject& place, const QDropEvent& event) const
 {
+    if (event.source() == &place)
+        return false; // text that moves within a field
     const QMimeData& data = *event.mimeData();
-    const bool isField = &place != &window_;
-    // Text that moves within a field, and a row that hardly moves: the user let it go where it was.
-    const auto* source = qobject_cast<const QWidget*>(event.source());
-    const auto* target = qobject_cast<const QWidget*>(&place);
-    if (source && target &&
-        source->rect().contains(source->mapFromGlobal(target->mapToGlobal(event.position().toPoint()))))
-        return false;
     if (!linkFile(data).isEmpty())
         return true;
-    return (!isField || &place == &addressField_) && firstAddress(data);
+    return (&place == &window_ || &place == &addressField_) && firstAddress(data);
 }
 
 void AddressDrop::drop(const QDropEvent& event)
