@@ -1,7 +1,11 @@
 #include "platform/list_menu.h"
 
+#include <functional>
+#include <vector>
+
 #include <QActionGroup>
 #include <QCoreApplication>
+#include <QItemSelectionModel>
 #include <QMenu>
 
 #include "platform/ListView.h"
@@ -10,14 +14,17 @@ namespace quarrynet {
 
 namespace {
 
-void fillSorting(QMenu& menu, ListView& list)
+/// Applies the list's state to the entries. Rows may arrive or go while the menu is open.
+using Updates = std::vector<std::function<void()>>;
+
+void fillSorting(QMenu& menu, ListView& list, Updates& updates)
 {
     auto* group = new QActionGroup(&menu);
     const auto add = [&](const QString& text, std::optional<ListViewModel::Sorting> sorting) {
         QAction* action = menu.addAction(text, &list, [&list, sorting] { list.sortRows(sorting); });
         action->setCheckable(true);
-        action->setChecked(list.sorting() == sorting);
         group->addAction(action);
+        updates.emplace_back([&list, action, sorting] { action->setChecked(list.sorting() == sorting); });
     };
     add(QCoreApplication::translate("ListMenu", "Order of the &page"), std::nullopt);
     menu.addSeparator();
@@ -37,38 +44,56 @@ void showListMenu(ListView& list, const QPoint& place)
     const QString name = QStringLiteral("ListMenu");
     if (list.findChild<QMenu*>(name, Qt::FindDirectChildrenOnly))
         return;
-    const bool selected = !list.selectedRows().empty();
-    const bool filled = !list.rows().empty();
     auto* menu = new QMenu(&list);
     menu->setObjectName(name);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const auto add = [&](const char* id, const QString& text, const QKeySequence& key, bool enabled, auto command) {
+    Updates updates;
+    const auto add = [&](const char* id, const QString& text, const QKeySequence& key, auto isEnabled, auto command) {
         QAction* action = menu->addAction(text, &list, command);
         action->setObjectName(QLatin1String(id));
         action->setShortcut(key);
         action->setShortcutVisibleInContextMenu(true);
         // The list and the window handle the keys; a second handler would make them ambiguous.
         action->setShortcutContext(Qt::WidgetShortcut);
-        action->setEnabled(enabled);
+        updates.emplace_back([action, isEnabled] { action->setEnabled(isEnabled()); });
     };
-    add("ListOpen", QCoreApplication::translate("ListMenu", "&Open"), Qt::Key_Return, selected && list.canOpen(),
-        &ListView::doubleClicked);
-    add("ListCopyAddress", QCoreApplication::translate("ListMenu", "Copy &address"), {},
-        selected && list.hasAddresses(), &ListView::copyAddresses);
-    add("ListCopyRows", QCoreApplication::translate("ListMenu", "&Copy rows"), QKeySequence::Copy, selected,
+    const auto isSelected = [&list] { return !list.selectedRows().empty(); };
+    const auto isFilled = [&list] { return !list.rows().empty(); };
+    add(
+        "ListOpen", QCoreApplication::translate("ListMenu", "&Open"), Qt::Key_Return,
+        [=, &list] { return isSelected() && list.canOpen(); }, &ListView::doubleClicked);
+    add(
+        "ListCopyAddress", QCoreApplication::translate("ListMenu", "Copy &address"), {},
+        [=, &list] { return isSelected() && list.hasAddresses(); }, &ListView::copyAddresses);
+    add("ListCopyRows", QCoreApplication::translate("ListMenu", "&Copy rows"), QKeySequence::Copy, isSelected,
         &ListView::copyRows);
     menu->addSeparator();
-    add("ListSelectAll", QCoreApplication::translate("ListMenu", "Select a&ll"), QKeySequence::SelectAll,
-        filled && list.selectionMode() == QAbstractItemView::ExtendedSelection, [&list] { list.selectAll(); });
-    add("ListFilter", QCoreApplication::translate("ListMenu", "&Filter..."), QKeySequence::Find, filled,
+    add(
+        "ListSelectAll", QCoreApplication::translate("ListMenu", "Select a&ll"), QKeySequence::SelectAll,
+        [=, &list] { return isFilled() && list.selectionMode() == QAbstractItemView::ExtendedSelection; },
+        [&list] { list.selectAll(); });
+    add("ListFilter", QCoreApplication::translate("ListMenu", "&Filter..."), QKeySequence::Find, isFilled,
         &ListView::openFilter);
     QMenu* sorting = menu->addMenu(QCoreApplication::translate("ListMenu", "So&rt by"));
     sorting->setObjectName(QStringLiteral("ListSort"));
-    sorting->setEnabled(filled);
-    fillSorting(*sorting, list);
+    fillSorting(*sorting, list, updates);
+    updates.emplace_back([=] {
+        sorting->setEnabled(isFilled());
+        if (!isFilled())
+            sorting->close();
+    });
     menu->addSeparator();
-    add("ListSave", QCoreApplication::translate("ListMenu", "&Save list..."), QKeySequence::Save, list.isSavable(),
-        &ListView::saveWanted);
+    add(
+        "ListSave", QCoreApplication::translate("ListMenu", "&Save list..."), QKeySequence::Save,
+        [&list] { return list.isSavable(); }, &ListView::saveWanted);
+    const auto update = [updates = std::move(updates)] {
+        for (const auto& apply : updates)
+            apply();
+    };
+    update();
+    QObject::connect(&list, &ListView::rowsChanged, menu, update);
+    QObject::connect(list.model(), &QAbstractItemModel::modelReset, menu, update);
+    QObject::connect(list.selectionModel(), &QItemSelectionModel::selectionChanged, menu, update);
     menu->popup(place);
 }
 

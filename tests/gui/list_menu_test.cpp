@@ -116,6 +116,65 @@ private slots:
         QCOMPARE(enabledEntries(openMenu(*list, 0)), expected);
     }
 
+    // A menu used to keep the entries of the moment in which it was opened.
+    void theOpenMenuFollowsItsList_data() { addListRows(); }
+    void theOpenMenuFollowsItsList()
+    {
+        QFETCH(int, tag);
+        window_->chooseTab(tag);
+        ListView* list = listOf(*window_, tabOf(tag));
+        QTest::keyClick(list, Qt::Key_Menu);
+        QMenu* menu = menuOf(*list);
+        QVERIFY(menu);
+        QCOMPARE(enabledEntries(menu), QStringList());
+
+        const auto fill = [&](const char* cell) { list->setRows({{cell, cell, cell}, {cell, cell, cell}}); };
+        fill("a");
+        const QStringList filled = (tag == 5 ? QStringList{} : QStringList{u"ListSelectAll"_s}) +
+                                   QStringList{u"ListFilter"_s, u"ListSort"_s, u"ListSave"_s};
+        QCOMPARE(enabledEntries(menu), filled);
+        list->setCurrentIndex(list->model()->index(0, 0));
+        QVERIFY(entryOf(menu, "ListCopyRows")->isEnabled());
+        QCOMPARE(entryOf(menu, "ListOpen")->isEnabled(), tag != 2);
+        list->clearSelection();
+        QCOMPARE(enabledEntries(menu), filled);
+
+        // A page replaces the rows whose menu is open.
+        list->setCurrentIndex(list->model()->index(0, 0));
+        fill("b");
+        QCOMPARE(enabledEntries(menu), filled);
+
+        list->setCurrentIndex(list->model()->index(0, 0));
+        list->setRows({});
+        QCOMPARE(enabledEntries(menu), QStringList());
+        QVERIFY(menu->isVisible());
+    }
+
+    // The submenu is another window, which stays when the entry that leads to it is disabled.
+    void theOpenSubmenuFollowsItsList()
+    {
+        ListView* list = fillList(*window_, tabOf(1));
+        list->sortRows(ListViewModel::Sorting{1, Qt::DescendingOrder});
+        QMenu* menu = openMenu(*list, 0);
+        auto* sorting = menu->findChild<QMenu*>(u"ListSort"_s);
+        menu->setActiveAction(sorting->menuAction());
+        QTRY_VERIFY(sorting->isVisible());
+        const auto checked = [&] {
+            QStringList texts;
+            for (const QAction* action : sorting->actions()) {
+                if (action->isChecked())
+                    texts.append(action->text());
+            }
+            return texts;
+        };
+        QCOMPARE(checked(), QStringList{u"Short Description, descending"_s});
+        list->setRows({{"a"}, {"b"}});
+        QCOMPARE(checked(), QStringList{u"Order of the &page"_s});
+        list->clear();
+        QVERIFY(!sorting->isVisible());
+        QVERIFY(!sorting->isEnabled());
+    }
+
     void theRightButtonKeepsASelectionThatItIsPressedIn()
     {
         ListView* list = fillList(*window_, tabOf(1));
