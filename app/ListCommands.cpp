@@ -117,7 +117,8 @@ void ListCommands::save(SearchTab& tab)
         if (start.isEmpty() || !QFileInfo(start).isDir())
             start = other;
     }
-    QFileDialog dialog(&window_, tr("Save List"), start);
+    QFileDialog dialog(&window_,
+                       list->hasRowsOfBefore() ? tr("Save the Rows of the Previous Results") : tr("Save List"), start);
     dialog.setObjectName(QStringLiteral("SaveList"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     QStringList filters;

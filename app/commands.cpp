@@ -233,7 +233,7 @@ void Main::bringToRest(const StopRow& row)
     row.front->buffer().setText({});
     showActivity({});
     showConnection(socketStateName(SocketState::Closed));
-    row.front->startButton().setEnabled(true);
+    row.front->enableStartButton();
     row.timer->timer().stop();
     row.front->clearView();
     row.socket->socket().Close();

@@ -149,6 +149,14 @@ void ListView::forgetRows()
     emit rowsChanged();
 }
 
+void ListView::setAwaiting(bool awaiting)
+{
+    if (awaiting == awaiting_)
+        return;
+    awaiting_ = awaiting;
+    emit rowsChanged();
+}
+
 std::vector<std::size_t> ListView::selectedRows() const
 {
     std::vector<int> shown;

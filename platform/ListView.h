@@ -69,8 +69,12 @@ public:
     void setRows(std::vector<ListViewModel::Row> rows, const QString& subject = {});
     const std::vector<ListViewModel::Row>& rows() const;
 
-    /// Removes all rows. They can still be saved until the next call of setRows or forgetRows.
+    /// Removes all rows. They can still be saved until the next call of setRows or forgetRows, except while results are
+    /// awaited.
     void clear();
+
+    /// Sets whether results are awaited. Whoever saves meanwhile would take the rows of before for them.
+    void setAwaiting(bool awaiting);
 
     /// Frees the rows that clear() kept.
     void forgetRows();
@@ -89,12 +93,15 @@ public:
     /// between rows, and as an HTML table.
     void copyRows() const;
 
-    /// Returns the rows as they are shown, or, in an empty list, as they were when clear() removed them, with their
+    /// Returns the rows as they are shown, or those of before as they were shown if hasRowsOfBefore(), with their
     /// addresses in a further column. The title is empty.
     Table table() const;
 
     /// Returns whether table() has rows.
-    bool isSavable() const;
+    bool isSavable() const { return !rows().empty() || hasRowsOfBefore(); }
+
+    /// Returns whether the list is empty because a search, which was stopped or failed, took its rows away.
+    bool hasRowsOfBefore() const { return rows().empty() && !awaiting_ && !cleared_.rows.empty(); }
 
     /// Returns the words that were searched for to find the rows of table().
     const QString& subject() const { return subject_; }
@@ -151,6 +158,7 @@ private:
     std::optional<std::size_t> addressColumn_;
     ListViewModel::Shown cleared_; // what clear() removed
     QString subject_;
+    bool awaiting_ = false;
     bool cellTips_ = false;
     std::vector<double> shares_; // each column's fraction of the list's width
     std::vector<double> designShares_;

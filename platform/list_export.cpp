@@ -102,12 +102,7 @@ Table ListView::tableOf(const ListViewModel::Shown& shown) const
 
 Table ListView::table() const
 {
-    return tableOf(rows().empty() ? cleared_ : model_->shown());
-}
-
-bool ListView::isSavable() const
-{
-    return !rows().empty() || !cleared_.rows.empty();
+    return tableOf(hasRowsOfBefore() ? cleared_ : model_->shown());
 }
 
 } // namespace quarrynet

@@ -84,6 +84,8 @@ void SearchTab::setReachable(bool reachable)
 void SearchTab::fetchFrom(const Endpoint& target)
 {
     subject_ = subject();
+    if (ListView* results = list())
+        results->setAwaiting(true);
     buffer_.setText({});
     exchange_.session().start(target);
 }
@@ -96,6 +98,8 @@ void SearchTab::showRows(ListView& list, std::vector<ListViewModel::Row> rows)
 void SearchTab::enableStartButton()
 {
     startButton_->setEnabled(true);
+    if (ListView* results = list())
+        results->setAwaiting(false);
 }
 
 void SearchTab::setTimerEnabled(bool enabled)

@@ -64,6 +64,9 @@ public:
     /// Returns the list that shows the results, or null if the tab has none.
     virtual ListView* list() { return nullptr; }
 
+    /// Ends the wait for results: the exchange has ended, or the user has stopped it.
+    void enableStartButton() override;
+
     /// Sets whether keys reach the tab's controls. Pass false while its frame is visible but covered by another.
     void setReachable(bool reachable);
 
@@ -104,7 +107,6 @@ protected:
     // FetchTab
     void showConnection(std::string_view caption) override { window_.showConnection(caption); }
     void showActivity(std::string_view text) override { window_.showActivity(text); }
-    void enableStartButton() override;
     void setTimerEnabled(bool enabled) override;
     void handOver(const std::string& body) override { buffer_.setText(body); }
     void reportError(int number, std::string_view description) override;

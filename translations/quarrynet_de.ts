@@ -346,6 +346,10 @@
         <source>Save List</source>
         <translation>Liste speichern</translation>
     </message>
+    <message>
+        <source>Save the Rows of the Previous Results</source>
+        <translation>Zeilen der vorigen Ergebnisse speichern</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::ListView</name>

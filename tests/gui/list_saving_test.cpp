@@ -212,6 +212,69 @@ private slots:
             window_->service.reset(); // Stop leaves the connection of a file search open
     }
 
+    // A page turned and saved at once used to be saved with the rows of the page before.
+    void whatIsOnTheScreenIsSaved_data() { addListRows(); }
+    void whatIsOnTheScreenIsSaved()
+    {
+        QFETCH(int, tag);
+        const TabControls& tab = tabOf(tag);
+        ListView* list = fillList(*window_, tab);
+        const QStringList rows = window_->rows(tab.list);
+        QCOMPARE(tableRows(*list), rows);
+        list->sortRows(ListViewModel::Sorting{0, Qt::DescendingOrder});
+        QCOMPARE(tableRows(*list), window_->rows(tab.list));
+        list->openFilter();
+        auto* words = list->parentWidget()->findChild<QLineEdit*>(u"FilterWords"_s);
+        words->setText(list->model()->index(0, 0).data().toString().left(5));
+        QCOMPARE(tableRows(*list), window_->rows(tab.list));
+        words->setText(u"in no row at all"_s);
+        QCOMPARE(tableRows(*list), QStringList());
+        words->clear();
+        list->sortRows(std::nullopt);
+
+        const auto begin = [&] {
+            window_->service.stall();
+            if (tab.slider && tag != 5 && window_->control<QSlider>(tab.slider)->isEnabled())
+                QTest::keyClick(window_->control<QSlider>(tab.slider), Qt::Key_Right);
+            else
+                QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, tab)), Qt::Key_Return);
+            QTRY_VERIFY(window_->service.openConnections() > 0);
+        };
+        const auto verifyNothingToSave = [&] {
+            QCOMPARE(window_->rows(tab.list), QStringList());
+            QCOMPARE(tableRows(*list), QStringList());
+            QVERIFY(!entry()->isEnabled());
+            const DialogDriver driver([](QDialog&) {});
+            QTest::keyClick(list, Qt::Key_S, Qt::ControlModifier);
+            emit list->saveWanted();
+            QCOMPARE(driver.seen(), QStringList());
+        };
+        const auto verifyRowsOfBefore = [&] {
+            QCOMPARE(window_->rows(tab.list), QStringList());
+            QCOMPARE(tableRows(*list), rows);
+            QString title;
+            const DialogDriver driver([&](QDialog& dialog) { title = dialog.windowTitle(); });
+            entry()->trigger();
+            QCOMPARE(title, u"Save the Rows of the Previous Results"_s);
+            window_->boxes.forget();
+        };
+        begin();
+        verifyNothingToSave();
+        window_->service.reset();
+        QTRY_COMPARE(window_->boxes.boxes().size(), 1); // an error
+        verifyRowsOfBefore();
+        begin();
+        verifyNothingToSave();
+        QTest::keyClick(list, Qt::Key_Escape);
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        verifyRowsOfBefore();
+        window_->service.reset();
+        if (tag == 5) // Stop left its connection open
+            QTRY_COMPARE(window_->boxes.boxes().size(), 1);
+        window_->boxes.forget();
+        QCOMPARE(tableRows(*fillList(*window_, tab)), rows);
+    }
+
     void theNextResultReplacesTheRowsToSave()
     {
         ListView* list = listOf(*window_, tabOf(1));
@@ -361,6 +424,19 @@ private slots:
 #endif
 
 private:
+    // Returns the rows that would be saved, without their addresses, with cells joined by "|".
+    static QStringList tableRows(const ListView& list)
+    {
+        QStringList rows;
+        for (const auto& cells : list.table().rows) {
+            QStringList texts;
+            for (int column = 0; column < list.model()->columnCount(); ++column)
+                texts.append(QString::fromStdString(cells[static_cast<std::size_t>(column)]));
+            rows.append(texts.join(u'|'));
+        }
+        return rows;
+    }
+
     QAction* entry()
     {
         return window_->control<QAction>("savelistmnu");
