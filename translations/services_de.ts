@@ -366,8 +366,8 @@
         <translation>Der Index hat keine Bilder, weil dieser Rechner dort, wo gesucht wurde, keine hat. Installieren Sie ein Paket mit Bildern, und führen Sie dann "%1" aus.</translation>
     </message>
     <message>
-        <source>The index has no pictures, because this machine has none where it looked. Run "quarrynet-services index --pictures FOLDER" with a folder of pictures.</source>
-        <translation>Der Index hat keine Bilder, weil dieser Rechner dort, wo gesucht wurde, keine hat. Führen Sie "quarrynet-services index --pictures ORDNER" mit einem Ordner voller Bilder aus.</translation>
+        <source>The index has no pictures, because this machine has none where it looked. Run "%1 --pictures FOLDER" with a folder of pictures.</source>
+        <translation>Der Index hat keine Bilder, weil dieser Rechner dort, wo gesucht wurde, keine hat. Führen Sie "%1 --pictures ORDNER" mit einem Ordner voller Bilder aus.</translation>
     </message>
 </context>
 <context>

@@ -123,7 +123,7 @@ int runCheck(const Options& options)
         }
     }
     FetchPool pool(*certificates);
-    IndexPool index(*data);
+    IndexPool index(*data, kMaxQueryTime, Reader::Owner);
     std::vector<Checked> rows;
     checkService(
         "web", config->web, SearxCategory::General, toUtf8(options.checkWords), pool,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -13,6 +12,7 @@
 
 #include "ground/Descriptor.h"
 #include "ground/folder_entries.h"
+#include "index/index_place.h"
 
 namespace quarrynet::services {
 
@@ -82,16 +82,7 @@ void handOver(const std::string& folder, uid_t user, gid_t group)
 
 Outcome<std::string> dataFolderPath(const std::string& chosen)
 {
-    if (!chosen.empty())
-        return chosen;
-    const char* data = std::getenv("XDG_DATA_HOME");
-    const char* home = std::getenv("HOME");
-    // A relative XDG_DATA_HOME must be ignored.
-    if (data != nullptr && data[0] == '/')
-        return (std::filesystem::path(data) / "quarrynet").string();
-    if (home != nullptr && home[0] != '\0')
-        return (std::filesystem::path(home) / ".local/share/quarrynet").string();
-    return Failure{"HOME is not set; choose a folder with --data"};
+    return chosen.empty() ? usualDataFolder() : Outcome<std::string>(chosen);
 }
 
 Outcome<std::string> openDataFolder(const std::string& chosen)

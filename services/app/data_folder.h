@@ -17,8 +17,8 @@ Outcome<std::string> dataFolderPath(const std::string& chosen);
 /// The index holds private texts, so files made in the data folder, and older files there, are accessible to its user
 /// only; so is the folder itself unless it contains other things.
 ///
-/// Returns the folder of the index: `chosen` unless it is empty, else "quarrynet" in the user's data folder (XDG Base
-/// Directory Specification). Creates the folder if it is missing. Returns a Failure when that is impossible.
+/// Returns the folder of the index: `chosen` unless it is empty, else usualDataFolder(). Creates the folder if it is
+/// missing. Returns a Failure when that is impossible.
 Outcome<std::string> openDataFolder(const std::string& chosen);
 
 /// Gives the index that root made to a user: changes the owner of the files in the data folder, and of the folder

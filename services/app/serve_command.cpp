@@ -39,8 +39,8 @@ void say(const std::string& message)
     std::fprintf(stderr, "quarrynet-services: %s\n", message.c_str());
 }
 
-/// Explains how to permit this program to listen below port 1024.
-void explainPermission(std::uint16_t port)
+/// Explains how to permit this program to listen below port 1024, and what to do without the permission.
+void explainPermission(std::uint16_t port, const std::string& proxyAddress, std::uint16_t proxyPort)
 {
     const std::string program = ownProgram().string();
     std::fprintf(stderr,
@@ -49,6 +49,9 @@ void explainPermission(std::uint16_t port)
                  "  sudo sysctl net.ipv4.ip_unprivileged_port_start=%u\n",
                  static_cast<unsigned>(port), program.empty() ? "quarrynet-services" : program.c_str(),
                  static_cast<unsigned>(port));
+    if (proxyPort != 0)
+        std::fprintf(stderr, "without it, switch the proxy on under View > Proxy, and enter %s and %u\n",
+                     proxyAddress.c_str(), static_cast<unsigned>(proxyPort));
 }
 
 /// Says why a service has no address of its own, and what to do.
@@ -56,7 +59,7 @@ class RefusalReport
 {
 public:
     /// `hasManager`: the service manager has handed over sockets, so it should have handed over all.
-    RefusalReport(std::uint16_t port, bool hasManager) : port_(port), hasManager_(hasManager) {}
+    RefusalReport(const Options& options, bool hasManager) : options_(options), hasManager_(hasManager) {}
 
     void add(const Service& service, const HttpServer::Refusal& refusal)
     {
@@ -69,15 +72,15 @@ public:
         }
         say(answers + refusal.message);
         if (refusal.fault == HttpServer::ListenFault::InUse)
-            say("another program listens there; " + remedyForPortInUse(port_));
+            say("another program listens there; " + remedyForPortInUse(options_.port));
         if (notPermitted && !explained_) {
-            explainPermission(port_);
+            explainPermission(options_.port, options_.proxyAddress, options_.proxyPort);
             explained_ = true;
         }
     }
 
 private:
-    std::uint16_t port_;
+    const Options& options_;
     bool hasManager_;
     bool explained_ = false;
 };
@@ -154,7 +157,8 @@ int runServe(const Options& options)
     IndexPool index(*data);
     if (::geteuid() == 0)
         index.keepFolder();
-    if (const Outcome<IndexPool::Lease> ready = index.borrow(); !ready)
+    // What the pages say about the index is for anybody; the terminal's reader has chosen the folder.
+    if (const Outcome<IndexPool::Lease> ready = IndexPool(*data, kMaxQueryTime, Reader::Owner).borrow(); !ready)
         say(ready.error().message);
 
     const std::string trusted = certificates ? *certificates : std::string();
@@ -218,7 +222,7 @@ int runServe(const Options& options)
         service.handler = withStatusPage(service.name, fault, index, std::move(service.handler));
     }
     const bool hasManager = !handed.sockets.empty();
-    RefusalReport refusals(options.port, hasManager);
+    RefusalReport refusals(options, hasManager);
     startServices(server, router, options.port, services, handed.sockets,
                   [&](const Service& service, const HttpServer::Refusal& refusal) { refusals.add(service, refusal); });
     std::string proxyAddress = options.proxyAddress;

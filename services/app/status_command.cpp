@@ -35,6 +35,7 @@ constexpr std::chrono::seconds kMostTime{4};
 /// little into the future.
 constexpr std::int64_t kStillMade = 300;
 constexpr std::uint16_t kSystemPort = 80;
+constexpr const char* kManagerRuns = "/run/systemd/system"; ///< is there while systemd runs the machine
 constexpr const char* kSystemConfig = "/etc/quarrynet/services.toml";
 
 /// A service, and how it answered.
@@ -126,21 +127,23 @@ void askAll(std::vector<Asked>& services)
     fetches.run();
 }
 
-void reportAnswers(const std::vector<Asked>& services, Report& report)
+/// `serve`: the command that starts services in a terminal.
+void reportAnswers(const std::vector<Asked>& services, const std::string& serve, Report& report)
 {
     const std::string manager = report.isOwn ? "systemctl --user" : "sudo systemctl";
     const std::string journal = report.isOwn ? "journalctl --user" : "sudo journalctl";
     const bool anyAnswers =
         std::any_of(services.begin(), services.end(), [](const Asked& asked) { return asked.status.has_value(); });
-    if (!anyAnswers && report.isOwn)
-        report.problems.emplace_back("No service answers.",
-                                     "Start your own: " + manager +
-                                         " start quarrynet-services.socket\n"
-                                         "    or, with the same options: quarrynet-services serve");
-    else if (!anyAnswers)
-        report.problems.emplace_back("No service answers.", "Start the system's: " + manager +
-                                                                " start quarrynet-services.socket\n"
-                                                                "    or your own: quarrynet-services serve");
+    std::error_code ignored;
+    if (!anyAnswers) {
+        const std::string begin = report.isOwn ? "Start your own: " : "Start the system's: ";
+        std::string remedy = begin + manager + " start quarrynet-services.socket\n    or " +
+                             (report.isOwn ? "with the same options: " : "your own: ") + serve;
+        // What would start the system's does not run in a container, for example.
+        if (!std::filesystem::exists(kManagerRuns, ignored))
+            remedy = std::string("Start your own") + (report.isOwn ? " with the same options: " : ": ") + serve;
+        report.problems.emplace_back("No service answers.", remedy);
+    }
     for (const Asked& asked : services) {
         const std::string what = asked.name == kProxyName ? "The proxy" : "The " + asked.name + " search";
         std::string where = asked.address;
@@ -175,14 +178,14 @@ void reportIndexFaults(const std::vector<Asked>& services, const std::string& re
     }
 }
 
-/// Prints what the index has. Returns why it cannot be used, or an empty text.
-std::string printIndex(IndexPool& index, Report& report)
+/// Prints what the index has, or reports why it cannot be used.
+void printIndex(IndexPool& index, Report& report)
 {
     Outcome<IndexPool::Lease> lease = index.borrow();
     const Outcome<IndexSummary> summary = lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
     if (!summary) {
         report.problems.emplace_back("The index cannot be used: " + summary.error().message + ".", "");
-        return summary.error().message;
+        return;
     }
     printCount(summary->webPages, "web pages");
     printCount(summary->pictures, "pictures");
@@ -200,7 +203,6 @@ std::string printIndex(IndexPool& index, Report& report)
         report.notes.push_back("The index has no programs, because this machine has no package lists. Connect it to "
                                "a network, run \"sudo apt update\", then \"" +
                                index.makingCommand() + "\".");
-    return {};
 }
 
 /// Prints what a service says about an index that this user may not read. Returns whether one says something.
@@ -269,6 +271,7 @@ int runStatus(const Options& options)
         return 1;
     }
     const bool isSystems = isSystemsFolder(*data);
+    const IndexCommands commands = indexCommands(*data, Reader::Owner);
     const bool hasConfig =
         !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
     const UsableServices usable = loadUsableServices(hasConfig ? options.configFile : kSystemConfig);
@@ -296,12 +299,15 @@ int runStatus(const Options& options)
         const bool said = printIndexBySaying(services, report);
         if (!said)
             report.problems.emplace_back("Only the owner of " + *data + " can see its index.",
-                                         "Ask as that user: sudo quarrynet-services status --data " + *data);
+                                         "Ask as that user: " + commands.look);
     } else {
         if (const std::optional<std::int64_t> time = indexTime(path))
             std::printf("  written %s\n", timeText(*time).c_str());
-        IndexPool index(*data);
-        indexFault = printIndex(index, report);
+        IndexPool index(*data, kMaxQueryTime, Reader::Owner);
+        printIndex(index, report);
+        // Pages name no folder, so the services word the same fault otherwise.
+        if (const Outcome<IndexPool::Lease> lease = IndexPool(*data).borrow(); !lease)
+            indexFault = lease.error().message;
         if (const std::optional<std::int64_t> time = unfinishedIndexTime(path))
             reportUnfinished(*time, report);
     }
@@ -313,7 +319,7 @@ int runStatus(const Options& options)
     for (const Asked& asked : services)
         std::printf("  %-13s %s\n", asked.name.c_str(),
                     (asked.address + ":" + std::to_string(asked.port) + "  " + asked.result).c_str());
-    reportAnswers(services, report);
+    reportAnswers(services, commands.serve, report);
     print(report);
     return report.problems.empty() ? 0 : 1;
 }

@@ -62,8 +62,6 @@ CREATE VIRTUAL TABLE picture_text USING fts5(name, place, content='picture', con
     tokenize='porter unicode61 remove_diacritics 2');
 )";
 
-constexpr const char* kSystemCommand = "sudo systemctl start quarrynet-services-index.service";
-
 std::function<bool()> timeIsUp(std::chrono::milliseconds time)
 {
     return [deadline = std::chrono::steady_clock::now() + time] {
@@ -72,27 +70,6 @@ std::function<bool()> timeIsUp(std::chrono::milliseconds time)
 }
 
 } // namespace
-
-bool isSystemsFolder(const std::string& dataFolder)
-{
-    const std::filesystem::path folder = std::filesystem::path(dataFolder).lexically_normal();
-    return folder == kSystemDataFolder || folder == std::string(kSystemDataFolder) + "/";
-}
-
-std::string indexCommand(const std::string& dataFolder)
-{
-    return isSystemsFolder(dataFolder) ? kSystemCommand : "quarrynet-services index";
-}
-
-std::string newerIndexRemedy(const std::string& dataFolder)
-{
-    // The unit does not replace a newer index, so the system's has no short command.
-    std::string command = "quarrynet-services index --force";
-    if (isSystemsFolder(dataFolder))
-        command = std::string("sudo ").append(command).append(" --data ").append(kSystemDataFolder);
-    return "install that version again, or run \"" + command +
-           "\" to replace the index, which loses the crawled servers";
-}
 
 std::string indexPath(const std::string& dataFolder)
 {
@@ -137,7 +114,7 @@ Outcome<Done> refuseNewerIndex(const std::string& dataFolder)
     if (!layout || *layout <= kIndexLayout)
         return Done{};
     return Failure{"the index in " + dataFolder + " is from a newer version of this program, and is kept; " +
-                   newerIndexRemedy(dataFolder)};
+                   newerIndexRemedy(indexCommands(dataFolder, Reader::Owner))};
 }
 
 Failure keepOld(const std::string& dataFolder, const Failure& fault)
@@ -182,7 +159,7 @@ Outcome<IndexPool::Lease> IndexPool::borrow()
     {};
     if (::stat(path_.c_str(), &status) != 0) {
         if (errno == ENOENT || errno == ENOTDIR)
-            return Failure{"there is no index yet; run \"" + indexCommand(dataFolder_) + "\" to make one"};
+            return Failure{"there is no index yet; run \"" + commands_.make + "\" to make one"};
         return Failure{std::string("the index cannot be read: ") + std::strerror(errno)};
     }
     std::uint64_t generation = 0;
@@ -218,11 +195,11 @@ Outcome<std::unique_ptr<Database>> IndexPool::connect()
     if (!opened)
         return opened.error();
     const Outcome<std::int64_t> layout = indexLayout(*opened);
-    const std::string remedy = "; run \"" + indexCommand(dataFolder_) + "\" to make a new one";
+    const std::string remedy = "; run \"" + commands_.make + "\" to make a new one";
     if (!layout)
         return opened->isNoDatabase() ? Failure{layout.error().message + remedy} : layout.error();
     if (*layout > kIndexLayout)
-        return Failure{"the index is from a newer version of this program; " + newerIndexRemedy(dataFolder_)};
+        return Failure{"the index is from a newer version of this program; " + newerIndexRemedy(commands_)};
     if (*layout != kIndexLayout)
         return Failure{"the index has another version" + remedy};
     const Outcome<Done> added = addExcerpt(*opened);

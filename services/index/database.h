@@ -10,24 +10,12 @@
 
 #include "ground/Descriptor.h"
 #include "ground/Outcome.h"
+#include "index/index_place.h"
 #include "index/sqlite.h"
 
 /// The index: one SQLite file in the data folder. A new index replaces the old one by renaming, so whoever has the old
 /// file open keeps it intact.
 namespace quarrynet::services {
-
-/// The folder of the index of the system's services, as their units set it.
-inline constexpr const char* kSystemDataFolder = "/var/lib/quarrynet";
-
-/// Returns whether the system's services use the index in this folder, so that their units make it.
-bool isSystemsFolder(const std::string& dataFolder);
-
-/// Returns the command that makes the index in the data folder, as a person types it. It names no folder: pages show it
-/// to people who need not know where the index is.
-std::string indexCommand(const std::string& dataFolder);
-
-/// Returns what a person can do about an index of a newer version in the data folder: a clause without a full stop.
-std::string newerIndexRemedy(const std::string& dataFolder);
 
 /// Returns the path of the index in the data folder.
 std::string indexPath(const std::string& dataFolder);
@@ -67,8 +55,13 @@ inline constexpr std::chrono::milliseconds kMaxQueryTime = std::chrono::seconds(
 class IndexPool
 {
 public:
-    explicit IndexPool(const std::string& dataFolder, std::chrono::milliseconds queryTime = kMaxQueryTime)
-        : dataFolder_(dataFolder), path_(indexPath(dataFolder)), queryTime_(queryTime)
+    /// `reader`: who reads the messages about this index. Make the pool before the process gives up root's rights.
+    explicit IndexPool(const std::string& dataFolder, std::chrono::milliseconds queryTime = kMaxQueryTime,
+                       Reader reader = Reader::Anybody)
+        : isSystems_(isSystemsFolder(dataFolder))
+        , commands_(indexCommands(dataFolder, reader))
+        , path_(indexPath(dataFolder))
+        , queryTime_(queryTime)
     {}
 
     IndexPool(const IndexPool&) = delete;
@@ -82,10 +75,10 @@ public:
     const std::string& path() const { return path_; }
 
     /// Returns whether this is the index of the system's services.
-    bool isSystems() const { return isSystemsFolder(dataFolder_); }
+    bool isSystems() const { return isSystems_; }
 
-    /// Returns the command that makes this index, as indexCommand() does.
-    std::string makingCommand() const { return indexCommand(dataFolder_); }
+    /// Returns the command that makes this index, for the reader of its messages.
+    const std::string& makingCommand() const { return commands_.make; }
 
     /// Closes idle connections. Call it after giving up rights, because they were opened with the former ones.
     void closeIdle();
@@ -121,7 +114,8 @@ private:
     Outcome<std::unique_ptr<Database>> connect();
     void giveBack(std::unique_ptr<Database> database, std::uint64_t generation);
 
-    std::string dataFolder_; ///< as it was given
+    bool isSystems_;
+    IndexCommands commands_;
     std::string path_;
     Descriptor folder_; ///< empty if it could not be opened
     std::chrono::milliseconds queryTime_;

@@ -19,9 +19,9 @@ std::string noteOf(Missing kind, const IndexPool& index, Language language)
         return translated("The index has no pictures, because this machine has none where it looked. Install a package "
                           "with pictures, then run \"%1\".",
                           language, index.makingCommand());
-    return std::string(translated("The index has no pictures, because this machine has none where it looked. Run "
-                                  "\"quarrynet-services index --pictures FOLDER\" with a folder of pictures.",
-                                  language));
+    return translated("The index has no pictures, because this machine has none where it looked. Run "
+                      "\"%1 --pictures FOLDER\" with a folder of pictures.",
+                      language, index.makingCommand());
 }
 
 } // namespace

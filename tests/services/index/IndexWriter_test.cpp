@@ -97,34 +97,13 @@ TEST_F(Index, MissingIndexAndOtherLayoutSayWhatToDo)
     EXPECT_FALSE(pool.borrow());
 }
 
-// The system's services have an index that a person's command does not make.
-TEST(IndexCommand, TheSystemsIndexIsMadeByItsUnit)
-{
-    for (const char* folder : {"/var/lib/quarrynet", "/var/lib/quarrynet/", "/var//lib/./quarrynet"}) {
-        EXPECT_TRUE(isSystemsFolder(folder)) << folder;
-        EXPECT_EQ(indexCommand(folder), "sudo systemctl start quarrynet-services-index.service") << folder;
-    }
-    for (const char* folder :
-         {"", "/", "quarrynet", "var/lib/quarrynet", "/var/lib/quarrynet/x", "/var/lib/quarrynet2"}) {
-        EXPECT_FALSE(isSystemsFolder(folder)) << folder;
-        EXPECT_EQ(indexCommand(folder), "quarrynet-services index") << folder;
-    }
-    EXPECT_TRUE(IndexPool("/var/lib/quarrynet").isSystems());
-    EXPECT_EQ(IndexPool("/none").makingCommand(), "quarrynet-services index");
-    const std::string own = newerIndexRemedy("/home/a/.local/share/quarrynet");
-    EXPECT_NE(own.find("\"quarrynet-services index --force\""), std::string::npos) << own;
-    const std::string systems = newerIndexRemedy("/var/lib/quarrynet/");
-    EXPECT_NE(systems.find("\"sudo quarrynet-services index --force --data /var/lib/quarrynet\""), std::string::npos)
-        << systems;
-}
-
 TEST_F(Index, FileThatIsNoDatabaseIsAFailure)
 {
     data_.write("index.sqlite", std::string(100000, 'x'));
     IndexPool pool(data_.path());
     const auto broken = pool.borrow();
     ASSERT_FALSE(broken);
-    EXPECT_NE(broken.error().message.find("run \"quarrynet-services index\""), std::string::npos)
+    EXPECT_NE(broken.error().message.find("quarrynet-services index --data DATA-FOLDER\""), std::string::npos)
         << broken.error().message;
     EXPECT_TRUE(build(stanza("red", "apple")));
     EXPECT_EQ(find(pool, "apple").size(), 1U);

@@ -41,7 +41,7 @@ TEST(MissingContent, PagesWithoutResultsSayWhatTheIndexLacks)
         EXPECT_TRUE(page.ends_with("</body></html>\n")) << page;
     }
     EXPECT_THAT(ImageService(index, "127.80.0.2", nullptr).answer(requestFor("/images", "q=pear")).body,
-                HasSubstr("index --pictures FOLDER"));
+                HasSubstr("index --data DATA-FOLDER --pictures FOLDER"));
 
     sources.packageFiles = {folder.write("list", "Package: apple\nFilename: apple.deb\n")};
     sources.mirror = "http://mirror.example/";

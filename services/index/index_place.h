@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "ground/Outcome.h"
+
+/// Where an index is, and which commands make it.
+namespace quarrynet::services {
+
+/// The folder of the index of the system's services, as their units set it.
+inline constexpr const char* kSystemDataFolder = "/var/lib/quarrynet";
+
+/// Returns whether the system's services use the index in this folder, so that their units make it.
+bool isSystemsFolder(const std::string& dataFolder);
+
+/// Returns the folder that is used if no option names another: "quarrynet" in the user's data folder (XDG Base
+/// Directory Specification). Fails if the environment names no home.
+Outcome<std::string> usualDataFolder();
+
+/// Who reads a message about the index.
+enum class Reader : std::uint8_t
+{
+    Owner,   ///< who started this program, at the terminal
+    Anybody, ///< of a page: the folder's path is no business of theirs, so that the word DATA-FOLDER stands for it
+};
+
+/// Commands as a person types them. They name the data folder unless it is the usual one, and begin with "sudo" if
+/// this process is root by sudo, because the usual folder is root's then.
+struct IndexCommands
+{
+    std::string make;    ///< makes the index
+    std::string replace; ///< replaces even an index of a newer version
+    std::string serve;   ///< answers from it
+    std::string look;    ///< says as root what the index has
+};
+
+/// Returns the commands for the index in `dataFolder`. Call it before the process gives up root's rights.
+IndexCommands indexCommands(const std::string& dataFolder, Reader reader);
+
+/// Returns what a person can do about an index of a newer version: a clause without a full stop.
+std::string newerIndexRemedy(const IndexCommands& commands);
+
+} // namespace quarrynet::services
