@@ -180,11 +180,13 @@ void Main::makeListCommands()
 void Main::makeMemories()
 {
     history_ = new FieldHistory(settingsPath(), pathInFolder(programFolder(), "Quarrynet.history"), *this);
-    history_->watch(*STI, {HistoryKind::Keywords});
-    history_->watch(*SPS, {HistoryKind::Addresses, HistoryKind::Keywords});
-    history_->watch(*IMG, {HistoryKind::Keywords});
-    history_->watch(*SFD, {HistoryKind::Keywords});
-    history_->watch(*SFS, {HistoryKind::FileNames});
+    if (surroundings_.remembers) {
+        history_->watch(*STI, {HistoryKind::Keywords});
+        history_->watch(*SPS, {HistoryKind::Addresses, HistoryKind::Keywords});
+        history_->watch(*IMG, {HistoryKind::Keywords});
+        history_->watch(*SFD, {HistoryKind::Keywords});
+        history_->watch(*SFS, {HistoryKind::FileNames});
+    }
 
     const std::map<std::string, ListView*> lists = {
         {"DownloadColumns", SFD->findChild<ListView*>(QStringLiteral("ListView3"))},
@@ -225,7 +227,8 @@ bool Main::load()
     STI->halveColumns();
     SPS->halveColumns();
     SPS->fillMatchModes();
-    places_->apply();
+    if (surroundings_.remembers)
+        places_->apply();
     STI->firstField().setFocus();
     return true;
 }
@@ -280,7 +283,8 @@ void Main::showActivity(std::string_view text)
 
 void Main::closeEvent(QCloseEvent* event)
 {
-    places_->remember();
+    if (surroundings_.remembers)
+        places_->remember();
     QMainWindow::closeEvent(event);
 }
 

@@ -47,6 +47,9 @@ struct Surroundings
     std::string authorMailUrl;
     /// Certificates to trust besides the system's when a page is fetched over TLS, in PEM format. Only tests set it.
     std::string trustedCertificates = {};
+    /// Whether the window keeps and offers what was searched for, and keeps and takes its place. A tour does not: its
+    /// searches are nobody's, and its pictures must not show anybody's.
+    bool remembers = true;
 };
 
 /// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and everything that the tabs

@@ -145,8 +145,14 @@ int main(int argc, char** argv)
     DesktopShell shell(manual);
     const ServiceHosts hosts = {QUARRYNET_WEB_SEARCH_HOST, QUARRYNET_IMAGE_SEARCH_HOST, QUARRYNET_DOWNLOAD_SITE_HOST,
                                 QUARRYNET_FILE_SEARCH_HOST};
-    Main window({hosts, shell, toPathBytes(folder.path), help.empty() ? manual : help, QUARRYNET_HOME_PAGE_URL,
-                 QUARRYNET_AUTHOR_MAIL_URL});
+    Surroundings surroundings{hosts,
+                              shell,
+                              toPathBytes(folder.path),
+                              help.empty() ? manual : help,
+                              QUARRYNET_HOME_PAGE_URL,
+                              QUARRYNET_AUTHOR_MAIL_URL};
+    surroundings.remembers = line.tourFolder().isEmpty();
+    Main window(surroundings);
     QObject::connect(&application, &Application::outOfMemory, &window, &Main::outOfMemory);
     QObject::connect(&window, &Main::cannotGoOn, &application, [] { QCoreApplication::exit(1); });
     if (!window.load())

@@ -333,6 +333,20 @@ private slots:
         QTRY_COMPARE(history(), QByteArray("keywords\tapple\n"));
     }
 
+    // As a tour does.
+    void aWindowThatRemembersNothingNeitherWritesNorOffersEntries()
+    {
+        window_->remembers = false;
+        startWithHistory("keywords\tapple\n");
+        searchFor("Text1", "pear");
+        waitForEnd(kTabs[0]);
+        settle();
+        QCOMPARE(history(), QByteArray("keywords\tapple\n"));
+        window_->type("Text1", {});
+        pressLetters("a");
+        QVERIFY(!QApplication::activePopupWidget());
+    }
+
     void switchedOffItWritesAndOffersNothingAndKeepsWhatItHas()
     {
         startWithHistory("keywords\tapple\n");

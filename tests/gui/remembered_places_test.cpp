@@ -60,6 +60,20 @@ private slots:
         QCOMPARE(columns(list(4)), kFileColumns);
     }
 
+    // As a tour does. Its window stays where the desktop puts it, and moves nobody's.
+    void aWindowThatRemembersNothingLeavesTheFileAsItIs()
+    {
+        writeState("[Window]\nLeft=101\nTop=57\n");
+        window_->remembers = false;
+        window_->start();
+        QVERIFY(window_->main().geometry().topLeft() != QPoint(101, 57));
+        window_->main().move(31, 33);
+        window_->main().close();
+        QFile file(stateFile());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray("[Window]\nLeft=101\nTop=57\n"));
+    }
+
     void theWindowComesBackToItsPlace()
     {
         window_->start();

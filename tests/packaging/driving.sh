@@ -62,7 +62,8 @@ services_answer() {
 }
 
 # tour PERSON [BOX...]: starts the installed program as a person and searches on each tab. Expects a picture of each
-# stop, no others but those of the named boxes, and the settings' files in the person's data folder only.
+# stop, no others but those of the named boxes, the local pages in the person's data folder, and nothing there of what the
+# program remembers.
 tour() {
     local person=$1 home=/home/$1 pictures expected
     shift
@@ -79,6 +80,8 @@ tour() {
     same "the pictures of $person's tour" "$expected" "$(cd "$root$pictures" && LC_ALL=C ls)"
     same "the local pages of $person" "blank.htm
 blank.html" "$(cd "$root$home/.local/share/quarrynet" && LC_ALL=C ls -d blank*)"
+    same "what the tour of $person remembers" "" "$(cd "$root$home/.local/share/quarrynet" &&
+        ls -d Quarrynet.history* Quarrynet.state* 2>/dev/null || true)"
 }
 
 # Prints all files of the current machine that are part of its system: no caches, logs, or states of the package

@@ -79,6 +79,7 @@ public:
     quarrynet::ServiceHosts hosts;
     /// Trusted besides the system's certificates, in PEM format.
     std::string trustedCertificates;
+    bool remembers = true; ///< as in Surroundings
     /// Opens addresses: `shell`, unless a test sets another.
     quarrynet::Shell* opener = &shell;
     /// Folders to search for the browser engine's plug-in; empty by default, so that tests see the plain view.
