@@ -98,7 +98,23 @@ check "the package tool's hook starts the index" \
     inside sh -c 'for i in 1 2 3 4 5 6 7 8 9 10; do systemctl is-active quarrynet-services-index.service | grep -q activating && exit 0; sleep 0.1; done; exit 1'
 inside sh -c 'while systemctl is-active quarrynet-services-index.service | grep -q activating; do sleep 0.5; done'
 
+check "without servers to crawl the timer does nothing" inside sh -c 'systemctl start quarrynet-services-crawl.service &&
+    systemctl show -p ConditionResult --value quarrynet-services-crawl.service | grep -qx no'
+mkdir -p "$machine/srv/files/pub"
+echo > "$machine/srv/files/pub/planned-pear.zip"
+nsenter -t "$leader" -n python3 -m http.server --bind 127.0.0.9 --directory "$machine/srv/files" 8009 > /dev/null 2>&1 &
+site=$!
+for _ in $(seq 100); do inside curl -s -o /dev/null http://127.0.0.9:8009/ && break; sleep 0.1; done
 inside mkdir -p /etc/quarrynet
+inside sh -c 'printf "[web]\nsources = [\"index\"]\n" > /etc/quarrynet/services.toml'
+check "a configuration that names none is no failure" inside systemctl start quarrynet-services-crawl.service
+inside sh -c 'printf "[[crawl]]\naddress = \"http://127.0.0.9:8009/pub/\"\n" > /etc/quarrynet/services.toml'
+check "the crawl's timer can be enabled" inside systemctl --quiet enable --now quarrynet-services-crawl.timer
+check "the confined crawl ends well" inside systemctl start quarrynet-services-crawl.service
+check "the file search has the crawled file" finds planned-pear.zip "http://127.80.0.4/cgi-bin/s?t=f&q=pear"
+check "status names the crawl" sh -c "nsenter -t $leader -m -u -i -n -p -r -w -- quarrynet-services status |
+    grep -q 'crawled *http://127.0.0.9:8009/pub/ on '"
+kill "$site"
 inside sh -c 'printf "[web]\nsource = []\n" > /etc/quarrynet/services.toml; systemctl restart quarrynet-services.service'
 check "a faulty configuration stops the web search" finds "services.toml:2:" "http://127.80.0.1/search?q=bash"
 check "and no other" answers 200 "http://127.80.0.4/cgi-bin/s?t=f&q=bash"

@@ -208,13 +208,15 @@ int runCrawl(const Options& options)
         address = readCrawlAddress(options.crawlAddress);
     if (!address)
         return complain(address.error());
-    if (options.crawlDue && config->crawls.empty())
-        return complain(Failure{"the configuration names no server to crawl; add one with [[crawl]]"});
+    if (options.crawlDue && config->crawls.empty()) {
+        tell("the configuration names no server to crawl; add one with [[crawl]]");
+        return 0; // none is due, which is no failure of the timer that asks
+    }
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
         return complain(data.error());
     // An index with only crawled files would look complete.
-    IndexPool pool(*data);
+    IndexPool pool(*data, kMaxQueryTime, Reader::Owner);
     if (const Outcome<IndexPool::Lease> index = pool.borrow(); !index)
         return complain(index.error());
     const CrawlLimits limits{options.crawlDepth, options.crawlEntries, std::chrono::minutes(options.crawlMinutes),

@@ -1,5 +1,5 @@
-# The units load without a complaint, the system's are confined, their sockets are the services' addresses, and the
-# package tool's hook never fails.
+# The units load without a complaint, the system's are confined, their sockets are the services' addresses, a removal of
+# the package stops them, and the package tool's hook never fails.
 #
 #   cmake -D SOURCE=... -D BUILT=... -D STAGE=... -D ANALYZE=... -D APT_CONFIG=... -P units_test.cmake
 cmake_minimum_required(VERSION 3.25)
@@ -34,6 +34,53 @@ foreach(service IN ITEMS web image download file)
   file(READ "${SOURCE}/packaging/linux/systemd/system/quarrynet-services-${service}.socket" text)
   if(NOT text MATCHES "\nListenStream=127\\.80\\.0\\.${last}:80\nFileDescriptorName=${service}\n")
     message(SEND_ERROR "the socket of the ${service} search is another one")
+  endif()
+endforeach()
+
+# Only the services and the crawl reach other machines.
+file(GLOB units "${BUILT}/system/*.service")
+foreach(unit IN LISTS units)
+  get_filename_component(name "${unit}" NAME_WE)
+  file(READ "${unit}" text)
+  string(FIND "${text}" "\nPrivateNetwork=yes\nIPAddressDeny=any\nRestrictAddressFamilies=AF_UNIX\n" at)
+  set(isCutOff TRUE)
+  if(at EQUAL -1)
+    set(isCutOff FALSE)
+  endif()
+  set(needsNetwork FALSE)
+  if(name STREQUAL "quarrynet-services" OR name STREQUAL "quarrynet-services-crawl")
+    set(needsNetwork TRUE)
+  endif()
+  if(isCutOff STREQUAL needsNetwork)
+    message(SEND_ERROR "${name} has a network, or none: ${isCutOff}")
+  endif()
+endforeach()
+
+# Nobody is crawled whom the administrator does not name. Each timer has its unit.
+foreach(manager IN ITEMS system user)
+  file(READ "${BUILT}/${manager}/quarrynet-services-crawl.service" text)
+  if(NOT text MATCHES "\nConditionPathExists=[^\n]*/quarrynet/services.toml\n" OR NOT text MATCHES " crawl --due\n")
+    message(SEND_ERROR "the ${manager}'s crawl asks nobody's configuration")
+  endif()
+  file(GLOB timers "${SOURCE}/packaging/linux/systemd/${manager}/*.timer")
+  foreach(timer IN LISTS timers)
+    get_filename_component(name "${timer}" NAME_WE)
+    if(NOT EXISTS "${BUILT}/${manager}/${name}.service")
+      message(SEND_ERROR "${timer} starts nothing")
+    endif()
+  endforeach()
+endforeach()
+
+# A unit that nothing stops would go on without its program, and a timer would stay enabled after a purge.
+file(READ "${SOURCE}/debian/rules" rules)
+file(READ "${SOURCE}/debian/quarrynet-services.prerm" removal)
+file(GLOB stopped RELATIVE "${BUILT}/system" "${BUILT}/system/*.service")
+file(GLOB enabled RELATIVE "${SOURCE}/packaging/linux/systemd/system" "${SOURCE}/packaging/linux/systemd/system/*.timer")
+foreach(unit IN LISTS stopped enabled)
+  if(unit IN_LIST stopped AND NOT removal MATCHES "[ \t]${unit}[ \n]")
+    message(SEND_ERROR "a removal does not stop ${unit}")
+  elseif(unit IN_LIST enabled AND NOT rules MATCHES "dh_installsystemd [^\n]*(\\\\\n[^\n]*)?[ \t]${unit}[ \n]")
+    message(SEND_ERROR "a purge does not disable ${unit}")
   endif()
 endforeach()
 

@@ -145,8 +145,10 @@ TEST_F(Program, ServesWithoutAnIndexAndFindsItWhenItComes)
 {
     Running server = serve();
     const std::string ready = server.readLine();
-    EXPECT_NE(server.errors().find("quarrynet-services index"), std::string::npos);
-    EXPECT_EQ(ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple").substr(9, 3), "503");
+    EXPECT_NE(server.errors().find("quarrynet-services index --data " + data()), std::string::npos) << server.errors();
+    const std::string refusal = ask("127.80.0.1", portOf(ready, "web"), "/search?q=apple");
+    EXPECT_EQ(refusal.substr(9, 3), "503");
+    EXPECT_EQ(refusal.find(data()), std::string::npos) << "pages name no folders: " << refusal;
     folder_.write("other/errors", "");
     const std::string list = folder_.write("list", "Package: apple\nHomepage: http://apple.example/\n");
     Running run(
@@ -362,8 +364,8 @@ TEST_F(Program, CrawlSaysWhyItCannot)
     EXPECT_NE(broken.errors().find(server.site()), std::string::npos) << broken.errors();
     EXPECT_EQ(start({"crawl", "--data", data(), "gopher://h/"}).wait(), 1);
     EXPECT_EQ(start({"crawl", "--data", data(), "--due", server.site()}).wait(), 2);
-    Running unplanned = start({"crawl", "--data", data(), "--due"});
-    EXPECT_EQ(unplanned.wait(), 1);
+    Running unplanned = start({"crawl", "--data", data(), "--due", "--config", folder_.write("services.toml", "")});
+    EXPECT_EQ(unplanned.wait(), 0) << "a timer that has nothing to do does not fail";
     EXPECT_NE(unplanned.errors().find("[[crawl]]"), std::string::npos) << unplanned.errors();
 }
 
