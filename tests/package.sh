@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages on fresh Debian 12 systems, uses them and removes them: the menu entry, a search on each
-# tab as an ordinary user, two users at once, without the browser plug-in, upgrade, removal and purge, and what is left;
+# tab as an ordinary user, two users at once, without the browser plug-in or systemd, upgrade, removal and purge, and
+# what is left;
 # without network and package lists, with a taken port, a full disk, a newer index, and broken configuration.
 #
 # Usage, as root: tests/package.sh [--packages FOLDER] [--from FOLDER] [--results FOLDER] [--reproducible] [TEST...]
@@ -92,7 +93,7 @@ for name in "${tests[@]}"; do
     echo "== $name"
     before=$failures
     "test_$name"
-    [ -z "${container:-}" ] || stop_machine
+    stop_machine
     [ "$failures" = "$before" ] || echo "   failed"
 done
 echo "The screenshots are in $results"

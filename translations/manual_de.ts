@@ -176,6 +176,10 @@
         <translation>Wenn ein Dienst antwortet, aber gar nichts findet, fehlt vielleicht sein Index oder entsteht noch; auch das sagt &lt;code&gt;quarrynet-services status&lt;/code&gt;.</translation>
     </message>
     <message>
+        <source>Where systemd does not run, in a container for example, nobody has started the services or made their index. Type &lt;code&gt;quarrynet-services index&lt;/code&gt; once in a terminal, and then &lt;code&gt;quarrynet-services serve&lt;/code&gt;. If it may not use port 80, switch &lt;a href="proxy.html"&gt;the proxy&lt;/a&gt; on and enter 127.0.0.1 and 8780.</source>
+        <translation>Wo systemd nicht läuft, etwa in einem Container, hat niemand die Dienste gestartet oder ihren Index gemacht. Geben Sie in einem Terminal einmal &lt;code&gt;quarrynet-services index&lt;/code&gt; und dann &lt;code&gt;quarrynet-services serve&lt;/code&gt; ein. Wenn es Port 80 nicht verwenden darf, schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8780 ein.</translation>
+    </message>
+    <message>
         <source>Words</source>
         <translation>Suchbegriffe</translation>
     </message>

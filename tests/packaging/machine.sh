@@ -71,6 +71,12 @@ make_ready() {
 
 # start_machine NAME base|ready: starts a machine over one of the two file systems. Sets $root and $leader.
 start_machine() {
+    mount_machine "$@"
+    boot
+}
+
+# mount_machine NAME base|ready: makes the file system of a machine. Sets $root.
+mount_machine() {
     local lower=$work/base
     [ "$2" = base ] || lower=$work/ready:$work/base
     machine=$1
@@ -78,7 +84,14 @@ start_machine() {
     mkdir -p "$root" "$work/$machine/changes" "$work/$machine/work"
     mount -t overlay overlay \
         -o "lowerdir=$lower,upperdir=$work/$machine/changes,workdir=$work/$machine/work" "$root"
-    boot
+}
+
+# without_systemd COMMAND...: runs a command in the current, unstarted machine, which ends with it. The network has
+# loopback addresses only.
+without_systemd() {
+    systemd-nspawn -q --register=no --keep-unit --as-pid2 --pipe --private-network -D "$root" \
+        --bind="$cache/archives:/var/cache/apt/archives" --bind-ro="$debs:/packages" \
+        --setenv=DEBIAN_FRONTEND=noninteractive "$@"
 }
 
 # Starts the systemd of the current machine.

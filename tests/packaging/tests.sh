@@ -47,6 +47,8 @@ test_life() {
     inside_as anna sh -c 'printf "[ProxySwitch]\nValue=0\n; mine\n" >.local/share/quarrynet/Quarrynet.ini'
     files=$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)
     inside sh -c 'mkdir -p /etc/quarrynet; echo "[web]" >/etc/quarrynet/services.toml'
+    same "the crawl's timer" disabled "$(inside systemctl is-enabled quarrynet-services-crawl.timer)"
+    inside systemctl --quiet enable --now quarrynet-services-crawl.timer
     index=$(stat -c %i "$root$state/index.sqlite")
     pid=$(inside systemctl show -P MainPID quarrynet-services.service)
     opened=$(inside systemctl show -P ActiveEnterTimestampMonotonic 'quarrynet-services*.socket')
@@ -65,12 +67,15 @@ test_life() {
     tour anna 2-web-search-box 4-image-search-box
     same "the person's settings" "$files" "$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)"
     same "the index" "$index" "$(stat -c %i "$root$state/index.sqlite")"
+    same "the crawl's timer after the upgrade" active "$(inside systemctl is-active quarrynet-services-crawl.timer)"
 
     echo "   removal"
     expect "apt-get remove" inside apt-get remove -y $all_packages
     services_answer web image download file
     expect "the index after removal" test -f "$root$state/index.sqlite"
     expect "the administrator's file after removal" test -f "$root/etc/quarrynet/services.toml"
+    same "active units after removal" "" "$(inside systemctl list-units --plain --no-legend --state=active,activating \
+        'quarrynet*')"
     # The hook of the package manager has stayed.
     expect "apt without the packages" inside apt-get check
     same "processes" "" "$(inside pgrep -a quarrynet || true)"
@@ -79,6 +84,7 @@ test_life() {
     install /packages $all_packages
     expect "the index" await_index
     services_answer
+    same "the crawl's timer, which was enabled" active "$(inside systemctl is-active quarrynet-services-crawl.timer)"
     expect "apt-get purge" inside apt-get purge -y $all_packages
     expect_nothing_left "$work/before"
     expect "the person's settings after purge" test -f "$root/home/anna/.local/share/quarrynet/Quarrynet.ini"
@@ -117,6 +123,7 @@ test_nothing_started() {
     chmod 755 "$root/usr/sbin/policy-rc.d"
     install /old quarrynet-services
     nothing_runs "with a policy that forbids it"
+    says "the installation" 'systemctl start quarrynet-services.socket' "$(cat "$work/$machine/apt.log")"
     rm "$root/usr/sbin/policy-rc.d"
     inside systemctl disable --quiet quarrynet-services.socket
     install /packages quarrynet-services
@@ -124,6 +131,36 @@ test_nothing_started() {
     inside systemctl enable --quiet --now quarrynet-services.socket
     inside systemctl start quarrynet-services-first-index.service
     services_answer
+}
+
+# Without systemd the package makes and starts nothing. What it says to do works for everybody; who may not use port 80
+# is told about the proxy.
+test_without_systemd() {
+    local said tried person command
+    mount_machine without-systemd ready
+    said=$(without_systemd sh -c 'apt-get install -y -q /packages/quarrynet-services_*.deb' 2>&1) ||
+        fail "the installation: $said"
+    says "the installation" 'systemd does not run here' "$said"
+    same "the system's index" "" "$(ls -A "$root$state" 2>/dev/null)"
+    for person in root anna; do
+        for command in index serve; do
+            says "the installation" "^    quarrynet-services $command\$" "$said"
+        done
+        tried=$(without_systemd sh -c '
+            su "$1" -c "quarrynet-services index"
+            su "$1" -c "exec quarrynet-services serve" >/tmp/ready 2>&1 &
+            until grep -q ready /tmp/ready; do kill -0 $! || break; sleep 0.1; done
+            su "$1" -c "quarrynet-services status"
+            cat /tmp/ready' sh $person 2>&1)
+        if [ $person = root ]; then
+            says "the status for root" '^Everything is in order' "$tried"
+        else
+            says "the status for $person" '^Index: /home/anna/' "$tried"
+            says "the status for $person" '^  proxy +127\.0\.0\.1:8780  answers in' "$tried"
+            says "the services of $person" 'enter 127\.0\.0\.1 and 8780' "$tried"
+        fi
+    done
+    expect "apt-get purge" without_systemd apt-get purge -y quarrynet-services
 }
 
 # nothing_runs WHEN: expects neither an index, nor services or sockets.
