@@ -13,6 +13,7 @@
 #include <QStyleOptionSlider>
 
 #include "platform/contrast.h"
+#include "platform/scaling_bars.h"
 
 namespace quarrynet {
 
@@ -55,6 +56,16 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
         needed.rwidth() += std::max(0, needed.height() * 4 / 5 - kCountedOn);
     }
     return needed;
+}
+
+int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
+{
+    const int value = QProxyStyle::pixelMetric(metric, option, widget);
+    const auto* bar = metric == PM_MenuBarVMargin ? qobject_cast<const MenuBar*>(widget) : nullptr;
+    if (!bar)
+        return value;
+    const int spare = bar->height() - bar->entryHeight();
+    return std::max(value, spare / 2 - pixelMetric(PM_MenuBarPanelWidth, option, widget));
 }
 
 void ProgramStyle::polish(QWidget* widget)

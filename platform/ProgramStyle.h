@@ -18,6 +18,10 @@ public:
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                            const QWidget* widget) const override;
 
+    // Centres the entries of the window's menu bar. They begin below this margin, and there is no other way to move
+    // them. A style of the bar's own would not change when the desktop's style does.
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
+
     using QProxyStyle::polish;
 
     // Gives texts the contrast that people need to read them, where the desktop's colours have less. This runs at each

@@ -2,38 +2,12 @@
 
 #include <algorithm>
 
+#include <QEvent>
 #include <QLayout>
-#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleOptionMenuItem>
 
 namespace quarrynet {
-
-namespace {
-
-// QMenuBar's entries begin below the style's margin; there is no other way to move them.
-class CentredEntries final : public QProxyStyle
-{
-public:
-    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
-    {
-        const int value = QProxyStyle::pixelMetric(metric, option, widget);
-        if (metric != PM_MenuBarVMargin || !widget)
-            return value;
-        return std::max(value, (widget->height() - entryHeight(*widget)) / 2 -
-                                   pixelMetric(PM_MenuBarPanelWidth, option, widget));
-    }
-
-    // Returns the height of a menu bar's entries.
-    int entryHeight(const QWidget& bar) const
-    {
-        QStyleOptionMenuItem entry;
-        entry.initFrom(&bar);
-        return sizeFromContents(CT_MenuBarItem, &entry, QSize(1, bar.fontMetrics().height()), &bar).height();
-    }
-};
-
-} // namespace
 
 TabStrip::TabStrip(QWidget* parent) : QTabBar(parent)
 {
@@ -108,10 +82,26 @@ MenuBar::MenuBar(int height, QWidget* parent) : QMenuBar(parent)
 {
     setNativeMenuBar(false); // a native bar leaves the window, whose layout needs the bar's height
     setFixedHeight(height);
-    auto* style = new CentredEntries;
-    style->setParent(this);
-    setStyle(style);
-    for (double points = QFontInfo(font()).pointSizeF(); points > 1 && style->entryHeight(*this) > height; --points) {
+    fit();
+}
+
+int MenuBar::entryHeight() const
+{
+    QStyleOptionMenuItem entry;
+    entry.initFrom(this);
+    return style()->sizeFromContents(QStyle::CT_MenuBarItem, &entry, QSize(1, fontMetrics().height()), this).height();
+}
+
+void MenuBar::changeEvent(QEvent* event)
+{
+    QMenuBar::changeEvent(event);
+    if (event->type() == QEvent::StyleChange)
+        fit();
+}
+
+void MenuBar::fit()
+{
+    for (double points = QFontInfo(font()).pointSizeF(); points > 1 && entryHeight() > maximumHeight(); --points) {
         QFont smaller = font();
         smaller.setPointSizeF(points);
         setFont(smaller);

@@ -50,7 +50,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 };
 
-/// A menu bar of a fixed height, with vertically centred entries.
+/// A menu bar of a fixed height. ProgramStyle centres its entries vertically.
 class MenuBar final : public QMenuBar
 {
     Q_OBJECT
@@ -58,6 +58,15 @@ class MenuBar final : public QMenuBar
 
 public:
     MenuBar(int height, QWidget* parent);
+
+    /// Returns the height of an entry in the current style and font.
+    int entryHeight() const;
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void fit();
 };
 
 /// A status bar of panels that are as high as the bar. A stock bar has margins that leave no room for text in a low

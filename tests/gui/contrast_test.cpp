@@ -8,6 +8,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QStyleFactory>
@@ -65,6 +67,22 @@ public:
         QStyleOptionSlider option;
         initStyleOption(&option);
         return style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    }
+};
+
+/// Fills menu bars with a colour that no desktop has.
+class MarkedStyle final : public QProxyStyle
+{
+public:
+    static constexpr QColor kMark{1, 200, 3};
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override
+    {
+        if (element == CE_MenuBarItem || element == CE_MenuBarEmptyArea)
+            painter->fillRect(option->rect, kMark);
+        else
+            QProxyStyle::drawControl(element, option, painter, widget);
     }
 };
 
@@ -129,6 +147,7 @@ private slots:
     void everyTabIsReadable();
     void menusAreReadable_data() { addLooks(); }
     void menusAreReadable();
+    void menuBarFollowsTheStyle();
     void historyIsReadable_data() { addLooks(); }
     void historyIsReadable();
     void dialogsAreReadable_data() { addLooks(); }
@@ -307,6 +326,17 @@ void ContrastTest::menusAreReadable()
     check(*combo->view());
     keepPicture(*combo->view()->window(), u"combo"_s);
     combo->hidePopup();
+}
+
+// The bar kept the style with which the program had started: light on Windows, below the light text of a dark palette.
+void ContrastTest::menuBarFollowsTheStyle()
+{
+    QMenuBar* bar = window_->main().menuBar();
+    QVERIFY(placeOf(bar->grab().toImage(), MarkedStyle::kMark).isEmpty());
+    auto* own = new ProgramStyle;
+    own->setBaseStyle(new MarkedStyle);
+    QApplication::setStyle(own);
+    QCOMPARE(placeOf(bar->grab().toImage(), MarkedStyle::kMark), bar->rect());
 }
 
 // The earlier entries of a field, one of them chosen.

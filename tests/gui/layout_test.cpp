@@ -5,12 +5,14 @@
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QScrollBar>
+#include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QStyleOptionFrame>
 #include <QToolBar>
 
 #include "platform/PagingSlider.h"
+#include "platform/ProgramStyle.h"
 #include "tab_controls.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -55,6 +57,7 @@ class LayoutTest final : public QObject
 private slots:
     void initTestCase()
     {
+        QApplication::setStyle(new ProgramStyle);
         window_ = std::make_unique<WindowFixture>();
         window_->start();
         points_ = QFontInfo(window_->main().font()).pointSizeF();
@@ -299,8 +302,20 @@ private slots:
             QVERIFY(toolbar->rect().contains(toolbar->widgetForAction(action)->geometry()));
     }
 
+    void theMenusEntriesStandInTheMiddleOfTheirBar_data()
+    {
+        QTest::addColumn<QString>("style");
+        for (const char* style : {"Fusion", "Windows"})
+            QTest::newRow(style) << QString::fromLatin1(style);
+    }
+
     void theMenusEntriesStandInTheMiddleOfTheirBar()
     {
+        QFETCH(QString, style);
+        auto* own = new ProgramStyle;
+        own->setBaseStyle(QStyleFactory::create(style));
+        QApplication::setStyle(own);
+        const auto restore = qScopeGuard([] { QApplication::setStyle(new ProgramStyle); });
         QMenuBar* bar = window_->main().menuBar();
         for (QAction* action : bar->actions()) {
             const QRect entry = bar->actionGeometry(action);
