@@ -26,13 +26,18 @@ namespace {
 
 /// Files that root creates in a user's data folder go to that user, who, like services that gave up root's rights, must
 /// be able to read them.
-void giveToOwnerOf(const std::string& folder, const std::string& file)
+void giveToOwnerOf(const std::string& folder, const Descriptor& file)
 {
     struct stat status
     {};
     if (::geteuid() != 0 || ::stat(folder.c_str(), &status) != 0 || status.st_uid == 0)
         return;
-    if (::lchown(file.c_str(), status.st_uid, status.st_gid) != 0)
+    struct stat own
+    {};
+    // Another name of the file may be in a folder that this user cannot write to.
+    if (::fstat(file.number(), &own) != 0 || !S_ISREG(own.st_mode) || own.st_nlink != 1)
+        return;
+    if (::fchown(file.number(), status.st_uid, status.st_gid) != 0)
         return; // the first to read the file reports the error
 }
 
@@ -41,9 +46,10 @@ void giveToOwnerOf(const std::string& folder, const std::string& file)
 Outcome<IndexLock> IndexLock::take(const std::string& dataFolder, const std::function<bool()>& again)
 {
     const std::string path = (std::filesystem::path(dataFolder) / "index.lock").string();
-    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
+    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644));
     if (!file)
         return Failure{"cannot write to " + dataFolder + ": " + std::strerror(errno)};
+    giveToOwnerOf(dataFolder, file);
     while (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EINTR)
             continue;
@@ -447,7 +453,8 @@ Outcome<Done> IndexWriter::commit()
         return result;
     parts_->close();
     const std::string target = indexPath(parts_->folder);
-    giveToOwnerOf(parts_->folder, parts_->path);
+    if (const Descriptor made{::open(parts_->path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW)})
+        giveToOwnerOf(parts_->folder, made);
     std::error_code error = flushFile(parts_->path);
     if (!error)
         error = renameDurably(parts_->path, target);

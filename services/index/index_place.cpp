@@ -73,7 +73,8 @@ IndexCommands indexCommands(const std::string& dataFolder, Reader reader)
     if (isSystemsFolder(dataFolder)) {
         // The unit does not replace a newer index, and everybody knows this folder. A person's own services cannot use
         // its index.
-        return {kSystemCommand, "sudo " + program + "index --force --data " + kSystemDataFolder, program + "serve", look};
+        return {kSystemCommand, "sudo " + program + "index --force --data " + kSystemDataFolder, program + "serve",
+                look};
     }
     const std::string begin = (::geteuid() == 0 && !valueOf("SUDO_USER").empty() ? "sudo " : "") + program;
     return {begin + "index" + folder, begin + "index --force" + folder, begin + "serve" + folder, look};

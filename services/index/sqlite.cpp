@@ -24,8 +24,9 @@ Failure describeFault(sqlite3* handle)
     return Failure{std::string("the index database reports: ") + sqlite3_errmsg(handle)};
 }
 
-/// Returns the path of an existing file unchanged. SQLite itself would resolve all links in it, which requires the
-/// right to read every folder on the way.
+/// Returns a file's path unchanged. SQLite itself would resolve all links in it, which requires the right to read every
+/// folder on the way, and would lead root out of the folder of a user whom it need not trust. A link in place of the
+/// file itself is refused then.
 int nameAsGiven(sqlite3_vfs*, const char* name, int size, char* full)
 {
     const std::string_view text(name);
@@ -167,7 +168,7 @@ Outcome<Database> Database::open(const std::string& path, Access access)
     const int flags = SQLITE_OPEN_NOMUTEX |
                       (access == Access::Read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     sqlite3* handle = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &handle, flags, access == Access::Read ? filesAsNamed() : nullptr);
+    const int code = sqlite3_open_v2(path.c_str(), &handle, flags, filesAsNamed());
     Handle owned(handle);
     if (handle == nullptr)
         return Failure{"out of memory while opening " + path};

@@ -1,6 +1,8 @@
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <optional>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -95,6 +97,30 @@ TEST_F(Index, MissingIndexAndOtherLayoutSayWhatToDo)
     EXPECT_NE(missing.error().message.find("quarrynet-services index"), std::string::npos);
     ASSERT_TRUE(Database::open(indexPath(data_.path()), Database::Access::Create)->execute("CREATE TABLE x(y)"));
     EXPECT_FALSE(pool.borrow());
+}
+
+// Once it made an empty file wherever a link in the folder of the services' user led root.
+TEST_F(Index, ALinkInPlaceOfTheLockIsRefused)
+{
+    std::filesystem::create_symlink(data_.path() + "/nologin", data_.path() + "/index.lock");
+    EXPECT_FALSE(IndexLock::take(data_.path()));
+    EXPECT_FALSE(std::filesystem::exists(data_.path() + "/nologin"));
+}
+
+// The services' user makes the next one.
+TEST_F(Index, RootLeavesTheLockAndTheIndexToTheOwnerOfTheFolder)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root makes files for others";
+    constexpr uid_t kOther = 12345;
+    ASSERT_EQ(::chown(data_.path().c_str(), kOther, kOther), 0);
+    ASSERT_TRUE(build(stanza("red", "apple")));
+    for (const char* name : {"/index.lock", "/index.sqlite"}) {
+        struct stat status
+        {};
+        ASSERT_EQ(::stat((data_.path() + name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, kOther) << name;
+    }
 }
 
 TEST_F(Index, FileThatIsNoDatabaseIsAFailure)

@@ -67,7 +67,8 @@ TEST_F(IndexPlace, TheSystemsIndexIsMadeByItsUnit)
         EXPECT_EQ(commands.make, "sudo systemctl start quarrynet-services-index.service") << folder;
         EXPECT_EQ(commands.replace, "sudo quarrynet-services index --force --data /var/lib/quarrynet") << folder;
         EXPECT_EQ(commands.serve, "quarrynet-services serve") << folder;
-        EXPECT_EQ(indexCommands(folder, Reader::Owner).look, "sudo quarrynet-services status --data /var/lib/quarrynet");
+        EXPECT_EQ(indexCommands(folder, Reader::Owner).look,
+                  "sudo quarrynet-services status --data /var/lib/quarrynet");
     }
     for (const char* folder :
          {"", "/", "quarrynet", "var/lib/quarrynet", "/var/lib/quarrynet/x", "/var/lib/quarrynet2"})
@@ -113,16 +114,18 @@ TEST_F(IndexPlace, CommandsForAnotherFolderNameItToItsOwner)
     EXPECT_THAT(newerIndexRemedy(commands), HasSubstr("\"quarrynet-services index --force --data /srv/index\""));
     EXPECT_EQ(make("index"), "quarrynet-services index --data " + std::filesystem::absolute("index").string());
     const Variable homeless("HOME", nullptr);
-    EXPECT_EQ(make("/home/a/.local/share/quarrynet"),
-              "quarrynet-services index --data /home/a/.local/share/quarrynet");
+    EXPECT_EQ(make("/home/a/.local/share/quarrynet"), "quarrynet-services index --data /home/a/.local/share/quarrynet");
 }
 
 TEST_F(IndexPlace, AShellTakesTheFolderAsOneWord)
 {
     for (const auto& [folder, word] : {std::pair("/my index", "'/my index'"), std::pair("/it's", "'/it'\\''s'"),
                                        std::pair("/$(reboot);`x`", "'/$(reboot);`x`'"),
-                                       std::pair("/b\xC3\xBC" "cher", "'/b\xC3\xBC" "cher'"), std::pair("/a\nb", "'/a\nb'"),
-                                       std::pair("/~a", "'/~a'")})
+                                       std::pair("/b\xC3\xBC"
+                                                 "cher",
+                                                 "'/b\xC3\xBC"
+                                                 "cher'"),
+                                       std::pair("/a\nb", "'/a\nb'"), std::pair("/~a", "'/~a'")})
         EXPECT_EQ(make(folder), std::string("quarrynet-services index --data ") + word);
 }
 

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "index/sqlite.h"
@@ -49,6 +52,23 @@ TEST(Database, FaultsSayWhatIsWrong)
     const Outcome<Statement> select = database->prepare("SELECT * FROM sqlite_schema");
     ASSERT_FALSE(select);
     EXPECT_NE(select.error().message.find("not a database"), std::string::npos);
+}
+
+// Root writes into a folder of the services' user. Once a link there led it to any file of the system.
+TEST(Database, ALinkInPlaceOfTheFileIsRefusedAndOneToItsFolderIsNot)
+{
+    const TemporaryFolder folder;
+    const std::string base = folder.path();
+    std::filesystem::create_directory(base + "/elsewhere");
+    std::filesystem::create_symlink(base + "/elsewhere/made", base + "/link");
+    Outcome<Database> refused = Database::open(base + "/link", Database::Access::Create);
+    EXPECT_FALSE(refused && refused->execute("CREATE TABLE t(a)"));
+    EXPECT_FALSE(std::filesystem::exists(base + "/elsewhere/made"));
+    std::filesystem::create_directory_symlink(base + "/elsewhere", base + "/folder");
+    Outcome<Database> made = Database::open(base + "/folder/index", Database::Access::Create);
+    ASSERT_TRUE(made);
+    EXPECT_TRUE(made->execute("CREATE TABLE t(a)"));
+    EXPECT_TRUE(std::filesystem::exists(base + "/elsewhere/index"));
 }
 
 TEST(Database, FaultOfAStatementLeavesItUsable)
