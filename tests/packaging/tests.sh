@@ -201,6 +201,10 @@ test_full_disk() {
     inside mount -o remount,size=2g $state
     inside systemctl start quarrynet-services-first-index.service
     services_answer
+    # The place of a mounted disk cannot be removed, which must not stop the purge.
+    expect "apt-get purge" inside apt-get purge -y $all_packages
+    same "the index after purge" "" "$(ls -A "$root$state" 2>/dev/null)"
+    expect "apt-get check" inside apt-get check
 }
 
 test_newer_index() {
