@@ -9,6 +9,7 @@
 #include <QMenu>
 
 #include "common/CDS_CIni.h"
+#include "ground/ascii.h"
 #include "platform/EntryPopup.h"
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
@@ -63,7 +64,6 @@ void FieldHistory::addTo(QMenu& menu)
     QAction* keeping = menu.addAction(tr("&Keep History"));
     keeping->setObjectName(QStringLiteral("historymnu"));
     keeping->setCheckable(true);
-    keeping->setChecked(isOn());
     connect(&menu, &QMenu::aboutToShow, keeping, [this, keeping] { keeping->setChecked(isOn()); });
     connect(keeping, &QAction::triggered, this, [this, keeping] {
         setOn(!isOn()); // another window may have changed it since the menu was shown
@@ -76,9 +76,16 @@ void FieldHistory::addTo(QMenu& menu)
 
 bool FieldHistory::isOn() const
 {
+    CDS_CIni store = settings(settingsPath_);
     std::string value;
-    if (settings(settingsPath_).ReadValue(kSection, kKey, value))
+    if (store.ReadValue(kSection, kKey, value))
         return value == "on";
+    // ReadValue() does not tell an empty value from a missing one.
+    std::vector<std::string> keys;
+    std::vector<std::string> values;
+    store.ReadSection(kSection, keys, values);
+    if (std::any_of(keys.begin(), keys.end(), [](const std::string& key) { return equalsIgnoringCase(key, kKey); }))
+        return false;
     const QFileInfo file(toPathText(settingsPath_));
     return !file.exists() || file.isReadable(); // what cannot be read may say "off"
 }

@@ -20,8 +20,8 @@ class SearchTab;
 /// Keeps what was searched for and offers it in the fields, unless the user has switched that off.
 ///
 /// While it is off, nothing is written, read or offered, and an existing history stays until it is cleared. The switch
-/// is a section of the settings file, in which any value but "on" means off; the history has a file of its own beside
-/// it. Both are read when they are needed, not at the start, so that all windows agree.
+/// is a section of the settings file, in which any value but "on", also an empty one, means off; the history has a file
+/// of its own beside it. Both are read when they are needed, not at the start, so that all windows agree.
 class FieldHistory final : public QObject
 {
     Q_OBJECT

@@ -37,7 +37,7 @@ private slots:
         QCOMPARE(offered(), QStringList(u"apple"_s));
         press(Qt::Key_Escape);
 
-        QVERIFY(menuEntry("historymnu")->isChecked());
+        QVERIFY(isMarkedInMenu());
         menuEntry("historymnu")->trigger();
         QVERIFY(!menuEntry("historymnu")->isChecked());
         searchFor("Text1", "pear");
@@ -49,15 +49,44 @@ private slots:
         QVERIFY(!QApplication::activePopupWidget());
     }
 
-    // A person who has written something else than "on" wants no records, even if the word is not the program's.
+    // A person who has written something else than "on" wants no records, even if the word is not the program's. An
+    // empty value used to mean "on".
+    void anyOtherValueThanOnIsOff_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        for (const char* line : {"Value=no", "Value=", "Value", "value=  ", "VALUE=\"\"", "Value=ON"})
+            QTest::newRow(line) << QByteArray(line);
+        QTest::newRow("the first of two") << QByteArray("Value=\nValue=on");
+    }
+
     void anyOtherValueThanOnIsOff()
     {
-        window_->writeSettings("[History]\nValue=no\n");
+        QFETCH(QByteArray, line);
+        window_->writeSettings("[History]\n" + line + "\n");
         window_->start();
         searchFor("Text1", "apple");
         settle();
         QVERIFY(!QFile::exists(historyFile()));
+        QVERIFY(!isMarkedInMenu());
+        menuEntry("historymnu")->trigger();
+        QVERIFY(isMarkedInMenu());
+    }
+
+    void aSectionWithoutTheValueIsOn()
+    {
+        window_->writeSettings("[History]\nValues=\n[Else]\nValue=\n");
+        window_->start();
+        QVERIFY(isMarkedInMenu());
+    }
+
+    // Once the start waited for one more reading of the settings file.
+    void theSwitchIsReadWhenTheMenuIsOpened()
+    {
+        window_->start();
         QVERIFY(!menuEntry("historymnu")->isChecked());
+        QVERIFY(isMarkedInMenu());
+        window_->writeSettings("[History]\nValue=off\n");
+        QVERIFY(!isMarkedInMenu());
     }
 
     void theMenuHasItsEntriesBehindTheStatedOne()
@@ -376,12 +405,10 @@ private slots:
         QVERIFY(settings.contains("[History]\nValue=off\n"));
         file.close();
         window_->start(); // another window in the same folder
-        QVERIFY(!menuEntry("historymnu")->isChecked());
+        QVERIFY(!isMarkedInMenu());
         menuEntry("historymnu")->trigger();
         window_->start();
-        QMenu* view = window_->control<QMenu>("viewmnu");
-        emit view->aboutToShow();
-        QVERIFY(menuEntry("historymnu")->isChecked());
+        QVERIFY(isMarkedInMenu());
     }
 
     void clearDeletesTheFileAndWhatACrashHasLeft()
@@ -464,6 +491,12 @@ private slots:
     }
 
 private:
+    bool isMarkedInMenu()
+    {
+        emit window_->control<QMenu>("viewmnu")->aboutToShow();
+        return menuEntry("historymnu")->isChecked();
+    }
+
     // With QUARRYNET_PICTURES set, saves what the test has made there, for people to look at.
     void savePicture(int points, QWidget& list)
     {
