@@ -76,8 +76,11 @@ QString PageCheck::outcome() const
     if (rows.size() > kMostRows)
         return counted(rows.size(), {});
     QStringList results;
-    for (const ListViewModel::Row& row : rows)
-        results.append(toLine(row[0]) + QLatin1String(": ") + toLine(row[1]));
+    for (const ListViewModel::Row& row : rows) {
+        QStringList cells = {toLine(row[0]), toLine(row[1])};
+        cells.removeAll(QString()); // a summary has no result
+        results.append(cells.join(QLatin1String(": ")));
+    }
     return results.isEmpty() ? tr("No results") : results.join(QLatin1String(", "));
 }
 

@@ -164,6 +164,17 @@ private slots:
         QTRY_COMPARE(announced(), u"1 result"_s);
     }
 
+    // The summary used to end in a dangling colon.
+    void aSummaryOfAPageCheckIsAnnouncedAsASentence()
+    {
+        window_->service.answerWith(pageOf(tabOf(2)));
+        const char* field = fillIn(*window_, tabOf(2));
+        window_->control<QComboBox>("Combo1")->setCurrentIndex(1);
+        window_->type(field, u"green zebra"_s);
+        QTest::keyClick(window_->control<QLineEdit>(field), Qt::Key_Return);
+        QTRY_COMPARE(announced(), u"Not all keywords are found in this page"_s);
+    }
+
     void theEndInTheBackgroundIsAnnouncedWithItsTab()
     {
         window_->service.stall();
