@@ -141,7 +141,26 @@ PagingSlider::Texts PagingSlider::texts() const
             texts.caption.moveLeft(0);
         }
     }
+    if (!texts.hasNumbers)
+        makeRoomForEnds(texts);
     return texts;
+}
+
+void PagingSlider::makeRoomForEnds(Texts& texts) const
+{
+    const std::optional<QFont> digits = withDigitsOf(font(), height());
+    if (!digits)
+        return;
+    const QFontMetrics metrics(*digits);
+    int first = metrics.horizontalAdvance(QString::number(minimum())) + metrics.averageCharWidth();
+    int last = metrics.horizontalAdvance(QString::number(maximum())) + metrics.averageCharWidth();
+    if (first + last > texts.slider.width() / 2)
+        return;
+    if (layoutDirection() == Qt::RightToLeft)
+        std::swap(first, last);
+    texts.slider.adjust(first, 0, -last, 0);
+    texts.numberFont = *digits;
+    texts.hasEnds = true;
 }
 
 void PagingSlider::initStyleOption(QStyleOptionSlider* option) const
@@ -163,17 +182,57 @@ void PagingSlider::drawNumbers(QPainter& painter, const Texts& texts)
     initStyleOption(&option);
     painter.setFont(texts.numberFont);
     const QFontMetrics metrics(texts.numberFont);
-    const int wide = metrics.horizontalAdvance(QString::number(maximum()));
+    const int gap = metrics.averageCharWidth();
+    // The numbers stay apart from the caption as from each other.
+    const QRect caption = texts.hasCaption ? texts.caption : QRect(width() + gap, 0, 0, 0);
+    const bool captionFirst = caption.left() == 0;
+    const int leftmost = captionFirst ? caption.right() + 1 + gap : 0;
+    const int end = captionFirst ? width() : caption.left() - gap;
+    // Returns from where to where the number of a page extends.
+    const auto placeOf = [&](std::int64_t page) {
+        const int wide = metrics.horizontalAdvance(QString::number(page)) + 1; // the advance is rounded
+        const int left = thumbCentre(option, static_cast<int>(page)) - wide / 2;
+        return QRect(std::clamp(left, leftmost, std::max(leftmost, end - wide)), texts.numbersTop, wide,
+                     metrics.capHeight());
+    };
+    const auto draw = [&](std::int64_t page, const QRect& place) {
+        painter.drawText(place.left(), texts.numbersTop + metrics.capHeight(), QString::number(page));
+    };
+    const auto isApart = [&](const QRect& place, const QRect& other) {
+        return place.right() + gap < other.left() || other.right() + gap < place.left();
+    };
+    // The first and the last number, and where not all of the others have room, every second, every third, and so on.
+    const QRect last = placeOf(maximum());
+    const QRect first = placeOf(minimum());
+    draw(maximum(), last);
+    if (isApart(first, last))
+        draw(minimum(), first);
     const std::int64_t pages = std::int64_t{maximum()} - minimum();
-    // Where not every number has room, every second is drawn, or every third, and so on.
-    const std::int64_t room = std::max(1, texts.slider.width() / std::max(1, wide + metrics.averageCharWidth()));
-    const std::int64_t step = std::max<std::int64_t>(1, (pages + room) / room);
-    for (std::int64_t page = minimum(); page <= maximum(); page += step) {
-        const QString number = QString::number(page);
-        const int left = thumbCentre(option, static_cast<int>(page)) - metrics.horizontalAdvance(number) / 2;
-        painter.drawText(std::clamp(left, 0, std::max(0, width() - metrics.horizontalAdvance(number))),
-                         texts.numbersTop + metrics.capHeight(), number);
+    const int travel = std::abs(thumbCentre(option, maximum()) - thumbCentre(option, minimum()));
+    const std::int64_t room = std::max(1, travel / std::max(1, last.width() + gap + 1));
+    const std::int64_t step = std::max<std::int64_t>(1, (pages + room - 1) / room);
+    for (std::int64_t page = minimum() + step; page < maximum(); page += step) {
+        const QRect place = placeOf(page);
+        if (isApart(place, first) && isApart(place, last))
+            draw(page, place);
     }
+}
+
+void PagingSlider::drawEnds(QPainter& painter, const Texts& texts)
+{
+    painter.setFont(texts.numberFont);
+    const QFontMetrics metrics(texts.numberFont);
+    QString left = QString::number(minimum());
+    QString right = QString::number(maximum());
+    if (layoutDirection() == Qt::RightToLeft)
+        std::swap(left, right);
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const QRect thumb = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this) & rect();
+    const int baseLine = thumb.center().y() + 1 + metrics.capHeight() / 2;
+    painter.drawText(texts.slider.left() - metrics.averageCharWidth() / 2 - metrics.horizontalAdvance(left), baseLine,
+                     left);
+    painter.drawText(texts.slider.right() + 1 + metrics.averageCharWidth() / 2, baseLine, right);
 }
 
 // Draws what QSlider draws. Styles place the tick marks as if the slider began at the control's left end.
@@ -199,12 +258,12 @@ void PagingSlider::paintEvent(QPaintEvent* event)
         QSlider::paintEvent(event);
     else
         drawMovedSlider();
-    if (!places.hasCaption && !places.hasNumbers)
-        return;
     QPainter painter(this);
     painter.setPen(palette().color(QPalette::WindowText));
     if (places.hasNumbers)
         drawNumbers(painter, places);
+    if (places.hasEnds)
+        drawEnds(painter, places);
     if (places.hasCaption) {
         painter.setFont(places.captionFont);
         painter.drawText(places.caption, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextDontClip, position());

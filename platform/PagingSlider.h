@@ -15,7 +15,8 @@ namespace quarrynet {
 /// its page number is shown beside it.
 ///
 /// While it is enabled, it shows the numbers of the pages below its tick marks and its position, such as "page 12 of
-/// 130", at its end, and has the position as its accessible description. A text for which there is no room is left out.
+/// 130", at its end, and has the position as its accessible description. Of the numbers it shows as many as there is
+/// room for, the first and the last one before others; where there is no room below, these two stand at its ends.
 class PagingSlider final : public QSlider
 {
     Q_OBJECT
@@ -58,14 +59,17 @@ private:
         int numbersTop = 0;
         QFont numberFont;
         bool hasCaption = false;
-        bool hasNumbers = false;
+        bool hasNumbers = false; // below the tick marks
+        bool hasEnds = false;    // at both ends
     };
 
     Texts texts() const;
     QString positionAt(int page) const;
+    void makeRoomForEnds(Texts& texts) const;
     int thumbCentre(const QStyleOptionSlider& option, int page) const;
     void drawMovedSlider();
     void drawNumbers(QPainter& painter, const Texts& texts);
+    void drawEnds(QPainter& painter, const Texts& texts);
     void tellPosition();
     void showPage(int page);
 

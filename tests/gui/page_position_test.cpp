@@ -3,6 +3,7 @@
 #include <QStyleFactory>
 #include <QStyleOptionSlider>
 
+#include "TextPlaces.h"
 #include "platform/PagingSlider.h"
 #include "tab_controls.h"
 #include "tests/core/page_samples.h"
@@ -180,6 +181,65 @@ private slots:
         QVERIFY(!isEmpty(band.left(), band.right(), band.bottom() - 1));
     }
 
+    // At the window's minimum size there were no numbers at all, and long ones ran into each other.
+    void asManyNumbersAsFitAreShown_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QSize>("size"); // at the window's minimum size, at its design and on a whole screen
+        QTest::addColumn<int>("points");
+        QTest::addColumn<int>("total");
+        QTest::addColumn<Qt::LayoutDirection>("direction");
+        using Place = std::pair<QSize, int>;
+        for (const QString& style : {u"Fusion"_s, u"Windows"_s}) {
+            for (const auto& [size, points] :
+                 {Place(QSize(288, 14), 4), Place(QSize(576, 30), 10), Place(QSize(1818, 74), 28)}) {
+                for (const int total : {1, 2, 12, 130, 99999, std::numeric_limits<int>::max()}) {
+                    for (const Qt::LayoutDirection direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+                        QTest::addRow("%s, %d, %d, %d", qPrintable(style), size.width(), total, int(direction))
+                            << style << size << points << total << direction;
+                    }
+                }
+            }
+        }
+    }
+
+    void asManyNumbersAsFitAreShown()
+    {
+        QFETCH(QString, style);
+        QFETCH(QSize, size);
+        QFETCH(int, points);
+        QFETCH(int, total);
+        QFETCH(Qt::LayoutDirection, direction);
+        const std::unique_ptr<QStyle> drawn(QStyleFactory::create(style));
+        PagingSlider slider;
+        slider.setStyle(drawn.get());
+        slider.setLayoutDirection(direction);
+        QFont font = slider.font();
+        font.setPointSize(points);
+        slider.setFont(font);
+        slider.resize(size);
+        slider.setEnabled(true);
+        slider.setWindow({std::max(1, total - 9), std::max(total, 10), total});
+        slider.setTotal(total);
+        QList<TextPlaces::Text> texts = TextPlaces(slider).texts();
+        const auto isShown = [&](const QString& text) {
+            return std::any_of(texts.begin(), texts.end(), [&](const auto& shown) { return shown.text == text; });
+        };
+        QVERIFY(isShown(QString::number(slider.minimum())));
+        QVERIFY(isShown(QString::number(slider.maximum())));
+        QVERIFY(isShown(slider.position()));
+        if (size.height() > 14 && total <= 130)
+            QCOMPARE(texts.size(), 11); // all numbers, and the position
+        std::sort(texts.begin(), texts.end(), [](const auto& a, const auto& b) { return a.start.x() < b.start.x(); });
+        for (qsizetype i = 0; i < texts.size(); ++i) {
+            QVERIFY2(texts[i].place.left() >= 0 && texts[i].place.right() <= size.width(), qPrintable(texts[i].text));
+            QVERIFY2(texts[i].start.y() <= size.height(), qPrintable(texts[i].text));
+            if (i > 0)
+                QVERIFY2(texts[i - 1].place.right() < texts[i].place.left(), qPrintable(texts[i].text));
+        }
+        QVERIFY(thumb(slider).right() < size.width() && thumb(slider).left() >= 0);
+    }
+
     void everyPageUpdatesThePosition_data()
     {
         QTest::addColumn<int>("tag");
@@ -221,7 +281,7 @@ private slots:
         QCOMPARE(slider->accessibleDescription(), QString());
     }
 
-    // Saves pictures for inspection if QUARRYNET_SCREENSHOTS names an existing folder.
+    // Saves pictures of the slider for inspection if QUARRYNET_SCREENSHOTS names an existing folder.
     void pictures()
     {
         const QString folder = qEnvironmentVariable("QUARRYNET_SCREENSHOTS");
@@ -229,17 +289,24 @@ private slots:
             return;
         WindowFixture window;
         window.start();
-        window.service.answerWith(QByteArray::fromStdString(webPage("3,900")));
-        QTest::keyClick(window.control<QLineEdit>(fillIn(window, tabOf(1))), Qt::Key_Return);
+        window.chooseTab(1);
         auto* slider = window.control<PagingSlider>("Slider1");
-        QTRY_VERIFY(slider->isEnabled());
-        slider->setWindow({10, 19, 12});
-        window.service.stall();
-        QTest::keyClick(slider, Qt::Key_Right);
-        for (const QSize size : {QSize(608, 434), QSize(304, 217), QSize(1216, 868), QSize(1920, 1040)}) {
+        for (const QSize size : {window.main().minimumSize(), QSize(608, 434), QSize(1920, 1040)}) {
             window.main().resize(size);
             QCoreApplication::processEvents();
-            QVERIFY(window.main().grab().save(u"%1/position-%2.png"_s.arg(folder).arg(size.width())));
+            QPixmap shots(QSize(slider->width(), 5 * (slider->height() + 4)) * slider->devicePixelRatio());
+            shots.setDevicePixelRatio(slider->devicePixelRatio());
+            shots.fill(Qt::red);
+            QPainter painter(&shots);
+            int top = 0;
+            for (const int total : {1, 2, 12, 130, 99999}) {
+                slider->setEnabled(true);
+                slider->setWindow({std::max(1, total - 9), std::max(total, 10), total});
+                slider->setTotal(total);
+                painter.drawPixmap(0, top, slider->grab());
+                top += slider->height() + 4;
+            }
+            QVERIFY(shots.save(u"%1/positions-%2.png"_s.arg(folder).arg(size.width())));
         }
     }
 
