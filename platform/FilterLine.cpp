@@ -22,6 +22,7 @@ FilterLine::FilterLine(ListView& list)
     , list_(list)
     , words_(new QLineEdit(this))
     , count_(new QLabel(this))
+    , closing_(new QToolButton(this))
 {
     setObjectName(QStringLiteral("FilterLine"));
     hide();
@@ -33,23 +34,22 @@ FilterLine::FilterLine(ListView& list)
     words_->installEventFilter(this);
     count_->setObjectName(QStringLiteral("FilterCount"));
     count_->setTextFormat(Qt::PlainText);
-    auto* closing = new QToolButton(this);
-    closing->setObjectName(QStringLiteral("FilterClose"));
-    closing->setAutoRaise(true);
-    closing->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
-    closing->setAccessibleName(tr("Show all rows"));
-    closing->setToolTip(closing->accessibleName());
+    closing_->setObjectName(QStringLiteral("FilterClose"));
+    closing_->setAutoRaise(true);
+    closing_->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    closing_->setAccessibleName(tr("Show all rows"));
+    closing_->setToolTip(closing_->accessibleName());
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins({});
     row->addWidget(words_, 1);
     row->addWidget(count_);
-    row->addWidget(closing);
+    row->addWidget(closing_);
 
     connect(words_, &QLineEdit::textChanged, this, &FilterLine::changed);
-    connect(closing, &QToolButton::clicked, this, &FilterLine::close);
+    connect(closing_, &QToolButton::clicked, this, &FilterLine::close);
     // Tab leads from the line to the rows below it.
     setTabOrder(list.previousInFocusChain(), words_);
-    setTabOrder(words_, closing);
+    setTabOrder(words_, closing_);
 }
 
 void FilterLine::open()
@@ -76,7 +76,13 @@ void FilterLine::close()
 int FilterLine::wantedHeight()
 {
     setFont(list_.font());
-    return sizeHint().height();
+    // The widgets' preferred heights have lower bounds for fonts of usual sizes. In a small window they would take the
+    // room of several rows.
+    const int height = words_->minimumSizeHint().height();
+    const int text = fontMetrics().height();
+    closing_->setIconSize({text, text});
+    closing_->setFixedSize(height, height);
+    return height;
 }
 
 void FilterLine::showCount(int shown, std::size_t all)

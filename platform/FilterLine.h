@@ -4,6 +4,7 @@
 
 class QLabel;
 class QLineEdit;
+class QToolButton;
 
 namespace quarrynet {
 
@@ -44,6 +45,7 @@ private:
     ListView& list_;
     QLineEdit* words_;
     QLabel* count_;
+    QToolButton* closing_;
     bool open_ = false;
 };
 

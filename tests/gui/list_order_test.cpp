@@ -471,6 +471,43 @@ private slots:
         }
     }
 
+    // The line used to be as high as three rows in a small window.
+    void theLineIsAsHighAsItsText_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QSize>("size");
+        for (const QString& style : {u"Fusion"_s, u"Windows"_s}) {
+            for (const QSize size : {QSize(304, 217), QSize(608, 434), QSize(1216, 868)})
+                QTest::addRow("%s, %d", qPrintable(style), size.width()) << style << size;
+        }
+    }
+    void theLineIsAsHighAsItsText()
+    {
+        QFETCH(QString, style);
+        QFETCH(QSize, size);
+        window_.reset();
+        const QString usual = QApplication::style()->name();
+        QApplication::setStyle(style);
+        const auto restore = qScopeGuard([&] { QApplication::setStyle(usual); });
+        window_ = std::make_unique<WindowFixture>();
+        window_->start();
+        ListView* list = fillList(*window_, tabOf(1));
+        filter(*list, u"e"_s);
+        window_->main().resize(size);
+        QCoreApplication::processEvents();
+        const QLineEdit* words = filterWords(*list);
+        const QWidget* line = words->parentWidget();
+        const int text = QFontMetrics(list->font()).height();
+        QVERIFY2(line->height() <= text + 8, qPrintable(u"%1 for %2"_s.arg(line->height()).arg(text)));
+        QVERIFY(words->contentsRect().height() >= text);
+        for (const auto* part : line->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            QVERIFY2(line->rect().contains(part->geometry()), qPrintable(part->objectName()));
+        if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
+            window_->main().grab().save(u"%1/filter-%2-%3.png"_s.arg(qEnvironmentVariable("QUARRYNET_SCREENSHOTS"),
+                                                                     style, QString::number(size.width())));
+        window_.reset();
+    }
+
     void tenThousandRowsKeepTheirAddresses()
     {
         auto* list = window_->control<ListView>("ListView1");
