@@ -126,7 +126,12 @@ bool FieldHistory::forget(HistoryKind kind, const QString& entry)
 {
     const std::string text = entry.toStdString();
     pending_.erase(std::remove(pending_.begin(), pending_.end(), std::pair(kind, text)), pending_.end());
-    return file_.update([&](SearchHistory& history) { history.remove(kind, text); });
+    const QString reason = file_.update([&](SearchHistory& history) { history.remove(kind, text); });
+    if (reason.isEmpty())
+        return true;
+    refreshPopups(); // an open list would keep the box from getting keys and clicks
+    showFileError(&window_, toPathText(file_.path()), reason);
+    return false;
 }
 
 void FieldHistory::keep(HistoryKind kind, const QString& text)
@@ -152,11 +157,11 @@ void FieldHistory::flush()
         pending_.clear();
         return;
     }
-    const bool written = file_.update([this](SearchHistory& history) {
+    const QString reason = file_.update([this](SearchHistory& history) {
         for (const auto& [kind, text] : pending_)
             history.add(kind, text);
     });
-    if (written)
+    if (reason.isEmpty())
         pending_.clear();
 }
 

@@ -32,17 +32,6 @@ File openToRead(const std::wstring& path)
     return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-/// Returns an absolute path in the form that has no limit of 260 characters.
-std::wstring longPath(const std::wstring& path)
-{
-    const DWORD size = ::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
-    std::wstring full(size, L'\0');
-    full.resize(::GetFullPathNameW(path.c_str(), size, full.data(), nullptr));
-    if (full.empty() || full.starts_with(L"\\\\?\\") || full.starts_with(L"\\\\.\\"))
-        return full.empty() ? path : full;
-    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
-}
-
 struct Content
 {
     std::string bytes;

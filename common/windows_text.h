@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// Windows only: text in the system's ANSI code page and in UTF-8, and the UTF-16 that the system's own calls take.
+/// Windows only: text in the system's ANSI code page and in UTF-8, and the UTF-16 text and paths that the system's own
+/// calls take.
 namespace quarrynet {
 
 /// Returns whether the system's code page is UTF-8, which an administrator can choose.
@@ -37,5 +38,8 @@ std::wstring wideFromUtf8(std::string_view bytes);
 
 /// Encodes in UTF-8. An unpaired surrogate becomes U+FFFD.
 std::string utf8FromWide(std::wstring_view text);
+
+/// Returns a path as an absolute one in the form that has no limit of 260 characters.
+std::wstring longPath(const std::wstring& path);
 
 } // namespace quarrynet

@@ -6,8 +6,13 @@
 #include <QFileInfo>
 
 #ifdef Q_OS_WIN
+#include <windows.h>
+
 #include <QLockFile>
+#include <QRegularExpression>
 #include <QSaveFile>
+
+#include "common/windows_text.h"
 #else
 #include <cerrno>
 #include <fcntl.h>
@@ -62,11 +67,33 @@ bool isOfAnotherUser(const std::string&)
     return false; // a file of another user cannot be deleted
 }
 
-bool replaceContent(const std::string& path, const std::string& text)
+QString freshPath(const std::string& path)
 {
-    QSaveFile file(toPathText(path));
-    return file.open(QIODevice::WriteOnly) && file.write(text.data(), static_cast<qint64>(text.size())) >= 0 &&
-           file.commit();
+    return toPathText(path) + QLatin1String(".tmp");
+}
+
+QString replaceContent(const std::string& path, const std::string& text)
+{
+    // Made under a name of its own first: QSaveFile adds six letters, and "Quarrynet.history.backup" may be the user's.
+    QSaveFile fresh(freshPath(path));
+    const auto size = static_cast<qint64>(text.size());
+    if (!fresh.open(QIODevice::WriteOnly) || fresh.write(text.data(), size) != size || !fresh.flush() ||
+        !fresh.commit())
+        return fresh.errorString();
+    const std::wstring from = longPath(freshPath(path).toStdWString());
+    const std::wstring to = longPath(toPathText(path).toStdWString());
+    if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0)
+        return {};
+    const DWORD error = ::GetLastError();
+    ::DeleteFileW(from.c_str());
+    return qt_error_string(static_cast<int>(error));
+}
+
+// Returns whether replaceContent(), when it was interrupted, may have left a file of this name beside `path`.
+bool isLeft(const QString& name, const QString& file)
+{
+    static const QRegularExpression left(QStringLiteral("^\\.tmp(\\.[A-Za-z]{6})?$"));
+    return name.startsWith(file, Qt::CaseInsensitive) && left.match(name.mid(file.size())).hasMatch();
 }
 
 #else
@@ -117,14 +144,26 @@ bool isOfAnotherUser(const std::string& path)
     return ::lstat(path.c_str(), &state) == 0 && state.st_uid != ::geteuid();
 }
 
-bool replaceContent(const std::string& path, const std::string& text)
+QString replaceContent(const std::string& path, const std::string& text)
 {
     if (::access(path.c_str(), W_OK) != 0 && errno != ENOENT)
-        return false; // a rename would replace a file that its user has made read-only
-    return !replaceFile(path, text, std::nullopt, S_IRUSR | S_IWUSR);
+        return qt_error_string(errno); // a rename would replace a file that its user has made read-only
+    const std::error_code error = replaceFile(path, text, std::nullopt, S_IRUSR | S_IWUSR);
+    return error ? qt_error_string(error.value()) : QString();
+}
+
+// Returns whether replaceContent(), when it was interrupted, may have left a file of this name beside `file`.
+bool isLeft(const QString& name, const QString& file)
+{
+    return isTemporaryName(toPathBytes(name), toPathBytes(file));
 }
 
 #endif
+
+QString ownersFault()
+{
+    return QCoreApplication::translate("HistoryFile", "The file belongs to another user.");
+}
 
 } // namespace
 
@@ -136,18 +175,19 @@ std::optional<SearchHistory> HistoryFile::read() const
     return SearchHistory::fromText(*content);
 }
 
-bool HistoryFile::update(const std::function<void(SearchHistory&)>& change) const
+QString HistoryFile::update(const std::function<void(SearchHistory&)>& change) const
 {
     const WriteLock lock(path_);
     if (!lock)
-        return false;
+        return QCoreApplication::translate("HistoryFile", "Another program is using the file.");
     std::optional<SearchHistory> history = read();
     if (!history)
-        return false;
+        return isOfAnotherUser(path_) ? ownersFault()
+                                      : QCoreApplication::translate("HistoryFile", "The file cannot be read.");
     const std::string before = history->text();
     change(*history);
     const std::string after = history->text();
-    return after == before || replaceContent(path_, after);
+    return after == before ? QString() : replaceContent(path_, after);
 }
 
 QString HistoryFile::clear() const
@@ -157,13 +197,16 @@ QString HistoryFile::clear() const
     const QFileInfo place(file.fileName());
     if (place.exists() || place.isSymbolicLink()) {
         if (isOfAnotherUser(path_))
-            return QCoreApplication::translate("HistoryFile", "The file belongs to another user.");
+            return ownersFault();
         if (!file.remove())
             return file.errorString();
     }
     QDir folder = place.dir();
-    for (const QString& left : folder.entryList({place.fileName() + QLatin1String(".*")}, QDir::Files | QDir::System))
-        folder.remove(left);
+    for (const QString& other :
+         folder.entryList({place.fileName() + QLatin1String(".*")}, QDir::Files | QDir::System)) {
+        if (isLeft(other, place.fileName()))
+            folder.remove(other);
+    }
     return {};
 }
 

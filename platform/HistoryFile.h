@@ -25,13 +25,14 @@ public:
     /// Returns the history, which is empty if there is no file, or nothing if the file cannot be used.
     std::optional<SearchHistory> read() const;
 
-    /// Applies `change` to the history and replaces the file atomically. No other window writes meanwhile. Returns
-    /// false, and leaves the file as it was, if the file cannot be used or written, or if another program holds the
-    /// lock for longer than a twentieth of a second.
-    bool update(const std::function<void(SearchHistory&)>& change) const;
+    /// Applies `change` to the history and replaces the file atomically. No other window writes meanwhile. Returns an
+    /// empty text, or the reason of a failure, which leaves the file as it was: it cannot be used or written, or
+    /// another program holds the lock for longer than a twentieth of a second.
+    QString update(const std::function<void(SearchHistory&)>& change) const;
 
-    /// Deletes the file, and what writers that crashed have left of it. Returns the reason of a failure, or an empty
-    /// text. A missing file is no failure; another user's file and a folder are.
+    /// Deletes the file, and what writers that crashed have left of it, but no other file whose name begins like its
+    /// name. Returns the reason of a failure, or an empty text. A missing file is no failure; another user's file and a
+    /// folder are.
     QString clear() const;
 
 private:

@@ -14,6 +14,14 @@
         <source>The file belongs to another user.</source>
         <translation>Die Datei gehört einem anderen Benutzer.</translation>
     </message>
+    <message>
+        <source>Another program is using the file.</source>
+        <translation>Ein anderes Programm verwendet die Datei.</translation>
+    </message>
+    <message>
+        <source>The file cannot be read.</source>
+        <translation>Die Datei kann nicht gelesen werden.</translation>
+    </message>
 </context>
 <context>
     <name>ListMenu</name>

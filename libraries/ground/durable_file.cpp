@@ -1,5 +1,6 @@
 #include "ground/durable_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -10,6 +11,8 @@
 namespace quarrynet {
 
 namespace {
+
+constexpr const char* kTemporary = ".tmp"; // how the names of temporary files end
 
 std::error_code lastError()
 {
@@ -37,6 +40,14 @@ bool writeAll(const Descriptor& output, std::string_view text)
     return true;
 }
 
+// Removes the digits at the beginning of `text`. Returns whether there was one.
+bool skipNumber(std::string_view& text)
+{
+    const std::string_view before = text;
+    text.remove_prefix(std::min(text.find_first_not_of("0123456789"), text.size()));
+    return text.size() < before.size();
+}
+
 /// A new file beside `file`, removed by the destructor unless it was renamed.
 class TemporaryFile
 {
@@ -45,7 +56,7 @@ public:
     {
         constexpr int kAttempts = 100;
         for (int attempt = 0; attempt < kAttempts && !output_; ++attempt) {
-            path_ = file + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp";
+            path_ = file + "." + std::to_string(::getpid()) + "-" + std::to_string(attempt) + kTemporary;
             output_ = Descriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
             if (!output_ && errno != EEXIST)
                 break;
@@ -113,6 +124,19 @@ std::error_code replaceFile(const std::string& file, std::string_view content, c
     const bool done = (!old || ::fchmod(output.number(), old->st_mode & 07777) == 0) && writeAll(output, content) &&
                       ::fsync(output.number()) == 0 && output.close();
     return done ? temporary.becomes(file) : lastError();
+}
+
+bool isTemporaryName(std::string_view name, std::string_view file)
+{
+    if (!name.starts_with(file))
+        return false;
+    name.remove_prefix(file.size());
+    const auto skip = [&name](char c) {
+        const bool is = name.starts_with(c);
+        name.remove_prefix(is ? 1 : 0);
+        return is;
+    };
+    return skip('.') && skipNumber(name) && skip('-') && skipNumber(name) && name == kTemporary;
 }
 
 } // namespace quarrynet

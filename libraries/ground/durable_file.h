@@ -23,4 +23,8 @@ std::error_code renameDurably(const std::string& from, const std::string& to);
 std::error_code replaceFile(const std::string& file, std::string_view content, const std::optional<struct stat>& old,
                             mode_t mode = 0666);
 
+/// Returns whether `name` is one that replaceFile() gives its temporary file beside the file named `file`, such as
+/// "file.4711-0.tmp". Both are names without folders. A crash leaves such files behind.
+bool isTemporaryName(std::string_view name, std::string_view file);
+
 } // namespace quarrynet

@@ -1,6 +1,8 @@
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -96,4 +98,29 @@ TEST(RenameDurably, FailureLeavesBothFiles)
     EXPECT_EQ(renameDurably(finished, folder.path() + "/none/file"), std::errc::no_such_file_or_directory);
     EXPECT_EQ(contentOf(finished), "new");
     EXPECT_EQ(flushFile(folder.path() + "/none"), std::errc::no_such_file_or_directory);
+}
+
+TEST(IsTemporaryName, KnowsTheNamesThatReplaceFileGives)
+{
+    EXPECT_TRUE(isTemporaryName("file.4711-0.tmp", "file"));
+    EXPECT_TRUE(isTemporaryName("file.1-99.tmp", "file"));
+    for (const char* other : {"file", "file.tmp", "file.bak", "file.4711.tmp", "file.-0.tmp", "file.4711-.tmp",
+                              "file.4711-0.tmp.bak", "file.a-0.tmp", "other.4711-0.tmp", "fil", ""})
+        EXPECT_FALSE(isTemporaryName(other, "file")) << other;
+}
+
+TEST(IsTemporaryName, IsTrueForTheFileThatIsBeingWritten)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.path() + "/file";
+    // The rename fails, because there is a folder of that name, but only after the temporary file was made.
+    fs::create_directory(path);
+    const int watch = ::inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+    ASSERT_GE(::inotify_add_watch(watch, folder.path().c_str(), IN_CREATE), 0);
+    EXPECT_TRUE(replaceFile(path, "text", std::nullopt));
+    alignas(inotify_event) std::array<char, 4096> events = {};
+    ASSERT_GT(::read(watch, events.data(), events.size()), 0);
+    ::close(watch);
+    const auto* created = reinterpret_cast<const inotify_event*>(events.data());
+    EXPECT_TRUE(isTemporaryName(created->name, "file")) << created->name;
 }

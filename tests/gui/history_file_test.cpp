@@ -161,6 +161,57 @@ private slots:
         searchFor("Text1", "plum");
         QTRY_COMPARE(history(), QByteArray("keywords\tplum\nkeywords\tpear\nkeywords\tapple\n"));
     }
+
+    // The entry used to stay in the list without a word.
+    void aRemovalThatFailsIsReported_data()
+    {
+        QTest::addColumn<QString>("fault");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("in use") << u"in use"_s << u"Another program is using the file."_s;
+        QTest::newRow("read-only") << u"read-only"_s << u"Permission denied"_s;
+        QTest::newRow("another user's") << u"another user's"_s << u"The file belongs to another user."_s;
+        QTest::newRow("a pipe") << u"a pipe"_s << u"The file cannot be read."_s;
+    }
+
+    void aRemovalThatFailsIsReported()
+    {
+        QFETCH(QString, fault);
+        QFETCH(QString, reason);
+        const bool isRoot = ::geteuid() == 0;
+        if (fault == u"read-only"_s && isRoot)
+            QSKIP("root may write every file");
+        if (fault == u"another user's"_s && !isRoot)
+            QSKIP("only root can give a file away");
+        startWithHistory("keywords\tapple\nkeywords\tpear\n");
+        press(Qt::Key_Down);
+        press(Qt::Key_Down);
+        QCOMPARE(offered().size(), 2);
+
+        const QByteArray path = QFile::encodeName(historyFile());
+        int folder = -1;
+        if (fault == u"in use"_s) {
+            folder = ::open(QFile::encodeName(window_->folder()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            QCOMPARE(::flock(folder, LOCK_EX), 0);
+        } else if (fault == u"read-only"_s) {
+            QCOMPARE(::chmod(path.constData(), 0400), 0);
+        } else if (fault == u"another user's"_s) {
+            QCOMPARE(::chown(path.constData(), 65534, 65534), 0);
+        } else {
+            QCOMPARE(::unlink(path.constData()), 0);
+            QCOMPARE(::mkfifo(path.constData(), 0600), 0);
+        }
+        bool listIsOpen = true;
+        window_->boxes.beforeAnswer = [&](QMessageBox&) { listIsOpen = QApplication::activePopupWidget() != nullptr; };
+        press(Qt::Key_Delete);
+        if (folder >= 0)
+            ::close(folder);
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        QVERIFY(window_->boxes.texts()[0].contains(historyFile()));
+        QVERIFY2(window_->boxes.texts()[0].contains(reason), qPrintable(window_->boxes.texts()[0]));
+        QVERIFY(!listIsOpen);
+        if (fault != u"a pipe"_s)
+            QCOMPARE(history(), QByteArray("keywords\tapple\nkeywords\tpear\n"));
+    }
 #endif
 
 private:

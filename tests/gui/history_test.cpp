@@ -9,6 +9,13 @@ using namespace quarrynet;
 
 namespace {
 
+// The ends of the names of files that writers leave if they are interrupted.
+#ifdef Q_OS_WIN
+constexpr std::array<const char*, 2> kLeftByCrashes = {".tmp", ".tmp.aBcDeF"};
+#else
+constexpr std::array<const char*, 1> kLeftByCrashes = {".4711-0.tmp"};
+#endif
+
 QString numberedWord(std::size_t number)
 {
     return u"word "_s + QString::number(number);
@@ -414,9 +421,8 @@ private slots:
     void clearDeletesTheFileAndWhatACrashHasLeft()
     {
         startWithHistory("keywords\tapple\n");
-        QFile left(historyFile() + u".4711-0.tmp"_s);
-        QVERIFY(left.open(QIODevice::WriteOnly) && left.write("keywords\tapple\n") > 0);
-        left.close();
+        for (const char* name : kLeftByCrashes)
+            makeFile(historyFile() + QLatin1String(name));
         press(Qt::Key_Down);
         QCOMPARE(offered().size(), 1);
         menuEntry("clearhistorymnu")->trigger();
@@ -426,6 +432,20 @@ private slots:
         QVERIFY(!QApplication::activePopupWidget());
         menuEntry("clearhistorymnu")->trigger();
         QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    // They were deleted because their names begin like the history's.
+    void clearLeavesTheUsersOwnFiles()
+    {
+        startWithHistory("keywords\tapple\n");
+        QStringList own;
+        for (const char* name : {".bak", ".backup", ".old", ".tmp.bak", ".4711.tmp", ".txt"}) {
+            own.append(u"Quarrynet.history"_s + QLatin1String(name));
+            makeFile(historyFile() + QLatin1String(name));
+        }
+        own.sort();
+        menuEntry("clearhistorymnu")->trigger();
+        QCOMPARE(QDir(window_->folder()).entryList({u"Quarrynet.history*"_s}, QDir::Files, QDir::Name), own);
     }
 
     void aHistoryThatCannotBeClearedIsReported()
@@ -491,6 +511,13 @@ private slots:
     }
 
 private:
+    static void makeFile(const QString& path)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.write("keywords\tapple\n") > 0);
+    }
+
     bool isMarkedInMenu()
     {
         emit window_->control<QMenu>("viewmnu")->aboutToShow();
