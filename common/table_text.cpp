@@ -108,10 +108,10 @@ void appendHtmlText(std::string& html, std::string_view bytes)
     }
 }
 
-void appendHtmlCell(std::string& html, std::string_view cell, bool isAddress)
+void appendHtmlCell(std::string& html, std::string_view cell, bool isOpenable)
 {
     html += "<td dir=\"auto\">";
-    const std::optional<std::string> address = isAddress ? openableAddress(cell) : std::nullopt;
+    const std::optional<std::string> address = isOpenable ? openableAddress(cell) : std::nullopt;
     if (address) {
         html += "<a rel=\"noreferrer\" href=\"";
         appendHtmlText(html, *address);
@@ -213,10 +213,11 @@ std::string htmlTable(const Table& table)
         html += "</th>";
     }
     html += "</tr>\n</thead>\n<tbody>\n";
-    for (const std::vector<std::string>& row : table.rows) {
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        const bool isOpenable = row < table.openable.size() && table.openable[row];
         html += "<tr>";
         for (std::size_t column = 0; column < table.headers.size(); ++column)
-            appendHtmlCell(html, cellOf(row, column), column == table.addressColumn);
+            appendHtmlCell(html, cellOf(table.rows[row], column), isOpenable && column == table.addressColumn);
         html += "</tr>\n";
     }
     return html += "</tbody>\n</table>\n";

@@ -15,7 +15,8 @@ struct Table
     std::string title;
     std::vector<std::string> headers;
     std::vector<std::vector<std::string>> rows; ///< missing cells at a row's end are empty
-    std::optional<std::size_t> addressColumn;   ///< holds addresses, which become links on a page
+    std::optional<std::size_t> addressColumn;   ///< holds addresses, which may become links on a page
+    std::vector<bool> openable = {};            ///< of each row, whether its address does; missing ones do not
 };
 
 /// Returns the table as comma-separated values (RFC 4180) with a header line, every field in quotes, lines ending in
@@ -27,15 +28,16 @@ struct Table
 /// quotes before the character make no difference.
 std::string csvText(const Table& table);
 
-/// Returns `cell` for a text with tabs between the cells, with an apostrophe before what would be a formula.
+/// Returns `cell` with an apostrophe in front if a spreadsheet would run it as a formula, for a text with one cell a
+/// line or tabs between the cells.
 std::string harmlessCell(std::string_view cell);
 
 /// Returns the table as JSON (RFC 8259): an object with the "title" and the "rows", an array of objects with the
 /// headers as keys.
 std::string jsonText(const Table& table);
 
-/// Returns the table as a complete HTML page, which loads nothing and runs no script. Addresses that may be opened (see
-/// openableAddress) are links.
+/// Returns the table as a complete HTML page, which loads nothing and runs no script. The addresses of the rows that
+/// are `openable` are links, if openableAddress allows them, too.
 std::string htmlPage(const Table& table);
 
 /// Returns only the table element of that page, as other programs take it from the clipboard.

@@ -86,7 +86,7 @@ public:
     bool hasAddresses() const { return addressColumn_.has_value(); }
     bool canOpen() const;
 
-    /// Puts the addresses of the selected rows on the clipboard, one a line.
+    /// Puts the addresses of the selected rows on the clipboard, one a line, without formulas (see harmlessCell).
     void copyAddresses() const;
 
     /// Puts the selected rows on the clipboard as they are shown: as text, with tabs between cells and line feeds
@@ -139,6 +139,12 @@ protected:
     void updateGeometries() override;
 
 private:
+    struct Address
+    {
+        QString text; // one line
+        bool isOpenable = false;
+    };
+
     void shareWidth();
     void clickHeader(int column);
     void showMenu();
@@ -146,7 +152,7 @@ private:
     void endArrangement();
     void filterRows(const QString& words);
     void arrange();
-    QString shownAddress(const ListViewModel::Row& row) const;
+    Address addressOf(const ListViewModel::Row& row) const;
     std::unique_ptr<QMimeData> dragData(const std::vector<std::size_t>& rows) const;
     Table tableOf(const ListViewModel::Shown& shown) const;
 

@@ -16,23 +16,30 @@ void copy(std::unique_ptr<QMimeData> data)
     QGuiApplication::clipboard()->setMimeData(data.release());
 }
 
+QString harmless(const QString& cell)
+{
+    return QString::fromStdString(harmlessCell(cell.toStdString()));
+}
+
 } // namespace
 
-QString ListView::shownAddress(const ListViewModel::Row& row) const
+// The row's bytes decide whether the address may be opened, as for a double click: its line has other characters in
+// place of some and may be cut.
+ListView::Address ListView::addressOf(const ListViewModel::Row& row) const
 {
     if (!addressColumn_ || *addressColumn_ >= row.size())
         return {};
     const std::string& address = row[*addressColumn_];
     if (const std::optional<std::string> openable = openableAddress(address))
-        return QString::fromStdString(*openable);
-    return toLine(address);
+        return {QString::fromStdString(*openable), true};
+    return {toLine(address), false};
 }
 
 void ListView::copyAddresses() const
 {
     QStringList lines;
     for (const std::size_t row : selectedRows())
-        lines.append(shownAddress(rows()[row]));
+        lines.append(harmless(addressOf(rows()[row]).text));
     if (!lines.isEmpty() && hasAddresses())
         QGuiApplication::clipboard()->setText(lines.join(u'\n'));
 }
@@ -50,7 +57,7 @@ void ListView::copyRows() const
         table.rows.emplace_back();
         for (QString& cell : cells) {
             table.rows.back().push_back(cell.toStdString());
-            cell = QString::fromStdString(harmlessCell(table.rows.back().back()));
+            cell = harmless(cell);
         }
         lines.append(cells.join(u'\t'));
     }
@@ -67,9 +74,10 @@ std::unique_ptr<QMimeData> ListView::dragData(const std::vector<std::size_t>& ro
     QStringList lines;
     QByteArray uris; // RFC 2483: lines that end in CR LF
     for (const std::size_t row : rows) {
-        lines.append(shownAddress(model_->rows()[row]));
-        if (const std::optional<std::string> address = openableAddress(toBytes(lines.back())))
-            uris += QByteArray::fromStdString(*address) + "\r\n";
+        const Address address = addressOf(model_->rows()[row]);
+        lines.append(harmless(address.text));
+        if (address.isOpenable)
+            uris += address.text.toLatin1() + "\r\n"; // ASCII only
     }
     auto mime = std::make_unique<QMimeData>();
     mime->setText(lines.join(u'\n'));
@@ -94,8 +102,11 @@ Table ListView::tableOf(const ListViewModel::Shown& shown) const
         std::vector<std::string>& cells = table.rows.emplace_back();
         for (int column = 0; column < model_->columnCount(); ++column)
             cells.push_back(ListViewModel::cell(row, column).toStdString());
-        if (hasAddresses())
-            cells.push_back(shownAddress(row).toStdString());
+        if (hasAddresses()) {
+            const Address address = addressOf(row);
+            cells.push_back(address.text.toStdString());
+            table.openable.push_back(address.isOpenable);
+        }
     }
     return table;
 }

@@ -150,8 +150,8 @@ TEST(HtmlTable, EscapesEveryText)
 
 TEST(HtmlTable, LinksOnlyAddressesThatMayBeOpened)
 {
-    const auto cellOf = [](const std::string& address) {
-        const std::string html = htmlTable({"", {"A"}, {{address}}, 0});
+    const auto cellOf = [](const std::string& address, const std::vector<bool>& openable = {true}) {
+        const std::string html = htmlTable({"", {"A"}, {{address}}, 0, openable});
         const std::size_t start = html.find("<td");
         return html.substr(start, html.find("</td>") - start);
     };
@@ -159,6 +159,8 @@ TEST(HtmlTable, LinksOnlyAddressesThatMayBeOpened)
               "<td dir=\"auto\"><a rel=\"noreferrer\" href=\"http://host/a%22b&amp;c\">http://host/a&quot;b&amp;c</a>");
     for (const char* address : {"javascript:alert(1)", "file:///etc/passwd", "data:text/html,x", "//host/", "x", ""})
         EXPECT_EQ(cellOf(address).find("<a"), std::string::npos) << address;
+    for (const std::vector<bool>& openable : {std::vector<bool>(), std::vector<bool>{false}})
+        EXPECT_EQ(cellOf("http://host/", openable), "<td dir=\"auto\">http://host/");
 }
 
 TEST(HtmlTable, FormulasAreTexts)

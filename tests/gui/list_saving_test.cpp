@@ -139,6 +139,12 @@ private slots:
         QVERIFY(html.contains("<a rel=\"noreferrer\" href=\"http://host/?a&amp;b\">"));
         QVERIFY(html.contains("&lt;b&gt;&quot;x&quot;&lt;/b&gt;"));
 
+        // Only what a double click opens is a link, which the bytes decide and not the line that is shown.
+        list->setRows({{"http://host/a\nb"}, {"http://host/" + std::string(65'536, 'x')}});
+        const QByteArray plain = contentOf(save([&] { entry()->trigger(); }, u"plain.html"_s));
+        QVERIFY(!plain.contains("<a "));
+        QCOMPARE(plain.count("http://host/a b"), 2); // shown, and in the column of addresses
+
         // Another extension, or none, means the format that is chosen.
         QVERIFY(contentOf(save([&] { entry()->trigger(); }, u"rows.txt"_s)).startsWith("\"Website Address\""));
         save([&] { entry()->trigger(); }, u"rows"_s);
