@@ -1,6 +1,7 @@
 #include "app/ListCommands.h"
 
 #include <array>
+#include <optional>
 #include <utility>
 
 #include <QAction>
@@ -38,9 +39,12 @@ constexpr std::array<Format, 3> kFormats = {{
     {"html", QT_TRANSLATE_NOOP("quarrynet::ListCommands", "Web page (*.html)"), htmlPage},
 }};
 
+// Returns the format that the extension of `path` names, or null.
 const Format* formatOf(const QString& path)
 {
-    const QString extension = QFileInfo(path).suffix().toLower();
+    QString extension = QFileInfo(path).suffix().toLower();
+    if (extension == QLatin1String("htm"))
+        extension = QStringLiteral("html");
     for (const Format& format : kFormats) {
         if (extension == QLatin1String(format.extension))
             return &format;
@@ -48,14 +52,46 @@ const Format* formatOf(const QString& path)
     return nullptr;
 }
 
-// Makes the name in the dialog end in the extension of the chosen format, where it ends in that of another.
+// Makes the name in the dialog end in the extension of the chosen format, where it ends in that of another. A path to a
+// folder that is missing stays as it is, because the dialog would look for it in another place.
 void followFormat(QFileDialog& dialog, const Format& format)
 {
     const QLatin1String extension(format.extension);
     dialog.setDefaultSuffix(extension);
-    const QString path = dialog.selectedFiles().value(0);
-    if (formatOf(path) && formatOf(path) != &format)
-        dialog.selectFile(QFileInfo(path).completeBaseName() + u'.' + extension);
+    const QFileInfo file(dialog.selectedFiles().value(0));
+    const Format* named = formatOf(file.filePath());
+    if (named && named != &format && file.dir().exists())
+        dialog.selectFile(file.dir().filePath(file.completeBaseName() + u'.' + extension));
+}
+
+const Format& formatOfFilter(const QFileDialog& dialog, const QString& filter)
+{
+    const qsizetype index = dialog.nameFilters().indexOf(filter);
+    return kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, index))];
+}
+
+struct Target
+{
+    QString path;
+    const Format* format;
+};
+
+// Asks for the file to save to. Returns a path whose extension names the format, or nothing if the user cancels.
+// Programs decide by the extension how to read a file, and one of the web ("rows.xhtml") would let the markup in a row
+// run. So a name with an extension of none of the formats gets that of the chosen format as well.
+std::optional<Target> askForTarget(QFileDialog& dialog)
+{
+    while (dialog.exec() == QDialog::Accepted) {
+        const QString path = dialog.selectedFiles().value(0);
+        if (const Format* format = formatOf(path))
+            return Target{path, format};
+        const Format& format = formatOfFilter(dialog, dialog.selectedNameFilter());
+        const QString extended = path + u'.' + QLatin1String(format.extension);
+        if (!QFileInfo::exists(extended))
+            return Target{extended, &format};
+        dialog.selectFile(extended); // the dialog asks before a file is replaced
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -127,23 +163,17 @@ void ListCommands::save(SearchTab& tab)
     dialog.setNameFilters(filters);
     dialog.setDefaultSuffix(QLatin1String(kFormats[0].extension));
     dialog.selectFile(name + u'.' + QLatin1String(kFormats[0].extension));
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        followFormat(dialog, kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, filters.indexOf(filter)))]);
-    });
-    if (dialog.exec() != QDialog::Accepted)
+    connect(&dialog, &QFileDialog::filterSelected, &dialog,
+            [&](const QString& filter) { followFormat(dialog, formatOfFilter(dialog, filter)); });
+    const std::optional<Target> target = askForTarget(dialog);
+    if (!target)
         return;
 
-    const QString path = dialog.selectedFiles().value(0);
-    const Format* format = formatOf(path);
-    if (!format) {
-        const qsizetype chosen = filters.indexOf(dialog.selectedNameFilter());
-        format = &kFormats[static_cast<std::size_t>(qMax(qsizetype{0}, chosen))];
-    }
-    const QString reason = replaceFileAtomically(path, format->write(table));
+    const QString reason = replaceFileAtomically(target->path, target->format->write(table));
     if (reason.isEmpty())
-        folder_ = QFileInfo(path).path();
+        folder_ = QFileInfo(target->path).path();
     else
-        showFileError(&window_, QDir::toNativeSeparators(path), reason);
+        showFileError(&window_, QDir::toNativeSeparators(target->path), reason);
 }
 
 } // namespace quarrynet

@@ -145,24 +145,116 @@ private slots:
         QVERIFY(!plain.contains("<a "));
         QCOMPARE(plain.count("http://host/a b"), 2); // shown, and in the column of addresses
 
-        // Another extension, or none, means the format that is chosen.
-        QVERIFY(contentOf(save([&] { entry()->trigger(); }, u"rows.txt"_s)).startsWith("\"Website Address\""));
+        // Without an extension, the format that is chosen adds its own.
         save([&] { entry()->trigger(); }, u"rows"_s);
         QVERIFY(contentOf(folder_->filePath(u"rows.csv"_s)).startsWith("\"Website Address\""));
     }
 
-    void theChosenFormatChangesTheExtension()
+    // Only the web page escapes markup. A browser would have run that of the other formats under such a name.
+    void noOtherFormatIsSavedAsAWebPage_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("saved");
+        QTest::newRow("short") << u"rows.htm"_s << u"rows.htm"_s;
+        QTest::newRow("upper case") << u"rows.HTM"_s << u"rows.HTM"_s;
+        for (const char* extension : {"xhtml", "xht", "svg", "xml", "mht", "shtml", "hta", "txt", "htm_", "htmll"}) {
+            const QString name = u"rows."_s + QLatin1String(extension);
+            QTest::newRow(extension) << name << name + u".csv"_s;
+        }
+        QTest::newRow("two") << u"rows.csv.xhtml"_s << u"rows.csv.xhtml.csv"_s;
+        QTest::newRow("only an extension") << u".xhtml"_s << u".xhtml.csv"_s;
+    }
+    void noOtherFormatIsSavedAsAWebPage()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, saved);
+        ListView* list = listOf(*window_, tabOf(1));
+        list->setRows({{"http://host/", "<script>alert(1)</script>"}});
+        save([&] { entry()->trigger(); }, typed);
+        QCOMPARE(QDir(folder_->path()).entryList(QDir::Files | QDir::Hidden), QStringList{saved});
+        const QByteArray bytes = contentOf(folder_->filePath(saved));
+        QCOMPARE(bytes.contains("<script>"), saved.endsWith(u".csv"_s));
+        QCOMPARE(bytes.startsWith("<!DOCTYPE html>"), !saved.endsWith(u".csv"_s));
+    }
+
+    void aFileWhoseNameIsCompletedIsNotReplacedUnasked()
+    {
+        const QString existing = folder_->filePath(u"rows.txt.csv"_s);
+        QCOMPARE(replaceFileAtomically(existing, "old"), QString());
+        fillList(*window_, tabOf(1));
+        QStringList names;
+        const DialogDriver driver([&](QDialog& dialog) {
+            auto* edit = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s);
+            if (names.isEmpty())
+                edit->setText(folder_->filePath(u"rows.txt"_s));
+            names.append(edit->text());
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+        entry()->trigger(); // the box, when it comes, is answered with "No"
+        QCOMPARE(names, (QStringList{folder_->filePath(u"rows.txt"_s), u"rows.txt.csv"_s}));
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        QCOMPARE(contentOf(existing), QByteArray("old"));
+
+        names.clear();
+        window_->boxes.beforeAnswer = [](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); };
+        entry()->trigger();
+        QVERIFY(contentOf(existing).startsWith("\"Website Address\""));
+        QCOMPARE(QDir(folder_->path()).entryList(QDir::Files), QStringList{u"rows.txt.csv"_s});
+    }
+
+    void theChosenFormatChangesOnlyTheExtension_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("saved");
+        QTest::newRow("a name") << u"list.csv"_s << u"start/list.html"_s;
+        QTest::newRow("a path") << u"/out/list.csv"_s << u"out/list.html"_s;
+        QTest::newRow("a folder below") << u"below/list.csv"_s << u"start/below/list.html"_s;
+        QTest::newRow("dots") << u"/out/a.b.json"_s << u"out/a.b.html"_s;
+        QTest::newRow("no extension") << u"/out/list"_s << u"out/list.html"_s;
+    }
+    void theChosenFormatChangesOnlyTheExtension()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, saved);
+        for (const QString& name : {u"start/below"_s, u"out"_s})
+            QVERIFY(QDir().mkpath(folder_->filePath(name)));
+        fillList(*window_, tabOf(1));
+        for (const bool ofDesktop : {false, true}) {
+            const DialogDriver driver([&](QDialog& dialog) {
+                auto& files = static_cast<QFileDialog&>(dialog);
+                files.setDirectory(folder_->filePath(u"start"_s));
+                auto* edit = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s);
+                edit->setText(QDir::toNativeSeparators(typed.startsWith(u'/') ? folder_->path() + typed : typed));
+                auto* formats = dialog.findChild<QComboBox*>(u"fileTypeCombo"_s);
+                formats->setFocus();
+                // The toolkit's dialog changes the extension itself. Those of desktops only report the choice; the
+                // folder that was typed used to be dropped there.
+                if (ofDesktop)
+                    emit files.filterSelected(files.nameFilters().last());
+                else
+                    QTest::keyClick(formats, Qt::Key_End);
+                QTest::keyClick(edit, Qt::Key_Return);
+            });
+            entry()->trigger();
+            QVERIFY2(contentOf(folder_->filePath(saved)).startsWith("<!DOCTYPE html>"), ofDesktop ? "desktop" : "own");
+            QVERIFY(window_->boxes.boxes().isEmpty());
+            QVERIFY(QFile::remove(folder_->filePath(saved)));
+        }
+    }
+
+    void aTypedFolderThatIsMissingStays()
     {
         fillList(*window_, tabOf(1));
-        QString shown;
+        QString selected;
         const DialogDriver driver([&](QDialog& dialog) {
-            auto* formats = dialog.findChild<QComboBox*>(u"fileTypeCombo"_s);
-            formats->setFocus();
-            QTest::keyClick(formats, Qt::Key_End);
-            shown = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->text();
+            dialog.findChild<QLineEdit*>(u"fileNameEdit"_s)->setText(folder_->filePath(u"missing/list.csv"_s));
+            dialog.findChild<QComboBox*>(u"fileTypeCombo"_s)->setFocus();
+            auto& files = static_cast<QFileDialog&>(dialog);
+            emit files.filterSelected(files.nameFilters().last());
+            selected = files.selectedFiles().value(0);
         });
         entry()->trigger();
-        QVERIFY2(shown.endsWith(u".html"_s), qPrintable(shown));
+        QCOMPARE(selected, folder_->filePath(u"missing/list.csv"_s));
     }
 
     void theNameIsSuggestedFromTheWordsTheTabAndTheDate_data() { addListRows(); }
