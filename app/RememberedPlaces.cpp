@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QRegion>
 #include <QScreen>
+#include <QStyle>
 
 #include "common/CDS_CIni.h"
 #include "platform/ListView.h"
@@ -23,6 +24,7 @@ namespace {
 constexpr const char* kSection = "Window";
 constexpr const char* kLeft = "Left";
 constexpr const char* kTop = "Top";
+constexpr const char* kTitle = "Title"; // the height of the title bar, which some desktops do not give windows
 
 // Programs cannot place windows there, and every window seems to be at the origin.
 bool isPlacingPossible()
@@ -101,19 +103,25 @@ void RememberedPlaces::apply()
     const std::optional<int> top = coordinate(values[kTop]);
     if (left && top && isPlacingPossible()) {
         const QRect place(QPoint(*left, *top), window_.size());
-        if (isWithinReach(place, screens()))
+        const int usual = window_.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window_);
+        const int title = std::max(0, coordinate(values[kTitle]).value_or(usual));
+        if (isWithinReach(place, title, screens()))
             window_.setGeometry(place);
     }
     for (const auto& [name, list] : lists_)
         list->setColumnShares(sharesOf(values[name]));
 }
 
+bool RememberedPlaces::isNormal() const
+{
+    return !(window_.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen));
+}
+
 std::optional<QPoint> RememberedPlaces::place() const
 {
     if (!isPlacingPossible())
         return std::nullopt;
-    const bool isNormal = !(window_.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen));
-    const QRect place = isNormal ? window_.geometry() : window_.normalGeometry();
+    const QRect place = isNormal() ? window_.geometry() : window_.normalGeometry();
     return place.isValid() ? std::optional(place.topLeft()) : std::nullopt;
 }
 
@@ -121,16 +129,22 @@ void RememberedPlaces::remember()
 {
     const Values before = read();
     Values values;
+    const auto keep = [&](const char* key) {
+        if (const auto old = before.find(key); old != before.end())
+            values.insert(*old);
+    };
     if (const std::optional<QPoint> at = place()) {
         if (at != forgotten_) {
             values[kLeft] = std::to_string(at->x());
             values[kTop] = std::to_string(at->y());
+            if (isNormal())
+                values[kTitle] = std::to_string(window_.geometry().top() - window_.frameGeometry().top());
+            else
+                keep(kTitle);
         }
     } else {
-        for (const char* key : {kLeft, kTop}) {
-            if (const auto old = before.find(key); old != before.end())
-                values.insert(*old);
-        }
+        for (const char* key : {kLeft, kTop, kTitle})
+            keep(key);
     }
     for (const auto& [name, list] : lists_) {
         if (list->areColumnsMoved())
@@ -159,7 +173,7 @@ void RememberedPlaces::forget()
         showFileError(&window_, file.fileName(), file.errorString());
 }
 
-bool isWithinReach(const QRect& window, const QList<QRect>& screens)
+bool isWithinReach(const QRect& window, int title, const QList<QRect>& screens)
 {
     QRegion desktop;
     for (const QRect& screen : screens)
@@ -168,7 +182,8 @@ bool isWithinReach(const QRect& window, const QList<QRect>& screens)
     qint64 visible = 0;
     for (const QRect& part : desktop& window)
         visible += area(part);
-    return desktop.contains(QPoint(window.center().x(), window.top())) && 2 * visible >= area(window);
+    const QPoint handle(window.center().x(), window.top() - (title + 1) / 2);
+    return desktop.contains(handle) && 2 * visible >= area(window);
 }
 
 } // namespace quarrynet

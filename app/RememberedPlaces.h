@@ -47,6 +47,8 @@ private:
 
     void forget();
     Values read() const;
+    /// Returns whether the window is neither minimised nor maximised nor full screen.
+    bool isNormal() const;
     /// Returns the top left corner of the window without its frame, as it is when the window is not maximised.
     std::optional<QPoint> place() const;
 
@@ -56,7 +58,8 @@ private:
     std::optional<QPoint> forgotten_; // the window's place when it was forgotten
 };
 
-/// Returns whether a user can see at least half of `window`, and its title bar's middle, on `screens`.
-bool isWithinReach(const QRect& window, const QList<QRect>& screens);
+/// Returns whether a user can see at least half of `window`, which has no frame, on `screens`, and can grasp the middle
+/// of the title bar above it, which is `title` pixels high; without one, the middle of the window's upper edge.
+bool isWithinReach(const QRect& window, int title, const QList<QRect>& screens);
 
 } // namespace quarrynet

@@ -69,9 +69,7 @@ private slots:
         QVERIFY(window_->main().geometry().topLeft() != QPoint(101, 57));
         window_->main().move(31, 33);
         window_->main().close();
-        QFile file(stateFile());
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("[Window]\nLeft=101\nTop=57\n"));
+        QCOMPARE(state(), QByteArray("[Window]\nLeft=101\nTop=57\n"));
     }
 
     void theWindowComesBackToItsPlace()
@@ -117,6 +115,11 @@ private slots:
         QTest::newRow("a screen at the right that is gone") << at(screen.right() + 100, 0);
         QTest::newRow("a screen at the left that is gone") << at(-5000, 10);
         QTest::newRow("mostly below") << at(10, screen.bottom() - 100);
+        QTest::newRow("its title bar just above") << at(10, screen.top()) + "Title=20\n";
+        QTest::newRow("most of its title bar above") << at(10, screen.top() + 9) + "Title=20\n";
+        QTest::newRow("a usual title bar above") << at(10, screen.top());
+        QTest::newRow("a title bar of any height") << at(10, 10) + "Title=1000000\n";
+        QTest::newRow("a title bar below it") << at(10, screen.top() - 30) + "Title=-100\n";
         QTest::newRow("its title above") << at(10, screen.top() - 30);
         QTest::newRow("mostly at the left") << at(screen.left() - kDesign.width() / 2 - 1, 10);
         QTest::newRow("the largest number") << at(std::numeric_limits<int>::max(), 10);
@@ -136,19 +139,50 @@ private slots:
         verifyDesign();
     }
 
+    // The title bar was taken for the client area's upper edge, so a window below the screen's edge came back without.
+    void theHeightOfTheTitleBarIsRemembered()
+    {
+        window_->start();
+        window_->main().setGeometry(QRect(QPoint(101, 57), kDesign));
+        const int title = window_->main().geometry().top() - window_->main().frameGeometry().top();
+        window_->main().close();
+        QVERIFY(state().contains("Title=" + QByteArray::number(title)));
+        // A maximised window may have another frame.
+        writeState("[Window]\nLeft=101\nTop=57\nTitle=17\n");
+        window_->start();
+        window_->main().setWindowState(Qt::WindowMaximized);
+        QCoreApplication::processEvents();
+        window_->main().close();
+        QVERIFY(state().contains("Title=17"));
+    }
+
+    // Some desktops give windows no title bar.
+    void aWindowWithoutATitleBarComesBackToTheScreensEdge()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        writeState("[Window]\nLeft=20\nTop=" + QByteArray::number(screen.top()) + "\nTitle=0\n");
+        window_->start();
+        QVERIFY(window_->main().testAttribute(Qt::WA_Moved));
+        QCOMPARE(window_->main().geometry().left(), 20); // the platform may add its frame at the top
+    }
+
     void reachNeedsHalfOfTheWindowAndItsTitle()
     {
         const QList<QRect> two = {QRect(0, 0, 800, 600), QRect(800, 100, 800, 600)};
-        QVERIFY(isWithinReach(QRect(0, 0, 600, 400), two));
-        QVERIFY(isWithinReach(QRect(500, 150, 600, 400), two)); // a part on each
-        QVERIFY(isWithinReach(QRect(-299, 0, 600, 400), two));
-        QVERIFY(!isWithinReach(QRect(-301, 0, 600, 400), two));
-        QVERIFY(!isWithinReach(QRect(0, -1, 600, 400), two));
-        QVERIFY(!isWithinReach(QRect(0, 450, 600, 400), two));
-        QVERIFY(!isWithinReach(QRect(900, 50, 600, 400), two)); // its title is above the second
-        QVERIFY(!isWithinReach(QRect(0, 0, 600, 400), {}));
-        QVERIFY(isWithinReach(QRect(0, 0, 600, 400), {two[0], two[0]})); // mirrored
-        QVERIFY(!isWithinReach(QRect(-350, 0, 600, 400), {two[0], two[0]}));
+        QVERIFY(isWithinReach(QRect(0, 0, 600, 400), 0, two));
+        QVERIFY(isWithinReach(QRect(500, 150, 600, 400), 0, two)); // a part on each
+        QVERIFY(isWithinReach(QRect(-299, 0, 600, 400), 0, two));
+        QVERIFY(!isWithinReach(QRect(-301, 0, 600, 400), 0, two));
+        QVERIFY(!isWithinReach(QRect(0, -1, 600, 400), 0, two));
+        QVERIFY(!isWithinReach(QRect(0, 450, 600, 400), 0, two));
+        QVERIFY(!isWithinReach(QRect(900, 50, 600, 400), 0, two)); // its title is above the second
+        QVERIFY(!isWithinReach(QRect(0, 0, 600, 400), 0, {}));
+        QVERIFY(isWithinReach(QRect(0, 0, 600, 400), 0, {two[0], two[0]})); // mirrored
+        QVERIFY(!isWithinReach(QRect(0, 0, 600, 400), 20, two));
+        QVERIFY(!isWithinReach(QRect(0, 9, 600, 400), 20, two));
+        QVERIFY(isWithinReach(QRect(0, 10, 600, 400), 20, two));
+        QVERIFY(isWithinReach(QRect(0, 0, 600, 400), 20, {two[0], QRect(0, -600, 800, 600)})); // on the one above
+        QVERIFY(!isWithinReach(QRect(-350, 0, 600, 400), 0, {two[0], two[0]}));
     }
 
     void columnsComeBackAtEveryWindowSize_data()
@@ -327,6 +361,12 @@ private:
     QString stateFile() const
     {
         return window_->folder() + QDir::separator() + u"Quarrynet.state"_s;
+    }
+
+    QByteArray state() const
+    {
+        QFile file(stateFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     void writeState(const QByteArray& content)
