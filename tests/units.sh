@@ -109,6 +109,8 @@ inside mkdir -p /etc/quarrynet
 inside sh -c 'printf "[web]\nsources = [\"index\"]\n" > /etc/quarrynet/services.toml'
 check "a configuration that names none is no failure" inside systemctl start quarrynet-services-crawl.service
 inside sh -c 'printf "[[crawl]]\naddress = \"http://127.0.0.9:8009/pub/\"\n" > /etc/quarrynet/services.toml'
+check "status says that nobody has crawled it" sh -c "nsenter -t $leader -m -u -i -n -p -r -w -- quarrynet-services status |
+    grep -q 'not been crawled: http://127.0.0.9:8009/pub/.*sudo systemctl enable --now quarrynet-services-crawl.timer'"
 check "the crawl's timer can be enabled" inside systemctl --quiet enable --now quarrynet-services-crawl.timer
 check "the confined crawl ends well" inside systemctl start quarrynet-services-crawl.service
 check "the file search has the crawled file" finds planned-pear.zip "http://127.80.0.4/cgi-bin/s?t=f&q=planned-pear"

@@ -178,8 +178,25 @@ void reportIndexFaults(const std::vector<Asked>& services, const std::string& re
     }
 }
 
+/// Says which servers of the configuration the index has nothing of.
+void noteUncrawled(const std::vector<CrawlSetting>& settings, const IndexSummary& summary, const std::string& command,
+                   Report& report)
+{
+    std::string uncrawled;
+    for (const CrawlSetting& setting : settings) {
+        const std::string base = crawlBase(setting.address);
+        const auto isOfBase = [&base](const auto& crawl) { return crawl.first == base; };
+        if (std::none_of(summary.crawls.begin(), summary.crawls.end(), isOfBase))
+            uncrawled.append(uncrawled.empty() ? "" : ", ").append(base);
+    }
+    if (!uncrawled.empty())
+        report.notes.push_back("These servers of the configuration have not been crawled: " + plainLine(uncrawled) +
+                               ". To crawl them, run \"" + command + "\".");
+}
+
 /// Prints what the index has, or reports why it cannot be used.
-void printIndex(IndexPool& index, Report& report)
+void printIndex(IndexPool& index, const std::vector<CrawlSetting>& settings, const IndexCommands& commands,
+                Report& report)
 {
     Outcome<IndexPool::Lease> lease = index.borrow();
     const Outcome<IndexSummary> summary = lease ? summarize(**lease) : Outcome<IndexSummary>(lease.error());
@@ -199,6 +216,7 @@ void printIndex(IndexPool& index, Report& report)
     for (const auto& [address, time] : summary->crawls)
         crawls.push_back(address + " on " + timeText(time));
     printList("crawled", crawls);
+    noteUncrawled(settings, *summary, commands.crawl, report);
     if (summary->programs == 0)
         report.notes.push_back("The index has no programs, because this machine has no package lists. Connect it to "
                                "a network, run \"sudo apt update\", then \"" +
@@ -304,7 +322,7 @@ int runStatus(const Options& options)
         if (const std::optional<std::int64_t> time = indexTime(path))
             std::printf("  written %s\n", timeText(*time).c_str());
         IndexPool index(*data, kMaxQueryTime, Reader::Owner);
-        printIndex(index, report);
+        printIndex(index, usable.file.crawls, commands, report);
         // Pages name no folder, so the services word the same fault otherwise.
         if (const Outcome<IndexPool::Lease> lease = IndexPool(*data).borrow(); !lease)
             indexFault = lease.error().message;

@@ -11,6 +11,7 @@ namespace quarrynet::services {
 namespace {
 
 constexpr const char* kSystemCommand = "sudo systemctl start quarrynet-services-index.service";
+constexpr const char* kSystemCrawl = "sudo systemctl enable --now quarrynet-services-crawl.timer";
 constexpr const char* kProgram = "quarrynet-services ";
 
 /// Returns the folder's whole path without detours and without a "/" at its end.
@@ -73,11 +74,12 @@ IndexCommands indexCommands(const std::string& dataFolder, Reader reader)
     if (isSystemsFolder(dataFolder)) {
         // The unit does not replace a newer index, and everybody knows this folder. A person's own services cannot use
         // its index.
-        return {kSystemCommand, "sudo " + program + "index --force --data " + kSystemDataFolder, program + "serve",
-                look};
+        return {kSystemCommand, "sudo " + program + "index --force --data " + kSystemDataFolder, kSystemCrawl,
+                program + "serve", look};
     }
     const std::string begin = (::geteuid() == 0 && !valueOf("SUDO_USER").empty() ? "sudo " : "") + program;
-    return {begin + "index" + folder, begin + "index --force" + folder, begin + "serve" + folder, look};
+    return {begin + "index" + folder, begin + "index --force" + folder, begin + "crawl --due" + folder,
+            begin + "serve" + folder, look};
 }
 
 std::string newerIndexRemedy(const IndexCommands& commands)

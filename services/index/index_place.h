@@ -31,6 +31,7 @@ struct IndexCommands
 {
     std::string make;    ///< makes the index
     std::string replace; ///< replaces even an index of a newer version
+    std::string crawl;   ///< adds the configured servers that are due
     std::string serve;   ///< answers from it
     std::string look;    ///< says as root what the index has
 };

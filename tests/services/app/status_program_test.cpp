@@ -180,6 +180,19 @@ TEST_F(StatusProgram, RemediesNameThePersonsOwnManagerAtAnotherPortThanTheSystem
         << report;
 }
 
+TEST_F(StatusProgram, ServersThatNobodyHasCrawledAreNamed)
+{
+    index();
+    folder_.write("quarrynet/services.toml", "[[crawl]]\naddress = \"ftp://files.example/pub\"\n");
+    RunningProgram server = serve();
+    (void)server.readLine();
+    const std::string report = status();
+    EXPECT_EQ(status_, 0) << report;
+    EXPECT_THAT(report, HasSubstr("have not been crawled: ftp://files.example/pub/. To crawl them, run "
+                                  "\"quarrynet-services crawl --due --data " +
+                                  data() + "\".\n"));
+}
+
 TEST_F(StatusProgram, AFaultyConfigurationIsNamedByLineAndTheServiceThatItStops)
 {
     index();

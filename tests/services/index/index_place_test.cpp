@@ -66,6 +66,7 @@ TEST_F(IndexPlace, TheSystemsIndexIsMadeByItsUnit)
         const IndexCommands commands = indexCommands(folder, Reader::Anybody);
         EXPECT_EQ(commands.make, "sudo systemctl start quarrynet-services-index.service") << folder;
         EXPECT_EQ(commands.replace, "sudo quarrynet-services index --force --data /var/lib/quarrynet") << folder;
+        EXPECT_EQ(commands.crawl, "sudo systemctl enable --now quarrynet-services-crawl.timer") << folder;
         EXPECT_EQ(commands.serve, "quarrynet-services serve") << folder;
         EXPECT_EQ(indexCommands(folder, Reader::Owner).look,
                   "sudo quarrynet-services status --data /var/lib/quarrynet");
@@ -109,6 +110,7 @@ TEST_F(IndexPlace, CommandsForAnotherFolderNameItToItsOwner)
     const IndexCommands commands = indexCommands("/srv/index/", Reader::Owner);
     EXPECT_EQ(commands.make, "quarrynet-services index --data /srv/index");
     EXPECT_EQ(commands.replace, "quarrynet-services index --force --data /srv/index");
+    EXPECT_EQ(commands.crawl, "quarrynet-services crawl --due --data /srv/index");
     EXPECT_EQ(commands.serve, "quarrynet-services serve --data /srv/index");
     EXPECT_EQ(commands.look, "sudo quarrynet-services status --data /srv/index");
     EXPECT_THAT(newerIndexRemedy(commands), HasSubstr("\"quarrynet-services index --force --data /srv/index\""));
@@ -132,7 +134,8 @@ TEST_F(IndexPlace, AShellTakesTheFolderAsOneWord)
 TEST_F(IndexPlace, PagesDoNotSayWhereTheIndexIs)
 {
     const IndexCommands commands = indexCommands("/home/a/secret", Reader::Anybody);
-    for (const std::string& command : {commands.make, commands.replace, commands.serve, commands.look}) {
+    for (const std::string& command :
+         {commands.make, commands.replace, commands.crawl, commands.serve, commands.look}) {
         EXPECT_EQ(command.find("secret"), std::string::npos) << command;
         EXPECT_THAT(command, HasSubstr(" --data DATA-FOLDER"));
     }
