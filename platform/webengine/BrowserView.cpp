@@ -23,12 +23,27 @@ namespace {
 
 // Characters that change the text direction become U+FFFD, as everywhere in the program, so that no address is
 // displayed backwards.
-constexpr const char* kMarks = "var w = document.createTreeWalker(document, NodeFilter.SHOW_TEXT);"
-                               "while (w.nextNode()) {"
-                               "  var t = w.currentNode.data.replace("
-                               "      /[\\u061c\\u200e\\u200f\\u202a-\\u202e\\u2066-\\u2069]/g, '\\ufffd');"
-                               "  if (t != w.currentNode.data) w.currentNode.data = t;"
-                               "}";
+constexpr const char* kMarks = R"js(
+(function () {
+    const kShown = ['title', 'alt', 'placeholder', 'value', 'label']; // attributes that views display
+    const cleaned = text => text.replace(/[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g, '\ufffd');
+    const nodes = document.createTreeWalker(document, NodeFilter.SHOW_TEXT | NodeFilter.SHOW_ELEMENT);
+    while (nodes.nextNode()) {
+        const node = nodes.currentNode;
+        if (node.nodeType == Node.TEXT_NODE) {
+            const text = cleaned(node.data);
+            if (text != node.data)
+                node.data = text;
+            continue;
+        }
+        for (const name of kShown) {
+            const text = node.getAttribute(name);
+            if (text && text != cleaned(text))
+                node.setAttribute(name, cleaned(text));
+        }
+    }
+})()
+)js";
 
 constexpr auto kOwnWorld = QWebEngineScript::ApplicationWorld;
 

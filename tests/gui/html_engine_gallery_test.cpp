@@ -32,6 +32,7 @@ private slots:
     void enterOpensTheChosenPicture();
     void pictureThatDoesNotLoadHasAFrame();
     void hostileCaptionsStayInTheirCells();
+    void tipsDoNotChangeTheDirection();
     void zoomKeysAndWheel();
     void colorsFollowTheDesktop();
     void otherPagesKeepTheirColors();
@@ -269,6 +270,24 @@ void HtmlEngineGalleryTest::hostileCaptionsStayInTheirCells()
     QTRY_VERIFY_WITH_TIMEOUT(!place(0).isEmpty() && !place(1).isEmpty(), 30000);
     QTRY_COMPARE_WITH_TIMEOUT(place(1).top(), place(0).top(), 30000);
     QCOMPARE(place(0).size(), QSize(90, 60));
+}
+
+// The marks used to be replaced in the texts of a page but not in its attributes, of which one is the tool tip.
+void HtmlEngineGalleryTest::tipsDoNotChangeTheDirection()
+{
+    server_->answerWithPicture("/0", Qt::red);
+    const auto tipAt = [&](QPoint at) {
+        QTest::mouseMove(keys(), at - QPoint(1, 1)); // the engine looks for a tip when the mouse moves
+        QTest::mouseMove(keys(), at);
+        return engine()->toolTip();
+    };
+    openGallery({"host/a&#8238;gpj.exe"}, {address("/0").toStdString()});
+    QTRY_VERIFY_WITH_TIMEOUT(!place(0).isEmpty(), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(tipAt(place(0).center()).contains(u"host/a\ufffdgpj.exe"_s), 30000);
+
+    openGallery({"host/<img src=x title='b&#x2067;gpj.exe' style='width:100px;height:100px'>"},
+                {address("/0").toStdString()});
+    QTRY_VERIFY_WITH_TIMEOUT(tipAt(place(0).center() + QPoint(0, 120)).contains(u"b\ufffdgpj.exe"_s), 30000);
 }
 
 void HtmlEngineGalleryTest::zoomKeysAndWheel()
