@@ -23,6 +23,23 @@ namespace {
 // What clear() keeps of rows, in bytes. Larger results are freed, as they were before a list kept any.
 constexpr std::size_t kMostKept = std::size_t{64} << 20;
 
+/// A selection whose changes cost in proportion to the rows. Where one range replaces many that lie apart, as when all
+/// rows are selected after a filter was taken away, the toolkit compares each of them with each part of the one.
+class RowSelection final : public QItemSelectionModel
+{
+public:
+    using QItemSelectionModel::QItemSelectionModel;
+    using QItemSelectionModel::select;
+
+    void select(const QItemSelection& rows, SelectionFlags command) override
+    {
+        constexpr qsizetype kMany = 64;
+        if (command.testFlag(Clear) && selection().size() > kMany)
+            QItemSelectionModel::select(QItemSelection(), Clear);
+        QItemSelectionModel::select(rows, command);
+    }
+};
+
 std::size_t bytesOf(const std::vector<ListViewModel::Row>& rows)
 {
     std::size_t bytes = 0;
@@ -66,6 +83,8 @@ void ListView::setColumns(const QStringList& headers)
     Q_ASSERT(!model_);
     model_ = new ListViewModel(headers, this);
     setModel(model_);
+    delete selectionModel();
+    setSelectionModel(new RowSelection(model_, this));
 }
 
 void ListView::setColumnWidths(const std::vector<int>& widths)
