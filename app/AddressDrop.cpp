@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QApplication>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMimeData>
@@ -89,6 +90,11 @@ bool AddressDrop::eventFilter(QObject* watched, QEvent* event)
         break;
     default:
         return QObject::eventFilter(watched, event);
+    }
+    // A dialog keeps keys and clicks from the window, but the toolkit does not keep drops from it.
+    if (QApplication::activeModalWidget()) {
+        event->ignore();
+        return true;
     }
     auto& dropped = *static_cast<QDropEvent*>(event);
     if (!isWanted(*watched, dropped) || !choosesAction(dropped))

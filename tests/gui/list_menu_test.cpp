@@ -1,4 +1,5 @@
 #include <QClipboard>
+#include <QDialog>
 #include <QDropEvent>
 #include <QTemporaryFile>
 #include <QWindow>
@@ -493,6 +494,22 @@ private slots:
             QVERIFY2(!drop(data, bar()), qPrintable(address));
         }
         QVERIFY(window_->boxes.boxes().isEmpty());
+    }
+
+    // An address dropped behind an open dialog used to change the tab and the field there.
+    void nothingIsDroppedBehindADialog()
+    {
+        window_->chooseTab(2);
+        QDialog dialog(&window_->main());
+        dialog.setModal(true);
+        dialog.show();
+        QMimeData data;
+        data.setText(u"http://new.example/"_s);
+        for (const char* place : {"Toolbar1", "Text4", "Text5"})
+            QVERIFY2(!drop(data, middleOf(place)), place);
+        dialog.close();
+        QCOMPARE(field("Text4") + field("Text5"), QString());
+        QVERIFY(drop(data, bar()));
     }
 
     void otherFilesAreRefused()
