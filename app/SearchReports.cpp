@@ -1,7 +1,12 @@
 #include "app/SearchReports.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <QApplication>
 #include <QComboBox>
+#include <QEvent>
+#include <QPointer>
 
 #include "search/SearchTab.h"
 
@@ -9,17 +14,12 @@ namespace quarrynet {
 
 SearchReports::SearchReports(QWidget& window, std::function<const SearchTab*()> front)
     : QObject(&window), announcer_(window), front_(std::move(front))
-{}
+{
+    window.installEventFilter(this);
+}
 
 void SearchReports::watch(SearchTab& tab)
 {
-    const auto report = [this, &tab] {
-        // A new search closes the socket and opens it again at once. A box says by itself why a search ended.
-        if (tab.socket().isOpen() || QApplication::activeModalWidget())
-            return;
-        const QString outcome = tab.outcome();
-        announcer_.say(front_() == &tab ? outcome : tr("%1: %2").arg(tab.accessibleName(), outcome));
-    };
     // Orca is silent when a closed list of choices changes.
     for (auto* choices : tab.findChildren<QComboBox*>()) {
         connect(choices, &QComboBox::currentTextChanged, this, [this, choices](const QString& choice) {
@@ -27,10 +27,47 @@ void SearchReports::watch(SearchTab& tab)
                 announcer_.say(choice);
         });
     }
-    connect(&tab.socket(), &TcpClientSocket::openChanged, this, [this, report](bool open) {
-        if (!open)
-            QMetaObject::invokeMethod(this, report, Qt::QueuedConnection); // when the rows are shown
+    connect(&tab.socket(), &TcpClientSocket::openChanged, this, [this, &tab](bool open) {
+        if (open)
+            return;
+        lastEnded_ = &tab;
+        const QPointer<QWidget> modal = QApplication::activeModalWidget();
+        const auto later = [this, &tab, modal] { report(tab, modal); }; // when the rows are shown
+        QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
     });
+}
+
+bool SearchReports::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::WindowUnblocked)
+        QMetaObject::invokeMethod(this, &SearchReports::say, Qt::QueuedConnection);
+    return QObject::eventFilter(watched, event);
+}
+
+void SearchReports::report(SearchTab& tab, const QWidget* modalAtEnd)
+{
+    // A box that opens as soon as the socket is closed says why the search ended.
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (modal && modal != modalAtEnd && lastEnded_ == &tab)
+        return;
+    unsaid_.erase(std::remove(unsaid_.begin(), unsaid_.end(), &tab), unsaid_.end());
+    unsaid_.push_back(&tab);
+    say();
+}
+
+void SearchReports::say()
+{
+    if (QApplication::activeModalWidget())
+        return; // its closing calls this function again
+    QStringList sentences;
+    for (SearchTab* tab : std::exchange(unsaid_, {})) {
+        if (tab->socket().isOpen())
+            continue; // a new search closes the socket and opens it again at once
+        const QString outcome = tab->outcome();
+        sentences.append(front_() == tab ? outcome : tr("%1: %2").arg(tab->accessibleName(), outcome));
+    }
+    if (!sentences.isEmpty())
+        announcer_.say(sentences.join(QLatin1String(". "))); // together: each message replaces the one before it
 }
 
 } // namespace quarrynet

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <QObject>
 
@@ -10,8 +11,9 @@ namespace quarrynet {
 
 class SearchTab;
 
-/// Tells people who do not see the window how each search ended. Errors and messages of the searches have boxes, which
-/// screen readers speak by themselves.
+/// Tells people who do not see the window how each search ended. Errors and messages of a search have boxes, which
+/// screen readers speak by themselves. A search that ends while another box or a dialog is open is announced when that
+/// one is closed.
 class SearchReports final : public QObject
 {
     Q_OBJECT
@@ -26,9 +28,17 @@ public:
     /// Returns the last announcement.
     const QString& last() const { return announcer_.message(); }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void report(SearchTab& tab, const QWidget* modalAtEnd);
+    void say();
+
     Announcer announcer_;
     std::function<const SearchTab*()> front_;
+    const SearchTab* lastEnded_ = nullptr;
+    std::vector<SearchTab*> unsaid_; // the tabs whose searches have ended, in this order
 };
 
 } // namespace quarrynet

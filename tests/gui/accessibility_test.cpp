@@ -1,6 +1,8 @@
 #include <QAccessible>
+#include <QAction>
 #include <QComboBox>
 
+#include "DialogDriver.h"
 #include "WindowFixture.h"
 #include "app/SearchReports.h"
 #include "tab_controls.h"
@@ -198,6 +200,55 @@ private slots:
         QCOMPARE(announced(), QString());
     }
 
+    // Any open dialog used to swallow the announcement.
+    void endsBehindADialogAreAnnouncedWhenItCloses()
+    {
+        fillIn(*window_, kTabs[0]);
+        startStalled(tabOf(5));
+        window_->chooseTab(1);
+        QString during = u"no dialog"_s;
+        const DialogDriver driver([&](QDialog&) {
+            letEnd(tabOf(5));
+            window_->service.answerWith(pageOf(kTabs[0]));
+            window_->control<QPushButton>("Command1")->click();
+            waitForEnd(kTabs[0]);
+            during = announced();
+        });
+        window_->control<QAction>("proxymnu")->trigger();
+        QCOMPARE(driver.seen().size(), 1);
+        QCOMPARE(during, QString());
+        QTRY_COMPARE(announced(), u"Specific File Search: 15 results. 30 of 1,234 results"_s);
+    }
+
+    void theEndBehindAnotherTabsBoxIsAnnouncedWhenItCloses()
+    {
+        startStalled(tabOf(5));
+        startStalled(kTabs[0]);
+        QString during = u"no box"_s;
+        window_->boxes.beforeAnswer = [&](QMessageBox&) {
+            letEnd(tabOf(5));
+            during = announced();
+        };
+        QTest::keyClick(&window_->main(), Qt::Key_Escape);
+        QCOMPARE(window_->boxes.texts(), QStringList(u"User cancel the operation"_s));
+        QCOMPARE(during, QString());
+        QTRY_COMPARE(announced(), u"Specific File Search: 15 results"_s);
+    }
+
+    // An error's box opens over the dialog and says why, so there is nothing to announce.
+    void anErrorBehindADialogHasItsBoxOnly()
+    {
+        startStalled(kTabs[0]);
+        const DialogDriver driver([&](QDialog&) {
+            window_->service.reset();
+            waitForEnd(kTabs[0]);
+        });
+        window_->control<QAction>("proxymnu")->trigger();
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(announced(), QString());
+    }
+
     // A tool may query the object under the pointer.
     void aPointInTheFrontFrameIsInNoOther_data() { everySwitchShowsTheFrontTabOnly_data(); }
 
@@ -216,6 +267,29 @@ private slots:
 
 private:
     QString announced() { return window_->main().findChild<SearchReports*>()->last(); }
+
+    void startStalled(const TabControls& tab)
+    {
+        window_->service.stall();
+        const qsizetype before = window_->service.requests().size();
+        QTest::keyClick(window_->control<QLineEdit>(fillIn(*window_, tab)), Qt::Key_Return);
+        QTRY_COMPARE(window_->service.requests().size(), before + 1);
+    }
+
+    void letEnd(const TabControls& tab)
+    {
+        window_->service.answerWith(pageOf(tab));
+        window_->service.release();
+        waitForEnd(tab);
+    }
+
+    // Waits until the search has ended and what follows it has been done.
+    void waitForEnd(const TabControls& tab)
+    {
+        QTRY_COMPARE(window_->socketState(tab.socket), 0);
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+    }
 
     void verifyOnlyFrontTabIsPresent(int tag)
     {
