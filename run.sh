@@ -3,6 +3,13 @@
 # Without a display, or with --tour [FOLDER], it takes screenshots of a tour through the tabs instead.
 set -euo pipefail
 cd "$(dirname "$0")"
+case "${1:-}" in
+"" | --tour) ;;
+*)
+    echo "Usage: ./run.sh [--tour [FOLDER]]" >&2
+    exit 2
+    ;;
+esac
 . tools/packages.sh
 # shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
 install_missing $build_packages $run_packages
@@ -18,7 +25,7 @@ data=${XDG_DATA_HOME:-$HOME/.local/share}/quarrynet
 lowest=$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024)
 if [ "$(id -u)" != 0 ] && [ "$lowest" -gt 80 ] && ! getcap "$bin/quarrynet-services" | grep -q cap_net_bind_service; then
     echo "Permitting quarrynet-services to listen on port 80:"
-    sudo setcap cap_net_bind_service=+ep "$bin/quarrynet-services" || echo "Not permitted; use the proxy port instead." >&2
+    sudo setcap cap_net_bind_service=+ep "$bin/quarrynet-services" || echo "Not permitted. In the program, choose View > Proxy and enter 127.0.0.1 and 8780." >&2
 fi
 
 log=$(mktemp)

@@ -7,16 +7,22 @@
 # differ from the upstream branch.
 set -euo pipefail
 cd "$(dirname "$0")"
-. tools/packages.sh
-# shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
-install_missing $build_packages $run_packages $test_packages
-
 quick=""
 tidy=()
 case "${1:-}" in
+"") ;;
 --quick) quick=yes ;;
 --all) tidy=(--all) ;;
+*)
+    echo "Usage: ./test.sh [--quick | --all]" >&2
+    exit 2
+    ;;
 esac
+
+. tools/packages.sh
+# shellcheck disable=SC2154,SC2086 # lists of words, from tools/packages.sh
+install_missing $build_packages $run_packages $test_packages
+install_test_servers
 
 tools/format.sh --check
 

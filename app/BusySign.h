@@ -24,6 +24,7 @@ public:
     /// `strip` is the tab strip, a descendant of `window`. `front` returns the front tab's socket, or null.
     BusySign(QWidget& window, QWidget& strip, std::function<const TcpClientSocket*()> front);
 
+    /// Shows the line while `socket` is open and the front tab's. The socket must outlive this object.
     void watch(TcpClientSocket& socket);
 
     /// Shows or hides the line. Call when another tab comes to the front.

@@ -83,7 +83,7 @@ QString CommandLine::readRequest()
     QStringList words = parser_.positionalArguments();
     if (parser_.isSet(tour_) && (request_.tab != 0 || !words.isEmpty()))
         return QStringLiteral("A tour takes no tab and no words.");
-    // An empty text is none, as from a script whose variable is not set.
+    // A script whose variable is not set passes an empty argument.
     words.removeAll(QString());
     if (words.isEmpty())
         return {};

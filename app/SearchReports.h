@@ -23,6 +23,7 @@ public:
     /// `front` returns the front tab, or null. What another tab reports begins with that tab's name.
     SearchReports(QWidget& window, std::function<const SearchTab*()> front);
 
+    /// Announces the end of each of the tab's searches from now on.
     void watch(SearchTab& tab);
 
     /// Returns the last announcement.

@@ -48,6 +48,7 @@ public:
     /// Connects like `Connect`, and over TLS. The connect event comes after the handshake, so nothing is sent before.
     virtual void ConnectTls(std::string_view host, int port) = 0;
 
+    /// Sends all of `bytes`, in the order of the calls. A failure causes the error event.
     virtual void SendData(std::string_view bytes) = 0;
 
     /// Appends the data received since the last call to `text`.

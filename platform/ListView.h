@@ -22,7 +22,7 @@ class ListHeader;
 ///
 /// A click on a caption sorts by that column, a second one in the other direction, a third one restores the page's
 /// order. openFilter() opens a line that hides rows. Both end when the rows are replaced. The right button and the menu
-/// key open a menu with the list's commands (see ListMenu). Selected rows can be dragged as addresses.
+/// key open a menu with the list's commands (see showListMenu). Selected rows can be dragged as addresses.
 class ListView final : public QTreeView
 {
     Q_OBJECT
@@ -40,8 +40,8 @@ public:
     /// Returns each column's width as a fraction of the list's.
     const std::vector<double>& columnShares() const { return shares_; }
 
-    /// Sets them. Does nothing unless there is a usable number for each column: no column narrower than a
-    /// five-hundredth of the list or ten times as wide.
+    /// Sets each column's width as a fraction of the list's. Ignores all of them unless each is usable: no column
+    /// narrower than a five-hundredth of the list or ten times as wide.
     void setColumnShares(const std::vector<double>& shares);
 
     /// Returns whether the columns differ from what setColumnWidths() has set.

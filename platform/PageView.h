@@ -67,6 +67,7 @@ struct PageViewHost
     std::function<void(Zoom zoom)> zoomed;
 };
 
+/// A view that shows one local page at a time. HtmlView owns it; the plug-in and PlainPageView implement it.
 class PageView
 {
 public:
@@ -97,4 +98,6 @@ public:
 
 } // namespace quarrynet
 
-Q_DECLARE_INTERFACE(quarrynet::PageEngine, "quarrynet.PageEngine/3")
+/// The number changes with the interface, so that a plug-in of another version is not used.
+#define QUARRYNET_PAGE_ENGINE_IID "quarrynet.PageEngine/3"
+Q_DECLARE_INTERFACE(quarrynet::PageEngine, QUARRYNET_PAGE_ENGINE_IID)

@@ -17,7 +17,8 @@ struct ProgramFolder
 /// folder is writable, returns the data folder's path with `writable` false.
 ProgramFolder chooseProgramFolder(const QString& beside, const QString& data);
 
-/// Does this for the running program. Needs the application object.
+/// Returns chooseProgramFolder() for the running program's folder and the user's data folder. Needs the application
+/// object.
 ProgramFolder findProgramFolder();
 
 } // namespace quarrynet

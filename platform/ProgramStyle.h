@@ -32,8 +32,8 @@ public:
     // text, and English captions would be at the wrong end of their places.
     void polish(QWidget* widget) override;
 
-    // In such a window, draws each text in its own direction. English captions would
-    // otherwise have their colons and dots at the wrong end.
+    // In such a window, draws each text in its own direction. Otherwise the colons and dots of English captions would
+    // be at the wrong end.
     void drawItemText(QPainter* painter, const QRect& rect, int flags, const QPalette& palette, bool enabled,
                       const QString& text, QPalette::ColorRole role) const override;
 

@@ -290,8 +290,8 @@
         <translation>Dateien, deren Namen den eingegebenen Text enthalten</translation>
     </message>
     <message>
-        <source>Double-click a row to open its address. The address of a mirror usually begins with "http" and opens in your browser; that of a crawled server begins with "ftp". Many browsers no longer support FTP, but file managers and FTP programs do.</source>
-        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers beginnt meist mit „http“ und öffnet sich in Ihrem Browser; die eines durchsuchten Servers beginnt mit „ftp“. Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
+        <source>Double-click a row to open its address. The address of a mirror or of a crawled web server begins with "http" and opens in your browser; that of an FTP server begins with "ftp". Many browsers no longer support FTP, but file managers and FTP programs do.</source>
+        <translation>Doppelklicken Sie auf eine Zeile, um ihre Adresse zu öffnen. Die Adresse eines Spiegelservers oder eines eingelesenen Webservers beginnt mit „http“ und öffnet sich in Ihrem Browser; die eines FTP-Servers beginnt mit „ftp“. Viele Browser unterstützen FTP nicht mehr, Dateimanager und FTP-Programme dagegen schon.</translation>
     </message>
     <message>
         <source>"&amp;lt;Dir&amp;gt;" in the size column marks a directory.</source>
@@ -753,8 +753,8 @@
         <translation>Die lokalen Dienste - Handbuch zu Quarrynet</translation>
     </message>
     <message>
-        <source>Searches need services. By default these run on your own machine: &lt;code&gt;./run.sh&lt;/code&gt; starts the program &lt;code&gt;quarrynet-services&lt;/code&gt; together with the window. It answers from data on your machine, so everything works without the internet:</source>
-        <translation>Suchen brauchen Dienste. Normalerweise laufen diese auf Ihrem eigenen Rechner: &lt;code&gt;./run.sh&lt;/code&gt; startet das Programm &lt;code&gt;quarrynet-services&lt;/code&gt; zusammen mit dem Fenster. Es antwortet aus den Daten Ihres Rechners, daher funktioniert alles ohne Internet:</translation>
+        <source>Searches need services. By default these run on your own machine: the program &lt;code&gt;quarrynet-services&lt;/code&gt;. An installed one is started by the system when a search asks for it; in a source tree, &lt;code&gt;./run.sh&lt;/code&gt; starts it together with the window. It answers from data on your machine, so everything works without the internet:</source>
+        <translation>Suchen brauchen Dienste. Normalerweise laufen diese auf Ihrem eigenen Rechner: das Programm &lt;code&gt;quarrynet-services&lt;/code&gt;. Ein installiertes startet das System, wenn eine Suche danach fragt; in einem Quellverzeichnis startet &lt;code&gt;./run.sh&lt;/code&gt; es zusammen mit dem Fenster. Es antwortet aus den Daten Ihres Rechners, daher funktioniert alles ohne Internet:</translation>
     </message>
     <message>
         <source>tab</source>
@@ -781,8 +781,8 @@
         <translation>die Programme in den Paketlisten</translation>
     </message>
     <message>
-        <source>the files of the package pool, and FTP servers that were crawled</source>
-        <translation>die Dateien des Paketbestands und eingelesene FTP-Server</translation>
+        <source>the files of the package pool, servers that were crawled, and files in packages</source>
+        <translation>die Dateien des Paketbestands, eingelesene Server und Dateien in Paketen</translation>
     </message>
     <message>
         <source>They all listen on port 80, and together as an HTTP proxy on 127.0.0.1, port 8780.</source>
@@ -841,8 +841,8 @@
         <translation>Eigene Dienste laufen auch ohne die des Systems: &lt;code&gt;systemctl --user enable --now quarrynet-services.socket&lt;/code&gt;; dann schalten Sie &lt;a href="proxy.html"&gt;den Proxy&lt;/a&gt; ein und geben 127.0.0.1 und 8781 ein. Ihren Zustand zeigt &lt;code&gt;quarrynet-services status --port 8781 --proxy-port 8781&lt;/code&gt;.</translation>
     </message>
     <message>
-        <source>Services that you start in a terminal need permission for port 80, which &lt;code&gt;./run.sh&lt;/code&gt; requests; without it, switch the proxy on and use port 8780.</source>
-        <translation>Dienste, die Sie in einem Terminal starten, brauchen eine Berechtigung für Port 80, um die &lt;code&gt;./run.sh&lt;/code&gt; bittet; ohne diese schalten Sie den Proxy ein und benutzen Port 8780.</translation>
+        <source>Services that you start in a terminal need permission for port 80; they print the command. Without it, switch the proxy on and use port 8780.</source>
+        <translation>Dienste, die Sie in einem Terminal starten, brauchen eine Berechtigung für Port 80; sie nennen den Befehl dafür. Ohne sie schalten Sie den Proxy ein und benutzen Port 8780.</translation>
     </message>
     <message>
         <source>On Windows</source>

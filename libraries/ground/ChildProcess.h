@@ -42,6 +42,7 @@ public:
     /// Returns the process ID, or 0 after wait().
     pid_t id() const { return id_; }
 
+    /// Sends the signal to the process. Does nothing after wait().
     void signal(int number) const;
 
     /// Waits for the end and returns the exit status, or the negative signal number if a signal ended the process.

@@ -11,7 +11,7 @@ class BrowserEngine final : public QObject, public PageEngine
 {
     Q_OBJECT
     Q_INTERFACES(quarrynet::PageEngine)
-    Q_PLUGIN_METADATA(IID "quarrynet.PageEngine/2")
+    Q_PLUGIN_METADATA(IID QUARRYNET_PAGE_ENGINE_IID)
 
 public:
     std::unique_ptr<PageView> makeView(const PageViewHost& host, QWidget* parent, QString& reason) override;

@@ -24,7 +24,9 @@ public:
     PageCheck(SearchWindow& window, QWidget* parent);
     ~PageCheck() override;
 
+    /// Fills the list of match modes, in the order of their numbers.
     void fillMatchModes();
+    /// Gives each column half of the list's width.
     void halveColumns();
 
     const QLineEdit& addressField() const;

@@ -66,7 +66,8 @@ void addIndex(CLI::App& app, Options& options)
 {
     CLI::App* index = app.add_subcommand("index", "Make the index for the searches");
     index->add_flag("--if-needed", options.ifNeeded, "do nothing if there is a usable index");
-    index->add_flag("--force", options.force, "replace the index in use even if the new one has much less");
+    index->add_flag("--force", options.force,
+                    "replace the index in use even if it is from a newer version or the new one has much less");
     index->add_flag("--wait", options.wait, "wait up to an hour while another process writes the index");
     addTexts(*index, "--packages", options.packageFiles, "FILE",
              "a file of package stanzas instead of the machine's package lists; may be repeated");

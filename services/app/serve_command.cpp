@@ -44,7 +44,7 @@ void explainPermission(std::uint16_t port, const std::string& proxyAddress, std:
 {
     const std::string program = ownProgram().string();
     std::fprintf(stderr,
-                 "quarrynet-services: to permit port %u, run one of these once:\n"
+                 "quarrynet-services: to permit port %u, run one of these (setcap again after each build):\n"
                  "  sudo setcap cap_net_bind_service=+ep %s\n"
                  "  sudo sysctl net.ipv4.ip_unprivileged_port_start=%u\n",
                  static_cast<unsigned>(port), program.empty() ? "quarrynet-services" : program.c_str(),
@@ -85,7 +85,8 @@ private:
     bool explained_ = false;
 };
 
-/// Returns a handler for a service whose sources are unknown. Others than those that a person chose must not be asked.
+/// Returns a handler that answers 503, for a service whose configured sources could not be read: no other source may be
+/// asked in their place.
 Router::Handler misconfigured(const std::string& fault)
 {
     return [fault](const HttpRequest& request) {

@@ -33,7 +33,8 @@ void takeAddress(const HandedSocket& handed, std::string& host)
 std::string remedyForPortInUse(std::uint16_t port)
 {
     return "\"sudo ss -ltnp 'sport = :" + std::to_string(port) +
-           "'\" names that program: stop it, or let it listen at fewer addresses, then start the services again";
+           "'\" shows the program that uses the port. Stop it or make it listen on fewer addresses, then restart the "
+           "services";
 }
 
 void startServices(HttpServer& server, Router& router, std::uint16_t port, std::vector<Service>& services,

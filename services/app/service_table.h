@@ -10,7 +10,7 @@
 #include "http/HttpServer.h"
 #include "http/Router.h"
 
-/// The services that `serve` offers. Nothing here depends on their order or number.
+/// The services that `serve` offers. Their order does not matter; status_command.cpp has a list of its own.
 namespace quarrynet::services {
 
 struct Service

@@ -127,10 +127,21 @@ void askAll(std::vector<Asked>& services)
     fetches.run();
 }
 
+/// Returns the command of the service manager that runs the services which the report is about.
+std::string managerOf(const Report& report)
+{
+    return report.isOwn ? "systemctl --user" : "sudo systemctl";
+}
+
+std::string correctFile(const Report& report)
+{
+    return "Correct the file, then: " + managerOf(report) + " restart quarrynet-services.service";
+}
+
 /// `serve`: the command that starts services in a terminal.
 void reportAnswers(const std::vector<Asked>& services, const std::string& serve, Report& report)
 {
-    const std::string manager = report.isOwn ? "systemctl --user" : "sudo systemctl";
+    const std::string manager = managerOf(report);
     const std::string journal = report.isOwn ? "journalctl --user" : "sudo journalctl";
     const bool anyAnswers =
         std::any_of(services.begin(), services.end(), [](const Asked& asked) { return asked.status.has_value(); });
@@ -150,7 +161,7 @@ void reportAnswers(const std::vector<Asked>& services, const std::string& serve,
         where.append(":").append(std::to_string(asked.port)).append(": ").append(asked.result).append(".");
         if (!asked.status && !asked.isFree)
             report.problems.emplace_back(std::string(what).append(" does not have its address ").append(where),
-                                         "As the machine's owner: " + remedyForPortInUse(asked.port) + ".");
+                                         "As the administrator: " + remedyForPortInUse(asked.port) + ".");
         else if (!asked.status && anyAnswers)
             report.problems.emplace_back(std::string(what).append(" does not answer at ").append(where),
                                          "The messages of the services say why: " + journal +
@@ -159,8 +170,7 @@ void reportAnswers(const std::vector<Asked>& services, const std::string& serve,
         if (!asked.status)
             continue;
         if (!asked.status->fault.empty())
-            report.problems.emplace_back(what + " does not search: " + asked.status->fault,
-                                         "Correct the file and restart the services.");
+            report.problems.emplace_back(what + " does not search: " + asked.status->fault, correctFile(report));
         if (asked.status->version != QUARRYNET_VERSION)
             report.problems.emplace_back(what + " is of version " + asked.status->version + ", not " +
                                              QUARRYNET_VERSION + ".",
@@ -332,7 +342,7 @@ int runStatus(const Options& options)
     reportIndexFaults(services, indexFault, report);
     printConfiguration(usable);
     for (const std::string& fault : usable.faults)
-        report.problems.emplace_back(fault, "Correct the file and restart the services.");
+        report.problems.emplace_back(fault, correctFile(report));
     std::puts("\nServices:");
     for (const Asked& asked : services)
         std::printf("  %-13s %s\n", asked.name.c_str(),

@@ -40,7 +40,7 @@ struct Gathered
 };
 
 /// Returns the total to announce for a page after the first `start` results. Faults count only on a page without
-/// results, which would otherwise be none.
+/// results, which the window would otherwise report as a search that found nothing.
 std::int64_t totalOf(const Gathered& gathered, std::int64_t start);
 
 /// How the faults of sources are shown: besides the rows of a page, or in their places.

@@ -19,7 +19,7 @@ struct RemotePicture
 };
 
 /// The pictures of the internet that the image search has listed lately, by the tokens that stand for them in its
-/// pages. The gateway fetches, and redirects to, only what is in here. Tokens are random, so that other users of the
+/// pages. The services fetch, and redirect to, only what is in here. Tokens are random, so that other users of the
 /// machine cannot find out what was searched. Several threads may use it.
 class RemotePictures
 {

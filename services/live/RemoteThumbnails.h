@@ -44,7 +44,8 @@ public:
 
     /// Returns a PNG or JPEG picture of at most 120 by 120 pixels: of the picture's own thumbnail if it has one that
     /// can be shown, otherwise of the picture. Returns nothing when neither can be fetched and decoded in time, or this
-    /// thread's task (CurrentTask) is abandoned. Thumbnails, and pictures that are none, are kept.
+    /// thread's task (CurrentTask) is abandoned. Caches the thumbnails, and which pictures could not
+    /// be shown.
     std::optional<std::string> get(const RemotePicture& picture);
 
 private:

@@ -59,7 +59,7 @@ struct Fetched
 };
 
 /// Returns whether `to` has the host of `from`, and its scheme and port; only from http to https may these change.
-/// What is sent to a host thereby never reaches another one, nor loses its encryption.
+/// So a request never reaches another host and never loses its encryption.
 bool followsOnSite(std::string_view from, std::string_view to);
 
 /// The hosts that fetches reach.

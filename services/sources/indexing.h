@@ -29,7 +29,7 @@ struct IndexSources
     /// Software catalogs of that mirror's packages, plain or compressed. If there are neither these nor `packageFiles`,
     /// the machine's own catalogs are used.
     std::vector<std::string> catalogFiles = {};
-    /// Replaces the index in use even if the new one has much less.
+    /// Replaces the index in use even if it is from a newer version or the new one has much less.
     bool force = false;
     /// As for IndexLock::take().
     std::function<bool()> again = {};
@@ -53,8 +53,8 @@ inline constexpr double kLeastShare = 0.5;
 inline constexpr std::int64_t kMinCompared = 100;
 
 /// Makes a new index in the data folder; the old one stays in use until the new one is complete. What cannot be read is
-/// left out and counted. Fails when the new index would have much less than the one in use (kLeastShare). Calls
-/// `progress` with plain text lines without a line end.
+/// left out and counted. Fails, unless `sources.force`, when the index in use is from a newer version or the new one
+/// would have much less (kLeastShare). Calls `progress` with plain text lines without a line end.
 Outcome<IndexCounts> buildIndex(const std::string& dataFolder, const IndexSources& sources,
                                 const std::function<void(const std::string&)>& progress);
 

@@ -15,7 +15,7 @@ complete -c quarrynet-services -n $none -a help -d 'Show the commands'
 
 set -l index '__fish_seen_subcommand_from index'
 complete -c quarrynet-services -n $index -l if-needed -d 'Do nothing if there is a usable index'
-complete -c quarrynet-services -n $index -l force -d 'Replace the index even if the new one has much less'
+complete -c quarrynet-services -n $index -l force -d 'Replace a newer index, or one that has much more'
 complete -c quarrynet-services -n $index -l wait -d 'Wait while another process writes the index'
 complete -c quarrynet-services -n $index -l packages -rF -d 'Package stanzas instead of the lists of this machine'
 complete -c quarrynet-services -n $index -l mirror -x -d 'The mirror that has these packages'
