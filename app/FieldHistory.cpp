@@ -9,7 +9,6 @@
 #include <QMenu>
 
 #include "common/CDS_CIni.h"
-#include "ground/ascii.h"
 #include "platform/EntryPopup.h"
 #include "platform/message_boxes.h"
 #include "platform/text_border.h"
@@ -84,7 +83,10 @@ bool FieldHistory::isOn() const
     std::vector<std::string> keys;
     std::vector<std::string> values;
     store.ReadSection(kSection, keys, values);
-    if (std::any_of(keys.begin(), keys.end(), [](const std::string& key) { return equalsIgnoringCase(key, kKey); }))
+    const auto isSwitch = [](const std::string& key) {
+        return toText(key).compare(QLatin1String(kKey), Qt::CaseInsensitive) == 0;
+    };
+    if (std::any_of(keys.begin(), keys.end(), isSwitch))
         return false;
     const QFileInfo file(toPathText(settingsPath_));
     return !file.exists() || file.isReadable(); // what cannot be read may say "off"
