@@ -154,6 +154,8 @@ private:
     void arrange();
     Address addressOf(const ListViewModel::Row& row) const;
     std::unique_ptr<QMimeData> dragData(const std::vector<std::size_t>& rows) const;
+    Table headedTable() const; // without rows
+    std::vector<std::string> shownCells(const ListViewModel::Row& row) const;
     Table tableOf(const ListViewModel::Shown& shown) const;
 
     ListViewModel* model_ = nullptr;

@@ -47,18 +47,12 @@ void ListView::copyAddresses() const
 void ListView::copyRows() const
 {
     QStringList lines;
-    Table table;
-    for (const QString& header : model_->headers())
-        table.headers.push_back(header.toStdString());
+    Table table = headedTable();
     for (const std::size_t row : selectedRows()) {
+        table.rows.push_back(shownCells(rows()[row]));
         QStringList cells;
-        for (int column = 0; column < model_->columnCount(); ++column)
-            cells.append(model_->cell(row, column));
-        table.rows.emplace_back();
-        for (QString& cell : cells) {
-            table.rows.back().push_back(cell.toStdString());
-            cell = harmless(cell);
-        }
+        for (const std::string& cell : table.rows.back())
+            cells.append(QString::fromStdString(harmlessCell(cell)));
         lines.append(cells.join(u'\t'));
     }
     if (lines.isEmpty())
@@ -86,11 +80,25 @@ std::unique_ptr<QMimeData> ListView::dragData(const std::vector<std::size_t>& ro
     return mime;
 }
 
-Table ListView::tableOf(const ListViewModel::Shown& shown) const
+Table ListView::headedTable() const
 {
     Table table;
     for (const QString& header : model_->headers())
         table.headers.push_back(header.toStdString());
+    return table;
+}
+
+std::vector<std::string> ListView::shownCells(const ListViewModel::Row& row) const
+{
+    std::vector<std::string> cells;
+    for (int column = 0; column < model_->columnCount(); ++column)
+        cells.push_back(ListViewModel::cell(row, column).toStdString());
+    return cells;
+}
+
+Table ListView::tableOf(const ListViewModel::Shown& shown) const
+{
+    Table table = headedTable();
     if (hasAddresses()) {
         table.addressColumn = table.headers.size();
         table.headers.emplace_back("Address"); // the same in all languages, because programs read the keys
@@ -99,9 +107,7 @@ Table ListView::tableOf(const ListViewModel::Shown& shown) const
     table.rows.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
         const ListViewModel::Row& row = shown.rows[shown.order ? (*shown.order)[i] : i];
-        std::vector<std::string>& cells = table.rows.emplace_back();
-        for (int column = 0; column < model_->columnCount(); ++column)
-            cells.push_back(ListViewModel::cell(row, column).toStdString());
+        std::vector<std::string>& cells = table.rows.emplace_back(shownCells(row));
         if (hasAddresses()) {
             const Address address = addressOf(row);
             cells.push_back(address.text.toStdString());
