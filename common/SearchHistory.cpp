@@ -20,10 +20,7 @@ bool isShownAsItIs(char32_t character)
 {
     const bool control = character < 0x20 || (character >= 0x7F && character <= 0x9F);
     const bool lineEnd = character == 0x2028 || character == 0x2029;
-    const bool turnsDirection = character == 0x061C || character == 0x200E || character == 0x200F ||
-                                (character >= 0x202A && character <= 0x202E) ||
-                                (character >= 0x2066 && character <= 0x2069);
-    return !control && !lineEnd && !turnsDirection;
+    return !control && !lineEnd && !turnsDirection(character);
 }
 
 /// Returns whether the text that follows an address's scheme may carry a secret. People also put "/" into a password,

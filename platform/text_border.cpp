@@ -49,14 +49,6 @@ QString decoded(std::string_view bytes)
     return text;
 }
 
-// Returns whether `character` is an explicit formatting character (Unicode Bidirectional Algorithm, section 2).
-bool turnsDirection(QChar character)
-{
-    const char16_t number = character.unicode();
-    return number == 0x061C || number == 0x200E || number == 0x200F || (number >= 0x202A && number <= 0x202E) ||
-           (number >= 0x2066 && number <= 0x2069);
-}
-
 bool endsALine(QChar character)
 {
     return character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
@@ -86,7 +78,7 @@ QString shownLine(QStringView text, bool whole)
     for (QChar& character : line) {
         if (endsALine(character))
             character = u' ';
-        else if (turnsDirection(character))
+        else if (turnsDirection(character.unicode()))
             character = QChar::ReplacementCharacter;
     }
     if (!whole || length < text.size())

@@ -37,6 +37,14 @@ std::string withoutBrokenCharacters(std::string_view bytes);
 /// Appends the character with this number, or U+FFFD if there is none.
 void appendUtf8(std::string& text, char32_t number);
 
+/// Returns whether a character is an explicit formatting character of the Unicode Bidirectional Algorithm (section 2):
+/// it is invisible, and turns the direction in which the text around it is displayed.
+constexpr bool turnsDirection(char32_t number)
+{
+    return number == 0x061C || number == 0x200E || number == 0x200F || (number >= 0x202A && number <= 0x202E) ||
+           (number >= 0x2066 && number <= 0x2069);
+}
+
 /// Returns the longest prefix of the UTF-8 `text` with at most `bytes` bytes that does not end inside a character.
 std::string_view clipUtf8(std::string_view text, std::size_t bytes);
 

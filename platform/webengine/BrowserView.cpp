@@ -11,6 +11,7 @@
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
 
+#include "ground/utf8.h"
 #include "platform/webengine/BrowserPage.h"
 #include "platform/webengine/PageWatch.h"
 #include "platform/webengine/RequestGuard.h"
@@ -26,7 +27,7 @@ namespace {
 constexpr const char* kMarks = R"js(
 (function () {
     const kShown = ['title', 'alt', 'placeholder', 'value', 'label']; // attributes that views display
-    const cleaned = text => text.replace(/[\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]/g, '\ufffd');
+    const cleaned = text => text.replace(/[MARKS]/g, '\ufffd');
     const nodes = document.createTreeWalker(document, NodeFilter.SHOW_TEXT | NodeFilter.SHOW_ELEMENT);
     while (nodes.nextNode()) {
         const node = nodes.currentNode;
@@ -44,6 +45,16 @@ constexpr const char* kMarks = R"js(
     }
 })()
 )js";
+
+QString marksScript()
+{
+    QString marks;
+    for (char16_t unit = 0; unit < 0xFFFF; ++unit) {
+        if (turnsDirection(unit))
+            marks += QChar(unit);
+    }
+    return QString::fromLatin1(kMarks).replace(QLatin1String("MARKS"), marks);
+}
 
 constexpr auto kOwnWorld = QWebEngineScript::ApplicationWorld;
 
@@ -101,8 +112,7 @@ BrowserView::BrowserView(const PageViewHost& host, QWidget* parent)
     , page_(new BrowserPage(*guard_, profile_.get(), this))
 {
     restrict();
-    profile_->scripts()->insert(
-        ownScript(QStringLiteral("marks"), QWebEngineScript::DocumentReady, QString::fromLatin1(kMarks)));
+    profile_->scripts()->insert(ownScript(QStringLiteral("marks"), QWebEngineScript::DocumentReady, marksScript()));
     profile_->setUrlRequestInterceptor(guard_);
     profile_->installUrlSchemeHandler(PictureHandler::scheme(), pictures_);
     setPage(page_);

@@ -33,8 +33,7 @@ void appendEscaped(std::string& out, std::string_view text, std::size_t i)
 /// Returns whether a terminal could take the character for an order, or turn what follows around.
 bool isHiddenControl(char32_t number)
 {
-    return (number >= 0x80 && number <= 0x9F) || number == 0x61C || number == 0x200E || number == 0x200F ||
-           (number >= 0x202A && number <= 0x202E) || (number >= 0x2066 && number <= 0x2069);
+    return (number >= 0x80 && number <= 0x9F) || turnsDirection(number);
 }
 
 } // namespace

@@ -195,3 +195,13 @@ TEST(WithoutBrokenCharacters, EveryByteThatBelongsToNoneIsReplaced)
     EXPECT_EQ(withoutBrokenCharacters("\xE2\x82"), "\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(withoutBrokenCharacters("\xFFz\x80"), "\xEF\xBF\xBDz\xEF\xBF\xBD");
 }
+
+TEST(TurnsDirection, TheExplicitFormattingCharactersOnly)
+{
+    std::u32string found;
+    for (char32_t number = 0; number <= 0x10FFFF; ++number) {
+        if (turnsDirection(number))
+            found += number;
+    }
+    EXPECT_TRUE(found == U"\u061C\u200E\u200F\u202A\u202B\u202C\u202D\u202E\u2066\u2067\u2068\u2069");
+}

@@ -16,7 +16,7 @@ TREE = {
     # The window's program, from the floor to the roof.
     "common": "libraries/ground",
     "platform": "common libraries/ground",
-    "platform/webengine": "common platform",
+    "platform/webengine": "common libraries/ground platform",
     "dialogs": "common icons platform",
     "search": "common platform",
     "search/web": "common platform search",
