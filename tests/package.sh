@@ -87,6 +87,10 @@ if [ ${#tests[@]} = 0 ]; then
     mapfile -t tests < <(declare -F | sed -n 's/^declare -f test_//p')
 fi
 
+# Two runs cannot use the downloaded packages at once.
+mkdir -p "$cache"
+exec {running}>"$cache/lock"
+flock --nonblock $running || { echo "Waiting for another run of this script"; flock $running; }
 make_base
 make_ready
 for name in "${tests[@]}"; do
