@@ -63,8 +63,7 @@ test_life() {
         fail "the upgrade left the old services running"
     same "the times when the sockets were opened" "$opened" \
         "$(inside systemctl show -P ActiveEnterTimestampMonotonic 'quarrynet-services*.socket')"
-    # The two searches that the file is about say what is wrong.
-    tour anna 2-web-search-box 4-image-search-box
+    tour anna
     same "the person's settings" "$files" "$(inside sha256sum /home/anna/.local/share/quarrynet/Quarrynet.ini)"
     same "the index" "$index" "$(stat -c %i "$root$state/index.sqlite")"
     same "the crawl's timer after the upgrade" active "$(inside systemctl is-active quarrynet-services-crawl.timer)"
