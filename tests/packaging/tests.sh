@@ -137,7 +137,8 @@ test_nothing_started() {
 test_without_systemd() {
     local said tried person command
     mount_machine without-systemd ready
-    said=$(without_systemd sh -c 'apt-get install -y -q /packages/quarrynet-services_*.deb' 2>&1) ||
+    # The package manager gives the scripts a terminal, which ends lines in its own way.
+    said=$(without_systemd sh -c 'apt-get install -y -q /packages/quarrynet-services_*.deb' 2>&1 | tr -d '\r') ||
         fail "the installation: $said"
     says "the installation" 'systemd does not run here' "$said"
     same "the system's index" "" "$(ls -A "$root$state" 2>/dev/null)"
