@@ -300,16 +300,40 @@ bool ListView::viewportEvent(QEvent* event)
     return QTreeView::viewportEvent(event);
 }
 
+bool ListView::isCut(const QModelIndex& index) const
+{
+    const QRect cell = visualRect(index);
+    return index.isValid() && (sizeHintForIndex(index).width() > cell.width() ||
+                               cell.right() > viewport()->rect().right() || cell.left() < 0);
+}
+
 void ListView::showCellTip(const QHelpEvent& event)
 {
     const QModelIndex index = indexAt(event.pos());
-    const QRect cell = visualRect(index);
-    const bool isCut = index.isValid() && (sizeHintForIndex(index).width() > cell.width() ||
-                                           cell.right() > viewport()->rect().right() || cell.left() < 0);
-    if (isCut)
-        QToolTip::showText(event.globalPos(), cellTip(index.data().toString(), *this), viewport(), cell);
+    if (isCut(index))
+        QToolTip::showText(event.globalPos(), cellTip(index.data().toString(), *this), viewport(), visualRect(index));
     else
         QToolTip::hideText();
+}
+
+// The keyboard chooses rows and not cells, so the tip is for all cells of the row.
+void ListView::showRowTip()
+{
+    const QModelIndex current = currentIndex();
+    if (!current.isValid())
+        return;
+    scrollTo(current);
+    QStringList cut;
+    for (int column = 0; column < model_->columnCount(); ++column) {
+        const QModelIndex cell = current.siblingAtColumn(column);
+        if (isCut(cell))
+            cut.append(cell.data().toString());
+    }
+    if (cut.isEmpty())
+        return;
+    const QRect row = visualRect(current.siblingAtColumn(0));
+    QToolTip::showText(viewport()->mapToGlobal(row.bottomLeft()), cellsTip(cut, *this), viewport());
+    showsRowTip_ = true;
 }
 
 void ListView::mousePressEvent(QMouseEvent* event)
@@ -358,6 +382,12 @@ void ListView::mouseMoveEvent(QMouseEvent* event)
 
 void ListView::keyPressEvent(QKeyEvent* event)
 {
+    if (std::exchange(showsRowTip_, false))
+        QToolTip::hideText();
+    if (event->key() == Qt::Key_F1 && event->modifiers() == Qt::ShiftModifier) {
+        showRowTip();
+        return;
+    }
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         emit doubleClicked();
         return;

@@ -148,7 +148,9 @@ private:
     void shareWidth();
     void clickHeader(int column);
     void showMenu();
+    bool isCut(const QModelIndex& index) const;
     void showCellTip(const QHelpEvent& event);
+    void showRowTip();
     void endArrangement();
     void filterRows(const QString& words);
     void arrange();
@@ -168,6 +170,7 @@ private:
     QString subject_;
     bool awaiting_ = false;
     bool cellTips_ = false;
+    bool showsRowTip_ = false;   // the next key hides it
     std::vector<double> shares_; // each column's fraction of the list's width
     std::vector<double> designShares_;
     bool sharing_ = false;

@@ -19,13 +19,13 @@ constexpr int kCharactersOfALine = 70;
 constexpr QChar kWordJoiner(0x2060); // invisible, and part of no tag or entity
 constexpr QChar kEllipsis(0x2026);
 
-QString shortened(const QString& text)
+QString shortened(const QString& text, qsizetype longest)
 {
-    if (text.size() <= kLongestTip)
+    if (text.size() <= longest)
         return text;
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    finder.setPosition(kLongestTip);
-    const qsizetype end = finder.isAtBoundary() ? kLongestTip : std::max(qsizetype{0}, finder.toPreviousBoundary());
+    finder.setPosition(longest);
+    const qsizetype end = finder.isAtBoundary() ? longest : std::max(qsizetype{0}, finder.toPreviousBoundary());
     return text.left(end) + kEllipsis;
 }
 
@@ -38,15 +38,9 @@ QString plain(QString text)
     return text.replace(u'&', QString(u'&') + kWordJoiner);
 }
 
-} // namespace
-
-QString cellTip(const QString& text, const QWidget& owner)
+QStringList wrapped(const QString& text, const QFont& font, int width)
 {
-    const QFont font = QToolTip::font();
-    const int screen = owner.screen()->availableSize().width() / 2;
-    const int width = std::min(screen, kCharactersOfALine * QFontMetrics(font).averageCharWidth());
-    const QString whole = shortened(text);
-    QTextLayout layout(whole, font);
+    QTextLayout layout(text, font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);
@@ -54,10 +48,29 @@ QString cellTip(const QString& text, const QWidget& owner)
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
-        lines.append(whole.mid(line.textStart(), line.textLength()));
+        lines.append(text.mid(line.textStart(), line.textLength()));
     }
     layout.endLayout();
-    return plain(lines.join(u'\n'));
+    return lines;
+}
+
+} // namespace
+
+QString cellTip(const QString& text, const QWidget& owner)
+{
+    return cellsTip({text}, owner);
+}
+
+QString cellsTip(const QStringList& texts, const QWidget& owner)
+{
+    const QFont font = QToolTip::font();
+    const int screen = owner.screen()->availableSize().width() / 2;
+    const int width = std::min(screen, kCharactersOfALine * QFontMetrics(font).averageCharWidth());
+    const qsizetype share = kLongestTip / std::max(qsizetype{1}, texts.size());
+    QStringList cells;
+    for (const QString& text : texts)
+        cells.append(wrapped(shortened(text, share), font, width).join(u'\n'));
+    return plain(cells.join(QLatin1String("\n\n")));
 }
 
 } // namespace quarrynet

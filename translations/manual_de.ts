@@ -556,6 +556,14 @@
         <translation>öffnet das Menü der Liste an der aktuellen Zeile</translation>
     </message>
     <message>
+        <source>Shift+F1</source>
+        <translation>Umschalt+F1</translation>
+    </message>
+    <message>
+        <source>shows the whole text of the cells of the current row that are cut off; the next key hides it</source>
+        <translation>zeigt den ganzen Text der abgeschnittenen Zellen der aktuellen Zeile; die nächste Taste blendet ihn aus</translation>
+    </message>
+    <message>
         <source>In the line that filters a list</source>
         <translation>In der Eingabezeile, die eine Liste filtert</translation>
     </message>

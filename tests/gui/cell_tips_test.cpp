@@ -58,6 +58,50 @@ private slots:
         QCOMPARE(tipOf(*list, 0, 1), u"Double click Program Name to download the file"_s);
     }
 
+    // Only a resting mouse showed the whole text of a cell.
+    void aKeyShowsTheCutCellsOfTheCurrentRow_data() { addListRows(); }
+    void aKeyShowsTheCutCellsOfTheCurrentRow()
+    {
+        QFETCH(int, tag);
+        window_->chooseTab(tag);
+        ListView* list = listOf(*window_, tabOf(tag));
+        const QString one = u"one "_s.repeated(60).trimmed();
+        const QString two = u"two "_s.repeated(60).trimmed();
+        list->setRows({{"short", "too"}, {one.toStdString(), two.toStdString()}});
+        list->setFocus();
+        list->setCurrentIndex(list->model()->index(1, 0));
+        press(*list, Qt::Key_F1, Qt::ShiftModifier);
+        QVERIFY(QToolTip::isVisible());
+        QCOMPARE(QToolTip::text().section(u"\n\n"_s, 0, 0).simplified(), one);
+        QCOMPARE(QToolTip::text().section(u"\n\n"_s, 1).simplified(), two);
+
+        press(*list, Qt::Key_Up);
+        QTRY_VERIFY(!QToolTip::isVisible());
+        press(*list, Qt::Key_F1, Qt::ShiftModifier);
+        QVERIFY(!QToolTip::isVisible());        // nothing is cut off in this row
+        QVERIFY(window_->shell.opened.empty()); // F1 alone opens the manual
+    }
+
+    void theKeyShowsNothingInAnEmptyList()
+    {
+        ListView* list = listOf(*window_, tabOf(1));
+        list->setFocus();
+        press(*list, Qt::Key_F1, Qt::ShiftModifier);
+        QVERIFY(!QToolTip::isVisible());
+    }
+
+    void severalTextsShareTheLimitAndMakeNoHtmlTogether()
+    {
+        const QString tip = cellsTip(QStringList(4, QString(10'000, u'x')), window_->main());
+        QVERIFY(tip.size() < 1400);
+        QCOMPARE(tip.count(QChar(0x2026)), 4);
+        const QStringList halves = {u"x <b"_s, u">"_s};
+        for (const QString& half : halves)
+            QVERIFY(!Qt::mightBeRichText(half));
+        QVERIFY(!Qt::mightBeRichText(cellsTip(halves, window_->main())));
+        QCOMPARE(cellsTip({}, window_->main()), QString());
+    }
+
     void htmlIsShownAsItIsWritten_data()
     {
         QTest::addColumn<QString>("text");
@@ -103,6 +147,11 @@ private slots:
     }
 
 private:
+    static void press(ListView& list, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(&list, key, modifiers);
+    }
+
     // Returns the tip that the list shows over a cell; empty if there is none.
     static QString tipOf(ListView& list, int row, int column)
     {
