@@ -18,26 +18,50 @@ namespace quarrynet {
 namespace {
 
 // A drop of very many files is not searched for the one that has an address.
-constexpr qsizetype kMostUrls = 16;
+constexpr int kMostUrls = 16;
 
+// No address is longer (see openableAddress), nor is the path of a file; in bytes.
+constexpr qsizetype kLongestAddress = 64 * 1024;
+
+// The data come from any program and have any size, so they are measured and cut before they are decoded.
 QList<QUrl> urlsOf(const QMimeData& data)
 {
-    return data.urls().mid(0, kMostUrls);
+    const QByteArray list = data.data(QStringLiteral("text/uri-list"));
+    QList<QUrl> urls;
+    for (qsizetype start = 0; start < list.size() && urls.size() < kMostUrls;) {
+        const qsizetype found = list.indexOf('\n', start);
+        const qsizetype end = found < 0 ? list.size() : found;
+        const QByteArray line = list.mid(start, qMin(end - start, kLongestAddress + 1)).trimmed();
+        if (!line.isEmpty() && line.size() <= kLongestAddress)
+            urls.append(QUrl::fromEncoded(line));
+        start = end + 1;
+    }
+    return urls;
 }
 
-std::optional<std::string> firstAddress(const QMimeData& data)
+// Returns the text, or an empty one if it is too long for an address.
+QString textOf(const QMimeData& data)
 {
-    for (const QUrl& url : urlsOf(data)) {
+    for (const QString& format : {QStringLiteral("text/plain;charset=utf-8"), QStringLiteral("text/plain")}) {
+        if (data.data(format).size() > kLongestAddress)
+            return {};
+    }
+    return data.text();
+}
+
+std::optional<std::string> firstAddress(const QMimeData& data, const QList<QUrl>& urls)
+{
+    for (const QUrl& url : urls) {
         if (auto address = checkableAddress(url.toEncoded().toStdString()))
             return address;
     }
-    return data.hasUrls() ? std::nullopt : checkableAddress(toBytes(data.text().trimmed()));
+    return data.hasUrls() ? std::nullopt : checkableAddress(toBytes(textOf(data).trimmed()));
 }
 
 // Returns the path of the first link file, or an empty text.
-QString linkFile(const QMimeData& data)
+QString firstLinkFile(const QList<QUrl>& urls)
 {
-    for (const QUrl& url : urlsOf(data)) {
+    for (const QUrl& url : urls) {
         QString path = url.toLocalFile();
         // Windows would log on to the server of a share to read the file.
         if (!url.host().isEmpty() || path.startsWith(QLatin1String("//")))
@@ -88,6 +112,9 @@ bool AddressDrop::eventFilter(QObject* watched, QEvent* event)
     case QEvent::DragMove:
     case QEvent::Drop:
         break;
+    case QEvent::DragLeave:
+        offer_.reset();
+        [[fallthrough]];
     default:
         return QObject::eventFilter(watched, event);
     }
@@ -97,29 +124,36 @@ bool AddressDrop::eventFilter(QObject* watched, QEvent* event)
         return true;
     }
     auto& dropped = *static_cast<QDropEvent*>(event);
-    if (!isWanted(*watched, dropped) || !choosesAction(dropped))
+    // Another program would have to send the data again each time that the mouse moves.
+    if (event->type() == QEvent::DragEnter || !offer_) {
+        const QList<QUrl> urls = urlsOf(*dropped.mimeData());
+        offer_ = Offer{firstAddress(*dropped.mimeData(), urls), firstLinkFile(urls)};
+    }
+    const Offer offer = *offer_;
+    if (event->type() == QEvent::Drop)
+        offer_.reset();
+    if (!isWanted(*watched, dropped, offer) || !choosesAction(dropped))
         return QObject::eventFilter(watched, event);
     // A drag begins over its source. If the window refused it there, the toolkit would not ask again in other places.
     dropped.setAccepted(event->type() == QEvent::DragEnter || !isOverSource(*watched, dropped));
     if (event->type() == QEvent::Drop && dropped.isAccepted())
-        drop(dropped);
+        drop(offer);
     return true;
 }
 
-bool AddressDrop::isWanted(const QObject& place, const QDropEvent& event) const
+bool AddressDrop::isWanted(const QObject& place, const QDropEvent& event, const Offer& offer) const
 {
     if (event.source() == &place)
         return false; // text that moves within a field
-    const QMimeData& data = *event.mimeData();
-    if (!linkFile(data).isEmpty())
+    if (!offer.linkFile.isEmpty())
         return true;
-    return (&place == &window_ || &place == &addressField_) && firstAddress(data);
+    return (&place == &window_ || &place == &addressField_) && offer.address;
 }
 
-void AddressDrop::drop(const QDropEvent& event)
+void AddressDrop::drop(const Offer& offer)
 {
-    std::optional<std::string> address = firstAddress(*event.mimeData());
-    const QString path = address ? QString() : linkFile(*event.mimeData());
+    const std::optional<std::string> address = offer.address;
+    const QString path = address ? QString() : offer.linkFile;
     // The other program waits until the event is handled, and must not wait for a box or a file.
     const auto finish = [this, address, path] {
         std::optional<std::string> found = address;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <QObject>
+#include <QString>
 
 class QDropEvent;
 class QLineEdit;
@@ -32,12 +33,20 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    bool isWanted(const QObject& place, const QDropEvent& event) const;
-    void drop(const QDropEvent& event);
+    // What a drag carries.
+    struct Offer
+    {
+        std::optional<std::string> address;
+        QString linkFile; // the path of the first one, or an empty text
+    };
+
+    bool isWanted(const QObject& place, const QDropEvent& event, const Offer& offer) const;
+    void drop(const Offer& offer);
 
     QWidget& window_;
     const QLineEdit& addressField_;
     std::function<void(const std::string&)> take_;
+    std::optional<Offer> offer_; // of the drag that is over the window or a field
 };
 
 } // namespace quarrynet

@@ -29,6 +29,7 @@ FilterLine::FilterLine(ListView& list)
     setAutoFillBackground(true);
     words_->setObjectName(QStringLiteral("FilterWords"));
     words_->setMaxLength(kLongestFilter);
+    words_->setAcceptDrops(false); // links and link files are for the window, as they are all over the list
     words_->setAccessibleName(tr("Show only rows with these words"));
     words_->setPlaceholderText(words_->accessibleName());
     words_->installEventFilter(this);

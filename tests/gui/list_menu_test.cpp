@@ -1,8 +1,5 @@
 #include <QClipboard>
-#include <QDialog>
-#include <QDropEvent>
-#include <QTemporaryFile>
-#include <QWindow>
+#include <QContextMenuEvent>
 
 #include "clicks.h"
 #include "filled_lists.h"
@@ -36,7 +33,7 @@ QString addressOf(const WindowFixture& window, const TabControls& tab, const Lis
 
 } // namespace
 
-/// Tests what the user copies, opens, drags out of the lists and drops on the window.
+/// Tests the menu of the lists, and what the user opens, copies and drags out of them.
 class ListMenuTest final : public QObject
 {
     Q_OBJECT
@@ -376,150 +373,6 @@ private slots:
         QCOMPARE(list->selectedRows(), std::vector<std::size_t>{0});
     }
 
-    void aDroppedAddressGoesIntoThePageCheck_data() { addTabRows(); }
-    void aDroppedAddressGoesIntoThePageCheck()
-    {
-        QFETCH(int, tag);
-        window_->chooseTab(tag);
-        window_->control<QLineEdit>("Text4")->setText(u"http://old.example/"_s);
-        window_->control<QLineEdit>("Text5")->setText(u"pear"_s);
-        QMimeData data;
-        data.setUrls({QUrl(u"HTTP://Host.example/a b#part"_s)});
-        QVERIFY(drop(data, bar()));
-        QTRY_COMPARE(field("Text4"), u"http://host.example/a%20b"_s);
-        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 1);
-        QVERIFY(window_->control<QWidget>("SPS")->isVisible());
-        QVERIFY(window_->control<QLineEdit>("Text5")->hasFocus());
-        QCOMPARE(window_->control<QLineEdit>("Text5")->selectedText(), u"pear"_s);
-        // Whoever drops an address has not asked for a connection yet.
-        QCOMPARE(window_->socketState("PageSock"), 0);
-        QVERIFY(window_->service.requests().isEmpty());
-    }
-
-    void droppedTextIsTakenWhereItIsAnAddress()
-    {
-        QMimeData data;
-        data.setText(u" https://host.example/ \n"_s);
-        QVERIFY(drop(data, bar()));
-        QTRY_COMPARE(field("Text4"), u"https://host.example/"_s);
-        for (const QString& text : {u"apple pie"_s, u"ftp://host/"_s, u"file:///etc/passwd"_s, u"javascript:x"_s,
-                                    u"http://a.example/\nhttp://b.example/"_s, QString()}) {
-            data.setText(text);
-            QVERIFY2(!drop(data, bar()), qPrintable(text));
-        }
-        QCOMPARE(field("Text4"), u"https://host.example/"_s);
-    }
-
-    void aRowOfAListCanBeDroppedOnTheWindow()
-    {
-        ListView* list = fillList(*window_, tabOf(1));
-        const std::unique_ptr<QMimeData> data(list->model()->mimeData({list->model()->index(1, 0)}));
-        QVERIFY(drop(*data, bar()));
-        QTRY_COMPARE(field("Text4"), addressOf(*window_, tabOf(1), *list, 1));
-    }
-
-    void theAddressFieldTakesAnAddressAsAWhole()
-    {
-        window_->chooseTab(2);
-        window_->type("Text4", u"http://old.example/"_s);
-        QMimeData data;
-        data.setText(u"http://new.example/"_s);
-        QVERIFY(drop(data, middleOf("Text4")));
-        QTRY_COMPARE(field("Text4"), u"http://new.example/"_s);
-    }
-
-    void otherFieldsTakeTextAsFieldsDo()
-    {
-        window_->chooseTab(1);
-        QMimeData data;
-        data.setText(u"http://new.example/"_s);
-        QVERIFY(drop(data, middleOf("Text1")));
-        QCOMPARE(field("Text1"), u"http://new.example/"_s);
-        QCOMPARE(field("Text4"), QString());
-    }
-
-    void aLinkFileGoesIntoThePageCheckFromEverywhere()
-    {
-        for (const char* place : {"Toolbar1", "Text1", "ListView1"}) {
-            window_->chooseTab(1);
-            const QString path =
-                fileWith("link.URL", "[InternetShortcut]\r\nURL=http://" + QByteArray(place) + "/\r\n");
-            QMimeData data;
-            data.setUrls({QUrl(u"mailto:a@host"_s), QUrl::fromLocalFile(path)});
-            QVERIFY(drop(data, middleOf(place)));
-            QTRY_COMPARE(field("Text4"), u"http://%1/"_s.arg(QLatin1String(place)));
-            QCOMPARE(field("Text1"), QString());
-        }
-    }
-
-    void aLinkFileWithoutAnAddressHasAMessage_data()
-    {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("a program") << QByteArray("[Desktop Entry]\nType=Application\nExec=x\n");
-        QTest::newRow("a local file") << QByteArray("[Desktop Entry]\nType=Link\nURL=file:///etc/passwd\n");
-        QTest::newRow("FTP") << QByteArray("[Desktop Entry]\nType=Link\nURL=ftp://host/\n");
-        QTest::newRow("too long") << "[Desktop Entry]\nType=Link\nURL=http://host/\n" + QByteArray(70'000, ' ');
-        QTest::newRow("bytes") << QByteArray("\0\xff\xfe[", 4);
-    }
-    void aLinkFileWithoutAnAddressHasAMessage()
-    {
-        QFETCH(QByteArray, content);
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(fileWith("a.desktop", content))});
-        QVERIFY(drop(data, bar()));
-        QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        QVERIFY(window_->boxes.texts()[0].startsWith(u"There is no web address in this file:"_s));
-        QCOMPARE(field("Text4"), QString());
-        QCOMPARE(window_->control<QTabBar>("TabStrip1")->currentIndex(), 0);
-    }
-
-    void whatIsNoFileIsNotRead()
-    {
-        QVERIFY(QDir(folder_.path()).mkpath(u"folder.url"_s));
-        for (const QString& name : {u"folder.url"_s, u"missing.url"_s}) {
-            QMimeData data;
-            data.setUrls({QUrl::fromLocalFile(folder_.filePath(name))});
-            window_->boxes.forget();
-            QVERIFY(drop(data, bar()));
-            QTRY_COMPARE(window_->boxes.boxes().size(), 1);
-        }
-    }
-
-    void linkFilesOnOtherComputersAreRefused()
-    {
-        for (const QString& address : {u"file://host.example/share/a.url"_s, u"file:////host.example/share/a.url"_s}) {
-            QMimeData data;
-            data.setUrls({QUrl(address)});
-            QVERIFY2(!drop(data, bar()), qPrintable(address));
-        }
-        QVERIFY(window_->boxes.boxes().isEmpty());
-    }
-
-    // An address dropped behind an open dialog used to change the tab and the field there.
-    void nothingIsDroppedBehindADialog()
-    {
-        window_->chooseTab(2);
-        QDialog dialog(&window_->main());
-        dialog.setModal(true);
-        dialog.show();
-        QMimeData data;
-        data.setText(u"http://new.example/"_s);
-        for (const char* place : {"Toolbar1", "Text4", "Text5"})
-            QVERIFY2(!drop(data, middleOf(place)), place);
-        dialog.close();
-        QCOMPARE(field("Text4") + field("Text5"), QString());
-        QVERIFY(drop(data, bar()));
-    }
-
-    void otherFilesAreRefused()
-    {
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(fileWith("page.html", "http://host/"))});
-        QVERIFY(!drop(data, bar()));
-        QVERIFY(window_->boxes.boxes().isEmpty());
-    }
-
 private:
     // Verifies that the menu begins at this place of the screen, if it has room there.
     static void verifyPlace(const QMenu& menu, QPoint place)
@@ -534,43 +387,6 @@ private:
         return fillList(*window_, tabOf(tag));
     }
 
-    QString field(const char* name) { return window_->control<QLineEdit>(name)->text(); }
-
-    QString fileWith(const char* name, const QByteArray& content)
-    {
-        QFile file(folder_.filePath(QLatin1String(name)));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", name);
-        return file.fileName();
-    }
-
-    QPoint middleOf(const char* control)
-    {
-        auto* widget = window_->control<QWidget>(control);
-        return widget->mapTo(&window_->main(), widget->rect().center());
-    }
-    QPoint bar() { return middleOf("Toolbar1"); }
-
-    // Drops the data at this place of the window, as the platform reports it. Returns whether it was taken.
-    bool drop(const QMimeData& data, QPoint at)
-    {
-        QWindow* window = window_->main().windowHandle();
-        const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
-        QDragEnterEvent enter(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(window, &enter);
-        QDragMoveEvent move(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(window, &move);
-        if (!move.isAccepted()) {
-            QDragLeaveEvent leave;
-            QApplication::sendEvent(window, &leave);
-            return false;
-        }
-        QDropEvent dropped(at, actions, &data, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(window, &dropped);
-        return dropped.isAccepted() && dropped.dropAction() == Qt::CopyAction;
-    }
-
-    QTemporaryDir folder_;
     std::unique_ptr<WindowFixture> window_;
 };
 
