@@ -94,25 +94,31 @@ void FilterLine::showCount(int shown, std::size_t all)
     words_->setAccessibleDescription(text);
 }
 
-bool FilterLine::eventFilter(QObject* watched, QEvent* event)
+bool FilterLine::event(QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)
-        return QWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    switch (key->key()) {
-    case Qt::Key_Escape:
-        // Closes the line and nothing else: the window would stop the search.
+    // Escape comes here from each part of the line. It closes the line and nothing else: the window would stop the
+    // search.
+    if ((event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         if (event->type() == QEvent::KeyPress)
             close();
         event->accept();
         return true;
+    }
+    return QWidget::event(event);
+}
+
+bool FilterLine::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Down:
     case Qt::Key_PageDown:
-        if (event->type() == QEvent::KeyPress)
-            list_.setFocus(Qt::TabFocusReason); // selects the first row if none is
-        return event->type() == QEvent::KeyPress;
+        list_.setFocus(Qt::TabFocusReason); // selects the first row if none is
+        return true;
     default:
         return QWidget::eventFilter(watched, event);
     }

@@ -39,6 +39,7 @@ signals:
     void changed(const QString& words);
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -88,3 +88,28 @@ inline QStringList enabledEntries(const QMenu* menu)
     }
     return names;
 }
+
+/// Returns the cells of a column as they are shown.
+inline QStringList columnOf(const quarrynet::ListView& list, int column)
+{
+    QStringList cells;
+    for (int row = 0; row < list.model()->rowCount(); ++row)
+        cells.append(list.model()->index(row, column).data().toString());
+    return cells;
+}
+
+/// Returns the field of the line that filters the list's rows, or null while there was none.
+inline QLineEdit* filterWords(const quarrynet::ListView& list)
+{
+    return list.parentWidget()->findChild<QLineEdit*>(QLatin1String("FilterWords"));
+}
+
+/// Opens the line of a list with rows by its key, and replaces the words in it.
+inline void filterRows(quarrynet::ListView& list, const QString& words)
+{
+    QTest::keyClick(&list, Qt::Key_F, Qt::ControlModifier);
+    QLineEdit* line = filterWords(list);
+    QVERIFY(line && line->isVisible());
+    line->selectAll();
+    line->insert(words);
+}
