@@ -1,5 +1,6 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QTextBrowser>
 
 #include "clicks.h"
 #include "filled_lists.h"
@@ -312,9 +313,31 @@ private slots:
     {
         window_->chooseTab(3);
         auto* viewer = window_->control<QWidget>("IMGViewer");
-        QVERIFY(viewer->findChildren<ListView*>().isEmpty());
-        QTest::keyClick(&window_->main(), Qt::Key_Menu);
-        QVERIFY(!QApplication::activePopupWidget());
+        QTRY_VERIFY(viewer->findChild<QTextBrowser*>());
+        auto* view = viewer->findChild<QTextBrowser*>();
+        view->setFocus();
+        const auto hasNoMenu = [] {
+            for (const QWidget* window : QApplication::topLevelWidgets()) {
+                if (window->isVisible() && window->inherits("QMenu"))
+                    return false;
+            }
+            return !QApplication::activePopupWidget();
+        };
+        QTest::keyClick(view, Qt::Key_Menu);
+        QVERIFY(hasNoMenu());
+        QTest::keyClick(view, Qt::Key_F10, Qt::ShiftModifier);
+        QVERIFY(hasNoMenu());
+        const QPoint at = view->viewport()->rect().center();
+        QTest::mouseClick(view->viewport(), Qt::RightButton, {}, at);
+        QVERIFY(hasNoMenu());
+        // The platform makes this event from the key and the button.
+        for (const auto reason : {QContextMenuEvent::Keyboard, QContextMenuEvent::Mouse}) {
+            for (QWidget* place : {static_cast<QWidget*>(view), view->viewport(), viewer}) {
+                QContextMenuEvent wanted(reason, at, place->mapToGlobal(at));
+                QApplication::sendEvent(place, &wanted);
+                QVERIFY(hasNoMenu());
+            }
+        }
     }
 
     void draggedRowsAreAddresses_data() { addListRows(); }
