@@ -149,6 +149,21 @@ make_temporary_wine_folder() {
     make_wine_folder "$work/wine"
 }
 
+# Starts Wine's server, services and desktop for the programs of WINEPREFIX, until end_wine. Otherwise the first of the
+# programs that run at a time starts them and the last one ends them, which takes seconds, and a reader of the first
+# one's output waits for the end of theirs, too.
+start_wine() {
+    rm -f "$WINEPREFIX/ready"
+    "$wine_folder/wineserver64" -p
+    "$wine_folder/wine64" explorer '/desktop=Default,1280x800' cmd /d /c "echo >$(windows_path "$WINEPREFIX/ready")" \
+        >/dev/null 2>&1 &
+    desktop=$!
+    until [ -e "$WINEPREFIX/ready" ]; do
+        kill -0 "$desktop" || return 1
+        sleep 0.05
+    done
+}
+
 # Ends the programs of WINEPREFIX. A program with a display needs a new server.
 end_wine() {
     "$wine_folder/wineserver64" -k 2>/dev/null || true
@@ -167,7 +182,10 @@ start_display() {
     export DISPLAY
 }
 
-end_display() { [ -z "${display_server:-}" ] || kill "$display_server" 2>/dev/null || true; }
+end_display() {
+    [ -z "${display_server:-}" ] || kill "$display_server" 2>/dev/null || true
+    unset DISPLAY display_server
+}
 
 # Prints the path $1 of this system as Windows programs under Wine know it.
 windows_path() { echo "Z:$1" | tr / '\\'; }
