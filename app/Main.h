@@ -47,8 +47,8 @@ struct Surroundings
     std::string authorMailUrl;
     /// Certificates to trust besides the system's when a page is fetched over TLS, in PEM format. Only tests set it.
     std::string trustedCertificates = {};
-    /// Whether the window keeps and offers what was searched for, and keeps and takes its place. A tour does not: its
-    /// searches are nobody's, and its pictures must not show anybody's.
+    /// Whether the window keeps and offers the search history, and keeps and restores its place. A tour does neither:
+    /// its searches are not the user's, and its pictures must not show the user's history.
     bool remembers = true;
 };
 

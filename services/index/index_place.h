@@ -21,8 +21,8 @@ Outcome<std::string> usualDataFolder();
 /// Who reads a message about the index.
 enum class Reader : std::uint8_t
 {
-    Owner,   ///< who started this program, at the terminal
-    Anybody, ///< of a page: the folder's path is no business of theirs, so that the word DATA-FOLDER stands for it
+    Owner,   ///< the user who started this program, at the terminal
+    Anybody, ///< readers of a page, who see the word DATA-FOLDER instead of the folder's path
 };
 
 /// Commands as a person types them. They name the data folder unless it is the usual one, and begin with "sudo" if

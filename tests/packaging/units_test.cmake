@@ -37,7 +37,7 @@ foreach(service IN ITEMS web image download file)
   endif()
 endforeach()
 
-# Only the services and the crawl reach other machines.
+# Only the services and the crawl have a network.
 file(GLOB units "${BUILT}/system/*.service")
 foreach(unit IN LISTS units)
   get_filename_component(name "${unit}" NAME_WE)
@@ -56,11 +56,11 @@ foreach(unit IN LISTS units)
   endif()
 endforeach()
 
-# Nobody is crawled whom the administrator does not name. Each timer has its unit.
+# The crawl runs only where there is a configuration, and each timer starts an existing unit.
 foreach(manager IN ITEMS system user)
   file(READ "${BUILT}/${manager}/quarrynet-services-crawl.service" text)
   if(NOT text MATCHES "\nConditionPathExists=[^\n]*/quarrynet/services.toml\n" OR NOT text MATCHES " crawl --due\n")
-    message(SEND_ERROR "the ${manager}'s crawl asks nobody's configuration")
+    message(SEND_ERROR "the ${manager}'s crawl does not depend on a configuration")
   endif()
   file(GLOB timers "${SOURCE}/packaging/linux/systemd/${manager}/*.timer")
   foreach(timer IN LISTS timers)
