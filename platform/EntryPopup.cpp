@@ -1,10 +1,15 @@
 #include "platform/EntryPopup.h"
 
+#include <utility>
+
 #include <QAbstractItemView>
+#include <QAction>
 #include <QCompleter>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QStringListModel>
 
@@ -116,6 +121,8 @@ bool EntryPopup::show(const QStringList& entries)
         completer_->setMaxVisibleItems(kRows);
         completer_->popup()->setObjectName(field_.objectName() + QLatin1String("Entries"));
         completer_->popup()->setAccessibleName(tr("Earlier entries"));
+        completer_->popup()->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(completer_->popup(), &QWidget::customContextMenuRequested, this, &EntryPopup::showMenu);
         completer_->popup()->installEventFilter(this); // called before the completer's own filter
         connect(completer_, qOverload<const QString&>(&QCompleter::activated), this, &EntryPopup::take);
     }
@@ -135,8 +142,14 @@ bool EntryPopup::eventFilter(QObject* watched, QEvent* event)
             completer_->popup()->hide();
     }
     if (watched == &field_) {
-        if (event->type() == QEvent::FocusIn && !isOpen())
+        if (event->type() == QEvent::FocusIn && !isOpen()) {
             areRead_ = false; // another window may have changed the history
+            gotFocusByMouse_ = static_cast<const QFocusEvent&>(*event).reason() == Qt::MouseFocusReason;
+        }
+        if (event->type() == QEvent::MouseButtonPress)
+            noteFieldPress(static_cast<const QMouseEvent&>(*event));
+        if (event->type() == QEvent::MouseButtonRelease)
+            openOnRelease(static_cast<const QMouseEvent&>(*event));
         if (event->type() == QEvent::KeyPress) {
             const auto& key = static_cast<const QKeyEvent&>(*event);
             if (key.key() == Qt::Key_Down && (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier && !isOpen())
@@ -144,8 +157,42 @@ bool EntryPopup::eventFilter(QObject* watched, QEvent* event)
         }
     } else if (event->type() == QEvent::KeyPress) {
         return handlePopupKey(static_cast<const QKeyEvent&>(*event));
+    } else if (event->type() == QEvent::MouseButtonPress) {
+        const QPoint at = static_cast<const QMouseEvent&>(*event).globalPosition().toPoint();
+        pressClosedList_ = field_.rect().contains(field_.mapFromGlobal(at));
     }
     return false;
+}
+
+// A click that only brings the focus does not open the list, which would cover what is below the field.
+void EntryPopup::noteFieldPress(const QMouseEvent& press)
+{
+    const bool broughtFocus = std::exchange(gotFocusByMouse_, false);
+    const bool closedList = std::exchange(pressClosedList_, false);
+    opensOnRelease_ =
+        press.button() == Qt::LeftButton && !broughtFocus && !closedList && !isOpen() && field_.text().isEmpty();
+}
+
+// Not on the press: its release would be the list's.
+void EntryPopup::openOnRelease(const QMouseEvent& release)
+{
+    if (std::exchange(opensOnRelease_, false) && field_.rect().contains(release.position().toPoint()))
+        openOnDown();
+}
+
+// `at` is a place in the list's viewport.
+void EntryPopup::showMenu(const QPoint& at)
+{
+    QAbstractItemView& list = *completer_->popup();
+    const QModelIndex entry = list.indexAt(at);
+    if (!entry.isValid())
+        return;
+    list.setCurrentIndex(entry);
+    auto* menu = new QMenu(&list);
+    menu->setObjectName(list.objectName() + QLatin1String("Menu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(menu->addAction(tr("&Remove from History")), &QAction::triggered, this, &EntryPopup::removeChosen);
+    menu->popup(list.viewport()->mapToGlobal(at));
 }
 
 // Returns whether the key needs no further handling.
@@ -192,7 +239,7 @@ void EntryPopup::removeChosen()
     QAbstractItemView& list = *completer_->popup();
     const int row = list.currentIndex().row();
     const QString entry = chosen();
-    if (!forget_(entry))
+    if (entry.isEmpty() || !forget_(entry))
         return;
     QStringList left = shown_->stringList();
     left.removeAt(row);

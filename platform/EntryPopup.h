@@ -8,17 +8,19 @@
 class QCompleter;
 class QKeyEvent;
 class QLineEdit;
+class QMouseEvent;
+class QPoint;
 class QStringListModel;
 
 namespace quarrynet {
 
 /// Offers earlier entries in a list below a field: those that contain the typed text while the user types, and all of
-/// them when the Down key is pressed in an empty field.
+/// them when the Down key is pressed in an empty field, or when it is clicked while it has the focus.
 ///
 /// No entry is taken unless the user chooses it. Enter without a chosen entry keeps the typed text; Enter on a chosen
 /// one takes it and then has its effect in the field, once; a click takes an entry without that effect. Delete removes
-/// the chosen entry from the history. Escape, Tab, and the keys of the window's shortcuts close the list and then have
-/// the effect that they have without it.
+/// the chosen entry from the history, as does the command that the right button or the menu key offers. Escape, Tab,
+/// and the keys of the window's shortcuts close the list and then have the effect that they have without it.
 class EntryPopup final : public QObject
 {
     Q_OBJECT
@@ -42,6 +44,9 @@ private:
     bool show(const QStringList& entries);
     bool isOpen() const;
     bool openOnDown();
+    void noteFieldPress(const QMouseEvent& press);
+    void openOnRelease(const QMouseEvent& release);
+    void showMenu(const QPoint& at);
     bool handlePopupKey(const QKeyEvent& key);
     void take(const QString& entry);
     void removeChosen();
@@ -54,6 +59,9 @@ private:
     QStringList entries_;
     bool areRead_ = false; // whether entries_ holds what readEntries_ returned
     bool isAsking_ = false;
+    bool gotFocusByMouse_ = false; // by the press that follows
+    bool opensOnRelease_ = false;
+    bool pressClosedList_ = false; // which happens before the field gets the press
     QCompleter* completer_ = nullptr;
     QStringListModel* shown_ = nullptr;
 };

@@ -204,16 +204,16 @@
         <translation>Das Programm merkt sich, wonach Sie gesucht haben, und schlägt es beim Tippen vor. View &amp;gt; Verlauf aufzeichnen schaltet das aus.</translation>
     </message>
     <message>
-        <source>While you type, a list below the field shows the earlier entries that contain the typed text, newest first. The Down key opens it as well; in an empty field it shows all entries. Keywords, page addresses and file names have a list each.</source>
-        <translation>Während Sie tippen, zeigt eine Liste unter dem Feld die früheren Einträge, die den eingegebenen Text enthalten, die neuesten zuerst. Auch die Taste Ab öffnet sie; in einem leeren Feld zeigt sie alle Einträge. Suchbegriffe, Seitenadressen und Dateinamen haben je eine eigene Liste.</translation>
+        <source>While you type, a list below the field shows the earlier entries that contain the typed text, newest first. The Down key opens it as well; in an empty field it shows all entries, and so does a click if the field already has the keyboard. Keywords, page addresses and file names have a list each.</source>
+        <translation>Während Sie tippen, zeigt eine Liste unter dem Feld die früheren Einträge, die den eingegebenen Text enthalten, die neuesten zuerst. Auch die Taste Ab öffnet sie; in einem leeren Feld zeigt sie alle Einträge, ebenso wie ein Klick, wenn das Feld schon die Tastatur hat. Suchbegriffe, Seitenadressen und Dateinamen haben je eine eigene Liste.</translation>
     </message>
     <message>
         <source>Nothing is taken from the list until you choose it. Choose an entry with the Down and Up keys and press Enter to search for it, or click it to take it into the field. Enter without a chosen entry searches for what you typed.</source>
         <translation>Aus der Liste wird nichts übernommen, bevor Sie es auswählen. Wählen Sie einen Eintrag mit den Tasten Ab und Auf und drücken Sie die Eingabetaste, um danach zu suchen, oder klicken Sie ihn an, um ihn in das Feld zu übernehmen. Die Eingabetaste ohne ausgewählten Eintrag sucht nach dem, was Sie eingegeben haben.</translation>
     </message>
     <message>
-        <source>Escape closes the list and stops the search, if one runs. Delete removes the chosen entry from the history.</source>
-        <translation>Escape schließt die Liste und bricht die Suche ab, wenn eine läuft. Entf löscht den ausgewählten Eintrag aus dem Verlauf.</translation>
+        <source>Escape closes the list and stops the search, if one runs. Delete removes the chosen entry from the history; with the mouse, press the right button on an entry and choose &lt;b&gt;Remove from History&lt;/b&gt;.</source>
+        <translation>Escape schließt die Liste und bricht die Suche ab, wenn eine läuft. Entf löscht den ausgewählten Eintrag aus dem Verlauf; mit der Maus drücken Sie die rechte Taste auf einem Eintrag und wählen &lt;b&gt;Aus dem Verlauf löschen&lt;/b&gt;.</translation>
     </message>
     <message>
         <source>An entry is added when a search starts. The newest 100 of each list are kept. Texts of more than 2,000 bytes and addresses with a user name or a password ("user:password@host") are not kept. A password elsewhere in an address, such as behind a "?", is not recognised.</source>

@@ -252,6 +252,10 @@
         <source>Earlier entries</source>
         <translation>Frühere Einträge</translation>
     </message>
+    <message>
+        <source>&amp;Remove from History</source>
+        <translation>Aus dem Verlauf &amp;löschen</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::FieldHistory</name>

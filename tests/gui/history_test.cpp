@@ -209,6 +209,80 @@ private slots:
         QVERIFY(window_->service.requests().isEmpty());
     }
 
+    void aClickIntoTheEmptyFieldWithTheFocusOpensTheList()
+    {
+        startWithHistory("keywords\tpear\nkeywords\tapple\n");
+        auto* field = window_->control<QLineEdit>("Text1");
+        QVERIFY(field->hasFocus());
+        QTest::mouseClick(field, Qt::LeftButton);
+        QCOMPARE(offered(), QStringList({u"pear"_s, u"apple"_s}));
+        QCOMPARE(field->text(), QString());
+        press(Qt::Key_Escape);
+
+        QTest::mouseClick(field, Qt::RightButton); // its own menu
+        if (QWidget* menu = QApplication::activePopupWidget())
+            menu->close();
+        pressLetters("x");
+        QTest::mouseClick(field, Qt::LeftButton); // places the cursor
+        QVERIFY(!QApplication::activePopupWidget());
+        QTest::mousePress(field, Qt::LeftButton);
+        field->clear();
+        QTest::mouseRelease(field, Qt::LeftButton, {}, QPoint(-50, -50));
+        QVERIFY(!QApplication::activePopupWidget());
+    }
+
+    // The list would cover what is below.
+    void aClickThatBringsTheFocusOpensNothing()
+    {
+        startWithHistory("address\texample.org\nkeywords\tpear\n");
+        window_->chooseTab(2);
+        auto* keywords = window_->control<QLineEdit>("Text5");
+        QVERIFY(!keywords->hasFocus());
+        QTest::mouseClick(keywords, Qt::LeftButton);
+        QVERIFY(keywords->hasFocus());
+        QVERIFY(!QApplication::activePopupWidget());
+        QTest::mouseClick(keywords, Qt::LeftButton);
+        QCOMPARE(offered(), QStringList(u"pear"_s));
+    }
+
+    // Some platforms give the press that closes a list to the control below the pointer.
+    void aClickIntoTheFieldClosesTheOpenList()
+    {
+        startWithHistory("keywords\tpear\n");
+        auto* field = window_->control<QLineEdit>("Text1");
+        QTest::mouseClick(field, Qt::LeftButton);
+        QWidget* list = QApplication::activePopupWidget();
+        QVERIFY(list);
+        const QPoint inside = list->mapFromGlobal(field->mapToGlobal(field->rect().center()));
+        QTest::mousePress(list, Qt::LeftButton, {}, inside);
+        QVERIFY(!QApplication::activePopupWidget());
+        QTest::mouseClick(field, Qt::LeftButton);
+        QVERIFY(!QApplication::activePopupWidget());
+        QTest::mouseClick(field, Qt::LeftButton);
+        QVERIFY(QApplication::activePopupWidget());
+    }
+
+    void theRightButtonOffersToRemoveAnEntry()
+    {
+        startWithHistory("keywords\tc\nkeywords\tb\nkeywords\ta\n");
+        press(Qt::Key_Down);
+        auto* list = qobject_cast<QAbstractItemView*>(QApplication::activePopupWidget());
+        QVERIFY(list);
+        QMenu* menu = menuAt(*list, list->visualRect(list->model()->index(1, 0)).center());
+        QVERIFY(menu);
+        QCOMPARE(menu->actions().size(), 1);
+        QCOMPARE(menu->actions()[0]->text(), u"&Remove from History"_s);
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions()[0]).center());
+        QCOMPARE(offered(), QStringList({u"c"_s, u"a"_s}));
+        QCOMPARE(history(), QByteArray("keywords\tc\nkeywords\ta\n"));
+        QCOMPARE(window_->control<QLineEdit>("Text1")->text(), QString());
+
+        menu = menuAt(*list, list->visualRect(list->model()->index(0, 0)).center());
+        QVERIFY(menu);
+        QTest::keyClick(menu, Qt::Key_Escape); // removes nothing, and stops nothing
+        QCOMPARE(offered().size(), 2);
+    }
+
     void tabGoesOnWithoutTakingTheChosenEntry()
     {
         startWithHistory("keywords\tapple\n");
@@ -516,6 +590,16 @@ private:
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         QVERIFY(file.write("keywords\tapple\n") > 0);
+    }
+
+    // Presses the right button in the list as a user does. Returns the menu, or null.
+    static QMenu* menuAt(QAbstractItemView& list, const QPoint& at)
+    {
+        QTest::mousePress(list.viewport(), Qt::RightButton, {}, at);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, list.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list.viewport(), &event);
+        QTest::mouseRelease(list.viewport(), Qt::RightButton, {}, at);
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
     }
 
     bool isMarkedInMenu()
