@@ -35,6 +35,7 @@ struct GalleryPicture
 {
     std::string address;   // of the full picture, without its scheme
     std::string thumbnail; // address of the small one
+    QString note{};        // what is known of the full picture, one line for its tool tip; may be empty
 };
 
 /// Maximum number of pictures that a view fetches for one page. A page of results has ten.
@@ -99,5 +100,5 @@ public:
 } // namespace quarrynet
 
 /// The number changes with the interface, so that a plug-in of another version is not used.
-#define QUARRYNET_PAGE_ENGINE_IID "quarrynet.PageEngine/3"
+#define QUARRYNET_PAGE_ENGINE_IID "quarrynet.PageEngine/4"
 Q_DECLARE_INTERFACE(quarrynet::PageEngine, QUARRYNET_PAGE_ENGINE_IID)

@@ -48,12 +48,15 @@ std::string readAmpersands(std::string_view written)
     return text;
 }
 
-// Returns a tool tip that shows `address` and nothing else: without its tags, an address could be read as HTML.
-QString tipOf(const QString& address)
+// Returns a tool tip that shows `address` and `note` and nothing else: without its tags, an address could be read as
+// HTML.
+QString tipOf(const QString& address, const QString& note)
 {
     QStringList lines;
     for (qsizetype from = 0; from < std::min(address.size(), kTipLength); from += kTipLine)
         lines.append(address.mid(from, kTipLine).toHtmlEscaped());
+    if (!note.isEmpty())
+        lines.append(note.toHtmlEscaped());
     return QStringLiteral("<p style='white-space:pre'>") + lines.join(QStringLiteral("<br>")) + QStringLiteral("</p>");
 }
 
@@ -104,7 +107,7 @@ void PlainPageView::showPage(const QString& /*path*/, const std::vector<GalleryP
         QTextCharFormat link;
         link.setAnchor(true);
         link.setAnchorHref(QString::number(i));
-        link.setToolTip(tipOf(toLine(address)));
+        link.setToolTip(tipOf(toLine(address), pictures[i].note));
         QTextImageFormat image;
         image.merge(link);
         image.setName(pictureName(i).toString());

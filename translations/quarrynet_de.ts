@@ -335,6 +335,10 @@
         <source>Result page</source>
         <translation>Ergebnisseite</translation>
     </message>
+    <message>
+        <source>%1 pixels</source>
+        <translation>%1 Pixel</translation>
+    </message>
 </context>
 <context>
     <name>quarrynet::ListCommands</name>

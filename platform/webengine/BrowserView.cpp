@@ -185,8 +185,12 @@ void BrowserView::giveUp(const QString& reason)
         endProcess(process);
 }
 
-void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture>& /*pictures*/)
+void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture>& pictures)
 {
+    notes_.clear();
+    for (const GalleryPicture& picture : pictures)
+        notes_.append(picture.note);
+    insertGalleryScript();
     guard_->allowPage(path);
     pictures_->beginPage();
     shown_ = QUrl::fromLocalFile(path);
@@ -194,13 +198,19 @@ void BrowserView::showPage(const QString& path, const std::vector<GalleryPicture
     setUrl(shown_);
 }
 
-void BrowserView::setLook(const PageLook& look)
+void BrowserView::insertGalleryScript()
 {
     const QString name = QStringLiteral("gallery");
     QWebEngineScriptCollection* scripts = profile_->scripts();
     for (const QWebEngineScript& script : scripts->find(name))
         scripts->remove(script);
-    scripts->insert(ownScript(name, QWebEngineScript::DocumentCreation, galleryScript(look)));
+    scripts->insert(ownScript(name, QWebEngineScript::DocumentCreation, galleryScript(look_, notes_)));
+}
+
+void BrowserView::setLook(const PageLook& look)
+{
+    look_ = look;
+    insertGalleryScript();
     page_->setBackgroundColor(look.background);
     page_->runJavaScript(restylingScript(look), kOwnWorld);
     zoom_ = look.zoom;

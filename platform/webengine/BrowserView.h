@@ -36,6 +36,7 @@ protected:
 private:
     void restrict();
     void giveUp(const QString& reason);
+    void insertGalleryScript(); // for the next page
 
     PageViewHost host_;
     std::unique_ptr<QWebEngineProfile> profile_;
@@ -45,7 +46,9 @@ private:
     QUrl shown_;
     WheelZoom wheel_;
     double zoom_ = 1;
-    int retries_ = 0; // left for the page that is shown
+    PageLook look_;
+    QStringList notes_; // of the pictures on the page, see GalleryPicture
+    int retries_ = 0;   // left for the page that is shown
 };
 
 } // namespace quarrynet

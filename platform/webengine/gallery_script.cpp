@@ -39,7 +39,7 @@ body[onkeydown] > p > a[data-missing]::before { content: attr(data-missing); dis
 )css";
 
 constexpr const char* kScript = R"js(
-(function (style, missing) {
+(function (style, missing, notes) {
     const sheet = new CSSStyleSheet();
     sheet.replaceSync(style);
     document.adoptedStyleSheets = [sheet];
@@ -53,6 +53,7 @@ constexpr const char* kScript = R"js(
             if (!paragraph.firstElementChild && !paragraph.textContent.trim())
                 paragraph.remove();
         }
+        let number = 0;
         for (const link of links()) {
             const picture = link.firstElementChild;
             if (!picture || picture.tagName != 'IMG')
@@ -62,7 +63,9 @@ constexpr const char* kScript = R"js(
                 caption.append(picture.nextSibling);
             link.append(caption);
             const tip = caption.textContent.slice(0, kTip);
-            link.title = tip.match(new RegExp('[^]{1,' + kTipLine + '}', 'g'))?.join('\n') ?? '';
+            const lines = tip.match(new RegExp('[^]{1,' + kTipLine + '}', 'g')) ?? [];
+            const note = notes.split('\n')[number++];
+            link.title = (note ? [...lines, note] : lines).join('\n');
         }
     }
 
@@ -198,12 +201,12 @@ QString sheetOf(const PageLook& look)
 
 } // namespace
 
-QString galleryScript(const PageLook& look)
+QString galleryScript(const PageLook& look, const QStringList& notes)
 {
     QString script = QString::fromLatin1(kScript).trimmed();
     script.replace(QLatin1String("MOST"), QString::number(kMaxPagePictures));
     script.replace(QLatin1String("FRAME"), QString::number(kFrame));
-    return script + arguments({sheetOf(look), look.noPicture});
+    return script + arguments({sheetOf(look), look.noPicture, notes.join(QLatin1Char('\n'))});
 }
 
 QString restylingScript(const PageLook& look)

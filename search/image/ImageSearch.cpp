@@ -73,7 +73,9 @@ std::vector<GalleryPicture> ImageSearch::shownPictures() const
 {
     std::vector<GalleryPicture> pictures;
     for (std::size_t i = 0; i < List8.items().size(); ++i)
-        pictures.push_back({i < List7.items().size() ? List7.items()[i] : std::string(), List8.items()[i]});
+        pictures.push_back(
+            {i < List7.items().size() ? List7.items()[i] : std::string(), List8.items()[i],
+             i < sizes_.size() && !sizes_[i].empty() ? tr("%1 pixels").arg(toText(sizes_[i])) : QString()});
     return pictures;
 }
 
@@ -90,6 +92,7 @@ void ImageSearch::resetResults(bool newSearch)
 {
     for (HiddenListBox* list : {&List6, &List7, &List8, &List9})
         list->clear();
+    sizes_.clear();
     ui_->Label11->setCaption("0");
     ui_->Label12->setCaption("0.0 Second/s", kTimeUnit);
     if (newSearch)
@@ -120,7 +123,7 @@ void ImageSearch::Text9_Change()
     if (buffer().text().empty())
         return;
     ImageResults results =
-        parseImageResults(buffer().text(), directHost(), {List6.positions(), List7.items(), List8.items()});
+        parseImageResults(buffer().text(), directHost(), {List6.positions(), List7.items(), List8.items(), sizes_});
     if (results.nothingFound) {
         showInformation(window(), QStringLiteral("No Images Found"));
         return;
@@ -128,6 +131,7 @@ void ImageSearch::Text9_Change()
     List6.setPositions(results.lists.positions);
     List7.setItems(std::move(results.lists.addresses));
     List8.setItems(std::move(results.lists.thumbnails));
+    sizes_ = std::move(results.lists.sizes);
     if (results.countCaption)
         ui_->Label11->setCaption(*results.countCaption);
     if (results.timeCaption)

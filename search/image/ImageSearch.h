@@ -56,6 +56,7 @@ private:
     HiddenListBox List7;
     HiddenListBox List8;
     HiddenListBox List9;
+    std::vector<std::string> sizes_; // of the full pictures, as "640 x 480", or empty texts
     std::function<void()> onSearch_;
     std::function<std::int32_t()> proxiedPage_;
 };

@@ -17,7 +17,12 @@ struct ImageLists
     std::vector<Position> positions;     // List6: where each thumbnail's marker begins
     std::vector<std::string> addresses;  // List7: the full pictures, without scheme
     std::vector<std::string> thumbnails; // List8: the thumbnails, with scheme and host
+    std::vector<std::string> sizes{};    // of the full pictures, see statedSize
 };
+
+/// Returns the size of a picture that `text`, which follows its thumbnail on a page, states as "640 x 480" in pixels at
+/// the beginning of a piece of text, or an empty text. Reads the first 4 KB.
+std::string statedSize(std::string_view text);
 
 /// A parsed page of the image search: everything that was cut before the end of the page or the first fault.
 struct ImageResults

@@ -47,6 +47,44 @@ TEST(ImageResults, AddressIsWhatFollowsTheSecondColon)
     EXPECT_THAT(results.lists.thumbnails, ElementsAre("http://engine.example/images?q=tbn:AbC:hostA/pics/a.jpg"));
 }
 
+TEST(ImageResults, SizeIsWhatFollowsItsThumbnail)
+{
+    const auto thumbnail = [](const std::string& name) {
+        return "<img src=/images?q=tbn:a:host/" + name + " width=90>";
+    };
+    const ImageResults results = parse(heading("3") + thumbnail("a") + "<br>a.jpg<br>640 x 480 - 23k" + thumbnail("b") +
+                                       "<br>b" + thumbnail("c") + "<font color=green>1600&times;1200</font>");
+    EXPECT_THAT(results.lists.sizes, ElementsAre("640 x 480", "", "1600 x 1200"));
+}
+
+TEST(ImageResults, SizeBeyondItsBoundIsNotFound)
+{
+    const auto page = [](std::size_t distance) {
+        return heading("1") + "src=/images?q=tbn:a:host/a " + std::string(distance, 'x') + "<br>640 x 480<br>";
+    };
+    EXPECT_THAT(parse(page(4000)).lists.sizes, ElementsAre("640 x 480"));
+    EXPECT_THAT(parse(page(4096)).lists.sizes, ElementsAre(""));
+}
+
+TEST(StatedSize, IsAtTheBeginningOfAText)
+{
+    for (const std::string_view text :
+         {"<br>640 x 480", "<br>640x480</a>", "<br> \r\n640\tx 480 - 23k", "<p>plum 1 x 2<br>640 \xC3\x97 480, 23k",
+          "><640 x 480>640 x 480;", ">640 x 480 pixels"})
+        EXPECT_EQ(statedSize(text), "640 x 480") << text;
+    EXPECT_EQ(statedSize(">99999 x 1"), "99999 x 1");
+}
+
+TEST(StatedSize, OtherTextsStateNone)
+{
+    using namespace std::string_view_literals;
+    for (const std::string_view text :
+         {""sv, ">"sv, "640 x 480"sv, ">apps/48x48/a.png"sv, ">48x48/a.png"sv, ">640 x"sv, ">640 x <b>480"sv,
+          ">x 480"sv, ">0 x 480"sv, ">640 x 0"sv, ">640 x 0480"sv, ">100000 x 1"sv, ">-1 x 1"sv, ">640 X 480"sv,
+          ">640 x 480px"sv, ">640\0x 480"sv, ">640 x 480\0"sv, ">\xFF x \xFF"sv, ">640 \xC3 480"sv})
+        EXPECT_EQ(statedSize(text), "") << text;
+}
+
 TEST(ImageResults, PageWithoutAThumbnailChangesNothing)
 {
     for (const std::string_view page : {"", "<html>no pictures</html>", "SRC=/IMAGES?Q=TBN:a:b "}) {

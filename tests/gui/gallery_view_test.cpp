@@ -39,6 +39,7 @@ private slots:
     void chosenPictureScrollsIntoView();
     void pictureThatDoesNotLoadHasAFrame();
     void tipShowsTheWholeAddress();
+    void tipShowsTheNote();
     void tipIsNotReadAsHtml();
     void longCaptionIsCutUntilItsPictureIsChosen();
     void zoomKeys();
@@ -258,6 +259,15 @@ void GalleryViewTest::tipShowsTheWholeAddress()
     QString tip = tipAt(place(0).center());
     QCOMPARE(tip.remove(QRegularExpression(u"<[^>]*>"_s)), u"http://host/"_s + QString::fromStdString(path));
     QVERIFY(tipAt({5, 600}).isEmpty());
+}
+
+void GalleryViewTest::tipShowsTheNote()
+{
+    server_->answerWithPicture("/a", Qt::red);
+    open({{"host/a", server_->address(u"/a"_s).toStdString(), u"<640 x 480>"_s}});
+    QTRY_VERIFY(!place(0).isEmpty());
+    const QString tip = tipAt(place(0).center());
+    QVERIFY2(tip.contains(u"http://host/a<br>&lt;640 x 480&gt;<"_s), qPrintable(tip));
 }
 
 void GalleryViewTest::tipIsNotReadAsHtml()

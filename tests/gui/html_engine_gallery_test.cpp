@@ -33,6 +33,7 @@ private slots:
     void pictureThatDoesNotLoadHasAFrame();
     void hostileCaptionsStayInTheirCells();
     void tipsDoNotChangeTheDirection();
+    void tipsShowTheNotes();
     void zoomKeysAndWheel();
     void colorsFollowTheDesktop();
     void otherPagesKeepTheirColors();
@@ -45,6 +46,7 @@ private:
     QImage shot() { return window_->grab().toImage(); }
     QRect place(int number) { return placeOf(shot(), kColors[number]); }
     QColor focusColor() const;
+    QString tipAt(QPoint at);
     int framed();
     bool isFrameLine(const QImage& image, int y) const;
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(keys(), key, modifiers); }
@@ -79,6 +81,13 @@ QColor HtmlEngineGalleryTest::focusColor() const
 {
     return quarrynet::readableOn(view_->palette().color(QPalette::Base), view_->palette().color(QPalette::Highlight),
                                  quarrynet::kShapeContrast);
+}
+
+QString HtmlEngineGalleryTest::tipAt(QPoint at)
+{
+    QTest::mouseMove(keys(), at - QPoint(1, 1)); // the engine looks for a tip when the mouse moves
+    QTest::mouseMove(keys(), at);
+    return engine()->toolTip();
 }
 
 // Returns the picture with the focus frame, or -1.
@@ -285,11 +294,6 @@ void HtmlEngineGalleryTest::hostileCaptionsStayInTheirCells()
 void HtmlEngineGalleryTest::tipsDoNotChangeTheDirection()
 {
     server_->answerWithPicture("/0", Qt::red);
-    const auto tipAt = [&](QPoint at) {
-        QTest::mouseMove(keys(), at - QPoint(1, 1)); // the engine looks for a tip when the mouse moves
-        QTest::mouseMove(keys(), at);
-        return engine()->toolTip();
-    };
     openGallery({"host/a&#8238;gpj.exe"}, {address("/0").toStdString()});
     QTRY_VERIFY_WITH_TIMEOUT(!place(0).isEmpty(), 30000);
     QTRY_VERIFY_WITH_TIMEOUT(tipAt(place(0).center()).contains(u"host/a\ufffdgpj.exe"_s), 30000);
@@ -297,6 +301,21 @@ void HtmlEngineGalleryTest::tipsDoNotChangeTheDirection()
     openGallery({"host/<img src=x title='b&#x2067;gpj.exe' style='width:100px;height:100px'>"},
                 {address("/0").toStdString()});
     QTRY_VERIFY_WITH_TIMEOUT(tipAt(place(0).center() + QPoint(0, 120)).contains(u"b\ufffdgpj.exe"_s), 30000);
+}
+
+void HtmlEngineGalleryTest::tipsShowTheNotes()
+{
+    server_->answerWithPicture("/0", kColors[0]);
+    server_->answerWithPicture("/1", kColors[1]);
+    const std::vector<std::string> thumbnails = {address("/0").toStdString(), address("/1").toStdString()};
+    write(u"images.html"_s, QByteArray::fromStdString(quarrynet::galleryPage({"host/0", "host/1"}, thumbnails)));
+    open(QByteArray::fromStdString(quarrynet::galleryFramePage()), u"new.html"_s,
+         {{"host/0", thumbnails[0], {}}, {"host/1", thumbnails[1], u"640 x 480 \"</script>"_s}});
+    QTRY_VERIFY_WITH_TIMEOUT(!place(0).isEmpty() && !place(1).isEmpty(), 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(tipAt(place(1).center()), u"http://host/1\n640 x 480 \"</script>"_s, 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(tipAt(place(0).center()), u"http://host/0"_s, 30000);
+    openGallery(2); // without notes
+    QTRY_COMPARE_WITH_TIMEOUT(tipAt(place(1).center()), u"http://host/1"_s, 30000);
 }
 
 void HtmlEngineGalleryTest::zoomKeysAndWheel()

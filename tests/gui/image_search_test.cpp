@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <QTextBlock>
 #include <QTextBrowser>
 
 #include "WindowFixture.h"
@@ -42,6 +43,28 @@ private slots:
         window_ = std::make_unique<WindowFixture>();
         window_->start();
         window_->chooseTab(3);
+    }
+
+    void theSizeThatAPageStatesIsInTheTip()
+    {
+        QByteArray page = resultsPage(2, "2");
+        page.replace("</table>", "p2<br>640 x 480 - 23k</table>");
+        window_->service.answerWith(page);
+        search(u"pear"_s);
+        QTRY_VERIFY(button()->isEnabled());
+        const auto tips = [this] {
+            QStringList shown;
+            const auto* view = window_->control<QWidget>("IMGViewer")->findChild<QTextBrowser*>();
+            for (QTextBlock block = view->document()->begin(); block.isValid(); block = block.next())
+                shown.append(block.begin().fragment().charFormat().toolTip());
+            return shown;
+        };
+        QTRY_COMPARE(tips().size(), 2);
+        QVERIFY(!tips()[0].contains(u"pixels"_s));
+        QVERIFY2(tips()[1].contains(u"<br>640 x 480 pixels"_s), qPrintable(tips()[1]));
+        window_->service.answerWith(resultsPage(2, "2"));
+        search(u"plum"_s);
+        QTRY_VERIFY(!tips()[1].contains(u"pixels"_s));
     }
 
     void searchWritesAndShowsTheGallery()
