@@ -325,8 +325,8 @@
         <translation>Die Galerie hat so viele Spalten, wie hineinpassen, in den Farben und der Schrift des Desktops. Die Pfeiltasten, Pos1 und Ende führen von Bild zu Bild, und die Eingabetaste öffnet das ausgewählte wie ein Klick. Strg+Plus, Strg+Minus und Strg+0 oder Strg mit dem Mausrad ändern ihre Größe.</translation>
     </message>
     <message>
-        <source>A caption is cut after four lines until its picture is chosen; the tool tip shows the address. A dashed frame stands in place of a picture that does not load.</source>
-        <translation>Eine Bildunterschrift ist nach vier Zeilen abgeschnitten, bis ihr Bild ausgewählt ist; der Tooltip zeigt die Adresse. Anstelle eines Bildes, das sich nicht laden lässt, steht ein gestrichelter Rahmen.</translation>
+        <source>A caption is cut after four lines until its picture is chosen; the tool tip shows the address and, if the results state it, the size of the full picture. A dashed frame stands in place of a picture that does not load.</source>
+        <translation>Eine Bildunterschrift ist nach vier Zeilen abgeschnitten, bis ihr Bild ausgewählt ist; der Tooltip zeigt die Adresse und, wenn die Ergebnisse sie angeben, die Größe des vollen Bildes. Anstelle eines Bildes, das sich nicht laden lässt, steht ein gestrichelter Rahmen.</translation>
     </message>
     <message>
         <source>The view is locked down: it loads nothing but thumbnails (PNG, JPEG, GIF and WebP), runs no scripts, stores nothing, and has no menus.</source>

@@ -1,5 +1,6 @@
 #include "live/searx_answer.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -93,6 +94,35 @@ void shortenNumbers(std::string& json)
 std::string oneLine(std::string_view text, std::size_t most)
 {
     return std::string(clipUtf8(collapseBlanks(clipUtf8(text, 4 * most)), most));
+}
+
+/// Removes blanks and the digits behind them from `text`. Returns the digits if they are a length in pixels, otherwise
+/// an empty text.
+std::string_view takeLength(std::string_view& text)
+{
+    constexpr std::size_t kMostDigits = 5;
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    const std::string_view digits = text.substr(0, text.find_first_not_of("0123456789"));
+    text.remove_prefix(digits.size());
+    return digits.size() > kMostDigits || digits.starts_with('0') ? std::string_view() : digits;
+}
+
+/// Returns the size that servers state as "640 x 480", "640x480" or with a multiplication sign, in the first form, or
+/// an empty text.
+std::string pixelSize(std::string_view text)
+{
+    const std::string_view width = takeLength(text);
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    for (const std::string_view sign : {"x", "\xC3\x97"}) {
+        if (!text.starts_with(sign))
+            continue;
+        text.remove_prefix(sign.size());
+        const std::string_view height = takeLength(text);
+        const bool ends = text.find_first_not_of(' ') == std::string_view::npos;
+        return width.empty() || height.empty() || !ends ? std::string()
+                                                        : std::string(width).append(" x ").append(height);
+    }
+    return {};
 }
 
 /// Takes the events of the parser. It keeps nothing but the rows, so that an answer costs no more than its bytes.
@@ -200,8 +230,10 @@ private:
             row_.thumbnail = rowAddress(text);
         else if (key_ == "title")
             row_.title = oneLine(text, kMaxRowTitle);
-        else if (key_ == "content")
+        else if (key_ == "content" && category_ != SearxCategory::Images)
             row_.text = oneLine(text, kMaxRowText);
+        else if (key_ == "resolution" && category_ == SearxCategory::Images)
+            row_.text = pixelSize(text);
     }
 
     void beginRow()

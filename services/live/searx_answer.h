@@ -33,7 +33,7 @@ struct SearxRow
     /// lower-case scheme.
     std::string address;
     std::string title;     ///< UTF-8 on one line; may be empty
-    std::string text;      ///< likewise
+    std::string text;      ///< likewise; with SearxCategory::Images the picture's size in pixels, as "640 x 480"
     std::string thumbnail; ///< address of a smaller picture, as `address`; may be empty
 };
 

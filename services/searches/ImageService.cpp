@@ -113,7 +113,10 @@ std::string imageResultsPage(const ImageAnswer& answer, std::string_view typed, 
     for (const ImageHit& hit : answer.hits) {
         // The program expects the address without quotes, followed by a blank.
         page += "<div class=\"picture\"><a href=http://" + hit.address + "><img src=" + hit.thumbnail +
-                " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption)) + "</div>\n";
+                " width=120 height=120 alt=\"\"></a><br>" + withoutMarker(escapeText(hit.caption));
+        if (!hit.size.empty())
+            page += "<br>" + hit.size; // the program looks for it there
+        page += "</div>\n";
     }
     page += pageLinks("/images", typed, answer.start, ImageService::kPageSize, answer.total, language);
     page += "</body></html>\n";
@@ -214,10 +217,12 @@ Outcome<ImageAnswer> ImageService::searchSources(std::string_view typed, std::in
             {std::move(address), std::move(thumbnail), faultTitle(fault) + ". " + faultAdvice(fault)});
     }
     for (const GatheredRow& row : gathered.rows) {
-        if (row.fromIndex)
+        if (row.fromIndex) {
             answer.hits.push_back({row.address, row.thumbnail, row.title});
-        else
+        } else {
             answer.hits.push_back(hitOf({row.address, row.thumbnail}, row.title));
+            answer.hits.back().size = row.text;
+        }
     }
     answer.total = totalOf(gathered, start);
     answer.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();

@@ -23,6 +23,7 @@ struct ImageHit
     std::string address;   ///< without its scheme, as the program cuts it out of the page
     std::string thumbnail; ///< path of the thumbnail on this host
     std::string caption;   ///< its path below the folder, UTF-8
+    std::string size{};    ///< in pixels, as "640 x 480"; empty if it is not known
 };
 
 using ImageAnswer = WordAnswer<ImageHit>;

@@ -76,6 +76,23 @@ TEST(SearxAnswer, ReadsPictures)
     ASSERT_EQ(answer->rows.size(), 1U);
     EXPECT_EQ(answer->rows[0].address, "https://p.example/1.jpg");
     EXPECT_EQ(answer->rows[0].thumbnail, "https://t.example/1.png");
+    EXPECT_EQ(answer->rows[0].text, "1 x 1");
+}
+
+TEST(SearxAnswer, OnlyASizeIsTheTextOfAPicture)
+{
+    const auto textOf = [](const std::string& fields) {
+        const Outcome<SearxAnswer> answer =
+            read(withRows(R"({"img_src": "https://p.example/1.jpg", )" + fields + "}"), SearxCategory::Images);
+        return answer && answer->rows.size() == 1 ? answer->rows[0].text : "no row";
+    };
+    for (const char* size : {"640 x 480", "640x480", "640 \xC3\x97 480", " 640  x480 ", R"(640\u00d7480)"})
+        EXPECT_EQ(textOf(std::string(R"("resolution": ")").append(size).append("\"")), "640 x 480") << size;
+    for (const char* other : {"", "640", "x 480", "640 x", "640 x 480 <b>", "0 x 480", "640 x 0", "123456 x 1",
+                              "-1 x 1", "<script>", R"(640\u0000x 480)", "640 x 480 x 3"})
+        EXPECT_EQ(textOf(std::string(R"("resolution": ")").append(other).append("\"")), "") << other;
+    EXPECT_EQ(textOf(R"("resolution": 640)"), "");
+    EXPECT_EQ(textOf(R"("resolution": null, "content": "640 x 480")"), "");
 }
 
 TEST(SearxAnswer, RowsOfWrongTypesAndWithoutAddressesAreDropped)

@@ -206,11 +206,13 @@ TEST_F(LivePages, PicturesLeadToTheirRealAddresses)
 {
     LoopbackServer server([](const HttpRequest&) {
         return jsonResponse(R"({"results": [{"url": "https://p.example/", "title": "1",
-            "img_src": "https://i.example:8443/a:b c.jpg?x=y", "thumbnail_src": "https://t.example/1.png"}]})");
+            "img_src": "https://i.example:8443/a:b c.jpg?x=y", "thumbnail_src": "https://t.example/1.png",
+            "resolution": "1600x1200"}]})");
     });
     ask({{server.site()}});
     const ImageResults pictures = image("words");
     ASSERT_EQ(pictures.lists.addresses.size(), 1U);
+    EXPECT_EQ(pictures.lists.sizes, std::vector<std::string>{"1600 x 1200"});
     const std::string address = pictures.lists.addresses[0];
     EXPECT_THAT(address, HasSubstr("/i.example%3A8443%2Fa%3Ab%20c.jpg"));
     const HttpResponse response = get(address);
