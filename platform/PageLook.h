@@ -42,6 +42,11 @@ struct PageLook
     static constexpr int kPadding = 4;
     static constexpr int kCaptionLines = 4; // of a picture without the focus
 
+    /// The part of a picture's address that its tool tip shows, in UTF-16 units, and the length of the tip's lines. A
+    /// caption breaks at any place, a tip's line does not.
+    static constexpr int kTipLength = 800;
+    static constexpr int kTipLine = 80;
+
     int fontSize() const { return QFontInfo(font).pixelSize(); }
     int shrunk(int pixels) const { return pixels * std::min(fontSize(), kFullFont) / kFullFont; }
     int cellWidth() const { return std::max(shrunk(kCellWidth), kCellEms * fontSize()); }

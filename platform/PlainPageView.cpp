@@ -23,9 +23,6 @@ namespace {
 // Larger pictures are scaled down: they are thumbnails, and all of them together have to fit into memory.
 constexpr int kMaxPictureSide = 512;
 
-constexpr qsizetype kTipLength = 800; // so many characters of an address are shown in its tool tip
-constexpr qsizetype kTipLine = 80;
-
 // Returns the name of a picture in the document. A link's address is the picture's number.
 QUrl pictureName(std::size_t number)
 {
@@ -53,8 +50,9 @@ std::string readAmpersands(std::string_view written)
 QString tipOf(const QString& address, const QString& note)
 {
     QStringList lines;
-    for (qsizetype from = 0; from < std::min(address.size(), kTipLength); from += kTipLine)
-        lines.append(address.mid(from, kTipLine).toHtmlEscaped());
+    const QString shown = address.left(PageLook::kTipLength);
+    for (qsizetype from = 0; from < shown.size(); from += PageLook::kTipLine)
+        lines.append(shown.mid(from, PageLook::kTipLine).toHtmlEscaped());
     if (!note.isEmpty())
         lines.append(note.toHtmlEscaped());
     return QStringLiteral("<p style='white-space:pre'>") + lines.join(QStringLiteral("<br>")) + QStringLiteral("</p>");

@@ -44,8 +44,6 @@ constexpr const char* kScript = R"js(
     sheet.replaceSync(style);
     document.adoptedStyleSheets = [sheet];
 
-    // The captions break at any place, a tool tip's lines do not.
-    const kTipLine = 80, kTip = 800;
     const links = () => [...document.querySelectorAll('body[onkeydown] > p > a[target]')];
 
     function arrange() {
@@ -62,8 +60,8 @@ constexpr const char* kScript = R"js(
             while (picture.nextSibling)
                 caption.append(picture.nextSibling);
             link.append(caption);
-            const tip = caption.textContent.slice(0, kTip);
-            const lines = tip.match(new RegExp('[^]{1,' + kTipLine + '}', 'g')) ?? [];
+            const tip = caption.textContent.slice(0, TIPLENGTH);
+            const lines = tip.match(/[^]{1,TIPLINE}/g) ?? [];
             const note = notes.split('\n')[number++];
             link.title = (note ? [...lines, note] : lines).join('\n');
         }
@@ -206,6 +204,8 @@ QString galleryScript(const PageLook& look, const QStringList& notes)
     QString script = QString::fromLatin1(kScript).trimmed();
     script.replace(QLatin1String("MOST"), QString::number(kMaxPagePictures));
     script.replace(QLatin1String("FRAME"), QString::number(kFrame));
+    script.replace(QLatin1String("TIPLENGTH"), QString::number(PageLook::kTipLength));
+    script.replace(QLatin1String("TIPLINE"), QString::number(PageLook::kTipLine));
     return script + arguments({sheetOf(look), look.noPicture, notes.join(QLatin1Char('\n'))});
 }
 
