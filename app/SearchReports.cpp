@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QEvent>
-#include <QPointer>
 
 #include "search/SearchTab.h"
 
@@ -31,7 +30,7 @@ void SearchReports::watch(SearchTab& tab)
         if (open)
             return;
         lastEnded_ = &tab;
-        const QPointer<QWidget> modal = QApplication::activeModalWidget();
+        const QWidget* modal = QApplication::activeModalWidget(); // only to be compared
         const auto later = [this, &tab, modal] { report(tab, modal); }; // when the rows are shown
         QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
     });
