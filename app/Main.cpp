@@ -158,7 +158,11 @@ void Main::makeBusySign()
         reports->watch(*tab);
     connect(busySign_, &BusySign::searchEnded, this, [this] {
         // A dialog of the program that is active is enough: the user is there.
-        if (!QApplication::activeWindow())
+        if (QApplication::activeWindow())
+            return;
+        if (surroundings_.alert)
+            surroundings_.alert(*this);
+        else
             QApplication::alert(this);
     });
 }

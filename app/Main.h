@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -50,6 +51,8 @@ struct Surroundings
     /// Whether the window keeps and offers the search history, and keeps and restores its place. A tour does neither:
     /// its searches are not the user's, and its pictures must not show the user's history.
     bool remembers = true;
+    /// Asks the desktop to mark the window as one that wants attention; by default as QApplication::alert does.
+    std::function<void(QWidget& window)> alert = {};
 };
 
 /// The main window: tab strip, five frames of controls, toolbar, menus and status bar, and everything that the tabs

@@ -1,6 +1,8 @@
 #include <QAbstractEventDispatcher>
+#include <QDialog>
 #include <QProxyStyle>
 #include <QSignalSpy>
+#include <QWindow>
 
 #include "app/BusySign.h"
 #include "tab_controls.h"
@@ -162,6 +164,39 @@ private slots:
         QVERIFY(line()->isVisible());
         window_->service.release();
         QTRY_COMPARE(ended.size(), 1);
+    }
+
+    void attentionIsWantedOnlyInTheBackground_data()
+    {
+        QTest::addColumn<QString>("front");
+        QTest::addColumn<int>("alerts");
+        QTest::newRow("the window") << u"window"_s << 0;
+        QTest::newRow("a dialog of the program") << u"dialog"_s << 0;
+        QTest::newRow("another program") << u"other"_s << 1;
+    }
+
+    void attentionIsWantedOnlyInTheBackground()
+    {
+        QFETCH(QString, front);
+        QFETCH(int, alerts);
+        search(1);
+        QDialog dialog(&window_->main());
+        QWindow other; // is no widget of the toolkit, as those of other programs are none
+        if (front == u"dialog"_s) {
+            dialog.show();
+            dialog.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        } else if (front == u"other"_s) {
+            other.resize(100, 100);
+            other.show();
+            other.requestActivate();
+            QVERIFY(QTest::qWaitForWindowActive(&other));
+        }
+        QTRY_COMPARE(!QApplication::activeWindow(), front == u"other"_s);
+        QSignalSpy ended(window_->main().findChild<BusySign*>(), &BusySign::searchEnded);
+        window_->service.release();
+        QTRY_COMPARE(ended.size(), 1);
+        QCOMPARE(window_->alerts, alerts);
     }
 
     // Saves pictures for inspection if QUARRYNET_SCREENSHOTS names an existing folder.

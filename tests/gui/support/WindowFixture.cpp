@@ -8,7 +8,8 @@ bool WindowFixture::load()
         hosts = {"127.0.0.1", "127.0.0.1", "127.0.0.1", "127.0.0.1", service.port()};
     main_ = std::make_unique<quarrynet::Main>(
         quarrynet::Surroundings{hosts, *opener, folder().toStdString(), "http://help.example/", "http://home.example/",
-                                "mailto:author@home.example", trustedCertificates, remembers});
+                                "mailto:author@home.example", trustedCertificates, remembers,
+                                [this](QWidget& window) { alerts += &window == main_.get(); }});
     control<quarrynet::HtmlView>("IMGViewer")->setEngineFolders(engineFolders);
     return main_->load();
 }

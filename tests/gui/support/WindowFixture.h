@@ -80,6 +80,7 @@ public:
     /// Trusted besides the system's certificates, in PEM format.
     std::string trustedCertificates;
     bool remembers = true; ///< as in Surroundings
+    int alerts = 0;        ///< how often the window asked for attention
     /// Opens addresses: `shell`, unless a test sets another.
     quarrynet::Shell* opener = &shell;
     /// Folders to search for the browser engine's plug-in; empty by default, so that tests see the plain view.
