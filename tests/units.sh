@@ -28,7 +28,8 @@ failures=0
 finish() {
     if [ -n "$leader" ]; then
         kill -s RTMIN+4 "$leader" || true # systemd powers off
-        for _ in $(seq 100); do [ -d "/proc/$leader" ] || break; sleep 0.2; done
+        for _ in $(seq 300); do [ -d "/proc/$leader" ] || break; sleep 0.2; done
+        [ ! -d "/proc/$leader" ] || { echo "the container did not end; $machine stays"; return; }
     fi
     rm -rf "$machine"
 }
@@ -42,7 +43,7 @@ answers() { # answers STATUS ADDRESS [CURL-OPTION...]
     [ "$(inside curl -s -o /dev/null --max-time 20 -w '%{http_code}' "${@:3}" "$2")" = "$1" ]
 }
 finds() { # finds TEXT ADDRESS
-    inside curl -s --max-time 20 "$2" | grep -qF -- "$1"
+    inside curl -s --max-time 20 "$2" | grep -F -- "$1" > /dev/null # reads all, or curl would fail
 }
 is_gone() { ! inside curl -s -o /dev/null --max-time 5 "$1"; }
 
@@ -125,8 +126,9 @@ inside rm -r /etc/quarrynet
 
 inside systemctl stop quarrynet-services.socket
 for address in $sockets; do check "stopping the socket frees $address" is_gone "http://$address/"; done
-inside setsid systemd-socket-activate -l 127.80.0.2:80 /bin/cat > /dev/null 2>&1 < /dev/null &
-sleep 1
+# As a unit: nsenter stops together with its child when the machine goes down, and keeps it from ending.
+inside systemd-run --quiet --unit=other-program systemd-socket-activate -l 127.80.0.2:80 /bin/cat
+for _ in $(seq 100); do inside grep -q ' 0200507F:0050 ' /proc/net/tcp && break; sleep 0.1; done
 check "the sockets start although an address is taken" inside systemctl start quarrynet-services.socket
 for address in 127.80.0.1 127.80.0.3 127.80.0.4; do check "$address answers" answers 200 "http://$address/"; done
 check "the search without an address answers through the proxy" answers 200 http://127.80.0.2/ -x 127.0.0.1:8780
