@@ -543,7 +543,7 @@ private:
     // Runs `command`, which opens the dialog, and saves to a file of this name. Returns the file's path.
     QString save(const std::function<void()>& command, const QString& name)
     {
-        const QString path = folder_->filePath(name);
+        QString path = folder_->filePath(name);
         bool accepted = false;
         const DialogDriver driver([&](QDialog& dialog) {
             auto* edit = dialog.findChild<QLineEdit*>(u"fileNameEdit"_s);
