@@ -30,7 +30,7 @@ void SearchReports::watch(SearchTab& tab)
         if (open)
             return;
         lastEnded_ = &tab;
-        const QWidget* modal = QApplication::activeModalWidget(); // only to be compared
+        const QWidget* modal = QApplication::activeModalWidget();       // only to be compared
         const auto later = [this, &tab, modal] { report(tab, modal); }; // when the rows are shown
         QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
     });
