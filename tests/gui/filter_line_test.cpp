@@ -261,9 +261,10 @@ private slots:
         QCoreApplication::processEvents();
         const QLineEdit* words = filterWords(*list);
         const QWidget* line = words->parentWidget();
-        const int text = QFontMetrics(list->font()).height();
-        QVERIFY2(line->height() <= text + 8, qPrintable(u"%1 for %2"_s.arg(line->height()).arg(text)));
-        QVERIFY(words->contentsRect().height() >= text);
+        const QFontMetrics text(list->font());
+        QVERIFY2(line->height() <= text.lineSpacing() + 8,
+                 qPrintable(u"%1 for %2"_s.arg(line->height()).arg(text.lineSpacing())));
+        QVERIFY(words->contentsRect().height() >= text.height());
         for (const auto* part : line->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
             QVERIFY2(line->rect().contains(part->geometry()), qPrintable(part->objectName()));
         if (qEnvironmentVariableIsSet("QUARRYNET_SCREENSHOTS"))
