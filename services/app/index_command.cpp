@@ -29,8 +29,11 @@ int runIndex(const Options& options)
     const Outcome<std::string> data = openDataFolder(options.dataFolder);
     if (!data)
         return complain(data.error());
-    if (options.ifNeeded && IndexPool(*data).borrow())
-        return 0;
+    if (options.ifNeeded) {
+        IndexPool index(*data);
+        if (index.borrow())
+            return 0;
+    }
     IndexSources sources{options.packageFiles, options.mirror, options.folders, options.pictureFolders};
     sources.contentsFiles = options.contentsFiles;
     sources.catalogFiles = options.catalogFiles;

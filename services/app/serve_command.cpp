@@ -159,8 +159,11 @@ int runServe(const Options& options)
     if (::geteuid() == 0)
         index.keepFolder();
     // What the pages say about the index is for anybody; the terminal's reader has chosen the folder.
-    if (const Outcome<IndexPool::Lease> ready = IndexPool(*data, kMaxQueryTime, Reader::Owner).borrow(); !ready)
-        say(ready.error().message);
+    {
+        IndexPool named(*data, kMaxQueryTime, Reader::Owner);
+        if (const Outcome<IndexPool::Lease> ready = named.borrow(); !ready)
+            say(ready.error().message);
+    }
 
     const std::string trusted = certificates ? *certificates : std::string();
     FetchPool pool(trusted);

@@ -334,7 +334,8 @@ int runStatus(const Options& options)
         IndexPool index(*data, kMaxQueryTime, Reader::Owner);
         printIndex(index, usable.file.crawls, commands, report);
         // Pages name no folder, so the services word the same fault otherwise.
-        if (const Outcome<IndexPool::Lease> lease = IndexPool(*data).borrow(); !lease)
+        IndexPool served(*data);
+        if (const Outcome<IndexPool::Lease> lease = served.borrow(); !lease)
             indexFault = lease.error().message;
         if (const std::optional<std::int64_t> time = unfinishedIndexTime(path))
             reportUnfinished(*time, report);

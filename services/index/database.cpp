@@ -153,7 +153,7 @@ void IndexPool::closeIdle()
     idle_.clear();
 }
 
-Outcome<IndexPool::Lease> IndexPool::borrow()
+Outcome<IndexPool::Lease> IndexPool::borrow() &
 {
     struct stat status
     {};

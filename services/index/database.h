@@ -107,8 +107,8 @@ public:
 
     /// Returns a connection to the current index, or a Failure that says what to do when there is none. Its statements
     /// fail once the query time, counted from now, is over, or this thread's task (CurrentTask) is abandoned. It has
-    /// excerpt().
-    Outcome<Lease> borrow();
+    /// excerpt(). The pool must outlive the lease.
+    Outcome<Lease> borrow() &;
 
 private:
     Outcome<std::unique_ptr<Database>> connect();
