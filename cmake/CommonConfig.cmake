@@ -4,6 +4,7 @@ option(QUARRYNET_WARNINGS_AS_ERRORS "Treat warnings as errors" OFF)
 option(QUARRYNET_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 option(QUARRYNET_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
 option(QUARRYNET_PRECOMPILE "Precompile the libraries' headers; only builds without this detect missing includes" OFF)
+option(QUARRYNET_PRECOMPILE_TESTS "Precompile the headers of the tests" ${QUARRYNET_PRECOMPILE})
 option(QUARRYNET_BUILD_FUZZERS "Build the libFuzzer programs in tests/fuzz (needs clang)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -20,10 +21,10 @@ endif()
 find_program(QUARRYNET_CCACHE ccache)
 if(QUARRYNET_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${QUARRYNET_CCACHE}")
-  if(QUARRYNET_PRECOMPILE) # without these settings ccache does not cache such compilations
+  if(QUARRYNET_PRECOMPILE OR QUARRYNET_PRECOMPILE_TESTS) # without these settings ccache does not cache such compilations
     set(CMAKE_CXX_COMPILER_LAUNCHER
       "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${QUARRYNET_CCACHE}")
-    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    set(QUARRYNET_PRECOMPILE_OPTIONS $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
   endif()
 endif()
 
