@@ -5,7 +5,8 @@ build_packages="g++ cmake ninja-build qt6-base-dev qt6-base-dev-tools qt6-webeng
     libcli11-dev libseccomp-dev libtomlplusplus-dev nlohmann-json3-dev python3
     fonts-dejavu-core fonts-liberation"
 run_packages="ca-certificates xdg-utils xvfb xauth qt6-translations-l10n"
-test_packages="orca at-spi2-core dbus xdotool libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev python3 python3-pyftpdlib python3-openssl
+test_packages="orca at-spi2-core dbus xdotool libgtest-dev libgmock-dev libssl-dev openssl clang clang-format clang-tidy libclang-rt-14-dev
+    libclang-14-dev llvm-14-dev python3 python3-pyftpdlib python3-openssl
     appstream apt debootstrap desktop-file-utils fish groff-base mandoc systemd systemd-container zsh"
 # Debian starts these when they are installed; the tests start their own.
 test_servers="vsftpd nginx-light searx"
