@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything and runs the tests twice: under the address and undefined-behaviour sanitizers, and optimised with
-# warnings as errors. Fault and cost tests run in the second build only. In between it tests the services under the
-# thread sanitizer, and fuzzes every reader of outside input for some seconds.
+# warnings as errors. Fault and cost tests run in the second build only. In between it runs the services' tests with
+# threads under the thread sanitizer, and fuzzes every reader of outside input for some seconds.
 #     ./test.sh [--quick | --all]
 # --quick skips the sanitizers, the fuzzing and the static analysis. --all analyses every source, not only those that
 # differ from the upstream branch.
