@@ -133,9 +133,25 @@ std::string managerOf(const Report& report)
     return report.isOwn ? "systemctl --user" : "sudo systemctl";
 }
 
+/// Returns whether a service manager runs this machine. None does in a container, for example.
+bool hasManager()
+{
+    std::error_code ignored;
+    return std::filesystem::exists(kManagerRuns, ignored);
+}
+
+/// Returns what to do to restart the services: the end of a sentence that names the purpose.
+std::string restart(const Report& report)
+{
+    if (!hasManager())
+        return "restart the services in their terminal";
+    return "restart the services: " + managerOf(report) + " restart quarrynet-services.service" +
+           (report.isOwn ? "\n    or in their terminal" : "");
+}
+
 std::string correctFile(const Report& report)
 {
-    return "Correct the file, then: " + managerOf(report) + " restart quarrynet-services.service";
+    return "Correct the file, and " + restart(report);
 }
 
 /// `serve`: the command that starts services in a terminal.
@@ -143,15 +159,15 @@ void reportAnswers(const std::vector<Asked>& services, const std::string& serve,
 {
     const std::string manager = managerOf(report);
     const std::string journal = report.isOwn ? "journalctl --user" : "sudo journalctl";
+    const std::string messages = (hasManager() ? journal + " -b -u 'quarrynet-services*', or " : std::string()) +
+                                 "the terminal in which they run";
     const bool anyAnswers =
         std::any_of(services.begin(), services.end(), [](const Asked& asked) { return asked.status.has_value(); });
-    std::error_code ignored;
     if (!anyAnswers) {
         const std::string begin = report.isOwn ? "Start your own: " : "Start the system's: ";
         std::string remedy = begin + manager + " start quarrynet-services.socket\n    or " +
                              (report.isOwn ? "with the same options: " : "your own: ") + serve;
-        // What would start the system's does not run in a container, for example.
-        if (!std::filesystem::exists(kManagerRuns, ignored))
+        if (!hasManager())
             remedy = std::string("Start your own") + (report.isOwn ? " with the same options: " : ": ") + serve;
         report.problems.emplace_back("No service answers.", remedy);
     }
@@ -164,9 +180,8 @@ void reportAnswers(const std::vector<Asked>& services, const std::string& serve,
                                          "As the administrator: " + remedyForPortInUse(asked.port) + ".");
         else if (!asked.status && anyAnswers)
             report.problems.emplace_back(std::string(what).append(" does not answer at ").append(where),
-                                         "The messages of the services say why: " + journal +
-                                             " -b -u 'quarrynet-services*', or the terminal in which they run. The "
-                                             "other searches answer.");
+                                         "The messages of the services say why: " + messages +
+                                             ". The other searches answer.");
         if (!asked.status)
             continue;
         if (!asked.status->fault.empty())
@@ -174,7 +189,7 @@ void reportAnswers(const std::vector<Asked>& services, const std::string& serve,
         if (asked.status->version != QUARRYNET_VERSION)
             report.problems.emplace_back(what + " is of version " + asked.status->version + ", not " +
                                              QUARRYNET_VERSION + ".",
-                                         "Restart the services: " + manager + " restart quarrynet-services.service");
+                                         "To use this version, " + restart(report));
     }
 }
 

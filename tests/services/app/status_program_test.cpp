@@ -204,6 +204,8 @@ TEST_F(StatusProgram, AFaultyConfigurationIsNamedByLineAndTheServiceThatItStops)
     EXPECT_THAT(report, HasSubstr("Problem: " + folder_.path() + "/quarrynet/services.toml:2: "));
     EXPECT_THAT(report, HasSubstr("The web search does not search: "));
     EXPECT_THAT(report, Not(HasSubstr("The file search does not")));
+    EXPECT_THAT(report, HasSubstr("\n    Correct the file, and restart the services"));
+    EXPECT_EQ(report.find("systemctl") != std::string::npos, std::filesystem::exists("/run/systemd/system")) << report;
 }
 
 TEST_F(StatusProgram, AnIndexOfAnotherUserIsCountedByTheServices)
