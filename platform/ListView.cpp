@@ -23,6 +23,10 @@ namespace {
 // What clear() keeps of rows, in bytes. Larger results are freed, as they were before a list kept any.
 constexpr std::size_t kMostKept = std::size_t{64} << 20;
 
+// A column's width as a fraction of the list's.
+constexpr double kNarrowest = 0.002;
+constexpr double kWidest = 10;
+
 /// A selection whose changes cost in proportion to the rows. Where one range replaces many that lie apart, as when all
 /// rows are selected after a filter was taken away, the toolkit compares each of them with each part of the one.
 class RowSelection final : public QItemSelectionModel
@@ -96,10 +100,18 @@ void ListView::setColumnWidths(const std::vector<int>& widths)
     shareWidth();
 }
 
+// The toolkit bounds columns in pixels: they can be wider than ten lists after a double click on a divider, and very
+// narrow in a list that covers several screens.
+std::vector<double> ListView::columnShares() const
+{
+    std::vector<double> shares;
+    for (const double share : shares_)
+        shares.push_back(std::clamp(share, kNarrowest, kWidest));
+    return shares;
+}
+
 void ListView::setColumnShares(const std::vector<double>& shares)
 {
-    constexpr double kNarrowest = 0.002;
-    constexpr double kWidest = 10;
     // Written so that a NaN is not usable.
     const bool usable =
         shares.size() == designShares_.size() &&

@@ -37,8 +37,8 @@ public:
     /// Sets each column's width in pixels, for the list's current width.
     void setColumnWidths(const std::vector<int>& widths);
 
-    /// Returns each column's width as a fraction of the list's.
-    const std::vector<double>& columnShares() const { return shares_; }
+    /// Returns each column's width as a fraction of the list's, or the closest one that setColumnShares() accepts.
+    std::vector<double> columnShares() const;
 
     /// Sets each column's width as a fraction of the list's. Ignores all of them unless each is usable: no column
     /// narrower than a five-hundredth of the list or ten times as wide.

@@ -8,6 +8,7 @@
 #endif
 
 #include "app/RememberedPlaces.h"
+#include "platform/ListView.h"
 #include "tab_controls.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -232,6 +233,41 @@ private slots:
             window_->start();
             QCOMPARE(columns(list(3)), widths);
         }
+    }
+
+    // Its width was written, but not accepted at the next start, and then none of the list's columns came back.
+    void aColumnWiderThanTenListsIsRememberedAsWideAsTen()
+    {
+        window_->start();
+        auto* view = qobject_cast<ListView*>(list(3));
+        view->setRows({{std::string(4000, 'w')}});
+        QHeaderView* header = view->header();
+        header->resizeSection(1, 60);
+        const QPoint divider(header->sectionPosition(1) - 1, header->height() / 2);
+        QTest::mouseDClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, divider);
+        QVERIFY(header->sectionSize(0) > 10 * view->width());
+        QList<int> widths = columns(view);
+        widths[0] = 10 * view->width();
+        for (int times = 0; times < 2; ++times) {
+            window_->main().close();
+            window_->start();
+            QCOMPARE(columns(list(3)), widths);
+        }
+    }
+
+    void aColumnThatIsVeryNarrowInAWideListIsRemembered()
+    {
+        window_->start();
+        window_->main().resize(kDesign.width() * 10, kDesign.height());
+        list(4)->header()->resizeSection(0, 8);
+        QVERIFY(list(4)->columnWidth(0) < list(4)->width() / 500);
+        list(4)->header()->resizeSection(1, list(4)->width() / 2);
+        const int half = list(4)->width() / 2;
+        QCOMPARE(list(4)->columnWidth(1), half);
+        window_->main().close();
+        window_->start();
+        QCOMPARE(list(4)->columnWidth(0), list(4)->header()->minimumSectionSize());
+        QCOMPARE(list(4)->columnWidth(1), list(4)->width() / 2);
     }
 
     void theHalvedColumnsAreNotRemembered()
