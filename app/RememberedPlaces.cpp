@@ -97,8 +97,6 @@ RememberedPlaces::Values RememberedPlaces::read() const
 void RememberedPlaces::apply()
 {
     Values values = read();
-    if (values.empty())
-        return;
     const std::optional<int> left = coordinate(values[kLeft]);
     const std::optional<int> top = coordinate(values[kTop]);
     if (left && top && isPlacingPossible()) {
@@ -110,6 +108,13 @@ void RememberedPlaces::apply()
     }
     for (const auto& [name, list] : lists_)
         list->setColumnShares(sharesOf(values[name]));
+    noteColumns();
+}
+
+void RememberedPlaces::noteColumns()
+{
+    for (const auto& [name, list] : lists_)
+        untouched_[name] = list->columnShares();
 }
 
 bool RememberedPlaces::isNormal() const
@@ -129,7 +134,7 @@ void RememberedPlaces::remember()
 {
     const Values before = read();
     Values values;
-    const auto keep = [&](const char* key) {
+    const auto keep = [&](const std::string& key) {
         if (const auto old = before.find(key); old != before.end())
             values.insert(*old);
     };
@@ -147,7 +152,10 @@ void RememberedPlaces::remember()
             keep(key);
     }
     for (const auto& [name, list] : lists_) {
-        if (list->areColumnsMoved())
+        // Another window may have written other columns, or have forgotten them.
+        if (const auto old = untouched_.find(name); old != untouched_.end() && old->second == list->columnShares())
+            keep(name);
+        else if (list->areColumnsMoved())
             values[name] = textOf(list->columnShares());
     }
     if (values == before)
@@ -169,8 +177,12 @@ void RememberedPlaces::forget()
     for (const auto& [name, list] : lists_)
         list->resetColumns();
     QFile file(toPathText(path_));
-    if (file.exists() && !file.remove())
+    if (file.exists() && !file.remove()) {
+        untouched_.clear(); // so that remember() removes them from the file, if it can by then
         showFileError(&window_, file.fileName(), file.errorString());
+        return;
+    }
+    noteColumns();
 }
 
 bool isWithinReach(const QRect& window, int title, const QList<QRect>& screens)

@@ -35,7 +35,8 @@ public:
     /// their initial sizes.
     void apply();
 
-    /// Writes what is to be remembered, if it differs from what the file holds. Failures are ignored: they must not
+    /// Writes what is to be remembered, if it differs from what the file holds. Columns that nobody has resized since
+    /// apply() or since they were forgotten stay as the file holds them. Failures are ignored: they must not
     /// keep the program from ending.
     void remember();
 
@@ -46,6 +47,7 @@ private:
     using Values = std::map<std::string, std::string>;
 
     void forget();
+    void noteColumns();
     Values read() const;
     /// Returns whether the window is neither minimised nor maximised nor full screen.
     bool isNormal() const;
@@ -55,7 +57,8 @@ private:
     std::string path_;
     QMainWindow& window_;
     std::map<std::string, ListView*> lists_;
-    std::optional<QPoint> forgotten_; // the window's place when it was forgotten
+    std::map<std::string, std::vector<double>> untouched_; // the lists' columns at the start or when forgotten
+    std::optional<QPoint> forgotten_;                      // the window's place when it was forgotten
 };
 
 /// Returns whether a user can see at least half of `window`, which has no frame, on `screens`, and can grasp the middle

@@ -321,6 +321,49 @@ private slots:
         QVERIFY(window_->boxes.boxes().isEmpty());
     }
 
+    // The window that was closed last decided, and one whose columns nobody had touched removed those of all others.
+    void aWindowWhoseColumnsNobodyTouchedKeepsThoseOfAnotherWindow_data()
+    {
+        QTest::addColumn<bool>("forgets");
+        QTest::newRow("as they were at its start") << false;
+        QTest::newRow("forgotten") << true;
+    }
+
+    void aWindowWhoseColumnsNobodyTouchedKeepsThoseOfAnotherWindow()
+    {
+        QFETCH(bool, forgets);
+        window_->start();
+        list(3)->header()->resizeSection(0, 60);
+        const QList<int> widths = columns(list(3));
+        window_->main().close();
+        const QByteArray others = state();
+        QVERIFY(others.contains("DownloadColumns="));
+        QVERIFY(QFile::remove(stateFile()));
+
+        window_->start();
+        if (forgets)
+            window_->control<QAction>("forgetplacesmnu")->trigger();
+        list(4)->header()->resizeSection(0, 99);
+        writeState(others); // by another window
+        window_->main().close();
+        window_->start();
+        QCOMPARE(columns(list(3)), widths);
+        QCOMPARE(list(4)->columnWidth(0), 99);
+    }
+
+    void aWindowWhoseColumnsNobodyTouchedDoesNotUndoAnothersForgetting()
+    {
+        window_->start();
+        list(3)->header()->resizeSection(0, 60);
+        window_->main().close();
+        window_->start();
+        QVERIFY(columns(list(3)) != kDownloadColumns);
+        QVERIFY(QFile::remove(stateFile())); // by another window
+        window_->main().close();
+        window_->start();
+        QCOMPARE(columns(list(3)), kDownloadColumns);
+    }
+
     void whatIsMovedAfterForgettingIsRemembered()
     {
         window_->start();
