@@ -24,9 +24,11 @@ bool isShownAsItIs(char32_t character)
 }
 
 /// Returns whether the text that follows an address's scheme may carry a secret. People also put "/" into a password,
-/// where it ends the host, so a port together with a later "@" is suspicious, too.
+/// where it ends the host, so a port together with a later "@" is suspicious, too. Before the host, browsers ignore
+/// slashes and blanks that do not belong there.
 bool carriesSecret(std::string_view behindScheme)
 {
+    behindScheme.remove_prefix(std::min(behindScheme.find_first_not_of(" /\\"), behindScheme.size()));
     const std::string_view host = behindScheme.substr(0, behindScheme.find_first_of("/?#\\"));
     return host.find('@') != std::string_view::npos ||
            (host.find(':') != std::string_view::npos && behindScheme.find('@') != std::string_view::npos);
