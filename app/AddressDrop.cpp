@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <QApplication>
+#include <QDir>
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QMimeData>
@@ -58,15 +59,25 @@ std::optional<std::string> firstAddress(const QMimeData& data, const QList<QUrl>
     return data.hasUrls() ? std::nullopt : checkableAddress(toBytes(textOf(data).trimmed()));
 }
 
+// Returns whether the path is one of this computer. Windows would log on to the server of a share to read a file there,
+// and has many spellings of a share, such as "/\host/share" and "/??/UNC/host/share": there, only paths on a drive
+// count.
+bool isOnThisComputer(const QString& path)
+{
+#ifdef Q_OS_WIN
+    const QString plain = QDir::fromNativeSeparators(path);
+    return plain.size() > 2 && plain[0].isLetter() && QStringView(plain).mid(1, 2) == QLatin1String(":/");
+#else
+    return !path.startsWith(QLatin1String("//"));
+#endif
+}
+
 // Returns the path of the first link file, or an empty text.
 QString firstLinkFile(const QList<QUrl>& urls)
 {
     for (const QUrl& url : urls) {
         QString path = url.toLocalFile();
-        // Windows would log on to the server of a share to read the file.
-        if (!url.host().isEmpty() || path.startsWith(QLatin1String("//")))
-            continue;
-        if (isLinkFile(toPathBytes(path)))
+        if (url.host().isEmpty() && isOnThisComputer(path) && isLinkFile(toPathBytes(path)))
             return path;
     }
     return {};
