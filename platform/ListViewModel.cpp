@@ -9,6 +9,7 @@
 
 #include "common/cell_figure.h"
 #include "platform/text_border.h"
+#include "platform/text_folding.h"
 
 namespace quarrynet {
 
@@ -16,12 +17,6 @@ namespace {
 
 // The part of a text that decides its place among others, in UTF-16 units. It bounds the memory of the keys.
 constexpr qsizetype kLongestKey = 256;
-
-// Returns `text` in the form in which texts are compared: one form of accented letters, and one letter case.
-QString folded(const QString& text)
-{
-    return text.normalized(QString::NormalizationForm_C).toCaseFolded();
-}
 
 // Sorts `rows` by their keys (keys[i] belongs to rows[i]). A row without a key comes last in both directions.
 template <class Key, class Less>

@@ -15,6 +15,7 @@
 #include "platform/ListView.h"
 #include "platform/PlainPageView.h"
 #include "platform/text_border.h"
+#include "platform/text_folding.h"
 #include "tests/cost/step_counter.h"
 
 /// Compares the cost of the views for single and double numbers of rows, pictures or bytes. The toolkit's loops do not
@@ -215,5 +216,7 @@ TEST_F(ViewCost, BytesToText)
         expectProportionalText("text, " + pattern, make, [](const std::string& bytes) { toText(bytes); });
         expectProportionalText("line, " + pattern, make, [](const std::string& bytes) { toLine(bytes); });
         expectProportionalText("bytes, " + pattern, make, [](const std::string& bytes) { toBytes(toText(bytes)); });
+        expectProportionalText("folding, " + pattern, make,
+                               [](const std::string& bytes) { folded(QString::fromUtf8(bytes)); });
     }
 }
