@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <QAction>
-#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 
@@ -79,6 +78,8 @@ bool FieldHistory::isOn() const
     std::string value;
     if (store.ReadValue(kSection, kKey, value))
         return value == "on";
+    if (!store.foundNothing())
+        return false; // what cannot be read may say "off"
     // ReadValue() does not tell an empty value from a missing one.
     std::vector<std::string> keys;
     std::vector<std::string> values;
@@ -88,8 +89,7 @@ bool FieldHistory::isOn() const
     };
     if (std::any_of(keys.begin(), keys.end(), isSwitch))
         return false;
-    const QFileInfo file(toPathText(settingsPath_));
-    return !file.exists() || file.isReadable(); // what cannot be read may say "off"
+    return store.foundNothing();
 }
 
 void FieldHistory::setOn(bool on)

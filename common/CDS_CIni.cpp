@@ -35,6 +35,11 @@ std::vector<std::string_view> unpack(std::string_view packed)
 
 } // namespace
 
+bool CDS_CIni::foundNothing() const
+{
+    return quarrynet::foundNothing(fileName_, lastErrorCode_);
+}
+
 bool CDS_CIni::ReadValue(const std::string& psSection, const std::string& psKey, std::string& psValue)
 {
     return attempt([&] {

@@ -25,6 +25,10 @@ public:
     /// error has occured" if there is no code (for a missing section or key, or an empty value).
     const std::string& LastErrorDescription() const { return lastErrorDescription_; }
 
+    /// Returns whether the last failure was one of reading because nothing is there: no file, section or key, or an
+    /// empty value. Otherwise the file may have what was asked for, but could not be read.
+    bool foundNothing() const;
+
     /// Reads the value of a key, without the blanks and one pair of quotes around it, up to its first NUL and at most
     /// 254 characters. A missing file, section or key is a failure, as is an empty value.
     bool ReadValue(const std::string& psSection, const std::string& psKey, std::string& psValue);

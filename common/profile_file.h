@@ -35,6 +35,11 @@ ProfileReply readProfileSection(const std::string& file, const std::string& sect
 /// Returns the names of all sections, each followed by a NUL; cut like the entries of a section.
 ProfileReply readProfileSectionNames(const std::string& file, std::size_t capacity);
 
+/// Returns whether a read of `file` that gave no text and `error` found nothing because nothing is there: no file, no
+/// section, no key, or an empty value. Otherwise the file could not be read, and may have what was asked for; so may
+/// the file that a symbolic link names while it is not there.
+bool foundNothing(const std::string& file, std::uint32_t error);
+
 /// Whether a write was done, and the system's error code when it was not.
 struct ProfileWrite
 {

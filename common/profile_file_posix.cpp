@@ -127,6 +127,12 @@ ProfileReply readProfileSectionNames(const std::string& file, std::size_t capaci
     return {packedProfileSectionNames(decodeProfile(content.bytes).text, capacity), content.error};
 }
 
+bool foundNothing(const std::string& file, std::uint32_t error)
+{
+    struct stat state = {};
+    return error == 0 || (error == ENOENT && ::lstat(file.c_str(), &state) != 0 && errno == ENOENT);
+}
+
 ProfileWrite writeProfileValue(const std::string& file, const std::string& section, const std::string& key,
                                const std::string& value)
 {

@@ -95,6 +95,11 @@ DWORD replaceFile(const std::wstring& path, std::string_view bytes)
     return error;
 }
 
+bool isMissing(DWORD error)
+{
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 /// A file for one call.
 class Profile
 {
@@ -131,6 +136,14 @@ public:
             return true;
         const ProfileEncoding encoding = decodeProfile(readAll(long_, kUtf8Mark.size()).bytes).encoding;
         return encoding == ProfileEncoding::Utf8 || encoding == ProfileEncoding::Utf16BigEndian;
+    }
+
+    /// Returns whether there is no such file, or it can be read.
+    bool isMissingOrReadable() const
+    {
+        if (::GetFileAttributesW(long_.c_str()) == INVALID_FILE_ATTRIBUTES)
+            return isMissing(::GetLastError());
+        return readAll(long_, kLargestProfile).error == 0;
     }
 
     /// Calls `read` with the decoded file. Returns its result in the code page.
@@ -268,6 +281,13 @@ ProfileReply readProfileSectionNames(const std::string& file, std::size_t capaci
         fill(capacity, [&](wchar_t* buffer,
                            DWORD size) { return ::GetPrivateProfileSectionNamesW(buffer, size, profile.path()); }),
         capacity);
+}
+
+bool foundNothing(const std::string& file, std::uint32_t error)
+{
+    // The system's calls give the error of a missing file for a missing section and key, too, so the file is asked as
+    // well. It alone does not suffice: it may have been locked only while it was read.
+    return (error == 0 || isMissing(error)) && Profile(file).isMissingOrReadable();
 }
 
 ProfileWrite writeProfileValue(const std::string& file, const std::string& section, const std::string& key,

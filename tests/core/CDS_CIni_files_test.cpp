@@ -124,6 +124,46 @@ TEST_F(Ini, WrongLineEndsAreRead)
     }
 }
 
+TEST_F(Ini, WhatIsMissingIsToldFromWhatCannotBeRead)
+{
+    std::string value;
+    std::vector<std::string> entries;
+    const auto findsNothing = [&] {
+        EXPECT_FALSE(store_.ReadValue("A", "k", value));
+        const bool nothing = store_.foundNothing();
+        EXPECT_FALSE(store_.ReadSection("A", entries, entries));
+        EXPECT_EQ(store_.foundNothing(), nothing);
+        return nothing;
+    };
+    EXPECT_TRUE(findsNothing()) << "no file";
+    store_.setFileName(bytesOf(folder_ / "none" / "Quarrynet.ini"));
+    EXPECT_TRUE(findsNothing()) << "no folder";
+    store_.setFileName(bytesOf(path_));
+    for (const std::string mark : {"", "\xEF\xBB\xBF"}) {
+        for (const char* text : {"", "[B]\nk=1\n", "[A]\n"}) {
+            put(mark + text);
+            EXPECT_TRUE(findsNothing()) << text;
+        }
+        put(mark + "[A]\nk=\n");
+        EXPECT_FALSE(store_.ReadValue("A", "k", value));
+        EXPECT_TRUE(store_.foundNothing());
+        fs::resize_file(path_, kLargestProfile + 1);
+        EXPECT_FALSE(findsNothing()) << "too large";
+    }
+    fs::remove(path_);
+    fs::create_directory(path_);
+    EXPECT_FALSE(findsNothing()) << "a folder";
+#ifndef _WIN32
+    fs::remove(path_);
+    fs::create_symlink("none", path_);
+    EXPECT_FALSE(findsNothing()) << "a link to nothing";
+    store_.setFileName(bytesOf(path_ / "Quarrynet.ini"));
+    EXPECT_TRUE(findsNothing()) << "in a folder that is not there";
+    put("text");
+    EXPECT_FALSE(findsNothing()) << "in a file";
+#endif
+}
+
 #ifdef _WIN32
 
 TEST_F(Ini, FileThatAnotherProgramLocksIsAFailureThatLosesNothing)
@@ -142,6 +182,8 @@ TEST_F(Ini, FileThatAnotherProgramLocksIsAFailureThatLosesNothing)
             EXPECT_FALSE(store_.WriteValue("A", "k", "2"));
             EXPECT_EQ(store_.LastErrorDescription(), systemMessage(ERROR_SHARING_VIOLATION, 255));
             EXPECT_FALSE(store_.WriteSection("A", {"k"}, {"2"}));
+            EXPECT_FALSE(store_.ReadValue("A", "x", value));
+            EXPECT_EQ(store_.foundNothing(), readable);
             ::CloseHandle(other);
             EXPECT_EQ(content(), mark + "[A]\r\nk=1\r\n");
             EXPECT_EQ(filesInFolder(), 1U);

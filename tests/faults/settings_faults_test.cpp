@@ -149,6 +149,17 @@ TEST_F(SettingsFaults, ReadingAValue)
     EXPECT_GT(calls, 3);
 }
 
+TEST_F(SettingsFaults, AFailureIsNotAMissingValue)
+{
+    std::string value;
+    std::vector<std::string> entries;
+    const auto put = [&] { putOld(); };
+    const auto judge = [&](long number, bool) { EXPECT_TRUE(result_ || !store_.foundNothing()) << number; };
+    EXPECT_GT(failEveryCall(kKinds, put, attempt([&] { return store_.ReadValue(kHost, kKey, value); }), judge), 3);
+    EXPECT_GT(failEveryCall(kKinds, put, attempt([&] { return store_.ReadSection(kHost, entries, entries); }), judge),
+              3);
+}
+
 TEST_F(SettingsFaults, ReadingASectionAndTheNames)
 {
     std::vector<std::string> keys;

@@ -1,4 +1,9 @@
 #include <QMenu>
+#include <QScopeGuard>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 #include "HistoryFixture.h"
 #include "common/SearchHistory.h"
@@ -78,6 +83,46 @@ private slots:
         window_->writeSettings("[History]\nValues=\n[Else]\nValue=\n");
         window_->start();
         QVERIFY(isMarkedInMenu());
+    }
+
+    // It may say "off". Files that are readable by their permissions used to count as on, whatever the reading gave.
+    void anUnreadableSettingsFileIsOff_data()
+    {
+        QTest::addColumn<QString>("fault");
+        for (const char* fault : {"too large", "folder", "link to nothing", "in use"})
+            QTest::newRow(fault) << QString::fromLatin1(fault);
+    }
+
+    void anUnreadableSettingsFileIsOff()
+    {
+        QFETCH(QString, fault);
+        constexpr qint64 kTooLarge = qint64{17} << 20;
+        window_->writeSettings("[History]\nValue=off\n");
+        window_->start();
+        const QString file = window_->settingsFile();
+        QVERIFY(fault == u"too large"_s ? QFile::resize(file, kTooLarge) : fault == u"in use"_s || QFile::remove(file));
+        if (fault == u"folder"_s)
+            QVERIFY(QDir().mkpath(file));
+#ifdef Q_OS_WIN
+        if (fault == u"link to nothing"_s)
+            QSKIP("only administrators can make links");
+        HANDLE other = fault == u"in use"_s
+                           ? ::CreateFileW(QDir::toNativeSeparators(file).toStdWString().c_str(), GENERIC_READ, 0,
+                                           nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)
+                           : nullptr;
+        QVERIFY(other != INVALID_HANDLE_VALUE);
+        const auto close = qScopeGuard([other] { other&& ::CloseHandle(other); });
+#else
+        if (fault == u"in use"_s)
+            QSKIP("here, programs cannot keep others from reading a file");
+        if (fault == u"link to nothing"_s)
+            QVERIFY(QFile::link(u"/no such folder/Quarrynet.ini"_s, file));
+#endif
+        QVERIFY(!isMarkedInMenu());
+        searchFor("Text1", "apple");
+        QTRY_COMPARE(window_->service.requests().size(), 1);
+        settle();
+        QVERIFY(!QFile::exists(historyFile()));
     }
 
     // Once the start waited for one more reading of the settings file.
