@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QThread>
 
 #include "common/local_pages.h"
 #include "platform/message_boxes.h"
@@ -13,11 +14,16 @@ namespace quarrynet {
 
 QString rewriteFile(const std::string& path, std::string_view bytes)
 {
+    // Another window that rewrites the same page may delete or create it between the two steps.
+    constexpr int kAttempts = 50;
+    constexpr unsigned long kPause = 1; // milliseconds
     QFile file(toPathText(path));
-    if (file.exists() && !file.remove())
-        return file.errorString();
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return file.errorString();
+    for (int attempt = 1; (file.exists() && !file.remove()) || !file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+         ++attempt) {
+        if (attempt == kAttempts)
+            return file.errorString();
+        QThread::msleep(kPause);
+    }
     const auto size = static_cast<qint64>(bytes.size());
     if (file.write(bytes.data(), size) != size || !file.flush())
         return file.errorString();

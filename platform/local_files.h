@@ -14,7 +14,8 @@ class QWidget;
 namespace quarrynet {
 
 /// Deletes the file at `path` if it exists and creates it again with exactly `bytes`, so that no earlier content is
-/// left. `path` is as toPathBytes gives it. Returns the reason of a failure, or an empty text.
+/// left. Several windows may do so at once; the last one's content stays. `path` is as toPathBytes gives it. Returns
+/// the reason of a failure, or an empty text.
 QString rewriteFile(const std::string& path, std::string_view bytes);
 
 /// Rewrites the files of `pages` (name and content) in `folder`, in this order. Returns false after the first one that

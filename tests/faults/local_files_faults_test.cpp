@@ -40,7 +40,7 @@ private slots:
                 reasons += reason.isEmpty() ? 0 : 1;
             });
         QVERIFY2(calls >= 3, qPrintable(QString::number(calls)));
-        QVERIFY2(reasons >= 3, qPrintable(QString::number(reasons))); // remove, open, write
+        QVERIFY2(reasons >= 1, qPrintable(QString::number(reasons))); // write; the other calls are tried again
     }
 };
 
