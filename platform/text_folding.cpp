@@ -7,8 +7,8 @@ namespace {
 constexpr int kLongestRun = 30; // combining characters; UAX #15, section 13
 constexpr QChar kGraphemeJoiner(0x034F);
 
-// The toolkit takes quadratic time to normalise: it sorts marks by exchanging neighbours, and moves the rest of the text
-// for each letter that it composes. So texts are normalised in pieces of about this many UTF-16 units.
+// The toolkit takes quadratic time to normalise: it sorts marks by exchanging neighbours, and moves the rest of the
+// text for each letter that it composes. So texts are normalised in pieces of about this many UTF-16 units.
 constexpr qsizetype kPiece = 128;
 
 // Returns whether `character` may become one letter with the one before it, or change its place with it. Besides marks,
