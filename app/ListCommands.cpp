@@ -135,6 +135,11 @@ void ListCommands::filter()
 
 void ListCommands::save(SearchTab& tab)
 {
+    runOrReportMemory(&window_, [&] { saveRows(tab); });
+}
+
+void ListCommands::saveRows(SearchTab& tab)
+{
     const ListView* list = tab.list();
     if (!list || !list->isSavable())
         return;

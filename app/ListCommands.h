@@ -33,6 +33,7 @@ private:
     /// Asks for a file and writes the rows of the tab's list to it, in the format that the file's extension names. A
     /// failure has a message box and leaves an existing file as it was. Does nothing without rows.
     void save(SearchTab& tab);
+    void saveRows(SearchTab& tab); // throws std::bad_alloc
 
     QMainWindow& window_;
     std::function<SearchTab*()> front_;

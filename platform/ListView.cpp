@@ -15,6 +15,7 @@
 #include "platform/ListHeader.h"
 #include "platform/cell_tip.h"
 #include "platform/list_menu.h"
+#include "platform/message_boxes.h"
 
 namespace quarrynet {
 
@@ -213,17 +214,27 @@ void ListView::sortRows(std::optional<ListViewModel::Sorting> sorting)
 {
     if (sorting == sorting_ || rows().empty())
         return;
-    sorting_ = sorting;
-    header_->setSortIndicatorShown(sorting.has_value());
-    if (sorting) {
-        header_->setSortIndicator(sorting->column, sorting->order);
-        const QString caption = model_->headers().value(sorting->column);
-        setAccessibleDescription(sorting->order == Qt::AscendingOrder ? tr("Sorted by %1, ascending").arg(caption)
-                                                                      : tr("Sorted by %1, descending").arg(caption));
-    } else {
+    const auto show = [this] { showSorting(); }; // also if it is the old one: the header has changed its sign itself
+    runOrReportMemory(
+        window(),
+        [&] {
+            arrange(filter_, sorting);
+            show();
+        },
+        show);
+}
+
+void ListView::showSorting()
+{
+    header_->setSortIndicatorShown(sorting_.has_value());
+    if (!sorting_) {
         setAccessibleDescription({});
+        return;
     }
-    arrange();
+    header_->setSortIndicator(sorting_->column, sorting_->order);
+    const QString caption = model_->headers().value(sorting_->column);
+    setAccessibleDescription(sorting_->order == Qt::AscendingOrder ? tr("Sorted by %1, ascending").arg(caption)
+                                                                   : tr("Sorted by %1, descending").arg(caption));
 }
 
 void ListView::clickHeader(int column)
@@ -251,23 +262,25 @@ void ListView::openFilter()
 
 void ListView::filterRows(const QString& words)
 {
-    QStringList filter = words.simplified().split(u' ', Qt::SkipEmptyParts);
-    if (filter != filter_) {
-        filter_ = std::move(filter);
-        arrange();
-    }
+    runOrReportMemory(window(), [&] {
+        const QStringList filter = words.simplified().split(u' ', Qt::SkipEmptyParts);
+        if (filter != filter_)
+            arrange(filter, sorting_);
+    });
     filterLine_->showCount(model_->rowCount(), rows().size());
     updateGeometries();
 }
 
-void ListView::arrange()
+void ListView::arrange(const QStringList& filter, std::optional<ListViewModel::Sorting> sorting)
 {
     std::vector<bool> selected(rows().size());
     for (const std::size_t row : selectedRows())
         selected[row] = true;
     const QModelIndex before = currentIndex();
     const std::size_t current = before.isValid() ? model_->originalRow(before.row()) : rows().size();
-    model_->arrange(filter_, sorting_);
+    model_->arrange(filter, sorting);
+    filter_ = filter;
+    sorting_ = sorting;
 
     // Rows that are hidden now are no longer selected: commands apply to what the user sees.
     QItemSelection selection;
@@ -297,8 +310,7 @@ void ListView::endArrangement()
 {
     filter_.clear();
     sorting_ = std::nullopt;
-    header_->setSortIndicatorShown(false);
-    setAccessibleDescription({});
+    showSorting();
     if (filterLine_)
         filterLine_->close();
 }
@@ -390,6 +402,11 @@ void ListView::mouseMoveEvent(QMouseEvent* event)
 {
     QTreeView::mouseMoveEvent(event);
     emit mouseMoved();
+}
+
+void ListView::startDrag(Qt::DropActions actions)
+{
+    runOrReportMemory(window(), [&] { QTreeView::startDrag(actions); });
 }
 
 void ListView::keyPressEvent(QKeyEvent* event)

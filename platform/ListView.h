@@ -22,7 +22,8 @@ class ListHeader;
 ///
 /// A click on a caption sorts by that column, a second one in the other direction, a third one restores the page's
 /// order. openFilter() opens a line that hides rows. Both end when the rows are replaced. The right button and the menu
-/// key open a menu with the list's commands (see showListMenu). Selected rows can be dragged as addresses.
+/// key open a menu with the list's commands (see showListMenu). Selected rows can be dragged as addresses. A command
+/// that runs out of memory has a message box and changes nothing.
 class ListView final : public QTreeView
 {
     Q_OBJECT
@@ -131,6 +132,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
@@ -153,7 +155,9 @@ private:
     void showRowTip();
     void endArrangement();
     void filterRows(const QString& words);
-    void arrange();
+    void arrange(const QStringList& filter, std::optional<ListViewModel::Sorting> sorting);
+    void showSorting();
+    std::unique_ptr<QMimeData> rowsData() const;
     Address addressOf(const ListViewModel::Row& row) const;
     std::unique_ptr<QMimeData> dragData(const std::vector<std::size_t>& rows) const;
     Table headedTable() const; // without rows

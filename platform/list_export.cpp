@@ -5,6 +5,7 @@
 
 #include "common/address_check.h"
 #include "platform/ListView.h"
+#include "platform/message_boxes.h"
 #include "platform/text_border.h"
 
 namespace quarrynet {
@@ -37,14 +38,25 @@ ListView::Address ListView::addressOf(const ListViewModel::Row& row) const
 
 void ListView::copyAddresses() const
 {
-    QStringList lines;
-    for (const std::size_t row : selectedRows())
-        lines.append(harmless(addressOf(rows()[row]).text));
-    if (!lines.isEmpty() && hasAddresses())
-        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+    runOrReportMemory(window(), [this] {
+        QStringList lines;
+        for (const std::size_t row : selectedRows())
+            lines.append(harmless(addressOf(rows()[row]).text));
+        if (!lines.isEmpty() && hasAddresses())
+            QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+    });
 }
 
 void ListView::copyRows() const
+{
+    runOrReportMemory(window(), [this] {
+        if (std::unique_ptr<QMimeData> selected = rowsData())
+            copy(std::move(selected));
+    });
+}
+
+// Returns null if no row is selected.
+std::unique_ptr<QMimeData> ListView::rowsData() const
 {
     QStringList lines;
     Table table = headedTable();
@@ -56,11 +68,11 @@ void ListView::copyRows() const
         lines.append(cells.join(u'\t'));
     }
     if (lines.isEmpty())
-        return;
+        return nullptr;
     auto mime = std::make_unique<QMimeData>();
     mime->setText(lines.join(u'\n'));
     mime->setHtml(QString::fromStdString(htmlTable(table)));
-    copy(std::move(mime));
+    return mime;
 }
 
 std::unique_ptr<QMimeData> ListView::dragData(const std::vector<std::size_t>& rows) const

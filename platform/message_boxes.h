@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string_view>
 
 #include <QString>
@@ -23,6 +24,26 @@ void showSocketError(QWidget* owner, int number, std::string_view description);
 
 /// Reports a step that failed: critical icon.
 void showRuntimeError(QWidget* owner, RuntimeError error);
+
+/// Calls `work`. If memory runs out in it, reports that as showRuntimeError() does, after what it built is freed, and
+/// calls `undo` before. For commands that leave the rest of the program as it was, so that nothing has to be reset.
+template <class Work, class Undo>
+void runOrReportMemory(QWidget* owner, Work work, Undo undo)
+{
+    try {
+        work();
+        return;
+    } catch (const std::bad_alloc&) {
+        undo();
+    }
+    showRuntimeError(owner, RuntimeError::OutOfMemory); // outside of the handler, because the box runs an event loop
+}
+
+template <class Work>
+void runOrReportMemory(QWidget* owner, Work work)
+{
+    runOrReportMemory(owner, work, [] {});
+}
 
 /// Reports an unusable setting: critical icon, the settings file, and the setting with its fault.
 void showSettingError(QWidget* owner, RuntimeError error, const QString& path, const QString& reason);
