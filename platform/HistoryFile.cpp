@@ -32,17 +32,22 @@ namespace quarrynet {
 
 namespace {
 
+// For how long another window that writes is waited for, in milliseconds. A search must not wait long for the history,
+// but who clears it wants it gone.
+constexpr int kPatience = 50;
+constexpr int kPatienceToClear = 1000;
+
 #ifdef Q_OS_WIN
 
 class WriteLock
 {
 public:
-    explicit WriteLock(const std::string& path) : file_(toPathText(path) + QLatin1String(".lock"))
+    WriteLock(const std::string& path, int patience) : file_(toPathText(path) + QLatin1String(".lock"))
     {
-        constexpr int kPatience = 50; // milliseconds
-        file_.tryLock(kPatience);
+        file_.tryLock(patience);
     }
     explicit operator bool() const { return file_.isLocked(); }
+    bool isTakenByAnother() const { return file_.error() == QLockFile::LockFailedError; }
 
 private:
     QLockFile file_;
@@ -103,20 +108,20 @@ bool isLeft(const QString& name, const QString& file)
 class WriteLock
 {
 public:
-    explicit WriteLock(const std::string& path)
+    WriteLock(const std::string& path, int patience)
         : folder_(::open(folderOf(path).c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY))
     {
-        constexpr int kAttempts = 5;
-        constexpr useconds_t kPause = 10'000; // microseconds
-        for (int attempt = 0; folder_ && !locked_ && attempt < kAttempts; ++attempt) {
-            if (attempt > 0)
-                ::usleep(kPause);
+        constexpr int kPause = 10; // milliseconds
+        for (int waited = 0; folder_ && !locked_ && waited < patience; waited += kPause) {
+            if (waited > 0)
+                ::usleep(1000 * kPause);
             // Some network file systems cannot lock a folder. There, a change of two windows at the same moment loses
             // one entry, and the file stays whole.
             locked_ = ::flock(folder_.number(), LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
         }
     }
     explicit operator bool() const { return locked_; }
+    bool isTakenByAnother() const { return folder_ && !locked_; }
 
 private:
     static std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1) + "."; }
@@ -160,6 +165,11 @@ bool isLeft(const QString& name, const QString& file)
 
 #endif
 
+QString useFault()
+{
+    return QCoreApplication::translate("HistoryFile", "Another program is using the file.");
+}
+
 QString ownersFault()
 {
     return QCoreApplication::translate("HistoryFile", "The file belongs to another user.");
@@ -177,9 +187,9 @@ std::optional<SearchHistory> HistoryFile::read() const
 
 QString HistoryFile::update(const std::function<void(SearchHistory&)>& change) const
 {
-    const WriteLock lock(path_);
+    const WriteLock lock(path_, kPatience);
     if (!lock)
-        return QCoreApplication::translate("HistoryFile", "Another program is using the file.");
+        return useFault();
     std::optional<SearchHistory> history = read();
     if (!history)
         return isOfAnotherUser(path_) ? ownersFault()
@@ -192,22 +202,24 @@ QString HistoryFile::update(const std::function<void(SearchHistory&)>& change) c
 
 QString HistoryFile::clear() const
 {
-    const WriteLock lock(path_); // a window that is just writing would bring the entries back
+    // A window that is just writing would bring the entries back. If it holds the lock for too long, what is there is
+    // deleted all the same, and the user learns that it may not last.
+    const WriteLock lock(path_, kPatienceToClear);
     QFile file(toPathText(path_));
     const QFileInfo place(file.fileName());
-    if (place.exists() || place.isSymbolicLink()) {
-        if (isOfAnotherUser(path_))
-            return ownersFault();
-        if (!file.remove())
-            return file.errorString();
-    }
+    if (isOfAnotherUser(path_))
+        return ownersFault();
+    // Before the file, because without the lock, a writer may rename one of them to its name.
     QDir folder = place.dir();
     for (const QString& other :
          folder.entryList({place.fileName() + QLatin1String(".*")}, QDir::Files | QDir::System)) {
         if (isLeft(other, place.fileName()))
             folder.remove(other);
     }
-    return {};
+    if ((place.exists() || place.isSymbolicLink()) && !file.remove())
+        return file.errorString();
+    // Where no window can take the lock, none can write.
+    return lock.isTakenByAnother() ? useFault() : QString();
 }
 
 } // namespace quarrynet

@@ -32,7 +32,8 @@ public:
 
     /// Deletes the file, and what writers that crashed have left of it, but no other file whose name begins like its
     /// name. Returns the reason of a failure, or an empty text. A missing file is no failure; another user's file and a
-    /// folder are.
+    /// folder are. If another program holds the lock for longer than a second, the files are deleted, but that is a
+    /// failure, because the program may write entries of before.
     QString clear() const;
 
 private:

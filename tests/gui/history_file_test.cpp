@@ -162,6 +162,26 @@ private slots:
         QTRY_COMPARE(history(), QByteArray("keywords\tplum\nkeywords\tpear\nkeywords\tapple\n"));
     }
 
+    // Another window that held the lock for longer used to bring the entries back without a word.
+    void clearTellsWhenAnotherWindowMayBringEntriesBack()
+    {
+        startWithHistory("keywords\tapple\n");
+        QFile fresh(historyFile() + u".4711-0.tmp"_s); // of the writer
+        QVERIFY(fresh.open(QIODevice::WriteOnly) && fresh.write("keywords\tapple\n") > 0);
+        fresh.close();
+        const int folder = ::open(QFile::encodeName(window_->folder()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        QVERIFY(folder >= 0);
+        QCOMPARE(::flock(folder, LOCK_EX), 0);
+        menuEntry("clearhistorymnu")->trigger();
+        ::close(folder);
+        QCOMPARE(QDir(window_->folder()).entryList({u"Quarrynet.history*"_s}, QDir::Files), QStringList());
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+        QVERIFY(window_->boxes.texts()[0].contains(historyFile()));
+        QVERIFY(window_->boxes.texts()[0].contains(u"Another program is using the file."_s));
+        menuEntry("clearhistorymnu")->trigger();
+        QCOMPARE(window_->boxes.boxes().size(), 1);
+    }
+
     // The entry used to stay in the list without a word.
     void aRemovalThatFailsIsReported_data()
     {
