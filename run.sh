@@ -19,7 +19,7 @@ cmake --build --preset release
 bin=$PWD/build/release/bin
 
 data=${XDG_DATA_HOME:-$HOME/.local/share}/quarrynet
-"$bin/quarrynet-services" index --if-needed --data "$data"
+"$bin/quarrynet-services" index --if-needed --data "$data" || echo "The searches say what to do about the index." >&2
 
 # The services listen on port 80 of loopback addresses, for which ordinary users need a permission.
 lowest=$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024)

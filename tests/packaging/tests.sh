@@ -127,6 +127,9 @@ test_nothing_started() {
     inside systemctl disable --quiet quarrynet-services.socket
     install /packages quarrynet-services
     nothing_runs "with a disabled socket"
+    # The package tool's hook made an index there at the next update of the lists.
+    inside sh -c "$(inside apt-config dump | sed -n 's/^APT::Update::Post-Invoke-Success:: "\(test -x .*quarrynet.*\)";$/\1/p')"
+    nothing_runs "after an update of the package lists"
     inside systemctl enable --quiet --now quarrynet-services.socket
     inside systemctl start quarrynet-services-first-index.service
     services_answer
