@@ -315,9 +315,11 @@ int runStatus(const Options& options)
     }
     const bool isSystems = isSystemsFolder(*data);
     const IndexCommands commands = indexCommands(*data, Reader::Owner);
-    const bool hasConfig =
-        !options.configFile.empty() || !isSystems || !std::filesystem::exists(kSystemConfig, ignored);
-    const UsableServices usable = loadUsableServices(hasConfig ? options.configFile : kSystemConfig);
+    UsableServices usable;
+    if (!options.configFile.empty() || !isSystems)
+        usable = loadUsableServices(options.configFile);
+    else if (std::filesystem::exists(kSystemConfig, ignored))
+        usable = loadUsableServices(kSystemConfig); // a person's file is not that of the system's services
     const auto addressOr = [](const std::string& chosen, const char* usual) {
         return chosen.empty() ? std::string(usual) : chosen;
     };

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -94,6 +95,7 @@ struct IndexWriter::Parts
     std::optional<Database> database = std::nullopt;
     std::vector<Statement> inserts = {};
     bool extending = false; ///< the database is a copy of the old index
+    timespec asOf = {};     ///< what changed later is not in this index
     bool committed = false;
 
     Parts(std::string dataFolder, IndexLock taken)
@@ -157,12 +159,19 @@ Outcome<Done> IndexWriter::Parts::open(bool fromOld)
 {
     // Leftover of an interrupted run.
     std::remove(path.c_str());
+    ::clock_gettime(CLOCK_REALTIME, &asOf);
     if (fromOld) {
         const Outcome<bool> copied = copyOld();
         if (!copied)
             return copied.error();
         extending = *copied;
+    } else if (const Outcome<std::optional<Database>> old = openToTakeOver(folder); !old) {
+        return old.error(); // commit() would find it after minutes of work
     }
+    struct stat status
+    {};
+    if (extending && ::stat(indexPath(folder).c_str(), &status) == 0)
+        asOf = status.st_mtim;
     Outcome<Database> opened = Database::open(path, Database::Access::Create);
     if (!opened)
         return opened.error();
@@ -453,8 +462,12 @@ Outcome<Done> IndexWriter::commit()
         return result;
     parts_->close();
     const std::string target = indexPath(parts_->folder);
-    if (const Descriptor made{::open(parts_->path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW)})
+    if (const Descriptor made{::open(parts_->path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW)}) {
         giveToOwnerOf(parts_->folder, made);
+        // Package lists that changed meanwhile are newer than the index, so that the package tool's hook renews it.
+        const std::array<timespec, 2> times{timespec{0, UTIME_OMIT}, parts_->asOf};
+        (void)::futimens(made.number(), times.data());
+    }
     std::error_code error = flushFile(parts_->path);
     if (!error)
         error = renameDurably(parts_->path, target);

@@ -196,6 +196,9 @@ Outcome<std::unique_ptr<Database>> IndexPool::connect()
         return opened.error();
     const Outcome<std::int64_t> layout = indexLayout(*opened);
     const std::string remedy = "; run \"" + commands_.make + "\" to make a new one";
+    if (!layout && opened->isDamaged())
+        return Failure{layout.error().message + "; if this persists, remove " + removable_ + ", then run \"" +
+                       commands_.make + "\""};
     if (!layout)
         return opened->isNoDatabase() ? Failure{layout.error().message + remedy} : layout.error();
     if (*layout > kIndexLayout)

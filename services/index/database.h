@@ -61,6 +61,7 @@ public:
         : isSystems_(isSystemsFolder(dataFolder))
         , commands_(indexCommands(dataFolder, reader))
         , path_(indexPath(dataFolder))
+        , removable_(reader == Reader::Owner ? path_ : "index.sqlite from the data folder")
         , queryTime_(queryTime)
     {}
 
@@ -117,7 +118,8 @@ private:
     bool isSystems_;
     IndexCommands commands_;
     std::string path_;
-    Descriptor folder_; ///< empty if it could not be opened
+    std::string removable_; ///< the file's name in messages
+    Descriptor folder_;     ///< empty if it could not be opened
     std::chrono::milliseconds queryTime_;
     std::mutex mutex_;
     std::vector<std::unique_ptr<Database>> idle_;

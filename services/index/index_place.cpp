@@ -88,4 +88,12 @@ std::string newerIndexRemedy(const IndexCommands& commands)
            "\" to replace the index, which loses the crawled servers";
 }
 
+std::string poorerIndexRemedy(const std::string& dataFolder)
+{
+    // A person repeats their own command with its options; the unit's command is not theirs.
+    return isSystemsFolder(dataFolder)
+               ? "to replace it, run \"" + indexCommands(dataFolder, Reader::Owner).replace + "\""
+               : "use --force to replace it";
+}
+
 } // namespace quarrynet::services

@@ -42,4 +42,7 @@ IndexCommands indexCommands(const std::string& dataFolder, Reader reader);
 /// Returns what a person can do about an index of a newer version: a clause without a full stop.
 std::string newerIndexRemedy(const IndexCommands& commands);
 
+/// Returns what a person can do about a new index that has much less than the one in use: a clause without a full stop.
+std::string poorerIndexRemedy(const std::string& dataFolder);
+
 } // namespace quarrynet::services

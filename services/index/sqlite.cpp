@@ -204,6 +204,11 @@ bool Database::isNoDatabase() const
     return sqlite3_errcode(handle_.get()) == SQLITE_NOTADB;
 }
 
+bool Database::isDamaged() const
+{
+    return sqlite3_errcode(handle_.get()) == SQLITE_CORRUPT;
+}
+
 void Database::stopWhen(std::function<bool()> stop)
 {
     *stop_ = std::move(stop);

@@ -87,6 +87,9 @@ public:
     /// Returns whether the last call failed because the file is not a database.
     bool isNoDatabase() const;
 
+    /// Returns whether the last call failed because a part of the file is missing or wrong.
+    bool isDamaged() const;
+
     /// From now on calls `stop` repeatedly while a statement of this connection runs, on the same thread; once it
     /// returns true, the statement fails. An empty function ends this.
     void stopWhen(std::function<bool()> stop);

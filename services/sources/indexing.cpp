@@ -327,8 +327,8 @@ Outcome<Done> compareWithOld(const std::string& dataFolder, const IndexCounts& c
         const std::int64_t before = row->number(0);
         if (before >= kMinCompared && static_cast<double>(now) < kLeastShare * static_cast<double>(before))
             return Failure{"the new index would have " + withSeparators(static_cast<std::int64_t>(now)) + " " + kind +
-                           " instead of " + withSeparators(before) +
-                           "; the index in use is kept. Use --force to replace it"};
+                           " instead of " + withSeparators(before) + "; the index in use is kept; " +
+                           poorerIndexRemedy(dataFolder)};
     }
     return Done{};
 }

@@ -146,6 +146,15 @@ TEST_F(StatusProgram, IndexesThatCannotBeUsedAreToldApart)
     EXPECT_THAT(status(), HasSubstr("Making an index was interrupted")) << "nothing is written in the future";
 }
 
+// Once a cut index had no remedy.
+TEST_F(StatusProgram, ADamagedIndexHasARemedy)
+{
+    index();
+    std::filesystem::resize_file(data() + "/index.sqlite", 8192);
+    EXPECT_THAT(status(), HasSubstr("remove " + data() + "/index.sqlite, then run \"quarrynet-services index --data "));
+    EXPECT_EQ(status_, 1);
+}
+
 // Once everything was in order while no service could search.
 TEST_F(StatusProgram, ServicesThatCannotUseTheirIndexAreReportedOnce)
 {
@@ -206,6 +215,19 @@ TEST_F(StatusProgram, AFaultyConfigurationIsNamedByLineAndTheServiceThatItStops)
     EXPECT_THAT(report, Not(HasSubstr("The file search does not")));
     EXPECT_THAT(report, HasSubstr("\n    Correct the file, and restart the services"));
     EXPECT_EQ(report.find("systemctl") != std::string::npos, std::filesystem::exists("/run/systemd/system")) << report;
+}
+
+// Once a fault in a person's file was one of the system's services.
+TEST_F(StatusProgram, APersonsConfigurationIsNotTheSystems)
+{
+    if (std::filesystem::exists("/etc/quarrynet/services.toml"))
+        GTEST_SKIP() << "this system's services have a configuration";
+    folder_.write("quarrynet/services.toml", "[web]\nsource = []\n");
+    std::vector<std::string> arguments = addresses();
+    arguments.insert(arguments.begin(), "status");
+    const std::string report = start(std::move(arguments), "/var/lib/quarrynet").readAll();
+    EXPECT_THAT(report, HasSubstr("Configuration: none"));
+    EXPECT_THAT(report, Not(HasSubstr(folder_.path() + "/quarrynet")));
 }
 
 TEST_F(StatusProgram, AnIndexOfAnotherUserIsCountedByTheServices)

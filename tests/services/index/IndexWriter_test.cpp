@@ -345,6 +345,52 @@ TEST_F(Index, OneOfANewerVersionIsKeptUnlessForced)
     EXPECT_EQ(find(pool, "pear").size(), 1U);
 }
 
+// Once this was said after minutes of work, and only there what to remove.
+TEST_F(Index, ADamagedOneIsKeptAndReportedBeforeTheWork)
+{
+    ASSERT_TRUE(build(stanza("p", "apple")));
+    const std::string path = indexPath(data_.path());
+    std::filesystem::resize_file(path, 8192);
+    const std::string list = input_.write("list", stanza("p", "apple"));
+    for (const bool force : {false, true}) {
+        IndexSources sources{{list}};
+        sources.force = force;
+        std::string progress;
+        const Outcome<IndexCounts> built =
+            buildIndex(data_.path(), sources, [&progress](const std::string& line) { progress += line; });
+        ASSERT_FALSE(built);
+        EXPECT_THAT(built.error().message, testing::HasSubstr("remove " + path));
+        EXPECT_EQ(progress, "");
+        EXPECT_EQ(std::filesystem::file_size(path), 8192U);
+    }
+    const auto messageFor = [this](Reader reader) {
+        IndexPool pool(data_.path(), kMaxQueryTime, reader);
+        const Outcome<IndexPool::Lease> lease = pool.borrow();
+        return lease ? "" : lease.error().message;
+    };
+    EXPECT_THAT(messageFor(Reader::Owner),
+                testing::HasSubstr("remove " + path + ", then run \"quarrynet-services index"));
+    EXPECT_THAT(messageFor(Reader::Anybody), testing::HasSubstr("remove index.sqlite from the data folder, then run"));
+}
+
+// Once a change of the package lists during the work was never indexed: the index was newer than they.
+TEST_F(Index, WhatChangesDuringTheWorkIsNewerThanTheIndex)
+{
+    const std::filesystem::path path = indexPath(data_.path());
+    std::filesystem::path changed;
+    const auto change = [&] { changed = input_.write("changed", "x"); };
+    IndexSources sources{{input_.write("list", stanza("p", "apple"))}};
+    ASSERT_TRUE(buildIndex(data_.path(), sources, [&](const std::string& /*line*/) { change(); }));
+    ASSERT_FALSE(changed.empty());
+    EXPECT_GE(std::filesystem::last_write_time(changed), std::filesystem::last_write_time(path));
+    const auto before = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    std::filesystem::last_write_time(path, before);
+    Outcome<IndexWriter> writer = IndexWriter::extend(data_.path());
+    ASSERT_TRUE(writer);
+    ASSERT_TRUE(writer->commit());
+    EXPECT_EQ(std::filesystem::last_write_time(path), before) << "a crawl adds to it and renews nothing else";
+}
+
 TEST_F(Index, LongTextsAreClippedAndDeepPathsLeftOut)
 {
     std::string stanzas = "Package: a\nDescription: ";

@@ -119,6 +119,14 @@ TEST_F(IndexPlace, CommandsForAnotherFolderNameItToItsOwner)
     EXPECT_EQ(make("/home/a/.local/share/quarrynet"), "quarrynet-services index --data /home/a/.local/share/quarrynet");
 }
 
+// Once the remedy for the system's index was an option that its unit does not take.
+TEST_F(IndexPlace, APoorerIndexOfTheSystemIsReplacedByAWholeCommand)
+{
+    EXPECT_EQ(poorerIndexRemedy("/var/lib/quarrynet/"),
+              "to replace it, run \"sudo quarrynet-services index --force --data /var/lib/quarrynet\"");
+    EXPECT_EQ(poorerIndexRemedy("/home/a/.local/share/quarrynet"), "use --force to replace it");
+}
+
 TEST_F(IndexPlace, AShellTakesTheFolderAsOneWord)
 {
     for (const auto& [folder, word] : {std::pair("/my index", "'/my index'"), std::pair("/it's", "'/it'\\''s'"),
