@@ -52,6 +52,7 @@ install_missing $package_test_packages
 . tests/packaging/machine.sh
 . tests/packaging/driving.sh
 . tests/packaging/build.sh
+. tests/packaging/update_hook.sh
 . tests/packaging/tests.sh
 
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/quarrynet/debian

@@ -10,6 +10,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/packages.sh
 . tools/packages.sh
+. tests/packaging/update_hook.sh
 [ "$(id -u)" = 0 ] || { echo "tests/units.sh: only root can start a container" >&2; exit 1; }
 # shellcheck disable=SC2086 # lists of words
 install_missing $build_packages debootstrap systemd-container
@@ -94,7 +95,7 @@ check "status works for a person" inside setpriv --reuid=nobody --clear-groups e
 check "the timer waits" inside systemctl is-active --quiet quarrynet-services-index.timer
 
 inside touch /var/lib/apt/lists
-inside sh -c "$(inside apt-config dump | sed -n 's/^APT::Update::Post-Invoke-Success:: "\(test -x .*quarrynet.*\)";$/\1/p')"
+run_update_hook
 check "the package tool's hook starts the index" \
     inside sh -c 'for i in 1 2 3 4 5 6 7 8 9 10; do systemctl is-active quarrynet-services-index.service | grep -q activating && exit 0; sleep 0.1; done; exit 1'
 inside sh -c 'while systemctl is-active quarrynet-services-index.service | grep -q activating; do sleep 0.5; done'

@@ -57,7 +57,9 @@ if [ -e "$plugin" ]; then
 else
     echo "clang-tidy: the plug-in was not built (build/tidy/plugin.log), so this takes three times as long"
 fi
-if clang-tidy "${options[@]}" tools/tidy/known_fault.cpp -- -std=c++20 >build/tidy/known_fault.log 2>&1; then
+clang-tidy "${options[@]}" tools/tidy/known_fault.cpp -- -std=c++20 >build/tidy/known_fault.log 2>&1 || true
+# The static analyser reports it as well, but does not depend on what the plug-in lets the checks visit.
+if ! grep -q bugprone-use-after-move build/tidy/known_fault.log; then
     cat build/tidy/known_fault.log
     echo "clang-tidy does not report the fault in tools/tidy/known_fault.cpp" >&2
     exit 1

@@ -128,7 +128,7 @@ test_nothing_started() {
     install /packages quarrynet-services
     nothing_runs "with a disabled socket"
     # The package tool's hook made an index there at the next update of the lists.
-    inside sh -c "$(inside apt-config dump | sed -n 's/^APT::Update::Post-Invoke-Success:: "\(test -x .*quarrynet.*\)";$/\1/p')"
+    run_update_hook || fail "the hook of the package tool"
     nothing_runs "after an update of the package lists"
     inside systemctl enable --quiet --now quarrynet-services.socket
     inside systemctl start quarrynet-services-first-index.service
